@@ -1,0 +1,67 @@
+#include "kit/Background.h"
+
+#include <pthread.h>
+
+#include <exception>
+#include <thread>
+#include <utility>
+
+#include "kit/Mutex.h"
+
+namespace corvane {
+namespace {
+
+struct Counter {
+  Mutex lock;
+  Condition changed;
+  int running GUARDED_BY(lock) = 0;
+};
+
+// Never destroyed: a thread may still end while the process runs its last destructors.
+Counter& TheCounter() {
+  static Counter& counter = *new Counter;
+  return counter;
+}
+
+void Add(int difference) {
+  Counter& counter = TheCounter();
+  const MutexLock lock(counter.lock);
+  counter.running += difference;
+  counter.changed.NotifyAll();
+}
+
+}  // namespace
+
+bool Background::Start(const std::string& name, std::function<void()> work) {
+  Add(1);
+  try {
+    std::thread([label = name.substr(0, 15), own = std::move(work)]() mutable {
+      pthread_setname_np(pthread_self(), label.c_str());
+      own();
+      own = nullptr;  // whoever sees the count drop finds everything released
+      Add(-1);
+    }).detach();
+  } catch (const std::exception&) {
+    Add(-1);
+    return false;
+  }
+  return true;
+}
+
+int Background::Count() {
+  Counter& counter = TheCounter();
+  const MutexLock lock(counter.lock);
+  return counter.running;
+}
+
+bool Background::WaitForNone(std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  Counter& counter = TheCounter();
+  const MutexLock lock(counter.lock);
+  while (counter.running > 0) {
+    if (!counter.changed.WaitUntil(counter.lock, deadline)) return counter.running == 0;
+  }
+  return true;
+}
+
+}  // namespace corvane

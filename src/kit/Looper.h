@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <string>
+
+#include "kit/Message.h"
+#include "kit/Mutex.h"
+
+namespace corvane {
+
+/// A thread that handles messages one after another, in the order in which they were posted.
+///
+/// Owned by shared_ptr: the running thread holds one reference, so that whoever started the looper
+/// may let go of it at any time; the object is destroyed when its last message has ended.
+class Looper : public std::enable_shared_from_this<Looper> {
+ public:
+  /// More messages than this do not wait; further ones are refused.
+  static constexpr std::size_t kQueueLength = 100;
+
+  explicit Looper(std::string name);
+  virtual ~Looper();
+  Looper(const Looper&) = delete;
+  Looper& operator=(const Looper&) = delete;
+
+  /// Starts the thread. False when the system has no thread to give.
+  bool Run();
+
+  /// Any thread; returns at once. False when the queue is full or the looper is quitting.
+  [[nodiscard]] bool PostMessage(Message message) EXCLUDES(lock_);
+
+  /// Any thread; returns at once. What still waits in the queue is dropped, the handler in hand is
+  /// interrupted through Interrupt(), and the loop ends after it.
+  void Quit() EXCLUDES(lock_);
+
+  /// True from the moment Quit was called.
+  [[nodiscard]] bool Quitting() const EXCLUDES(lock_);
+
+ protected:
+  /// On the looper's thread.
+  virtual void MessageReceived(const Message& message) = 0;
+
+  /// Called by Quit, on the caller's thread: make a blocked MessageReceived return soon.
+  virtual void Interrupt() {}
+
+ private:
+  void Loop();
+
+  const std::string name_;
+  mutable Mutex lock_;
+  Condition wake_;
+  std::deque<Message> queue_ GUARDED_BY(lock_);
+  bool quitting_ GUARDED_BY(lock_) = false;
+};
+
+}  // namespace corvane

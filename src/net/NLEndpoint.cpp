@@ -1,0 +1,139 @@
+#include "net/NLEndpoint.h"
+
+#include <fcntl.h>
+#include <sys/time.h>
+
+#include <cerrno>
+#include <string>
+#include <utility>
+
+#include "net/NLException.h"
+#include "util/ErrorText.h"
+
+namespace corvane {
+
+NLEndpoint::NLEndpoint(e_type type) : protocol_(type) {
+  NLEndpoint::p_resetSocket();
+}
+
+NLEndpoint::NLEndpoint(const NLEndpoint& source)
+    : throwOnSendError(source.throwOnSendError),
+      throwOnReceiveError(source.throwOnReceiveError),
+      lastError(source.lastError),
+      receiveTimeout(source.receiveTimeout),
+      localAddress_(source.localAddress_),
+      remoteAddress_(source.remoteAddress_),
+      protocol_(source.protocol_),
+      silenceLimit_(source.silenceLimit_) {}
+
+NLEndpoint::~NLEndpoint() {
+  NLEndpoint::close();
+}
+
+std::unique_ptr<NLEndpoint> NLEndpoint::clone(const NLEndpoint& source) const {
+  return std::unique_ptr<NLEndpoint>(new NLEndpoint(source));
+}
+
+void NLEndpoint::close() {
+  Socket last;  // let go of when the lock is free again
+  const MutexLock lock(lock_);
+  state_ = s_inval;
+  if (lookup_) lookup_->cancel();
+  if (socket_.use_count() > 1) ::shutdown(socket_->get(), SHUT_RDWR);
+  last = std::exchange(socket_, nullptr);
+}
+
+void NLEndpoint::abort() {
+  {
+    const MutexLock lock(lock_);
+    aborted_ = true;
+  }
+  close();
+}
+
+void NLEndpoint::p_resetSocket() {
+  constexpr char kFunction[] = "NLEndpoint::p_resetSocket()";
+  close();
+  const auto fresh = std::make_shared<const UniqueFd>(
+      ::socket(AF_INET, static_cast<int>(protocol_) | SOCK_CLOEXEC, 0));
+  if (!*fresh) fail(kFunction, "::socket()", errno);
+  applySilenceLimit(fresh->get());
+  const MutexLock lock(lock_);
+  if (aborted_) throw NLException(kFunction, "Connection aborted", this);
+  socket_ = fresh;
+  state_ |= s_open;
+}
+
+void NLEndpoint::setProtocol(e_type type) {
+  protocol_ = type;
+  p_resetSocket();
+}
+
+std::uint32_t NLEndpoint::state() const {
+  const MutexLock lock(lock_);
+  return state_;
+}
+
+NLEndpoint::Socket NLEndpoint::use(const char* function) {
+  const MutexLock lock(lock_);
+  if (aborted_) throw NLException(function, "Connection aborted", this);
+  return socket_ ? socket_ : std::make_shared<const UniqueFd>();
+}
+
+bool NLEndpoint::isCurrent(const Socket& socket) const {
+  const MutexLock lock(lock_);
+  return socket_ == socket;
+}
+
+void NLEndpoint::addState(const Socket& socket, std::uint32_t bits, const char* function,
+                          const char* call) {
+  {
+    const MutexLock lock(lock_);
+    if (socket_ == socket) {
+      state_ |= bits;
+      return;
+    }
+  }
+  fail(function, call, ECONNABORTED);
+}
+
+void NLEndpoint::fail(const char* function, const char* call, int error, const char* sourceFile,
+                      int sourceLine) {
+  throw NLException(function, std::string(call) + " failed: " + ErrorText(error), this, sourceFile,
+                    sourceLine);
+}
+
+void NLEndpoint::setOption(e_options option, e_optlevel level, const void* value,
+                           unsigned int size) {
+  const Socket socket = use("NLEndpoint::setOption");
+  if (!*socket) throw NLException("NLEndpoint::setOption", "Socket not opened", this);
+  ::setsockopt(socket->get(), level, option, value, size);
+}
+
+void NLEndpoint::setNonBlock(bool on) {
+  const Socket socket = use("NLEndpoint::setOption");
+  if (!*socket) throw NLException("NLEndpoint::setOption", "Socket not opened", this);
+  const int flags = ::fcntl(socket->get(), F_GETFL);
+  ::fcntl(socket->get(), F_SETFL, on ? flags | O_NONBLOCK : flags & ~O_NONBLOCK);
+}
+
+void NLEndpoint::setReuseAddr(bool on) {
+  const int value = on ? 1 : 0;
+  setOption(reuseAddress, socketLevel, &value, sizeof value);
+}
+
+void NLEndpoint::setSilenceLimit(long milliseconds) {
+  silenceLimit_ = milliseconds > 0 ? milliseconds : 0;
+  const Socket socket = use("NLEndpoint::setSilenceLimit");
+  if (*socket) applySilenceLimit(socket->get());
+}
+
+void NLEndpoint::applySilenceLimit(int descriptor) const {
+  timeval limit{};
+  limit.tv_sec = silenceLimit_ / 1000;
+  limit.tv_usec = silenceLimit_ % 1000 * 1000;
+  ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+  ::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+}
+
+}  // namespace corvane

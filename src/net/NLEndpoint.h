@@ -1,0 +1,139 @@
+#pragma once
+
+#include <sys/socket.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "kit/Mutex.h"
+#include "net/NLAddress.h"
+#include "net/NLLookup.h"
+#include "util/UniqueFd.h"
+
+namespace corvane {
+
+class NLPacket;
+
+/// One IPv4 socket. One thread at a time works with it; close() and abort() may be called from any
+/// thread and make a blocked call return. Failing calls close the socket and throw NLException
+/// (net/NLException.h), unless stated otherwise. Timeouts are milliseconds; 0 or less waits without
+/// limit.
+class NLEndpoint {
+ public:
+  enum e_type : int { stream = SOCK_STREAM, datagram = SOCK_DGRAM };
+  enum e_optlevel : int { socketLevel = SOL_SOCKET };
+  enum e_options : int { reuseAddress = SO_REUSEADDR };
+
+  /// Bits of the state word.
+  static constexpr std::uint32_t s_inval = 0;
+  static constexpr std::uint32_t s_open = 1;
+  static constexpr std::uint32_t s_bound = 2;
+  static constexpr std::uint32_t s_connected = 4;
+
+  /// Opens a socket; throws when the system has none.
+  explicit NLEndpoint(e_type type);
+  virtual ~NLEndpoint();
+  NLEndpoint& operator=(const NLEndpoint&) = delete;
+
+  /// Any thread. Leaves no socket; a later bind or connect opens a fresh one.
+  virtual void close() EXCLUDES(lock_);
+
+  /// Any thread. Closes for good: every later call that needs a socket throws "Connection aborted".
+  void abort() EXCLUDES(lock_);
+
+  /// Binds a fresh socket where this one is not fresh. Where any address was asked for, the local
+  /// address kept is that of the machine's own name, if it resolves.
+  virtual void bind(const NLAddress& address);
+  virtual void bind(int port);
+
+  virtual void connect(const NLAddress& address);
+  virtual void connect(const char* host, int port);
+
+  virtual void listen(int backlog);
+
+  /// A new connection, or null when none came in time.
+  [[nodiscard]] virtual std::unique_ptr<NLEndpoint> accept(long timeout);
+
+  /// One send call: the count may be less than `length`. Negative only when throwOnSendError is
+  /// off.
+  virtual long send(const void* data, std::size_t length, int flags = 0);
+  virtual long send(NLPacket& packet, int flags = 0);
+  virtual long sendto(const void* data, std::size_t length, const NLAddress& to, int flags = 0);
+  virtual long sendto(NLPacket& packet, const NLAddress& to, int flags = 0);
+
+  /// One receive call: 0 at the end of the stream or when receiveTimeout passed first. Negative
+  /// only when throwOnReceiveError is off.
+  virtual long recv(void* buffer, std::size_t length, int flags = 0);
+  virtual long recv(NLPacket& packet, std::size_t length, int flags = 0);
+  virtual long recvfrom(void* buffer, std::size_t length, NLAddress& from, int flags = 0);
+  virtual long recvfrom(NLPacket& packet, std::size_t length, NLAddress& from, int flags = 0);
+
+  /// Waits until the socket can be read (or accepted from); false when the time passed first.
+  [[nodiscard]] virtual bool isDataPending(long milliseconds);
+
+  /// Throws "Socket not opened" without a socket; what setsockopt answers is ignored.
+  void setOption(e_options option, e_optlevel level, const void* value, unsigned int size);
+  void setNonBlock(bool on);
+  void setReuseAddr(bool on);
+  /// A blocked receive or send fails after so many milliseconds; 0 switches the limit off.
+  void setSilenceLimit(long milliseconds);
+  void setProtocol(e_type type);
+
+  [[nodiscard]] std::uint32_t state() const EXCLUDES(lock_);
+  [[nodiscard]] const NLAddress& localAddress() const { return localAddress_; }
+  [[nodiscard]] const NLAddress& remoteAddress() const { return remoteAddress_; }
+
+  bool throwOnSendError = true;
+  bool throwOnReceiveError = true;
+  /// The error number of the last failed send or receive.
+  int lastError = 0;
+  /// When 0 or more, every receive first waits so long with isDataPending; 0 waits without limit.
+  long receiveTimeout = -1;
+
+ protected:
+  /// A field-by-field copy without the descriptor, which accept() fills in.
+  NLEndpoint(const NLEndpoint& source);
+  virtual std::unique_ptr<NLEndpoint> clone(const NLEndpoint& source) const;
+  virtual void p_resetSocket();
+
+ private:
+  using Socket = std::shared_ptr<const UniqueFd>;
+
+  /// The socket for the length of one call; an empty descriptor when there is none. Never null.
+  [[nodiscard]] Socket use(const char* function) EXCLUDES(lock_);
+  /// False once the socket that a call works on was closed, from whichever thread.
+  [[nodiscard]] bool isCurrent(const Socket& socket) const EXCLUDES(lock_);
+  /// Adds state bits, unless the socket was closed meanwhile; then fails like `call`.
+  void addState(const Socket& socket, std::uint32_t bits, const char* function, const char* call);
+  [[noreturn]] void fail(const char* function, const char* call, int error,
+                         const char* sourceFile = __builtin_FILE(),
+                         int sourceLine = __builtin_LINE());
+
+  [[nodiscard]] NLAddress resolve(const char* host, std::uint16_t port) EXCLUDES(lock_);
+  [[nodiscard]] int connectSocket(const Socket& socket, const NLAddress& address);
+  [[nodiscard]] sockaddr_in socketName(const Socket& socket, const char* function);
+  void applySilenceLimit(int descriptor) const;
+  [[nodiscard]] std::unique_ptr<char[]> packetBuffer(std::size_t length, const char* function);
+  [[nodiscard]] int transferError(const Socket& socket, int error) const;
+  long endSend(const Socket& socket, long result, const void* data, const char* function,
+               const char* call);
+  long endReceive(const Socket& socket, long result, std::size_t length, const void* buffer,
+                  const char* function, const char* call);
+
+  NLAddress localAddress_;
+  NLAddress remoteAddress_;
+  e_type protocol_;
+  long silenceLimit_ = 0;
+
+  // Each call shares the socket while it runs. Closing shuts a shared one down at once, which wakes
+  // the blocked call, and the last to let go of it closes the descriptor; so its number cannot be
+  // reused under a running call.
+  mutable Mutex lock_;
+  Socket socket_ GUARDED_BY(lock_);
+  std::uint32_t state_ GUARDED_BY(lock_) = s_inval;
+  std::shared_ptr<NLLookup> lookup_ GUARDED_BY(lock_);
+  bool aborted_ GUARDED_BY(lock_) = false;
+};
+
+}  // namespace corvane

@@ -1,0 +1,60 @@
+#include "net/NLLookup.h"
+
+#include <optional>
+#include <system_error>
+#include <thread>
+
+#include "kit/Mutex.h"
+#include "net/NLException.h"
+
+namespace corvane {
+
+struct NLLookup::State {
+  Mutex lock;
+  Condition changed;
+  bool cancelled GUARDED_BY(lock) = false;
+  bool done GUARDED_BY(lock) = false;
+  NLAddress address GUARDED_BY(lock);
+  std::optional<NLException> failure GUARDED_BY(lock);
+};
+
+NLLookup::NLLookup(const std::string& host, std::uint16_t port)
+    : state_(std::make_shared<State>()) {
+  const auto lookUp = [state = state_, host, port] {
+    NLAddress address;
+    std::optional<NLException> failure;
+    try {
+      address.set(host.c_str(), port);
+    } catch (const NLException& exception) {
+      failure = exception;
+    }
+    const MutexLock lock(state->lock);
+    state->address = address;
+    state->failure = failure;
+    state->done = true;
+    state->changed.NotifyAll();
+  };
+  // Not counted by Background: the end of the process does not wait for a resolver that hangs.
+  try {
+    std::thread(lookUp).detach();
+  } catch (const std::system_error& error) {
+    throw NLException("NLLookup::NLLookup", error.code().message());
+  }
+}
+
+NLAddress NLLookup::get() {
+  State& state = *state_;
+  const MutexLock lock(state.lock);
+  while (!state.done && !state.cancelled) state.changed.Wait(state.lock);
+  if (state.cancelled) throw NLException("NLLookup::get", "Lookup cancelled");
+  if (state.failure) throw NLException(*state.failure);
+  return state.address;
+}
+
+void NLLookup::cancel() {
+  const MutexLock lock(state_->lock);
+  state_->cancelled = true;
+  state_->changed.NotifyAll();
+}
+
+}  // namespace corvane

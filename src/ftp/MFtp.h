@@ -1,0 +1,255 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ftp/BrowserUi.h"
+#include "ftp/ReplyReader.h"
+#include "ftp/TransferUi.h"
+#include "kit/Mutex.h"
+#include "net/NLAddress.h"
+#include "net/NLEndpoint.h"
+
+namespace corvane {
+
+class LocalFile;
+class NLLookup;
+struct NLException;
+
+/// One connection to an FTP server (RFC 959): its control connection and, while something is listed
+/// or transferred, its data connection.
+///
+/// An engine belongs to a browser window or to one transfer. Worker threads only, one at a time:
+/// see EngineLease. Close, AbortData and Aborted may be called from any thread. Commands are built
+/// as text with one "\n" at the end. Calls that talk to the server throw NLException when the
+/// connection is lost, unless they say otherwise.
+class MFtp {
+ public:
+  /// What the server says of itself (SYST).
+  enum ServerType : std::int32_t { kUnix = 0, kWindowsNT = 1, kAppleShare = 2 };
+
+  /// One entry of a directory on the way through a tree.
+  struct WalkEntry {
+    std::string name;
+    std::int64_t size = 0;  ///< bytes; plain files only
+    std::int32_t type = kFile;
+  };
+
+  struct Listing {
+    std::string text;    ///< without carriage returns
+    bool whole = false;  ///< the data ended cleanly and the server confirmed it
+  };
+
+  struct DownloadJob {
+    std::string name;            ///< raw bytes, as listed
+    std::int64_t expected = -1;  ///< the listed size in bytes; -1 when not known
+    std::int64_t offset = 0;     ///< where the server was told to start (REST)
+    bool empty = true;           ///< empty the local file once the server has accepted
+  };
+
+  static constexpr std::size_t kMaxListing = 1024UL * 1024 * 1024;
+  static constexpr int kMaxDepth = 128;
+  static constexpr std::string_view BINARY = "TYPE I\n";
+
+  /// A browser's connection: it has a log and a status line, and its warnings are shown.
+  MFtp(std::string host, std::uint16_t port, const std::string& user, const std::string& password,
+       bool passive, std::shared_ptr<BrowserUi> browser);
+  /// A transfer's connection: it reports into one row and shows no warnings.
+  MFtp(std::string host, std::uint16_t port, const std::string& user, const std::string& password,
+       bool passive, std::shared_ptr<TransferUi> row);
+  ~MFtp();
+  MFtp(const MFtp&) = delete;
+  MFtp& operator=(const MFtp&) = delete;
+
+  // --- control connection: MFtpControl.cpp
+
+  /// Sends the text unchanged; no log, no reply. 1, or 0 when it is not one line (nothing is sent).
+  int Send(std::string_view command);
+  /// Logs and sends the command with "\r\n" at its end; the reply's code, not judged. 0 when the
+  /// command is not one line: nothing is sent and the user is warned.
+  int SendCommand(std::string_view command);
+  /// The same, with only "PASS\n" in the log.
+  int SendPassword(std::string_view command);
+  /// Reads one complete reply; its code. A 421 ends the connection.
+  int ReadResponse();
+  /// Logs and sends like SendCommand; the reply's text, carriage returns removed.
+  std::string ReturnResponse(std::string_view command);
+  /// Whether the caller may go on (not 0); warns the browser's user about refusals.
+  int CheckResult(int code);
+  void UpdateLog(std::string_view text);
+  /// False only when the browser window is closing: the caller stops.
+  bool UpdateStatus(std::string_view text);
+  /// Whether the server says something within 700 milliseconds.
+  bool isDataPending();
+  /// Warns the browser's user; a transfer keeps the text as its failure only.
+  void Warn(std::string_view text, std::string_view title = {});
+
+  // --- the session: MFtpLogin.cpp
+
+  /// Resolves, connects and logs in: 1; 0 failed or the window is closing; -1 failed on a transfer
+  /// after its row was told. Never throws.
+  std::int32_t Login();
+  void GetServerType();
+  [[nodiscard]] std::int32_t ReturnServerType() const { return serverType_; }
+  /// Asks for the working directory and hands it to the browser window.
+  void SetPWD();
+  /// The reply code, not judged.
+  int ChangeDir(std::string_view directory);
+  /// Any thread: ends the connection for good, without a word to the server; every blocked call
+  /// returns soon.
+  void Close();
+  [[nodiscard]] bool Aborted() const { return aborted_.load(); }
+
+  // --- listings: MFtpListing.cpp
+
+  /// Fetches the listing over the data connection that was set up. Never throws for a failed data
+  /// connection; the user is warned and what came is returned.
+  Listing GetListing();
+  /// Shows a listing in the browser window; false when the window is closing.
+  bool ParseListing(std::string_view text);
+  /// The entries of a listing, devices, "." and ".." left out; link names uncut.
+  [[nodiscard]] std::vector<WalkEntry> Parse(std::string_view text) const;
+
+  // --- data connections and transfers: MFtpData.cpp, MFtpTransfer.cpp
+
+  /// Announces a listening socket with PORT; false when the server refused.
+  bool SetUpActive();
+  /// Asks for the server's port with PASV: 1, or 0 when it named none.
+  int SetUpPassive();
+  /// One of the two, by the connection's passive flag.
+  bool SetUpData();
+  /// The same, and binary mode; what comes before every transfer (LastFailure says what failed).
+  bool PrepareTransfer();
+  /// Closes the data connection if there is one.
+  void DataCommClose();
+  /// Any thread: a blocked data connection returns; the control connection stays.
+  void AbortData();
+
+  /// Fetches one file over the data connection that was set up: 1 finished, -1 failed or cancelled
+  /// (LastFailure says why). `file` stays open. Never throws.
+  int Download(TransferUi& row, LocalFile& file, const DownloadJob& job,
+               const std::atomic<bool>& cancelled);
+  /// Stores the rest of an open file under `name`: 1 or -1, as above.
+  int Upload(TransferUi& row, LocalFile& file, const std::string& name,
+             const std::atomic<bool>& cancelled);
+
+  /// The size in bytes that the server states, or -1.
+  std::int64_t GetFileSize(std::string_view name);
+  /// Shows a remote file as text in a window: 1, or 0 when the server refused.
+  int ViewFile(const std::string& name);
+
+  // --- trees: MFtpDelete.cpp
+
+  /// Deletes a directory with all that is in it; links are not followed. Not 0 on success. Ends in
+  /// the directory in which it began.
+  int DeleteDirectory(const std::string& name);
+
+  // --- state
+
+  /// Why the last operation failed, for the user; the server's own words where it gave some.
+  [[nodiscard]] const std::string& LastFailure() const { return failure_; }
+  /// The last line of the last reply, from its fifth character on.
+  [[nodiscard]] const std::string& LastReplyText() const { return lastReplyText_; }
+  [[nodiscard]] const std::string& Host() const { return host_; }
+  [[nodiscard]] bool Passive() const { return passive_; }
+  /// The connection broke, or the server said 421; a new Login is needed.
+  [[nodiscard]] bool Lost() const { return lost_; }
+  /// Tells the browser's user that the connection is gone, and why.
+  void ReportLost(const NLException& error);
+
+  /// How long a silent server is waited for, in milliseconds. Set before Login.
+  long silenceLimit = 120'000;
+
+ private:
+  friend class EngineLease;
+
+  MFtp(std::string host, std::uint16_t port, const std::string& user, const std::string& password,
+       bool passive);
+
+  // control
+  bool IsOneLine(std::string_view command);
+  void SendLine(std::string_view command);
+  void SendControl(std::string_view bytes);
+  Reply ReadReply();
+  void ReadOwedReply();
+  [[nodiscard]] OwnerUi& Owner() const;
+
+  // login
+  bool Resolve();
+  std::int32_t Identify();
+  std::int32_t RefusedLogin(std::string_view text, bool tellOwner);
+  std::int32_t FailConnection();
+  void PostError(std::string_view text, std::string_view detail = {});
+
+  // data
+  enum class DataState { Open, Refused, Failed };
+  void SetDataEndpoint(std::unique_ptr<NLEndpoint> endpoint);
+  DataState OpenData(const std::string& command, std::string_view logged,
+                     const std::atomic<bool>& cancelled);
+  bool AcceptData(const std::atomic<bool>& cancelled);
+  void ConnectData();
+  bool JudgePreliminary(int code);
+  bool FinishData();
+  void DropRefused();
+  NLEndpoint* DataEndpoint();
+  bool ReadListing(Listing& listing);
+  bool ReadListingData(std::string& text);
+  int Transfer(const std::string& command, const std::atomic<bool>& cancelled,
+               const std::function<bool()>& move);
+  bool Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
+               const std::atomic<bool>& cancelled);
+  bool SendFile(TransferUi& row, LocalFile& file, const std::atomic<bool>& cancelled);
+  void FillViewer(const std::string& name);
+  bool CameWhole(const DownloadJob& job, std::int64_t received);
+  void Fail(std::string_view why);
+  void FailFrom(const NLException& error);
+
+  // trees
+  int DeleteDirectory(const std::string& name, int depth);
+  int DeleteEntries(int depth);
+
+  const std::string host_;
+  const std::uint16_t port_;
+  const std::string userCommand_;
+  const std::string passCommand_;
+  const bool passive_;
+  std::shared_ptr<BrowserUi> browser_;  // set for a browser's connection
+  std::shared_ptr<TransferUi> row_;     // set for a transfer's connection
+
+  std::string lastReplyText_;
+  int lastCode_ = 0;
+  std::string failure_;
+  std::int32_t serverType_ = kUnix;
+  std::string listCommand_ = "LIST -la\n";
+  std::uint16_t passivePort_ = 0;
+  NLEndpoint controlEndpoint_;
+  ReplyReader replies_;
+  NLAddress serverAddress_;
+  NLAddress dataAddress_;
+  bool lost_ = false;
+  bool completionDue_ = false;  // the command in hand still owes its completion reply
+  bool localFailure_ = false;   // the transfer in hand failed on this machine
+  int owedReplies_ = 0;         // replies that nobody waited for; read before the next command
+
+  std::atomic<bool> aborted_{false};
+  std::mutex lease_;
+  // Guards what Close and AbortData reach for from other threads.
+  Mutex reach_;
+  std::unique_ptr<NLEndpoint> dataEndpoint_ GUARDED_BY(reach_);
+  std::shared_ptr<NLLookup> lookup_ GUARDED_BY(reach_);
+};
+
+/// Sends every byte, in as many calls as it takes. Throws what NLEndpoint::send throws.
+void SendAll(NLEndpoint& endpoint, std::string_view bytes);
+
+/// The part of an exception's message that a user understands: the system's own words.
+[[nodiscard]] std::string Reason(const NLException& error);
+
+}  // namespace corvane

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+class NLEndpoint;
+
+/// One complete reply of a server.
+struct Reply {
+  int code = 0;
+  std::string text;      ///< all its lines, carriage returns removed, line feeds kept
+  std::string lastText;  ///< its last line from the fifth character on, line feed included
+};
+
+/// Reads replies from a control connection, one byte a call, so that nothing behind a reply is ever
+/// taken with it (RFC 959, 4.2). Knows nothing of commands.
+class ReplyReader {
+ public:
+  static constexpr std::size_t kMaxLine = 64 * 1024;
+  static constexpr std::size_t kMaxReply = 1024 * 1024;
+
+  /// `control` is not owned.
+  explicit ReplyReader(NLEndpoint& control) : control_(control) {}
+
+  /// Waits for one reply; `onLine` sees each line with its end as it comes. Throws NLException when
+  /// the connection ends or fails, when the reply is too long, or when it is no FTP reply at all.
+  [[nodiscard]] Reply Read(const std::function<void(std::string_view)>& onLine);
+
+ private:
+  [[nodiscard]] std::string ReadLine();
+  [[nodiscard]] char ReadByte();
+  [[nodiscard]] bool BeginsCharacter();
+
+  NLEndpoint& control_;
+};
+
+/// The number at the start of a reply's line, or nothing where there is none.
+[[nodiscard]] int ReplyCode(std::string_view line, int otherwise);
+
+}  // namespace corvane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace corvane {
+
+/// The settings in force, as one copy. Names and meanings are those of the stored set.
+struct SettingsValues {
+  std::string DwnldDir = "empty";          ///< folder for downloads; "empty": none chosen
+  std::string DfltPass = "guest@host.in";  ///< password offered for anonymous logins
+  std::string loginSsnd = "none";          ///< sound files by path, "none" for silence
+  std::string loginFsnd = "none";
+  std::string upldsnd = "none";
+  std::string dwnldsnd = "none";
+  std::int32_t buffersize = 8192;  ///< bytes with which a transfer's buffer starts
+  bool useProxy = false;
+  std::string proxyAddress;
+  std::string proxyPort = "21";  ///< decimal text
+  bool useSameConnection = false;
+  bool removeItem = false;  ///< take finished transfers off the list
+  bool showwindow = true;   ///< show the transfer window when a transfer is queued
+};
+
+/// The process-wide settings. Any thread reads a consistent copy at any time.
+class ProcessSettings {
+ public:
+  [[nodiscard]] static SettingsValues Get();
+  static void Set(SettingsValues values);
+};
+
+}  // namespace corvane

@@ -1,0 +1,63 @@
+#include "workers/ListingCache.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <string>
+
+#include "util/UniqueFd.h"
+
+namespace corvane {
+namespace {
+
+// The process's private directory, made on first use and removed at exit.
+class PrivateDirectory {
+ public:
+  PrivateDirectory() {
+    std::error_code error;
+    std::string pattern = (std::filesystem::temp_directory_path(error) / "corvane-XXXXXX").string();
+    if (!error && ::mkdtemp(pattern.data()) != nullptr) path_ = pattern;
+  }
+  ~PrivateDirectory() {
+    if (!path_.empty()) ::rmdir(path_.c_str());
+  }
+  PrivateDirectory(const PrivateDirectory&) = delete;
+  PrivateDirectory& operator=(const PrivateDirectory&) = delete;
+
+  [[nodiscard]] std::string NextFile() {
+    return path_.empty() ? std::string() : path_ + "/" + std::to_string(++count_) + ".txt";
+  }
+
+ private:
+  std::string path_;
+  std::atomic<int> count_{0};
+};
+
+PrivateDirectory& TheDirectory() {
+  static PrivateDirectory directory;
+  return directory;
+}
+
+}  // namespace
+
+ListingCache::ListingCache() : path_(TheDirectory().NextFile()) {}
+
+ListingCache::~ListingCache() {
+  if (!path_.empty()) ::unlink(path_.c_str());
+}
+
+void ListingCache::WriteListing(std::string_view text) {
+  if (path_.empty()) return;
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
+  const UniqueFd file(::open(path_.c_str(), kFlags, 0600));
+  while (file && !text.empty()) {
+    const ssize_t written = ::write(file.get(), text.data(), text.size());
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+}  // namespace corvane

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace corvane {
+
+/// The file that holds the raw text of a window's latest listing, in a directory that only this
+/// user can read and that goes with the process. The file goes with the object. One thread at a
+/// time.
+class ListingCache {
+ public:
+  ListingCache();
+  ~ListingCache();
+  ListingCache(const ListingCache&) = delete;
+  ListingCache& operator=(const ListingCache&) = delete;
+
+  /// Replaces the text. Failures are silent: the listing is shown all the same.
+  void WriteListing(std::string_view text);
+
+  /// Empty when no directory could be made.
+  [[nodiscard]] const std::string& Path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace corvane

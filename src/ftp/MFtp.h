@@ -174,6 +174,7 @@ class MFtp {
        bool passive);
 
   // control
+  [[nodiscard]] static std::string WithLineEnd(std::string_view command);
   bool IsOneLine(std::string_view command);
   void SendLine(std::string_view command);
   void SendControl(std::string_view bytes);

@@ -54,6 +54,13 @@ OwnerUi& MFtp::Owner() const {
   return browser_ ? static_cast<OwnerUi&>(*browser_) : static_cast<OwnerUi&>(*row_);
 }
 
+// A command with its line feed made the full line end that strict servers wait for.
+std::string MFtp::WithLineEnd(std::string_view command) {
+  std::string line(command.substr(0, command.size() - 1));
+  if (!line.ends_with('\r')) line += '\r';
+  return line + '\n';
+}
+
 bool MFtp::IsOneLine(std::string_view command) {
   constexpr std::string_view kForbidden("\r\n\0", 3);
   const std::string_view body = command.substr(0, command.empty() ? 0 : command.size() - 1);
@@ -98,12 +105,9 @@ int MFtp::ReadResponse() {
   return ReadReply().code;
 }
 
-// Sends a command with its line feed made a full line end.
 void MFtp::SendLine(std::string_view command) {
   ReadOwedReply();
-  std::string line(command.substr(0, command.size() - 1));
-  if (!line.ends_with('\r')) line += '\r';
-  SendControl(line + '\n');
+  SendControl(WithLineEnd(command));
 }
 
 void MFtp::SendControl(std::string_view bytes) {

@@ -140,8 +140,9 @@ MFtp::DataState MFtp::OpenData(const std::string& command, std::string_view logg
     if (!JudgePreliminary(SendCommand(command))) return DataState::Refused;
     return AcceptData(cancelled) ? DataState::Open : DataState::Failed;
   }
-  if (Send(command) == 0) return DataState::Refused;
+  if (!IsOneLine(command)) return DataState::Refused;
   UpdateLog(logged);
+  SendLine(command);
   std::string failure;
   try {
     ConnectData();

@@ -244,7 +244,7 @@ TEST(Login, LearnsTheServerAndItsDirectory) {
   } cases[] = {
       {"215 Windows_NT version 4.0\r\n", "257 \"/\" is current\r\n", false, 1, "/", "LIST\r\n"},
       {"215 UNIX Type: L8\r\n", "257 \"/a \"\"b\"\" c\" x\r\n", true, 0, "/a \"b\" c",
-       "LIST -la\n"},
+       "LIST -la\r\n"},
       {"215 UNIX AppleShare IP FTP Server\r\n", "257 /plain\r\n", true, 2, "/plain", "LIST\r\n"},
       {"500 What?\r\n", "502 No\r\n", false, 0, "", "LIST -la\r\n"},
       {"215\r\n", "257 \"\r\n", false, 0, "", "LIST -la\r\n"},

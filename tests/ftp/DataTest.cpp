@@ -140,7 +140,7 @@ TEST(Listing, AsksForLessWhereOptionsAreRefused) {
     bool passive;
     const char* sent;
   } cases[] = {{false, "PORT\r\nLIST -la\r\nLIST\r\nPORT\r\nLIST\r\n"},
-               {true, "PASV\r\nLIST -la\nPASV\r\nLIST\nPASV\r\nLIST\n"}};
+               {true, "PASV\r\nLIST -la\r\nPASV\r\nLIST\r\nPASV\r\nLIST\r\n"}};
   for (const auto& c : cases) {
     Session s(c.passive);
     s.server.On("LIST", {.reply = "550 No options\r\n"}, 1);

@@ -103,7 +103,7 @@ bool MFtp::ReadListing(Listing& listing) {
 // The data up to its end, carriage returns left out; false when it is not all there is.
 bool MFtp::ReadListingData(std::string& text) {
   NLEndpoint* endpoint = DataEndpoint();
-  std::vector<char> buffer(64 * 1024);
+  std::vector<char> buffer(std::size_t{64} * 1024);
   Sentinel sentinel;
   while (endpoint != nullptr && !aborted_) {
     const long count = endpoint->recv(buffer.data(), buffer.size());

@@ -168,7 +168,7 @@ int MFtp::ViewFile(const std::string& name) {
 void MFtp::FillViewer(const std::string& name) {
   const auto viewer = browser_->OpenViewer(name);
   NLEndpoint* endpoint = DataEndpoint();
-  std::vector<char> buffer(64 * 1024);
+  std::vector<char> buffer(std::size_t{64} * 1024);
   while (viewer && endpoint != nullptr) {
     const long count = endpoint->recv(buffer.data(), buffer.size());
     if (count <= 0) return;

@@ -20,8 +20,8 @@ struct Reply {
 /// taken with it (RFC 959, 4.2). Knows nothing of commands.
 class ReplyReader {
  public:
-  static constexpr std::size_t kMaxLine = 64 * 1024;
-  static constexpr std::size_t kMaxReply = 1024 * 1024;
+  static constexpr std::size_t kMaxLine = std::size_t{64} * 1024;
+  static constexpr std::size_t kMaxReply = std::size_t{1024} * 1024;
 
   /// `control` is not owned.
   explicit ReplyReader(NLEndpoint& control) : control_(control) {}

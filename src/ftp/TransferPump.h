@@ -15,7 +15,7 @@ namespace corvane {
 class TransferPump {
  public:
   static constexpr std::size_t kMinBuffer = 1024;
-  static constexpr std::size_t kMaxBuffer = 1024 * 1024;
+  static constexpr std::size_t kMaxBuffer = std::size_t{1024} * 1024;
 
   TransferPump(TransferProgress& progress, std::int32_t bufferSize);
 

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace corvane {
+
+/// A well-known FTP server, started for one test on a loopback port by tools/test-server.py.
+///
+/// A login starts in `root`; uploads, resumed ones too, overwriting and deleting are allowed,
+/// active and passive. The server ends with the object, or with the test program if that comes
+/// first.
+class RealServer {
+ public:
+  /// All that there are: "vsftpd", "proftpd", "pure-ftpd".
+  static const std::vector<std::string>& Names();
+  /// Why this machine or this user cannot run the server; "" when nothing is in the way.
+  [[nodiscard]] static std::string Obstacle(const std::string& name);
+
+  /// Serves `root`, which Pure-FTPd comes to own. Throws std::runtime_error when it does not start;
+  /// the reason is then on standard error.
+  RealServer(const std::string& name, const std::filesystem::path& root);
+  ~RealServer();
+  RealServer(const RealServer&) = delete;
+  RealServer& operator=(const RealServer&) = delete;
+
+  std::string name;
+  std::filesystem::path root;
+  std::uint16_t port = 0;
+  std::string user;
+  std::string password;
+
+ private:
+  void Stop();
+
+  pid_t process_ = -1;
+};
+
+}  // namespace corvane

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ftp/TransferUi.h"
+#include "support/Recorder.h"
+
+namespace corvane {
+
+struct TransferRecord : OwnerRecord {
+  std::vector<std::string> files;
+  std::vector<std::string> labels;
+  std::vector<std::string> trailings;
+  std::vector<TransferEnd> ends;  ///< every end state that was set
+  std::string why;                ///< what the last one said
+};
+
+/// A transfer row that only takes notes.
+class RecordingTransferUi : public Recorder<TransferUi, TransferRecord> {
+ public:
+  TransferProgress& Progress() override { return progress_; }
+
+  bool BeginFile(std::string_view name) override {
+    return Note([&](TransferRecord& r) { r.files.emplace_back(name); });
+  }
+  bool SetLabel(std::string_view text) override {
+    return Note([&](TransferRecord& r) { r.labels.emplace_back(text); });
+  }
+  bool SetTrailing(std::string_view text) override {
+    return Note([&](TransferRecord& r) { r.trailings.emplace_back(text); });
+  }
+  bool SetEndState(TransferEnd state, std::string_view why) override {
+    return Note([&](TransferRecord& r) {
+      r.ends.push_back(state);
+      r.why = why;
+    });
+  }
+
+  /// The end state, once there is one.
+  [[nodiscard]] std::optional<TransferEnd> End() const {
+    const TransferRecord seen = Seen();
+    return seen.ends.empty() ? std::nullopt : std::optional(seen.ends.back());
+  }
+
+ private:
+  TransferProgress progress_;
+};
+
+}  // namespace corvane

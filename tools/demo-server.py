@@ -1,0 +1,103 @@
+#!/usr/bin/python3
+"""Serves a sample tree on a free loopback port until it is told to end (SIGTERM, SIGINT).
+
+The login is demo/demo and may do everything. The first line on standard output is "PORT ROOT", the
+port and the directory that is served; with --log every command and reply follows.
+"""
+
+import logging
+import os
+import pathlib
+import signal
+import struct
+import sys
+import tempfile
+import zlib
+
+from pyftpdlib.authorizers import DummyAuthorizer
+from pyftpdlib.handlers import FTPHandler
+from pyftpdlib.servers import FTPServer
+
+BIG_FILE = "sample 200 MB.bin"
+
+
+def picture(width, height, red, green, blue):
+    """A PNG file: a gradient towards the colour given."""
+    rows = bytearray()
+    for y in range(height):
+        rows.append(0)
+        for x in range(width):
+            share = (x + y) / (width + height)
+            rows += bytes(int(255 - (255 - part) * share) for part in (red, green, blue))
+
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    header = struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(bytes(rows)))
+            + chunk(b"IEND", b""))
+
+
+def make_tree(root):
+    texts = {
+        "Read me.txt": "A sample server. Everything here may be changed; it is gone when it ends.\n",
+        "Documents/Letter to the editor.txt": "Dear editor,\n\nthank you.\n",
+        "Documents/Übersicht.txt": "Äpfel, Öl und Süßes\n",
+        "Documents/한국어 문서.txt": "안녕하세요\n",
+        "Documents/Minutes/January.txt": "Nothing was decided.\n",
+        "Documents/Minutes/February.txt": "Nothing was decided, again.\n",
+        "Samples/naïve café.txt": "Grüße\n",
+        "Samples/견본.txt": "견본\n",
+        "Samples/two words.txt": "two words\n",
+        "Samples/table.csv": "".join(f"{n},{n * n}\n" for n in range(2000)),
+    }
+    for name, text in texts.items():
+        path = root / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text, encoding="utf-8")
+    (root / "Pictures").mkdir()
+    for number, colour in enumerate([(180, 40, 40), (40, 140, 60), (40, 60, 180)], 1):
+        (root / f"Pictures/Colour {number}.png").write_bytes(picture(160, 120, *colour))
+    (root / "Empty folder").mkdir()
+    with open(root / "Samples" / BIG_FILE, "wb") as file:
+        block = os.urandom(1 << 20)
+        for number in range(200):
+            file.write(struct.pack(">Q", number) + block[8:])
+
+
+class Handler(FTPHandler):
+    banner = "Sample server ready."
+    trace = False
+
+    def pre_process_command(self, line, command, argument):
+        if self.trace:
+            print("<", command, "..." if command == "PASS" else argument, flush=True)
+        super().pre_process_command(line, command, argument)
+
+    def respond(self, text, *arguments, **named):
+        if self.trace:
+            print(">", text, flush=True)
+        super().respond(text, *arguments, **named)
+
+
+def main():
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
+    signal.signal(signal.SIGINT, lambda *_: sys.exit(0))
+    logging.basicConfig(level=logging.CRITICAL)
+    with tempfile.TemporaryDirectory(prefix="corvane-demo-") as name:
+        root = pathlib.Path(name)
+        make_tree(root)
+        authorizer = DummyAuthorizer()
+        authorizer.add_user("demo", "demo", name, perm="elradfmwMT")
+        Handler.authorizer = authorizer
+        Handler.trace = "--log" in sys.argv[1:]
+        server = FTPServer(("127.0.0.1", 0), Handler)
+        try:
+            print(server.socket.getsockname()[1], name, flush=True)
+            server.serve_forever(handle_exit=False)
+        finally:
+            server.close_all()
+
+
+if __name__ == "__main__":
+    main()

@@ -33,7 +33,8 @@ void ControlLooper::MessageReceived(const Message& message) {
     switch (message.what) {
       case "CNNT"_what: Connect(); break;
       case "CRDR"_what: Refresh(); break;
-      case "PCHN"_what: ChangeDirectory(message); break;
+      case "PCHN"_what: ChangeDirectory(message.FindString("cwd").value_or("")); break;
+      case "HSYM"_what: FollowLink(message.FindString("sym").value_or("")); break;
       default: break;
     }
   } catch (const NLException& error) {
@@ -51,10 +52,7 @@ void ControlLooper::Connect() {
   const std::string file = EnterStartPath();
   engine_->SetPWD();
   ListDirectory(*engine_, *cache_);
-  if (file.empty()) return;
-  Message download("DWLD"_what);
-  download.AddString("FileName", file);
-  window_->PostMessage(std::move(download));
+  if (!file.empty()) AskForDownload(file);
 }
 
 // The command toggles: one that says "off" has switched from the DOS to the UNIX style.
@@ -87,9 +85,23 @@ void ControlLooper::Refresh() {
   if (!NeedsConnection()) ListDirectory(*engine_, *cache_);
 }
 
-void ControlLooper::ChangeDirectory(const Message& message) {
+// A link that has a size leads to a file, any other to a directory.
+void ControlLooper::FollowLink(const std::string& name) {
   if (NeedsConnection()) return;
-  const std::string directory = message.FindString("cwd").value_or("");
+  if (engine_->GetFileSize(name) < 0)
+    ChangeDirectory(name);
+  else
+    AskForDownload(name);
+}
+
+void ControlLooper::AskForDownload(const std::string& name) {
+  Message download("DWLD"_what);
+  download.AddString("FileName", name);
+  window_->PostMessage(std::move(download));
+}
+
+void ControlLooper::ChangeDirectory(const std::string& directory) {
+  if (NeedsConnection()) return;
   const int code = engine_->ChangeDir(directory);
   const bool entered = engine_->CheckResult(code) != 0 && code < 400 && !engine_->Lost();
   if (entered) window_->BeginListing();

@@ -36,7 +36,9 @@ class ControlLooper : public Looper {
   void AskForUnixListings();
   std::string EnterStartPath();
   void Refresh();
-  void ChangeDirectory(const Message& message);
+  void ChangeDirectory(const std::string& directory);
+  void FollowLink(const std::string& name);
+  void AskForDownload(const std::string& name);
   [[nodiscard]] bool NeedsConnection();
 
   const std::string startPath_;

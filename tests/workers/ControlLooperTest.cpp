@@ -70,6 +70,18 @@ TEST_F(ControlLooperTest, StartsAtAFile) {
   }));
 }
 
+TEST_F(ControlLooperTest, FollowsLinksToFilesAndDirectories) {
+  server_.Tree().AddFile("/pub/a", "1");
+  Connect();
+  for (const char* name : {"pub/a", "pub"}) {
+    Message link("HSYM"_what);
+    link.AddString("sym", name);
+    ASSERT_TRUE(looper_->PostMessage(std::move(link)));
+  }
+  EXPECT_TRUE(Shows("/pub", {"a"}));
+  EXPECT_EQ(browser_->Seen().Texts("DWLD"_what, "FileName"), std::vector<std::string>{"pub/a"});
+}
+
 TEST_F(ControlLooperTest, StartsAtADirectoryThatIsMissing) {
   server_.Tree().AddFile("/a", "1");
   Connect("/none/x");

@@ -1,0 +1,263 @@
+#include "app/MWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <ctime>
+#include <utility>
+
+#include "app/Alerts.h"
+#include "app/BrowserLink.h"
+#include "app/DirListView.h"
+#include "app/MViewFile.h"
+#include "app/SmallView.h"
+#include "app/TambleApp.h"
+#include "app/Text.h"
+#include "app/WindowLog.h"
+#include "app/Windows.h"
+
+namespace corvane {
+namespace {
+
+std::string WithoutTrailingSlash(std::string path) {
+  if (path.ends_with('/')) path.pop_back();
+  return path;
+}
+
+std::tm LocalTimeNow() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  return local;
+}
+
+}  // namespace
+
+MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
+    : app_(app),
+      connection_(std::move(connection)),
+      link_(std::make_shared<BrowserLink>(*this)),
+      requestedPath_(connection_.path) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  setWindowTitle(tr("Connected To: ") + ToText(connection_.host));
+  setMinimumSize(420, 440);
+  setMaximumSize(4000, 4000);
+  setGeometry(frame);
+  log_ = new WindowLog(this, tr("Log Window: ") + ToText(connection_.host));
+  MakeViews();
+  MakeMenus();
+  app_.AddWindow(this);
+  StartLooper();
+}
+
+MWindow::~MWindow() {
+  // The base class still moves the focus and takes the views apart.
+  qApp->disconnect(this);
+  listing_->disconnect(this);
+  Disconnect();
+  app_.RemoveWindow(this);
+}
+
+void MWindow::StartLooper() {
+  looper_ = app_.Workers().looper(connection_, link_);
+  Message connect("CNNT"_what);
+  connect.AddString("host", connection_.host);
+  connect.AddString("user", connection_.user);
+  connect.AddString("pass", connection_.pass);
+  connect.AddString("path", connection_.path);
+  connect.AddDouble("port", connection_.port);
+  if (!looper_->Run() || !looper_->PostMessage(std::move(connect))) {
+    Message error("FERR"_what);
+    error.AddString("error", tr("The system has no thread to give.").toStdString());
+    link_->PostMessage(std::move(error));
+  }
+}
+
+void MWindow::Disconnect() {
+  link_->Close();
+  if (looper_ != nullptr) looper_->Quit();
+  looper_.reset();
+}
+
+void MWindow::closeEvent(QCloseEvent* event) {
+  hide();
+  Disconnect();
+  event->accept();
+}
+
+void MWindow::SendToLooper(const Message& message) {
+  // A full queue means a hundred requests are waiting; one more would not be noticed.
+  if (looper_ == nullptr || !looper_->PostMessage(message)) QApplication::beep();
+}
+
+void MWindow::MessageReceived(const Message& message) {
+  switch (message.what) {
+    case "PCHN"_what:
+      if (message.FindString("cwd").has_value()) {
+        SendToLooper(message);
+      } else {
+        ChangeDirectory();
+      }
+      break;
+    case "SNGL"_what: OpenSelected(); break;
+    case "DWLD"_what: DownloadRequested(message); break;
+    case "UPLD"_what: ChooseUploads(); break;
+    case "COPY"_what: CopySelected(); break;
+    case "SALL"_what: SelectEverything(); break;
+    case "ADDI"_what: FinishedUpload(message); break;
+    case "FERR"_what: FatalError(message); break;
+    case "GERR"_what:
+      Warn(ToLines(message.FindString("warning").value_or("")),
+           ToText(message.FindString("title").value_or(tr("Warning").toStdString())));
+      break;
+    case "TMOT"_what:
+      closingForError_ = true;
+      close();
+      break;
+    case "SHLG"_what: log_->BringForward(); break;
+    case "SHWD"_what: BringForward(this); break;
+    default: break;
+  }
+}
+
+void MWindow::FatalError(const Message& message) {
+  if (std::exchange(closingForError_, true)) return;
+  Alerts::Show(this,
+               {.icon = QMessageBox::Critical,
+                .title = tr("Error"),
+                .text = ToLines(message.FindString("error").value_or(""))},
+               [this](int) { close(); });
+}
+
+void MWindow::Warn(const QString& text, const QString& title) {
+  Alerts::Show(this, {.title = title, .text = text});
+}
+
+void MWindow::ShowStatus(std::string_view text) {
+  status_->setText(ToText(text));
+  status_->setToolTip(status_->text());
+}
+
+void MWindow::AppendLog(std::string_view text) {
+  log_->Append(text);
+}
+
+void MWindow::ShowPath(std::string_view path) {
+  currentDirectory_ = path;
+  // What is being typed stays.
+  if (!path_->hasFocus() || !path_->isModified()) path_->setText(ToText(path));
+}
+
+void MWindow::GetRidofListing() {
+  listing_->clearSelection();
+  listing_->Rows().Clear();
+  count_->SetCount(0);
+}
+
+void MWindow::AddRows(std::vector<MWListItem> items) {
+  listing_->Rows().Append(std::move(items));
+}
+
+void MWindow::ListingEnded(std::size_t count) {
+  count_->SetCount(static_cast<int>(count));
+  listing_->SortByName();
+}
+
+void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) {
+  auto* viewer = new MViewFile(this, ToText(title), link);
+  viewer->move(frameGeometry().topLeft() + QPoint(-20, 40));
+  viewer->show();
+}
+
+void MWindow::ChangeDirectoryTo(const std::string& name) {
+  requestedPath_ = name;
+  Message message("PCHN"_what);
+  message.AddString("cwd", name);
+  SendToLooper(message);
+}
+
+void MWindow::ChangeDirectory() {
+  if (path_->hasFocus() && !path_->text().isEmpty()) {
+    PathEntered();
+    return;
+  }
+  const int row = listing_->FirstSelected();
+  if (row >= 0 && listing_->Rows().At(row).Type() == kDirectory) {
+    ChangeDirectoryTo(listing_->Rows().At(row).Name());
+  }
+}
+
+void MWindow::PathEntered() {
+  if (path_->text().isEmpty()) return;
+  path_->setModified(false);
+  ShowStatus("Changing Dir..");
+  // A path that was shown and not touched goes back as the bytes that it came as.
+  const bool untouched = path_->text() == ToText(currentDirectory_);
+  ChangeDirectoryTo(untouched ? currentDirectory_ : ToBytes(path_->text()));
+}
+
+void MWindow::OpenSelected() {
+  const int row = listing_->FirstSelected();
+  if (row < 0) return;
+  const MWListItem& item = listing_->Rows().At(row);
+  switch (item.Type()) {
+    case kDirectory: ChangeDirectoryTo(item.Name()); break;
+    case kFile: MessageReceived(Message("DWLD"_what)); break;
+    case kLink: {
+      Message message("HSYM"_what);
+      message.AddString("sym", item.Name());
+      SendToLooper(message);
+      break;
+    }
+    default: break;
+  }
+}
+
+void MWindow::CopySelected() {
+  if (lastFocus_ == path_) {
+    path_->copy();
+    return;
+  }
+  QString text;
+  for (const int row : listing_->SelectedRows()) {
+    text += ToText("ftp://" + connection_.host + currentDirectory_ + "/" +
+                   listing_->Rows().At(row).Name()) +
+            '\n';
+  }
+  if (text.isEmpty()) return;
+  QApplication::clipboard()->setText(text);
+  listing_->clearSelection();
+}
+
+void MWindow::SelectEverything() {
+  if (lastFocus_ == path_) {
+    path_->selectAll();
+  } else {
+    listing_->selectAll();
+  }
+}
+
+void MWindow::FinishedUpload(const Message& message) {
+  const std::string name = message.FindString("FileName").value_or("");
+  const std::string path = message.FindString("Path").value_or("");
+  const bool isFile = !message.FindString("Type").value_or("").starts_with('d');
+  if (name.empty() || WithoutTrailingSlash(path) != WithoutTrailingSlash(currentDirectory_)) return;
+  const std::int64_t size = isFile ? message.FindInt64("fSize").value_or(0) : kDirectorySize;
+  const int row = listing_->Rows().Find(name);
+  if (row < 0) {
+    fileStruct entry;
+    entry.name = name;
+    entry.type = isFile ? kFile : kDirectory;
+    entry.permissions = isFile ? "-r--r--r--" : "dr-xr--r--";
+    entry.size = size;
+    entry.time = LocalTimeNow();
+    listing_->InsertItem(entry, name);
+    count_->SetCount(count_->Count() + 1);
+  } else if (row > 1 && isFile) {
+    listing_->Rows().SetSizeAndTime(row, size, LocalTimeNow());
+  }
+}
+
+}  // namespace corvane

@@ -1,0 +1,125 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/Connection.h"
+#include "app/MWListItem.h"
+#include "app/TransferRequest.h"
+#include "kit/Looper.h"
+#include "kit/Message.h"
+
+class QAction;
+class QFileDialog;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+
+namespace corvane {
+
+class BrowserLink;
+class DirListView;
+class SmallView;
+class TambleApp;
+class ViewerLink;
+class WindowLog;
+
+/// A browser window: one FTP connection, its listing and its commands. GUI thread.
+///
+/// Owns its looper's start and end; deletes itself when closed. What the connection tells it comes
+/// through a BrowserLink, which outlives it.
+class MWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  /// Starts connecting at once; the caller shows the window.
+  MWindow(TambleApp& app, const QRect& frame, Connection connection);
+  ~MWindow() override;
+
+  /// Menu items, buttons, the listing and the connection speak to the window in messages.
+  void MessageReceived(const Message& message);
+
+  /// Lets go of the connection: whatever it does ends in the background.
+  void Disconnect();
+
+  // From the link, in the order in which the connection said it.
+  void ShowStatus(std::string_view text);
+  void AppendLog(std::string_view text);
+  void ShowPath(std::string_view path);
+  void GetRidofListing();
+  void AddRows(std::vector<MWListItem> items);
+  void ListingEnded(std::size_t count);
+  void OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title);
+
+  [[nodiscard]] DirListView& Listing() { return *listing_; }
+  [[nodiscard]] const std::string& CurrentDirectory() const { return currentDirectory_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  // MWindowLayout.cpp
+  void MakeViews();
+  void MakeMenus();
+  QWidget* MakeStatusBox();
+  QAction* AddCommand(QMenu* menu, const QString& text, const char* key, const Message& message);
+  void MakeWindowsMenu();
+  void MenusBeginning();
+  void ListingEnabled(bool enabled);
+
+  // MWindow.cpp
+  void StartLooper();
+  void SendToLooper(const Message& message);
+  void ChangeDirectoryTo(const std::string& name);
+  void ChangeDirectory();
+  void PathEntered();
+  void OpenSelected();
+  void CopySelected();
+  void SelectEverything();
+  void FinishedUpload(const Message& message);
+  void FatalError(const Message& message);
+  void Warn(const QString& text, const QString& title = tr("Warning"));
+
+  // MWindowTransfers.cpp
+  void DownloadRequested(const Message& message);
+  void SaveDialogBox(int row, int count);
+  void DownloadOne(const std::string& folder, const std::string& localName);
+  void AskAndHandOver(DownloadRequest request, std::int64_t localSize);
+  void DownloadInto(const std::string& folder);
+  void ChooseUploads();
+  void Upload(const QStringList& paths);
+
+  TambleApp& app_;
+  const Connection connection_;
+  std::shared_ptr<BrowserLink> link_;
+  std::shared_ptr<Looper> looper_;
+  std::string currentDirectory_;
+  std::string requestedPath_;
+  bool closingForError_ = false;
+
+  QLineEdit* path_ = nullptr;
+  QLabel* status_ = nullptr;
+  DirListView* listing_ = nullptr;
+  SmallView* count_ = nullptr;
+  QPushButton* download_ = nullptr;
+  QPushButton* upload_ = nullptr;
+  WindowLog* log_ = nullptr;
+  QMenu* commands_ = nullptr;
+  QAction* copy_ = nullptr;
+  QAction* selectAll_ = nullptr;
+  QAction* downloadItem_ = nullptr;
+  QAction* changeDir_ = nullptr;
+  QPointer<QFileDialog> openPanel_;
+  QPointer<QFileDialog> savePanel_;
+  QPointer<QWidget> lastFocus_;  // path field or listing, whichever had the focus last
+};
+
+}  // namespace corvane

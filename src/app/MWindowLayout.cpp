@@ -1,0 +1,174 @@
+// What a browser window consists of: its views and menus.
+
+#include <QAction>
+#include <QApplication>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "app/DirListView.h"
+#include "app/MWindow.h"
+#include "app/SmallView.h"
+#include "app/TambleApp.h"
+#include "app/Windows.h"
+
+namespace corvane {
+namespace {
+
+Message ChangeDirectoryMessage(const char* where) {
+  Message message("PCHN"_what);
+  message.AddString("cwd", where);
+  return message;
+}
+
+}  // namespace
+
+void MWindow::MakeViews() {
+  auto* main = new QWidget(this);
+  main->setObjectName("MainWindowView");
+  setCentralWidget(main);
+
+  auto* pathLabel = new QLabel(tr("Path:"), main);
+  path_ = new QLineEdit(main);
+  path_->setObjectName("Path");
+  path_->setAccessibleName(tr("Remote path"));
+  path_->setText(QString::fromStdString(connection_.path));
+  pathLabel->setBuddy(path_);
+  listing_ = new DirListView(main);
+  count_ = new SmallView(main);
+  download_ = new QPushButton(tr("&Download"), main);
+  download_->setObjectName("download");
+  download_->setEnabled(false);
+  upload_ = new QPushButton(tr("&Upload"), main);
+  upload_->setObjectName("upload");
+
+  auto* side = new QVBoxLayout;
+  side->setSpacing(8);
+  side->addWidget(MakeStatusBox());
+  side->addWidget(listing_->InfoBox());
+  side->addStretch();
+  side->addWidget(upload_);
+  side->addWidget(download_);
+
+  auto* pathRow = new QHBoxLayout;
+  pathRow->setSpacing(6);
+  pathRow->addWidget(pathLabel);
+  pathRow->addWidget(path_);
+
+  auto* layout = new QGridLayout(main);
+  layout->setContentsMargins(10, 10, 10, 6);
+  layout->setHorizontalSpacing(12);
+  layout->setVerticalSpacing(6);
+  layout->addLayout(pathRow, 0, 0);
+  layout->addWidget(listing_, 1, 0);
+  layout->addLayout(side, 1, 1);
+  layout->addWidget(count_, 2, 0);
+  layout->setColumnStretch(0, 1);
+  layout->setColumnMinimumWidth(1, 150);
+
+  connect(path_, &QLineEdit::returnPressed, this, &MWindow::PathEntered);
+  connect(download_, &QPushButton::clicked, this,
+          [this] { MessageReceived(Message("DWLD"_what)); });
+  connect(upload_, &QPushButton::clicked, this, [this] { MessageReceived(Message("UPLD"_what)); });
+  connect(listing_, &DirListView::Requested, this, &MWindow::MessageReceived);
+  connect(listing_, &DirListView::SelectionChanged, this, [this](bool usable) {
+    download_->setEnabled(usable);
+    MenusBeginning();
+  });
+  connect(listing_, &DirListView::EnabledChanged, this, &MWindow::ListingEnabled);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+    if (now != path_ && now != listing_) return;
+    lastFocus_ = now;
+    MenusBeginning();
+  });
+  setTabOrder(listing_, path_);
+  setTabOrder(path_, upload_);
+  setTabOrder(upload_, download_);
+  listing_->setFocus();
+}
+
+QWidget* MWindow::MakeStatusBox() {
+  auto* box = new QGroupBox(tr("Status"), this);
+  box->setObjectName("Status");
+  status_ = new QLabel(box);
+  status_->setObjectName("StatusString");
+  status_->setAccessibleName(tr("Status"));
+  status_->setTextFormat(Qt::PlainText);
+  status_->setAlignment(Qt::AlignCenter);
+  status_->setWordWrap(true);
+  status_->setMinimumHeight(2 * status_->fontMetrics().lineSpacing());
+  auto* layout = new QVBoxLayout(box);
+  layout->addWidget(status_);
+  return box;
+}
+
+QAction* MWindow::AddCommand(QMenu* menu, const QString& text, const char* key,
+                             const Message& message) {
+  return menu->addAction(text, QKeySequence(key), this,
+                         [this, message] { MessageReceived(message); });
+}
+
+void MWindow::MakeMenus() {
+  menuBar()->setObjectName("MenuBar");
+  QMenu* file = menuBar()->addMenu(tr("&File"));
+  file->addAction(tr("&New Connection"), QKeySequence("Ctrl+N"), this,
+                  [this] { app_.PostMessage(Message("SHMN"_what)); });
+  file->addAction(tr("&Close"), QKeySequence("Ctrl+W"), this, &QWidget::close);
+
+  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+  copy_ = AddCommand(edit, tr("&Copy"), "Ctrl+C", Message("COPY"_what));
+  selectAll_ = AddCommand(edit, tr("Select &All"), "Ctrl+A", Message("SALL"_what));
+
+  commands_ = menuBar()->addMenu(tr("&Commands"));
+  downloadItem_ = AddCommand(commands_, tr("&Download File"), "Ctrl+D", Message("DWLD"_what));
+  AddCommand(commands_, tr("&Upload File"), "Ctrl+U", Message("UPLD"_what));
+  commands_->addSeparator();
+  AddCommand(commands_, tr("&Parent Dir"), "Ctrl+Up", ChangeDirectoryMessage(".."));
+  changeDir_ = AddCommand(commands_, tr("&Change Dir"), "Ctrl+Down", Message("PCHN"_what));
+  AddCommand(commands_, tr("&Refresh Listing"), "Ctrl+.", ChangeDirectoryMessage("."));
+
+  MakeWindowsMenu();
+  for (QMenu* menu : {file, edit, commands_}) {
+    connect(menu, &QMenu::aboutToShow, this, &MWindow::MenusBeginning);
+  }
+  MenusBeginning();
+}
+
+void MWindow::MakeWindowsMenu() {
+  QMenu* windows = menuBar()->addMenu(tr("&Windows"));
+  AddCommand(windows, tr("&Log Window"), "Ctrl+K", Message("SHLG"_what));
+  windows->addAction(tr("&Transfer List"), QKeySequence("Ctrl+X"), this,
+                     [this] { app_.PostMessage(Message("SHLG"_what)); });
+  // The key is shown here too but belongs to "New Connection": a key of two items works for none.
+  windows->addAction(
+      tr("&Control Window") + '\t' + QKeySequence("Ctrl+N").toString(QKeySequence::NativeText),
+      this, [this] { app_.PostMessage(Message("SHMN"_what)); });
+  connect(windows, &QMenu::aboutToShow, this,
+          [this, windows] { AddWindowItems(*windows, 3, app_.WindowList(), this); });
+}
+
+void MWindow::MenusBeginning() {
+  const int row = listing_->FirstSelected();
+  const bool selected = row >= 0;
+  downloadItem_->setEnabled(selected);
+  changeDir_->setEnabled(lastFocus_ == path_ ||
+                         (selected && listing_->Rows().At(row).Type() == kDirectory));
+  copy_->setEnabled(selected || lastFocus_ == path_);
+  selectAll_->setEnabled(!lastFocus_.isNull());
+}
+
+void MWindow::ListingEnabled(bool enabled) {
+  commands_->setEnabled(enabled);
+  for (QAction* action : commands_->actions()) action->setEnabled(enabled);
+  upload_->setEnabled(enabled);
+  download_->setEnabled(enabled);
+  path_->setEnabled(enabled);
+  if (enabled) MenusBeginning();
+}
+
+}  // namespace corvane

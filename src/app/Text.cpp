@@ -1,0 +1,30 @@
+#include "app/Text.h"
+
+#include <QStringList>
+#include <algorithm>
+
+#include "util/Encodings.h"
+
+namespace corvane {
+
+QString ToText(std::string_view raw) {
+  return QString::fromStdString(DisplayText(raw));
+}
+
+QString ToLines(std::string_view raw) {
+  QStringList lines;
+  while (!raw.empty()) {
+    const std::size_t end = std::min(raw.find('\n'), raw.size());
+    std::string_view line = raw.substr(0, end);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    lines.append(ToText(line));
+    raw.remove_prefix(std::min(end + 1, raw.size()));
+  }
+  return lines.join('\n');
+}
+
+std::string ToBytes(const QString& text) {
+  return text.toStdString();
+}
+
+}  // namespace corvane

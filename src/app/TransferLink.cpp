@@ -1,0 +1,98 @@
+#include "app/TransferLink.h"
+
+#include <utility>
+
+#include "app/GuiThread.h"
+#include "app/SoundPlayer.h"
+#include "app/TransferItem.h"
+
+namespace corvane {
+
+TransferLink::TransferLink(TransferItem& item) : item_(&item) {}
+
+bool TransferLink::BeginFile(std::string_view name) {
+  if (closing_) return false;
+  {
+    MutexLock hold(lock_);
+    report_.file = name;
+    report_.label.clear();
+    report_.trailing.clear();
+  }
+  Hop();
+  return true;
+}
+
+bool TransferLink::SetLabel(std::string_view text) {
+  if (closing_) return false;
+  {
+    MutexLock hold(lock_);
+    report_.label = text;
+  }
+  Hop();
+  return true;
+}
+
+bool TransferLink::SetTrailing(std::string_view text) {
+  if (closing_) return false;
+  {
+    MutexLock hold(lock_);
+    report_.trailing = text;
+  }
+  Hop();
+  return true;
+}
+
+bool TransferLink::SetEndState(TransferEnd state, std::string_view why) {
+  if (closing_) return false;
+  {
+    MutexLock hold(lock_);
+    report_.end = state;
+    if (!why.empty()) report_.reason = why;
+  }
+  Hop();
+  return true;
+}
+
+bool TransferLink::PostMessage(Message message) {
+  if (closing_) return false;
+  {
+    MutexLock hold(lock_);
+    const bool fatal = message.what == "FERR"_what;
+    if (fatal || message.what == "GERR"_what) {
+      report_.reason = message.FindString(fatal ? "error" : "warning").value_or("");
+    } else {
+      messages_.push_back(std::move(message));
+    }
+  }
+  Hop();
+  return true;
+}
+
+bool TransferLink::PlaySound(std::string_view path) {
+  SoundPlayer::Play(path);
+  return !closing_;
+}
+
+void TransferLink::Hop() {
+  {
+    MutexLock hold(lock_);
+    if (std::exchange(hopPending_, true)) return;
+  }
+  OnGuiThread([self = shared_from_this()] { self->Drain(); });
+}
+
+void TransferLink::Drain() {
+  TransferReport report;
+  std::vector<Message> messages;
+  {
+    MutexLock hold(lock_);
+    hopPending_ = false;
+    report = report_;
+    messages.swap(messages_);
+  }
+  if (closing_ || item_.isNull()) return;
+  for (const Message& message : messages) item_->MessageReceived(message);
+  item_->Report(std::move(report));
+}
+
+}  // namespace corvane

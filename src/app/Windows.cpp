@@ -1,0 +1,45 @@
+#include "app/Windows.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QPointer>
+#include <QWidget>
+
+#include "app/MWindow.h"
+
+namespace corvane {
+
+void BringForward(QWidget* window) {
+  if (window->isMinimized()) {
+    window->showNormal();
+  } else {
+    window->show();
+  }
+  window->raise();
+  window->activateWindow();
+}
+
+void AddCloseKey(QWidget* window) {
+  auto* close = new QAction(window);
+  close->setShortcut(QKeySequence("Ctrl+W"));
+  QObject::connect(close, &QAction::triggered, window, &QWidget::close);
+  window->addAction(close);
+}
+
+void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows,
+                    const MWindow* except) {
+  const QList<QAction*> old = menu.actions();
+  for (auto i = qsizetype{fixed}; i < old.size(); ++i) delete old[i];
+  bool separated = false;
+  for (MWindow* window : windows) {
+    if (window == except) continue;
+    if (!separated) menu.addSeparator();
+    separated = true;
+    // A server's name must not form a mnemonic.
+    QString title = window->windowTitle();
+    title.replace('&', QStringLiteral("&&"));
+    menu.addAction(title, window, [window] { window->MessageReceived(Message("SHWD"_what)); });
+  }
+}
+
+}  // namespace corvane

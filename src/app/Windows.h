@@ -1,0 +1,23 @@
+#pragma once
+
+#include <vector>
+
+class QMenu;
+class QWidget;
+
+namespace corvane {
+
+class MWindow;
+
+/// Shows a hidden or minimised window, or activates it. GUI thread.
+void BringForward(QWidget* window);
+
+/// Ctrl+W closes `window`.
+void AddCloseKey(QWidget* window);
+
+/// Puts one item per browser window but `except` behind the first `fixed` items of `menu`, in place
+/// of what stood there.
+void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows,
+                    const MWindow* except);
+
+}  // namespace corvane

@@ -1,0 +1,42 @@
+#include <unistd.h>
+
+#include <QApplication>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "app/CommandLine.h"
+#include "app/TambleApp.h"
+#include "kit/Background.h"
+#include "net/NLDebug.h"
+
+int main(int argc, char** argv) {
+  corvane::NLDebug::switchOnFromEnvironment();
+  QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+      Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+  int result = 0;
+  {
+    // The toolkit takes its own options out of the arguments.
+    QApplication qt(argc, argv);
+    QApplication::setApplicationName("Corvane");
+    QApplication::setDesktopFileName("corvane");
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
+    if (line.usage) {
+      std::fputs("USAGE: Corvane <ftp url>\n", stdout);
+      return 0;
+    }
+    corvane::TambleApp app;
+    app.ReadyToRun(line.open);
+    result = QApplication::exec();
+    // Work that does not end in time is left to the end of the process: all that it wrote to disk
+    // stands, and its windows are gone.
+    if (!corvane::Background::WaitForNone(std::chrono::milliseconds(1500))) {
+      std::fflush(stdout);
+      ::_exit(result);
+    }
+  }
+  return result;
+}

@@ -40,6 +40,7 @@ void Alerts::Show(QWidget* window, const Question& question, Answer then) {
   box->setWindowTitle(question.title);
   box->setTextFormat(Qt::PlainText);
   box->setText(question.text);
+  box->setInformativeText(question.detail);
   QList<QAbstractButton*> buttons;
   for (const QString& label : question.buttons) {
     const bool last = buttons.size() + 1 == question.buttons.size();

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "ftp/ListingParser.h"
+
 namespace corvane {
 namespace {
 
@@ -58,14 +60,10 @@ MWListItem::MWListItem(const fileStruct& entry, std::string name)
       icon_(IconFor(entry.type, name_)) {}
 
 std::string MWListItem::SizeText() const {
-  constexpr std::int64_t kKilo = 1024;
-  constexpr std::int64_t kMega = 1'024'000;
   if (size_ == kDirectorySize) return " <dir>";
   if (size_ == kLinkSize) return " <link>";
   if (size_ < 0) return " -";
-  if (size_ < kKilo) return Printed(" %lld B", static_cast<long long>(size_));
-  if (size_ < kMega) return Printed(" %.2f KB", static_cast<double>(size_) / kKilo);
-  return Printed(" %.2f  MB", static_cast<double>(size_) / kMega);
+  return " " + corvane::SizeText(size_);
 }
 
 std::string MWListItem::DateText() const {

@@ -127,7 +127,8 @@ void MWindow::FatalError(const Message& message) {
   Alerts::Show(this,
                {.icon = QMessageBox::Critical,
                 .title = tr("Error"),
-                .text = ToLines(message.FindString("error").value_or(""))},
+                .text = ToLines(message.FindString("error").value_or("")),
+                .detail = ToLines(message.FindString("detail").value_or(""))},
                [this](int) { close(); });
 }
 

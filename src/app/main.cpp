@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/CommandLine.h"
+#include "app/QuitSignals.h"
 #include "app/TambleApp.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
@@ -29,6 +30,7 @@ int main(int argc, char** argv) {
       return 0;
     }
     corvane::TambleApp app;
+    const corvane::QuitSignals signals([&app] { app.Quit(); });
     app.ReadyToRun(line.open);
     result = QApplication::exec();
     // Work that does not end in time is left to the end of the process: all that it wrote to disk

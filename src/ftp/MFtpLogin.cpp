@@ -60,7 +60,7 @@ bool MFtp::Resolve() {
 // From the greeting to the password's reply.
 std::int32_t MFtp::Identify() {
   const SettingsValues settings = ProcessSettings::Get();
-  if (ReadResponse() == 421) {
+  if (ReadResponse() >= 400) {
     Fail(lastReplyText_);
     return FailConnection();
   }

@@ -157,6 +157,7 @@ TEST(Login, ReportsEveryFailure) {
        "Connection failed.",
        -1},
       {"greeting", {.reply = "421 Full\r\n"}, gone, "Connection failed.", -1},
+      {"greeting", {.reply = "530 Full\r\n"}, gone, "Connection failed.", -1},
       {"greeting", {.reply = "\x01\x02garbage\n"}, gone, "Connection failed.", -1},
       {"greeting", {.reply = ""}, gone, "Connection failed.", -1},
       {"USER", {.reply = "", .control = ControlEnd::Close}, gone, "Connection failed.", -1},

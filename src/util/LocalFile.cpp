@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace corvane {
@@ -34,6 +35,10 @@ int OpenEntry(int folder, const char* name, LocalFile::Mode mode, bool& created)
   }
   return -1;
 }
+
+// A write of more than this makes the kernel look for big blocks of memory, which costs more than
+// the calls that it saves.
+constexpr std::size_t kPiece = std::size_t{128} * 1024;
 
 }  // namespace
 
@@ -82,7 +87,10 @@ int LocalFile::OpenForReading(const std::string& path) {
 }
 
 int LocalFile::Truncate() {
-  if (::ftruncate(fd_.get(), 0) != 0) return errno;
+  struct stat status {};
+  if (::fstat(fd_.get(), &status) != 0) return errno;
+  // Truncating an empty file would only make some file systems flush it when it is closed.
+  if (status.st_size != 0 && ::ftruncate(fd_.get(), 0) != 0) return errno;
   return Seek(0);
 }
 
@@ -92,7 +100,7 @@ int LocalFile::Seek(std::int64_t offset) {
 
 int LocalFile::Write(std::span<const char> bytes) {
   while (!bytes.empty()) {
-    const ssize_t written = ::write(fd_.get(), bytes.data(), bytes.size());
+    const ssize_t written = ::write(fd_.get(), bytes.data(), std::min(bytes.size(), kPiece));
     if (written < 0 && errno != EINTR) return errno;
     if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
   }

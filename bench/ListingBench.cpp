@@ -1,0 +1,111 @@
+// How long a browser window takes to show a directory, and whether it answers meanwhile.
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include "app/DirListView.h"
+#include "app/MWindow.h"
+#include "app/SmallView.h"
+#include "app/TambleApp.h"
+#include "settings/ProcessSettings.h"
+
+using corvane::operator""_what;
+
+namespace {
+
+constexpr int kLimitSeconds = 60;
+
+/// Counts the paints of a view.
+class PaintCount final : public QObject {
+ public:
+  int count = 0;
+
+ protected:
+  bool eventFilter(QObject* /*view*/, QEvent* event) override {
+    if (event->type() == QEvent::Paint) ++count;
+    return false;
+  }
+};
+
+void WaitFor(const std::function<bool()>& done) {
+  QElapsedTimer waited;
+  for (waited.start(); !done();) {
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (waited.elapsed() > kLimitSeconds * 1000) {
+      std::fputs("the listing did not come\n", stderr);
+      std::_Exit(1);
+    }
+  }
+}
+
+long ResidentKilobytes() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  while (status >> word && word != "VmRSS:") {
+  }
+  long kilobytes = 0;
+  status >> kilobytes;
+  return kilobytes;
+}
+
+}  // namespace
+
+// HOST PORT USER PASSWORD FOLDER ENTRIES: prints milliseconds to all rows shown, the longest stall
+// of the event loop in milliseconds, and resident kilobytes before and with the rows.
+int main(int argc, char** argv) {
+  if (argc != 7) return 2;
+  const int entries = std::atoi(argv[6]);
+  QApplication qt(argc, argv);
+  corvane::TambleApp app;
+  app.ReadyToRun();
+  corvane::Message open("OPNC"_what);
+  open.AddString("host", argv[1]);
+  open.AddInt16("port", static_cast<std::int16_t>(std::atoi(argv[2])));
+  open.AddString("user", argv[3]);
+  open.AddString("pass", argv[4]);
+  open.AddBool("passive", true);
+  app.PostMessage(open);
+  corvane::MWindow& window = *app.WindowList().back();
+  const auto* const shown = window.findChild<corvane::SmallView*>();
+  PaintCount paints;
+  window.Listing().viewport()->installEventFilter(&paints);
+  QTimer beat;
+  beat.setTimerType(Qt::PreciseTimer);
+  beat.start(1);
+  WaitFor([&] { return shown->Count() > 0 && paints.count > 0; });
+  const long before = ResidentKilobytes();
+
+  qint64 stall = 0;
+  QElapsedTimer sinceBeat;
+  QObject::connect(&beat, &QTimer::timeout, &window, [&] {
+    if (sinceBeat.isValid()) stall = std::max(stall, sinceBeat.nsecsElapsed());
+    sinceBeat.start();
+  });
+  QElapsedTimer clock;
+  clock.start();
+  corvane::Message change("PCHN"_what);
+  change.AddString("cwd", argv[5]);
+  window.MessageReceived(change);
+  int painted = -1;
+  WaitFor([&] {
+    const bool whole = shown->Count() == entries && window.Listing().Rows().Count() == entries + 2;
+    if (whole && painted < 0) painted = paints.count;
+    return whole && paints.count > painted;
+  });
+  const qint64 took = clock.nsecsElapsed();
+  QElapsedTimer rest;
+  rest.start();
+  WaitFor([&] { return rest.elapsed() > 300; });  // what follows the paint must not stall either
+  std::printf("%.1f %.1f %ld %ld\n", static_cast<double>(took) / 1e6,
+              static_cast<double>(stall) / 1e6, before, ResidentKilobytes());
+  std::fflush(stdout);
+  app.Quit();
+  std::_Exit(0);
+}

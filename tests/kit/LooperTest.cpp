@@ -4,7 +4,7 @@
 
 #include <atomic>
 #include <future>
-#include <vector>
+#include <thread>
 
 #include "kit/Background.h"
 #include "support/WaitFor.h"
@@ -12,64 +12,52 @@
 namespace corvane {
 namespace {
 
-using std::chrono::seconds;
+using namespace std::chrono_literals;
 
-// Notes what it handles; its first message is held until the gate opens.
-class NotingLooper : public Looper {
- public:
-  NotingLooper() : Looper("a looper with a long name") {}
-  void OpenGate() {
-    const MutexLock lock(lock_);
-    gateOpen_ = true;
-    gate_.NotifyAll();
-  }
-  std::vector<std::uint32_t> Handled() {
-    const MutexLock lock(lock_);
-    return handled_;
-  }
-
- protected:
+// Counts the messages 0, 1, 2 ... that come in this order; the first is held until the gate opens.
+struct CountingLooper : Looper {
+  CountingLooper() : Looper("a looper with a long name") {}
   void MessageReceived(const Message& message) override {
-    const MutexLock lock(lock_);
-    handled_.push_back(message.what);
-    while (!gateOpen_) gate_.Wait(lock_);
+    if (message.what == handled) ++handled;
+    open.wait(false);
   }
-  void Interrupt() override { OpenGate(); }
+  void Interrupt() override {
+    open = true;
+    open.notify_all();
+  }
+  bool HasHandled(std::uint32_t count) {
+    return WaitFor([&] { return handled == count; });
+  }
 
- private:
-  Mutex lock_;
-  Condition gate_;
-  bool gateOpen_ GUARDED_BY(lock_) = false;
-  std::vector<std::uint32_t> handled_ GUARDED_BY(lock_);
+  std::atomic<bool> open = false;
+  std::atomic<std::uint32_t> handled = 0;
 };
 
 TEST(Looper, HandlesInOrderAndRefusesWhatDoesNotFit) {
-  const auto looper = std::make_shared<NotingLooper>();
+  const auto looper = std::make_shared<CountingLooper>();
   ASSERT_TRUE(looper->PostMessage(Message(0)));  // waits until the looper runs
   ASSERT_TRUE(looper->Run());
-  ASSERT_TRUE(WaitFor([&] { return looper->Handled().size() == 1; }));
-  std::vector<std::uint32_t> posted{0};
-  for (std::uint32_t i = 1; looper->PostMessage(Message(i)); ++i) posted.push_back(i);
-  EXPECT_EQ(posted.size(), 1 + Looper::kQueueLength);
-  looper->OpenGate();
-  EXPECT_TRUE(WaitFor([&] { return looper->Handled().size() == posted.size(); }));
-  EXPECT_EQ(looper->Handled(), posted);
+  ASSERT_TRUE(looper->HasHandled(1));
+  std::uint32_t posted = 1;
+  while (looper->PostMessage(Message(posted))) ++posted;
+  EXPECT_EQ(posted, 1 + Looper::kQueueLength);
+  looper->Interrupt();
+  EXPECT_TRUE(looper->HasHandled(posted));
   looper->Quit();
-  EXPECT_FALSE(looper->PostMessage(Message(1)));
-  EXPECT_TRUE(Background::WaitForNone(seconds(5)));
+  EXPECT_FALSE(looper->PostMessage(Message(posted)));
+  EXPECT_TRUE(Background::WaitForNone(5s));
 }
 
 TEST(Looper, QuitDropsTheQueueInterruptsTheHandlerAndFreesTheLooper) {
-  auto looper = std::make_shared<NotingLooper>();
-  const std::weak_ptr<NotingLooper> seen = looper;
+  auto looper = std::make_shared<CountingLooper>();
+  const std::weak_ptr<CountingLooper> seen = looper;
   ASSERT_TRUE(looper->Run());
+  ASSERT_TRUE(looper->PostMessage(Message(0)));
+  ASSERT_TRUE(looper->HasHandled(1));
   ASSERT_TRUE(looper->PostMessage(Message(1)));
-  ASSERT_TRUE(WaitFor([&] { return looper->Handled().size() == 1; }));
-  ASSERT_TRUE(looper->PostMessage(Message(2)));
   looper->Quit();
-  EXPECT_TRUE(looper->Quitting());
-  ASSERT_TRUE(Background::WaitForNone(seconds(5)));
-  EXPECT_EQ(looper->Handled(), std::vector<std::uint32_t>{1});
+  ASSERT_TRUE(Background::WaitForNone(5s));
+  EXPECT_EQ(looper->handled, 1U);
   looper.reset();
   EXPECT_TRUE(seen.expired());
 }
@@ -77,18 +65,16 @@ TEST(Looper, QuitDropsTheQueueInterruptsTheHandlerAndFreesTheLooper) {
 TEST(Background, CountsUntilTheWorkAndAllThatItOwnsAreGone) {
   std::promise<void> gate;
   std::atomic<bool> freed = false;
-  std::shared_ptr<int> owned(new int, [&freed](const int* number) {
-    delete number;
+  std::shared_ptr<void> owned(nullptr, [&freed](void*) {
+    std::this_thread::sleep_for(20ms);
     freed = true;
   });
-  ASSERT_TRUE(
-      Background::Start("sixteen letters.", [&gate, held = owned] { gate.get_future().wait(); }));
-  owned.reset();
+  ASSERT_TRUE(Background::Start("sixteen letters.",
+                                [&gate, held = std::move(owned)] { gate.get_future().wait(); }));
   EXPECT_EQ(Background::Count(), 1);
-  EXPECT_FALSE(Background::WaitForNone(std::chrono::milliseconds(1)));
-  EXPECT_FALSE(freed);
+  EXPECT_FALSE(Background::WaitForNone(1ms));
   gate.set_value();
-  EXPECT_TRUE(Background::WaitForNone(seconds(5)));
+  EXPECT_TRUE(Background::WaitForNone(5s));
   EXPECT_TRUE(freed);
 }
 

@@ -2,31 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
-#include <chrono>
+#include <fstream>
 #include <functional>
+#include <future>
 #include <string>
 #include <vector>
 
-#include "net/BlockedThread.h"
 #include "net/NLException.h"
 #include "net/NLPacket.h"
+#include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
 
-NLAddress Loopback(int port = 0) {
-  return {"127.0.0.1", static_cast<std::uint16_t>(port)};
-}
+using namespace std::chrono_literals;
+using Work = std::function<void()>;
 
-std::uint16_t PortOf(const NLAddress& address) {
-  std::uint16_t port = 0;
-  address.get(static_cast<char*>(nullptr), &port);
-  return port;
-}
+const NLAddress kLoopback("127.0.0.1", 0);
 
 // "label: message" of what `work` throws; empty when it throws nothing.
-std::string Failure(const std::function<void()>& work) {
+std::string Failure(const Work& work) {
   try {
     work();
   } catch (const NLException& exception) {
@@ -35,213 +32,142 @@ std::string Failure(const std::function<void()>& work) {
   return "";
 }
 
-class NLEndpointTest : public testing::Test {
- protected:
+// True when `work`, asleep on a thread of its own, ends once `wake` was called.
+bool EndsOnceWoken(const Work& work, const Work& wake) {
+  std::atomic<int> id = 0;
+  const auto done = std::async(std::launch::async, [&] {
+    id = ::gettid();
+    work();
+  });
+  const bool asleep = WaitFor([&] {
+    std::ifstream file("/proc/self/task/" + std::to_string(id) + "/stat");
+    std::string line;
+    return id != 0 && std::getline(file, line) && line.find(") S ") != std::string::npos;
+  });
+  wake();
+  return asleep && done.wait_for(5s) == std::future_status::ready;
+}
+
+struct NLEndpointTest : testing::Test {
   NLEndpointTest() {
-    listener_.bind(Loopback());
-    listener_.listen(5);
+    listener.bind(kLoopback);
+    listener.listen(5);
+    full.bind(kLoopback);
+    full.listen(0);
+    for (int i = 0; i < 4; ++i) {
+      NLEndpoint filler(NLEndpoint::stream);
+      filler.setNonBlock(true);
+      Failure([&] { filler.connect(full.localAddress()); });
+    }
   }
-  std::unique_ptr<NLEndpoint> Connect() {
-    client_.connect("127.0.0.1", PortOf(listener_.localAddress()));
-    return listener_.accept(5000);
+  std::unique_ptr<NLEndpoint> Connect(NLEndpoint& from) {
+    from.connect(listener.localAddress());
+    return listener.accept(5000);
   }
 
-  NLEndpoint listener_{NLEndpoint::stream};
-  NLEndpoint client_{NLEndpoint::stream};
+  NLEndpoint listener{NLEndpoint::stream};
+  NLEndpoint full{NLEndpoint::stream};  // its queue is full: a connect waits
+  NLEndpoint client{NLEndpoint::stream};
+  char byte = 0;
 };
 
-TEST_F(NLEndpointTest, ConnectsBothEnds) {
-  EXPECT_EQ(listener_.state(), NLEndpoint::s_open | NLEndpoint::s_bound);
-  const auto served = Connect();
+TEST_F(NLEndpointTest, CarriesBytesUntilTheEndOfTheStream) {
+  const auto served = Connect(client);
   ASSERT_TRUE(served);
-  EXPECT_EQ(client_.state(), NLEndpoint::s_open | NLEndpoint::s_connected);
   EXPECT_EQ(served->state(), NLEndpoint::s_open | NLEndpoint::s_connected);
-  EXPECT_EQ(PortOf(served->localAddress()), PortOf(listener_.localAddress()));
-  EXPECT_EQ(PortOf(served->remoteAddress()), PortOf(client_.localAddress()));
-
   NLPacket packet;
   packet.insert("hello");
-  EXPECT_EQ(client_.send(packet), 6);
+  EXPECT_EQ(client.send(packet), 6);
   NLPacket received;
   while (received.size() < 6) ASSERT_GT(served->recv(received, 4), 0);
   EXPECT_STREQ(received.data(), "hello");
 
   served->close();
-  char byte = 0;
-  EXPECT_EQ(client_.recv(&byte, 1), 0) << "the peer's end of stream";
-  EXPECT_EQ(served->state(), NLEndpoint::s_inval);
+  EXPECT_EQ(client.recv(&byte, 1), 0);
+  client.throwOnSendError = false;  // no signal ends the program
+  EXPECT_TRUE(WaitFor([&] { return client.send("x", 1) < 0; }));
+  EXPECT_TRUE(client.lastError == EPIPE || client.lastError == ECONNRESET);
   NLEndpoint second(NLEndpoint::stream);
-  second.connect(listener_.localAddress());
-  EXPECT_TRUE(listener_.accept(5000)) << "closing a connection leaves the listener";
+  EXPECT_TRUE(Connect(second)) << "closing a connection leaves the listener";
 }
 
 TEST_F(NLEndpointTest, WaitsAsLongAsAsked) {
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_FALSE(listener_.accept(50));
-  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
-  const auto served = Connect();
-  EXPECT_FALSE(served->isDataPending(1));
+  EXPECT_FALSE(listener.accept(50));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, 50ms);
+  const auto served = Connect(client);
   served->receiveTimeout = 1;
-  char byte = 0;
   EXPECT_EQ(served->recv(&byte, 1), 0) << "time-out, not end of stream";
   for (const long forever : {0L, -1L}) {
-    bool pending = false;
-    BlockedThread waiting([&] { pending = served->isDataPending(forever); });
-    EXPECT_TRUE(waiting.WaitUntilAsleep());
-    client_.send("x", 1);
-    EXPECT_TRUE(waiting.WaitUntilEnded());
-    EXPECT_TRUE(pending);
+    EXPECT_TRUE(EndsOnceWoken([&] { EXPECT_TRUE(served->isDataPending(forever)); },
+                              [&] { client.send("x", 1); }));
     served->recv(&byte, 1);
   }
 }
 
-TEST_F(NLEndpointTest, AFailedConnectMayBeRepeated) {
+TEST_F(NLEndpointTest, FailuresSayWhatAndWhy) {
   NLEndpoint unheard(NLEndpoint::stream);
-  unheard.bind(Loopback());
-  EXPECT_EQ(Failure([&] { client_.connect(unheard.localAddress()); }),
+  unheard.bind(kLoopback);
+  const Work receive = [this] { client.recv(&byte, 1); };
+  EXPECT_EQ(Failure([&] { client.connect(unheard.localAddress()); }),
             "NLEndpoint::connect(): ::connect() failed: Connection refused");
-  EXPECT_EQ(client_.state(), NLEndpoint::s_inval);
-  EXPECT_TRUE(Connect());
+  EXPECT_EQ(Failure(receive), "NLEndpoint::recv(): ::recv() failed: Bad file descriptor");
+  EXPECT_EQ(Failure([this] { client.setNonBlock(true); }),
+            "NLEndpoint::setOption: Socket not opened");
+
+  client.setSilenceLimit(20);  // kept for the socket that the next connect opens
+  const auto served = Connect(client);
+  EXPECT_EQ(Failure(receive), "NLEndpoint::recv(): ::recv() failed: Connection timed out");
 }
-
-TEST_F(NLEndpointTest, FailuresNameTheCall) {
-  NLEndpoint closed(NLEndpoint::stream);
-  closed.close();
-  char byte = 0;
-  const std::pair<std::string, std::function<void()>> cases[] = {
-      {"NLEndpoint::setOption: Socket not opened", [&] { closed.setNonBlock(true); }},
-      {"NLEndpoint::bind(): ::bind() failed: Address already in use",
-       [&] { closed.bind(listener_.localAddress()); }},
-      {"NLEndpoint::listen(): ::listen() failed: Bad file descriptor", [&] { closed.listen(1); }},
-      {"NLEndpoint::isDataPending(): ::select failed: Bad file descriptor",
-       [&] { (void)closed.isDataPending(0); }},
-      {"NLEndpoint::recv(): ::recv() failed: Bad file descriptor", [&] { closed.recv(&byte, 1); }},
-      {"NLEndpoint::accept(): ::accept() failed: Invalid argument",
-       [] {
-         NLEndpoint deaf(NLEndpoint::stream);  // readable, as it has an end, but does not listen
-         (void)deaf.accept(0);
-       }},
-  };
-  for (const auto& [expected, work] : cases) EXPECT_EQ(Failure(work), expected);
-}
-
-TEST_F(NLEndpointTest, AGonePeerIsAnErrorNumberAndNoSignal) {
-  const auto served = Connect();
-  served->close();
-  client_.throwOnSendError = false;
-  EXPECT_TRUE(WaitFor([&] { return client_.send("x", 1) < 0; }));
-  EXPECT_TRUE(client_.lastError == EPIPE || client_.lastError == ECONNRESET);
-}
-
-TEST_F(NLEndpointTest, NonBlockingAndSilentSocketsSayWhy) {
-  const auto served = Connect();
-  char byte = 0;
-  served->setNonBlock(true);
-  EXPECT_EQ(Failure([&] { served->recv(&byte, 1); }),
-            "NLEndpoint::recv(): ::recv() failed: Resource temporarily unavailable");
-  served->setNonBlock(false);
-  served->setSilenceLimit(20);
-  const std::string silent = "NLEndpoint::recv(): ::recv() failed: Connection timed out";
-  EXPECT_EQ(Failure([&] { served->recv(&byte, 1); }), silent);
-
-  NLEndpoint later(NLEndpoint::stream);
-  later.close();
-  later.setSilenceLimit(20);
-  later.connect(listener_.localAddress());
-  EXPECT_EQ(Failure([&] { later.recv(&byte, 1); }), silent) << "kept for the next socket";
-}
-
-// A listener whose queue is full: the system leaves the next connection unanswered.
-class FullListener {
- public:
-  FullListener() {
-    listener_.bind(Loopback());
-    listener_.listen(0);
-    for (int i = 0; i < 4; ++i) {
-      NLEndpoint filler(NLEndpoint::stream);
-      filler.setNonBlock(true);
-      Failure([&] { filler.connect(Address()); });
-    }
-  }
-  [[nodiscard]] NLAddress Address() const { return listener_.localAddress(); }
-
- private:
-  NLEndpoint listener_{NLEndpoint::stream};
-};
 
 TEST_F(NLEndpointTest, ClosingAndAbortingWakeEveryBlockedCall) {
-  const FullListener full;
-  const std::string gone = " failed: Software caused connection abort";
-  char byte = 0;
   const std::vector<char> much(std::size_t{64} << 20);
-  struct Case {
-    std::string expected;
-    std::function<void(NLEndpoint&)> call;
-  };
-  const Case cases[] = {
-      {"NLEndpoint::recv(): ::recv()" + gone, [&](NLEndpoint& each) { each.recv(&byte, 1); }},
-      {"NLEndpoint::isDataPending(): ::select" + gone,
-       [](NLEndpoint& each) { (void)each.isDataPending(0); }},
-      {"NLEndpoint::send(): ::send()" + gone,
+  const std::pair<std::string, std::function<void(NLEndpoint&)>> cases[] = {
+      {"recv(): ::recv()", [this](NLEndpoint& each) { each.recv(&byte, 1); }},
+      {"isDataPending(): ::select", [](NLEndpoint& each) { (void)each.isDataPending(0); }},
+      {"send(): ::send()",
        [&](NLEndpoint& each) {
          for (;;) each.send(much.data(), much.size());
        }},
-      {"NLEndpoint::isDataPending(): ::select" + gone,
+      {"isDataPending(): ::select",
        [](NLEndpoint& each) {
-         each.bind(Loopback());
+         each.bind(kLoopback);
          each.listen(1);
          (void)each.accept(0);
        }},
-      {"NLEndpoint::connect(): ::connect()" + gone,
-       [&](NLEndpoint& each) {
+      {"connect(): ::connect()",
+       [this](NLEndpoint& each) {
          each.close();
-         each.connect(full.Address());
+         each.connect(full.localAddress());
        }},
   };
-  for (const Case& each : cases) {
+  for (const auto& [label, call] : cases) {
     for (const bool abort : {false, true}) {
       NLEndpoint endpoint(NLEndpoint::stream);
-      endpoint.connect(listener_.localAddress());
-      const auto peer = listener_.accept(5000);
+      const auto peer = Connect(endpoint);
       std::string failure;
-      {
-        BlockedThread blocked([&] { failure = Failure([&] { each.call(endpoint); }); });
-        EXPECT_TRUE(blocked.WaitUntilAsleep());
-        abort ? endpoint.abort() : endpoint.close();
-        EXPECT_TRUE(blocked.WaitUntilEnded()) << each.expected;
-      }
+      const Work blocked = [&, &work = call] { failure = Failure([&] { work(endpoint); }); };
+      EXPECT_TRUE(EndsOnceWoken(blocked, [&] { abort ? endpoint.abort() : endpoint.close(); }));
       EXPECT_EQ(endpoint.state(), NLEndpoint::s_inval);
       // What a woken send already took is reported first; the next one then finds no socket.
-      EXPECT_TRUE(failure == each.expected || failure.starts_with("NLEndpoint::send(): "))
+      EXPECT_TRUE(failure == "NLEndpoint::" + label + " failed: Software caused connection abort" ||
+                  failure.starts_with("NLEndpoint::send(): "))
           << failure;
     }
   }
 }
 
-TEST_F(NLEndpointTest, AfterAbortNoSocketIsOpenedAgain) {
-  client_.abort();
-  const NLAddress address = listener_.localAddress();
-  char byte = 0;
-  const std::function<void()> calls[] = {
-      [&] { client_.connect(address); }, [&] { client_.connect("localhost", 1); },
-      [&] { client_.bind(0); },          [&] { client_.setProtocol(NLEndpoint::stream); },
-      [&] { client_.recv(&byte, 1); },   [&] { (void)client_.accept(0); },
-  };
-  for (const auto& call : calls) {
-    EXPECT_NE(Failure(call).find(": Connection aborted"), std::string::npos) << Failure(call);
-    EXPECT_EQ(client_.state(), NLEndpoint::s_inval);
-  }
-}
-
-// At no moment of a connect does an abort leave it hanging or a socket open.
-TEST_F(NLEndpointTest, AbortRacesConnectSafely) {
-  const FullListener full;
+// At no moment of a connect does an abort leave it hanging, and no socket is opened any more.
+TEST_F(NLEndpointTest, AbortRacesConnectAndIsForGood) {
   for (int i = 0; i < 200; ++i) {
     NLEndpoint endpoint(NLEndpoint::stream);
-    BlockedThread connecting([&] { Failure([&] { endpoint.connect(full.Address()); }); });
+    const Work connect = [&] { Failure([&] { endpoint.connect(full.localAddress()); }); };
+    const auto done = std::async(std::launch::async, connect);
     endpoint.abort();
-    ASSERT_TRUE(connecting.WaitUntilEnded());
+    ASSERT_EQ(done.wait_for(5s), std::future_status::ready);
     EXPECT_EQ(endpoint.state(), NLEndpoint::s_inval);
+    EXPECT_TRUE(Failure([&] { endpoint.connect("localhost", 1); }).ends_with("Connection aborted"));
+    EXPECT_TRUE(Failure([&] { endpoint.bind(0); }).ends_with("Connection aborted"));
   }
 }
 

@@ -1,7 +1,6 @@
 #include "support/RealServers.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,13 +25,8 @@ fs::path Prefix() {
   return named && *named ? named : CORVANE_TEST_SERVERS;
 }
 
-/// Starts the command in a process group of its own that ends with this program.
-pid_t Start(std::vector<std::string> command, const UniqueFd& output) {
-  const std::string prefix = "CORVANE_TEST_SERVERS=" + Prefix().string();
-  char* const environment[] = {const_cast<char*>(prefix.c_str()), nullptr};
-  std::vector<char*> arguments;
-  for (std::string& word : command) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
+/// Starts the script in a process group of its own that ends with this program.
+pid_t Start(const std::string& name, const fs::path& root, const UniqueFd& output) {
   const pid_t parent = ::getpid();
   const pid_t child = ::fork();
   if (child != 0) return child;
@@ -40,26 +34,12 @@ pid_t Start(std::vector<std::string> command, const UniqueFd& output) {
   ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (::getppid() != parent) ::_exit(1);
   ::dup2(output.get(), STDOUT_FILENO);
-  ::execve(arguments[0], arguments.data(), environment);
+  ::execl("/usr/bin/python3", "python3", "-I", CORVANE_TEST_SERVER_SCRIPT, name.c_str(),
+          root.c_str(), nullptr);
   ::_exit(127);
 }
 
-/// One line, or what came within ten seconds.
-std::string ReadLine(const UniqueFd& input) {
-  std::string line;
-  pollfd wait = {input.get(), POLLIN, 0};
-  for (char c = 0; ::poll(&wait, 1, 10'000) == 1 && ::read(input.get(), &c, 1) == 1 && c != '\n';) {
-    line += c;
-  }
-  return line;
-}
-
 }  // namespace
-
-const std::vector<std::string>& RealServer::Names() {
-  static const std::vector<std::string> names = {"vsftpd", "proftpd", "pure-ftpd"};
-  return names;
-}
 
 std::string RealServer::Obstacle(const std::string& name) {
   const fs::path program = Prefix() / "usr/sbin" / name;
@@ -68,16 +48,16 @@ std::string RealServer::Obstacle(const std::string& name) {
   return "";
 }
 
-RealServer::RealServer(const std::string& which, const fs::path& directory)
-    : name(which), root(directory) {
+RealServer::RealServer(const std::string& name, const fs::path& root) {
   std::array<int, 2> ends;
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   const UniqueFd input(ends[0]);
   UniqueFd output(ends[1]);
-  process_ = Start({"/usr/bin/python3", CORVANE_TEST_SERVER_SCRIPT, name, root}, output);
+  process_ = Start(name, root, output);
   output.reset();
-  std::istringstream line(ReadLine(input));
-  if (line >> port >> user >> password) return;
+  std::string line;  // stays empty where the server does not start
+  for (char c = 0; c != '\n' && ::read(input.get(), &c, 1) == 1;) line += c;
+  if (std::istringstream(line) >> port >> user >> password) return;
   Stop();
   throw std::runtime_error(name + " did not start");
 }

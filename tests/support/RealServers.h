@@ -17,7 +17,7 @@ namespace corvane {
 class RealServer {
  public:
   /// All that there are: "vsftpd", "proftpd", "pure-ftpd".
-  static const std::vector<std::string>& Names();
+  static std::vector<std::string> Names() { return {"vsftpd", "proftpd", "pure-ftpd"}; }
   /// Why this machine or this user cannot run the server; "" when nothing is in the way.
   [[nodiscard]] static std::string Obstacle(const std::string& name);
 
@@ -28,8 +28,6 @@ class RealServer {
   RealServer(const RealServer&) = delete;
   RealServer& operator=(const RealServer&) = delete;
 
-  std::string name;
-  std::filesystem::path root;
   std::uint16_t port = 0;
   std::string user;
   std::string password;

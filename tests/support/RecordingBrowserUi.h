@@ -1,12 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "ftp/BrowserUi.h"
@@ -18,7 +16,6 @@ struct BrowserRecord : OwnerRecord {
   std::vector<std::string> statuses;
   std::string log;
   std::string path;
-  int listings = 0;                  ///< how often a listing began
   std::vector<fileStruct> entries;   ///< of the last listing
   std::optional<std::size_t> count;  ///< once the last listing has ended
   std::string viewerTitle;
@@ -31,8 +28,9 @@ struct BrowserRecord : OwnerRecord {
   }
 };
 
-/// A browser window that only takes notes. Make it with std::make_shared.
+/// A browser window, and its text window, that only take notes. Make it with std::make_shared.
 class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
+                           public TextSink,
                            public std::enable_shared_from_this<RecordingBrowserUi> {
  public:
   std::atomic<bool> listingEnabled{true};
@@ -48,15 +46,13 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
   }
   bool BeginListing() override {
     return Note([](BrowserRecord& r) {
-      ++r.listings;
       r.entries.clear();
       r.count.reset();
     });
   }
   bool AddEntries(std::vector<fileStruct> entries) override {
     return Note([&](BrowserRecord& r) {
-      r.entries.insert(r.entries.end(), std::make_move_iterator(entries.begin()),
-                       std::make_move_iterator(entries.end()));
+      r.entries.insert(r.entries.end(), entries.begin(), entries.end());
     });
   }
   bool EndListing(std::size_t count) override {
@@ -66,20 +62,11 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
 
   std::shared_ptr<TextSink> OpenViewer(std::string_view title) override {
     const bool open = Note([&](BrowserRecord& r) { r.viewerTitle = title; });
-    return open ? std::make_shared<Viewer>(shared_from_this()) : nullptr;
+    return open ? shared_from_this() : nullptr;
   }
-
- private:
-  class Viewer : public TextSink {
-   public:
-    explicit Viewer(std::shared_ptr<RecordingBrowserUi> owner) : owner_(std::move(owner)) {}
-    bool Append(std::string_view bytes) override {
-      return owner_->Note([&](BrowserRecord& r) { r.viewerText += bytes; });
-    }
-
-   private:
-    std::shared_ptr<RecordingBrowserUi> owner_;
-  };
+  bool Append(std::string_view bytes) override {
+    return Note([&](BrowserRecord& r) { r.viewerText += bytes; });
+  }
 };
 
 }  // namespace corvane

@@ -14,8 +14,8 @@ struct TransferRecord : OwnerRecord {
   std::vector<std::string> files;
   std::vector<std::string> labels;
   std::vector<std::string> trailings;
-  std::vector<TransferEnd> ends;  ///< every end state that was set
-  std::string why;                ///< what the last one said
+  std::optional<TransferEnd> end;  ///< once the transfer has ended
+  std::string why;
 };
 
 /// A transfer row that only takes notes.
@@ -34,16 +34,13 @@ class RecordingTransferUi : public Recorder<TransferUi, TransferRecord> {
   }
   bool SetEndState(TransferEnd state, std::string_view why) override {
     return Note([&](TransferRecord& r) {
-      r.ends.push_back(state);
+      r.end = state;
       r.why = why;
     });
   }
 
   /// The end state, once there is one.
-  [[nodiscard]] std::optional<TransferEnd> End() const {
-    const TransferRecord seen = Seen();
-    return seen.ends.empty() ? std::nullopt : std::optional(seen.ends.back());
-  }
+  [[nodiscard]] std::optional<TransferEnd> End() const { return Seen().end; }
 
  private:
   TransferProgress progress_;

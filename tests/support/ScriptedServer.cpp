@@ -11,23 +11,14 @@
 
 namespace corvane {
 
-ScriptedServer::ScriptedServer()
-    : stop_(::eventfd(0, EFD_CLOEXEC)), released_(::eventfd(0, EFD_CLOEXEC)) {
+ScriptedServer::ScriptedServer() : stop_(::eventfd(0, EFD_CLOEXEC)) {
   std::tie(listener_, port_) = ListenOnLoopback();
   thread_ = std::thread([this] { Listen(); });
 }
 
 ScriptedServer::~ScriptedServer() {
-  Stop();
-}
-
-void ScriptedServer::Stop() {
   ::eventfd_write(stop_.get(), 1);
-  if (thread_.joinable()) thread_.join();
-}
-
-void ScriptedServer::Release() {
-  ::eventfd_write(released_.get(), 1);
+  thread_.join();
 }
 
 void ScriptedServer::Listen() {
@@ -36,16 +27,10 @@ void ScriptedServer::Listen() {
   while (::poll(waits.data(), waits.size(), -1) >= 0 && waits[1].revents == 0) {
     UniqueFd control(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!control) continue;
-    int number = 0;
-    {
-      const MutexLock hold(lock_);
-      number = ++connections_;
-    }
-    sessions.emplace_back([this, number, socket = std::move(control)]() mutable {
-      ScriptedSession(*this, std::move(socket), number).Run();
+    sessions.emplace_back([this, socket = std::move(control)]() mutable {
+      ScriptedSession(*this, std::move(socket)).Run();
     });
   }
-  listener_.reset();
   for (std::thread& session : sessions) session.join();
 }
 
@@ -57,41 +42,31 @@ void ScriptedServer::On(const std::string& verb, ScriptedAction action, int occu
 ScriptedAction ScriptedServer::Next(const std::string& verb) {
   const MutexLock hold(lock_);
   const int occurrence = ++seen_[verb];
-  for (const auto& key : {std::pair(verb, occurrence), {verb, 0}, {std::string("*"), 0}}) {
-    if (const auto found = script_.find(key); found != script_.end()) return found->second;
+  for (const int key : {occurrence, 0}) {
+    if (const auto found = script_.find({verb, key}); found != script_.end()) return found->second;
   }
   return {};
 }
 
-void ScriptedServer::Note(int connection, bool fromClient, std::string bytes) {
+void ScriptedServer::NoteCommand(const std::string& line) {
   const MutexLock hold(lock_);
-  lines_.push_back({connection, fromClient, std::move(bytes)});
+  commands_.push_back(line);
+  dialogue_ += "> " + line;
 }
 
-int ScriptedServer::Connections() const {
+void ScriptedServer::NoteReply(const std::string& text) {
   const MutexLock hold(lock_);
-  return connections_;
+  dialogue_ += "< " + text + (text.ends_with('\n') ? "" : "\n");
 }
 
-std::vector<std::string> ScriptedServer::Transcript(int connection) const {
+std::vector<std::string> ScriptedServer::Transcript() const {
   const MutexLock hold(lock_);
-  std::vector<std::string> commands;
-  for (const Line& line : lines_) {
-    if (line.fromClient && (connection == 0 || connection == line.connection)) {
-      commands.push_back(line.bytes);
-    }
-  }
-  return commands;
+  return commands_;
 }
 
 std::string ScriptedServer::Dialogue() const {
   const MutexLock hold(lock_);
-  std::string text;
-  for (const Line& line : lines_) {
-    text += std::to_string(line.connection) + (line.fromClient ? " > " : " < ") + line.bytes;
-    if (!text.ends_with('\n')) text += '\n';
-  }
-  return text;
+  return dialogue_;
 }
 
 }  // namespace corvane

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -20,22 +19,20 @@ namespace corvane {
 /// What becomes of the control connection once the verb has been dealt with.
 enum class ControlEnd { Open, Close, Reset };
 
-/// What becomes of the data connection after `dataLimit` bytes. A stall ends when the server is
-/// released (the rest follows) or the client hangs up; Never does not even accept or connect, and
-/// with PASV announces a port that refuses.
+/// What becomes of the data connection after `dataLimit` bytes. A stall lasts until the client
+/// hangs up; Never does not even accept or connect.
 enum class DataEnd { Close, Reset, Stall, Never };
 
 /// How the server deals with a verb, where that differs from its own good manners; in the order in
 /// which it happens.
 struct ScriptedAction {
   std::function<void()> arrived = {};  ///< called on the server's thread
-  std::chrono::milliseconds delay{0};
   /// Sent in place of doing anything: whole replies, half a line, or "" for silence. "{port}"
   /// becomes the two numbers of the passive port (PASV listens all the same).
   std::optional<std::string> reply = {};
   bool byteByByte = false;  ///< every byte of a reply in a packet of its own
 
-  // LIST, RETR, STOR and APPE.
+  // LIST, RETR and STOR.
   bool strangerFirst = false;  ///< active: 127.0.0.2 connects and sends rubbish before the server
   std::optional<std::string> preliminary = {};  ///< in place of the 150; "" leaves it out
   std::optional<std::string> data = {};         ///< in place of what the tree holds
@@ -52,6 +49,7 @@ struct ScriptedAction {
 class ScriptedServer {
  public:
   ScriptedServer();
+  /// Hangs up everywhere and waits for the threads.
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
@@ -59,45 +57,32 @@ class ScriptedServer {
   [[nodiscard]] std::uint16_t Port() const { return port_; }
   [[nodiscard]] VirtualTree& Tree() { return tree_; }
 
-  /// Scripts a verb in capitals, "greeting" for a connection that begins, or "*" for whatever has
-  /// no action of its own. `occurrence` counts from 1 over all connections; 0 stands for every one
-  /// that has no action of its own.
+  /// Scripts a verb, or "greeting" for a connection that begins. `occurrence` counts from 1 over
+  /// all connections; 0 stands for every one that has no action of its own.
   void On(const std::string& verb, ScriptedAction action, int occurrence = 0);
 
-  /// Ends all stalls, present and future.
-  void Release();
-  /// Hangs up everywhere and waits for the threads.
-  void Stop();
-
-  /// How many control connections there have been.
-  [[nodiscard]] int Connections() const;
-  /// The commands as they came, line ends included; of the n-th connection, or of all.
-  [[nodiscard]] std::vector<std::string> Transcript(int connection = 0) const;
+  /// The commands of all connections as they came, line ends included.
+  [[nodiscard]] std::vector<std::string> Transcript() const;
   /// Both directions, for messages: "> " before what the client sent, "< " before replies.
   [[nodiscard]] std::string Dialogue() const;
 
  private:
   friend class ScriptedSession;
-  struct Line {
-    int connection;
-    bool fromClient;
-    std::string bytes;
-  };
 
   void Listen();
   [[nodiscard]] ScriptedAction Next(const std::string& verb);
-  void Note(int connection, bool fromClient, std::string bytes);
+  void NoteCommand(const std::string& line);
+  void NoteReply(const std::string& text);
 
   VirtualTree tree_;
   UniqueFd listener_;
-  UniqueFd stop_;      ///< readable once the server stops
-  UniqueFd released_;  ///< readable once stalls are over
+  UniqueFd stop_;  ///< readable once the server stops
   std::uint16_t port_ = 0;
   mutable Mutex lock_;
   std::map<std::pair<std::string, int>, ScriptedAction> script_ GUARDED_BY(lock_);
   std::map<std::string, int> seen_ GUARDED_BY(lock_);
-  std::vector<Line> lines_ GUARDED_BY(lock_);
-  int connections_ GUARDED_BY(lock_) = 0;
+  std::vector<std::string> commands_ GUARDED_BY(lock_);
+  std::string dialogue_ GUARDED_BY(lock_);
   std::thread thread_;
 };
 

@@ -7,11 +7,25 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <cstdlib>
+#include <map>
+#include <sstream>
 #include <stdexcept>
 #include <tuple>
 
 namespace corvane {
+
+namespace {
+
+constexpr std::uint32_t kStranger = 0x7F000002;  // 127.0.0.2
+
+const std::map<std::string_view, const char*> kFixedReplies = {
+    {"greeting", "220 Ready.\r\n"},  {"USER", "331 Password, please.\r\n"},
+    {"PASS", "230 Logged in.\r\n"},  {"SYST", "215 UNIX Type: L8\r\n"},
+    {"TYPE", "200 Type set.\r\n"},   {"PASV", "227 Entering Passive Mode (127,0,0,1,{port}).\r\n"},
+    {"NOOP", "200 Still here.\r\n"}, {"QUIT", "221 Bye.\r\n"}};
+
+}  // namespace
 
 void MakeCloseReset(int fd) {
   const linger now = {1, 0};
@@ -32,8 +46,8 @@ std::pair<UniqueFd, std::uint16_t> ListenOnLoopback() {
   return {std::move(listener), ntohs(address.sin_port)};
 }
 
-ScriptedSession::ScriptedSession(ScriptedServer& server, UniqueFd control, int number)
-    : server_(server), control_(std::move(control)), number_(number) {
+ScriptedSession::ScriptedSession(ScriptedServer& server, UniqueFd control)
+    : server_(server), control_(std::move(control)) {
   const int on = 1;
   ::setsockopt(control_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
@@ -41,43 +55,27 @@ ScriptedSession::ScriptedSession(ScriptedServer& server, UniqueFd control, int n
 void ScriptedSession::Run() {
   Perform("greeting", "");
   while (control_) {
-    const std::optional<std::string> line = ReadLine();
-    if (!line) return;
-    server_.Note(number_, true, *line);
-    const std::string text = line->substr(0, line->find_last_not_of("\r\n") + 1);
+    const std::string line = ReadLine();
+    if (line.empty()) return;
+    server_.NoteCommand(line);
+    const std::string text = line.substr(0, line.find_last_not_of("\r\n") + 1);
     const std::size_t blank = std::min(text.find(' '), text.size());
-    std::string verb = text.substr(0, blank);
-    std::transform(verb.begin(), verb.end(), verb.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    Perform(verb, blank < text.size() ? text.substr(blank + 1) : "");
+    Perform(text.substr(0, blank), blank < text.size() ? text.substr(blank + 1) : "");
   }
 }
 
-std::optional<std::string> ScriptedSession::ReadLine() {
-  std::size_t end = 0;
-  while ((end = input_.find('\n')) == std::string::npos) {
-    std::array<char, 4096> block;
-    if (!Wait(control_.get(), POLLIN)) return std::nullopt;
-    const ssize_t count = ::recv(control_.get(), block.data(), block.size(), 0);
-    if (count <= 0) return std::nullopt;
-    input_.append(block.data(), static_cast<std::size_t>(count));
+std::string ScriptedSession::ReadLine() const {
+  std::string line;
+  for (char c = 0; c != '\n'; line += c) {
+    if (!Wait(control_.get(), POLLIN) || ::recv(control_.get(), &c, 1, 0) != 1) return "";
   }
-  std::string line = input_.substr(0, end + 1);
-  input_.erase(0, end + 1);
   return line;
 }
 
 void ScriptedSession::Perform(const std::string& verb, const std::string& argument) {
   action_ = server_.Next(verb);
   if (action_.arrived) action_.arrived();
-  if (action_.delay.count() > 0) {
-    pollfd stop = {server_.stop_.get(), POLLIN, 0};
-    if (::poll(&stop, 1, static_cast<int>(action_.delay.count())) != 0) return control_.reset();
-  }
-  if (verb == "PASV") {
-    std::tie(passive_, passivePort_) = ListenOnLoopback();
-    if (action_.dataEnd == DataEnd::Never) passive_.reset();
-  }
+  if (verb == "PASV") std::tie(passive_, passivePort_) = ListenOnLoopback();
   if (action_.reply) {
     Say(*action_.reply);
   } else {
@@ -93,26 +91,15 @@ void ScriptedSession::Say(std::string text) {
                  std::to_string(passivePort_ / 256) + "," + std::to_string(passivePort_ % 256));
   }
   if (text.empty()) return;
-  server_.Note(number_, false, text);
+  server_.NoteReply(text);
   const std::size_t step = action_.byteByByte ? 1 : text.size();
   for (std::size_t at = 0; at < text.size(); at += step) {
     if (!Write(control_.get(), std::string_view(text).substr(at, step))) return;
   }
 }
 
-bool ScriptedSession::Wait(int fd, short events, std::chrono::milliseconds limit) const {
-  std::array<pollfd, 3> waits = {
-      {{fd, events, 0}, {server_.stop_.get(), POLLIN, 0}, {control_.get(), POLLRDHUP, 0}}};
-  return ::poll(waits.data(), waits.size(), static_cast<int>(limit.count())) > 0 &&
-         waits[1].revents == 0 && waits[0].revents != 0;
-}
-
-bool ScriptedSession::Stall(int data) const {
-  std::array<pollfd, 4> waits = {{{server_.released_.get(), POLLIN, 0},
-                                  {server_.stop_.get(), POLLIN, 0},
-                                  {control_.get(), POLLRDHUP, 0},
-                                  {data, POLLRDHUP, 0}}};
-  return ::poll(waits.data(), waits.size(), 20'000) > 0 && waits[0].revents != 0;
+void ScriptedSession::Judge(bool done, const std::string& success) {
+  Say(done ? success : "550 Cannot do that.\r\n");
 }
 
 bool ScriptedSession::Write(int fd, std::string_view bytes) const {
@@ -123,6 +110,130 @@ bool ScriptedSession::Write(int fd, std::string_view bytes) const {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+bool ScriptedSession::Wait(int fd, short events) const {
+  std::array<pollfd, 3> waits = {
+      {{fd, events, 0}, {server_.stop_.get(), POLLIN, 0}, {control_.get(), POLLRDHUP, 0}}};
+  return ::poll(waits.data(), waits.size(), 20'000) > 0 && waits[1].revents == 0 &&
+         waits[0].revents != 0;
+}
+
+void ScriptedSession::Dispatch(const std::string& verb, const std::string& argument) {
+  if (const auto fixed = kFixedReplies.find(verb); fixed != kFixedReplies.end()) {
+    Say(fixed->second);
+    if (verb == "QUIT") control_.reset();
+  } else if (verb == "PWD") {
+    Say("257 \"" + directory_ + "\" is here.\r\n");
+  } else if (verb == "PORT") {
+    Port(argument);
+  } else if (verb == "REST") {
+    restart_ = std::strtoull(argument.c_str(), nullptr, 10);
+    Say("350 Restarting there.\r\n");
+  } else if (verb == "LIST") {
+    SendData(server_.Tree().Listing(directory_));
+  } else {
+    AboutPath(verb, VirtualTree::Join(directory_, argument));
+  }
+}
+
+void ScriptedSession::Port(std::string argument) {
+  std::array<std::uint32_t, 6> n{};
+  std::replace(argument.begin(), argument.end(), ',', ' ');
+  std::istringstream numbers(argument);
+  for (std::uint32_t& number : n) numbers >> number;
+  passive_.reset();
+  active_.sin_family = AF_INET;
+  active_.sin_addr.s_addr = htonl(n[0] << 24 | n[1] << 16 | n[2] << 8 | n[3]);
+  active_.sin_port = htons(static_cast<std::uint16_t>(n[4] << 8 | n[5]));
+  Say("200 Port noted.\r\n");
+}
+
+void ScriptedSession::AboutPath(const std::string& verb, const std::string& path) {
+  VirtualTree& tree = server_.Tree();
+  const std::optional<std::string> bytes = tree.File(path);
+  if (verb == "CWD") {
+    const std::optional<std::string> directory = tree.Directory(path);
+    directory_ = directory.value_or(directory_);
+    Judge(directory.has_value(), "250 Changed.\r\n");
+  } else if (verb == "DELE") {
+    Judge(tree.Remove(path, false), "250 Deleted.\r\n");
+  } else if (verb == "RMD") {
+    Judge(tree.Remove(path, true), "250 Removed.\r\n");
+  } else if (verb == "SIZE") {
+    Judge(bytes.has_value(), "213 " + std::to_string(bytes ? bytes->size() : 0) + "\r\n");
+  } else if (verb == "RETR" && !bytes && !action_.data) {
+    Say("550 No such file.\r\n");
+  } else if (verb == "RETR") {
+    SendData(bytes ? bytes->substr(std::min(restart_, bytes->size())) : "");
+  } else if (verb == "STOR") {
+    ReceiveData(path);
+  } else {
+    Say("502 Not known here.\r\n");
+  }
+}
+
+UniqueFd ScriptedSession::Connect(std::uint32_t from) const {
+  UniqueFd data(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in source{};
+  source.sin_family = AF_INET;
+  source.sin_addr.s_addr = htonl(from);
+  (void)::bind(data.get(), reinterpret_cast<const sockaddr*>(&source), sizeof source);
+  const auto* const target = reinterpret_cast<const sockaddr*>(&active_);
+  return ::connect(data.get(), target, sizeof active_) == 0 ? std::move(data) : UniqueFd();
+}
+
+UniqueFd ScriptedSession::BeginData() {
+  restart_ = 0;
+  const std::string preliminary = action_.preliminary.value_or("150 Here it comes.\r\n");
+  if (action_.dataEnd == DataEnd::Never) {
+    Say(preliminary);
+    Wait(-1, 0);
+    return {};
+  }
+  UniqueFd data;
+  if (!passive_) {
+    if (action_.strangerFirst) Write(Connect(kStranger).get(), "rubbish");
+    data = Connect(INADDR_LOOPBACK);
+  } else if (Wait(passive_.get(), POLLIN)) {
+    data.reset(::accept4(passive_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    passive_.reset();
+  }
+  Say(data ? preliminary : "425 No data connection.\r\n");
+  return data;
+}
+
+void ScriptedSession::EndData(UniqueFd data, bool whole) {
+  if (action_.dataEnd == DataEnd::Stall) {
+    Wait(data.get(), POLLRDHUP);
+    whole = false;
+  }
+  if (action_.dataEnd == DataEnd::Reset) MakeCloseReset(data.get());
+  data.reset();
+  Say(action_.completion.value_or(whole ? "226 Done.\r\n" : "426 Broken off.\r\n"));
+}
+
+void ScriptedSession::SendData(const std::string& bytes) {
+  UniqueFd data = BeginData();
+  if (!data) return;
+  const std::string_view all = action_.data ? *action_.data : bytes;
+  const bool whole = Write(data.get(), all.substr(0, action_.dataLimit));
+  EndData(std::move(data), whole);
+}
+
+void ScriptedSession::ReceiveData(const std::string& path) {
+  UniqueFd data = BeginData();
+  if (!data) return;
+  std::string bytes;
+  std::array<char, 65536> block;
+  ssize_t count = 1;
+  while (count > 0 && bytes.size() < action_.dataLimit) {
+    const std::size_t most = std::min(action_.dataLimit - bytes.size(), block.size());
+    count = Wait(data.get(), POLLIN) ? ::recv(data.get(), block.data(), most, 0) : -1;
+    if (count > 0) bytes.append(block.data(), static_cast<std::size_t>(count));
+  }
+  server_.Tree().AddFile(path, bytes);
+  EndData(std::move(data), count >= 0);
 }
 
 }  // namespace corvane

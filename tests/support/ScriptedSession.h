@@ -2,10 +2,8 @@
 
 #include <netinet/in.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,31 +21,26 @@ void MakeCloseReset(int fd);
 /// One control connection of the scripted server, on its own thread.
 class ScriptedSession {
  public:
-  ScriptedSession(ScriptedServer& server, UniqueFd control, int number);
+  ScriptedSession(ScriptedServer& server, UniqueFd control);
   void Run();
 
  private:
-  [[nodiscard]] std::optional<std::string> ReadLine();
+  /// A command with its line end; "" when there is none any more.
+  [[nodiscard]] std::string ReadLine() const;
   void Perform(const std::string& verb, const std::string& argument);
   void Say(std::string text);
+  /// Says `success`, or that it cannot be done.
+  void Judge(bool done, const std::string& success);
   bool Write(int fd, std::string_view bytes) const;
-  /// Appends what comes until the end of data or `limit` bytes; false on failure.
-  [[nodiscard]] bool Read(int fd, std::size_t limit, std::string& bytes) const;
-  /// Until released, stopped or hung up; true when released. `data` may be -1.
-  [[nodiscard]] bool Stall(int data) const;
-  /// False when the server stops, the client is gone or the limit passes first.
-  [[nodiscard]] bool Wait(int fd, short events,
-                          std::chrono::milliseconds limit = std::chrono::seconds(20)) const;
+  /// False when the server stops, the client is gone or a long time passes first.
+  bool Wait(int fd, short events) const;
 
   void Dispatch(const std::string& verb, const std::string& argument);
-  void Port(const std::string& argument);
-  /// Verbs about what a path leads to, links followed, and about the path itself; false for others.
-  bool AboutTarget(const std::string& verb, const std::string& argument);
-  bool AboutPath(const std::string& verb, const std::string& argument);
-  void Judge(bool done, const std::string& success);
+  void Port(std::string argument);
+  /// Verbs about the file or directory at `path`.
+  void AboutPath(const std::string& verb, const std::string& path);
   void SendData(const std::string& bytes);
-  /// `bytes` is what the file begins with.
-  void ReceiveData(const std::string& path, std::string bytes);
+  void ReceiveData(const std::string& path);
   /// Opens the data connection and says the preliminary reply; none when nothing more is to be
   /// done.
   [[nodiscard]] UniqueFd BeginData();
@@ -56,11 +49,8 @@ class ScriptedSession {
 
   ScriptedServer& server_;
   UniqueFd control_;
-  const int number_;
-  std::string input_;
   ScriptedAction action_;
   std::string directory_ = "/";
-  std::string renameFrom_;
   std::size_t restart_ = 0;
   UniqueFd passive_;
   std::uint16_t passivePort_ = 0;

@@ -15,6 +15,12 @@ Alerts::Responder& TheResponder() {
   return responder;
 }
 
+/// Keeps the buttons on the screen whatever a server says.
+QString Shortened(const QString& text) {
+  constexpr qsizetype kMost = 1000;
+  return text.size() <= kMost ? text : text.first(kMost) + QChar(0x2026);
+}
+
 /// All buttons as wide as the widest.
 void EvenOut(const QList<QAbstractButton*>& buttons) {
   int widest = 0;
@@ -39,8 +45,8 @@ void Alerts::Show(QWidget* window, const Question& question, Answer then) {
   box->setIcon(question.icon);
   box->setWindowTitle(question.title);
   box->setTextFormat(Qt::PlainText);
-  box->setText(question.text);
-  box->setInformativeText(question.detail);
+  box->setText(Shortened(question.text));
+  box->setInformativeText(Shortened(question.detail));
   QList<QAbstractButton*> buttons;
   for (const QString& label : question.buttons) {
     const bool last = buttons.size() + 1 == question.buttons.size();

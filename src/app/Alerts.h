@@ -17,7 +17,7 @@ class Alerts {
     QMessageBox::Icon icon = QMessageBox::Warning;
     QString title;
     QString text;
-    QString detail{};  ///< more of it, in smaller letters
+    QString detail{};                           ///< more of it, in smaller letters
     QStringList buttons{QStringLiteral("OK")};  ///< an "&" marks the key that presses the button
   };
   using Answer = std::function<void(int button)>;

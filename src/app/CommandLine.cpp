@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <string_view>

@@ -17,6 +17,8 @@
 #include "app/Text.h"
 #include "app/WindowLog.h"
 #include "app/Windows.h"
+#include "ftp/MFtp.h"
+#include "net/NLException.h"
 
 namespace corvane {
 namespace {
@@ -36,10 +38,7 @@ std::tm LocalTimeNow() {
 }  // namespace
 
 MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
-    : app_(app),
-      connection_(std::move(connection)),
-      link_(std::make_shared<BrowserLink>(*this)),
-      requestedPath_(connection_.path) {
+    : app_(app), connection_(std::move(connection)), link_(std::make_shared<BrowserLink>(*this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Connected To: ") + ToText(connection_.host));
   setMinimumSize(420, 440);
@@ -61,7 +60,12 @@ MWindow::~MWindow() {
 }
 
 void MWindow::StartLooper() {
-  looper_ = app_.Workers().looper(connection_, link_);
+  try {
+    looper_ = app_.Workers().looper(connection_, link_);
+  } catch (const NLException& error) {
+    FailToStart(ToText(Reason(error)));
+    return;
+  }
   Message connect("CNNT"_what);
   connect.AddString("host", connection_.host);
   connect.AddString("user", connection_.user);
@@ -69,10 +73,16 @@ void MWindow::StartLooper() {
   connect.AddString("path", connection_.path);
   connect.AddDouble("port", connection_.port);
   if (!looper_->Run() || !looper_->PostMessage(std::move(connect))) {
-    Message error("FERR"_what);
-    error.AddString("error", tr("The system has no thread to give.").toStdString());
-    link_->PostMessage(std::move(error));
+    FailToStart(tr("The system has no thread to give."));
   }
+}
+
+// The alert comes once the window stands.
+void MWindow::FailToStart(const QString& why) {
+  Message error("FERR"_what);
+  error.AddString("error", tr("The connection could not be begun.").toStdString());
+  error.AddString("detail", why.toStdString());
+  link_->PostMessage(std::move(error));
 }
 
 void MWindow::Disconnect() {
@@ -132,8 +142,16 @@ void MWindow::FatalError(const Message& message) {
                [this](int) { close(); });
 }
 
+// A server that is refused much is not to fill the screen: what comes while some alerts wait for an
+// answer is in the log.
 void MWindow::Warn(const QString& text, const QString& title) {
-  Alerts::Show(this, {.title = title, .text = text});
+  constexpr int kMostAlerts = 3;
+  if (openWarnings_ == kMostAlerts) {
+    log_->Append(text.toStdString() + "\n");
+    return;
+  }
+  ++openWarnings_;
+  Alerts::Show(this, {.title = title, .text = text}, [this](int) { --openWarnings_; });
 }
 
 void MWindow::ShowStatus(std::string_view text) {
@@ -173,7 +191,6 @@ void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_vi
 }
 
 void MWindow::ChangeDirectoryTo(const std::string& name) {
-  requestedPath_ = name;
   Message message("PCHN"_what);
   message.AddString("cwd", name);
   SendToLooper(message);

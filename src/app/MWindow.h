@@ -90,10 +90,13 @@ class MWindow : public QMainWindow {
 
   // MWindowTransfers.cpp
   void DownloadRequested(const Message& message);
-  void SaveDialogBox(int row, int count);
-  void DownloadOne(const std::string& folder, const std::string& localName);
+  /// What is selected now, as a request without a target.
+  [[nodiscard]] DownloadRequest RequestForSelection();
+  /// Asks for the target of a request.
+  void SaveDialogBox(DownloadRequest request);
+  void DownloadOne(DownloadRequest request, const std::string& localName);
   void AskAndHandOver(DownloadRequest request, std::int64_t localSize);
-  void DownloadInto(const std::string& folder);
+  void FailToStart(const QString& why);
   void ChooseUploads();
   void Upload(const QStringList& paths);
 
@@ -102,7 +105,7 @@ class MWindow : public QMainWindow {
   std::shared_ptr<BrowserLink> link_;
   std::shared_ptr<Looper> looper_;
   std::string currentDirectory_;
-  std::string requestedPath_;
+  int openWarnings_ = 0;
   bool closingForError_ = false;
 
   QLineEdit* path_ = nullptr;

@@ -15,6 +15,7 @@
 #include "app/MWindow.h"
 #include "app/SmallView.h"
 #include "app/TambleApp.h"
+#include "app/Text.h"
 #include "app/Windows.h"
 
 namespace corvane {
@@ -37,7 +38,7 @@ void MWindow::MakeViews() {
   path_ = new QLineEdit(main);
   path_->setObjectName("Path");
   path_->setAccessibleName(tr("Remote path"));
-  path_->setText(QString::fromStdString(connection_.path));
+  path_->setText(ToText(connection_.path));
   pathLabel->setBuddy(path_);
   listing_ = new DirListView(main);
   count_ = new SmallView(main);

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "app/Alerts.h"
 #include "app/DirListView.h"
@@ -14,6 +15,7 @@
 #include "app/MWindow.h"
 #include "app/TambleApp.h"
 #include "app/Text.h"
+#include "app/Windows.h"
 #include "settings/ProcessSettings.h"
 #include "util/LocalFile.h"
 
@@ -26,11 +28,11 @@ std::optional<std::string> DownloadFolder() {
   return folder;
 }
 
-/// The size of what stands at `path`; nothing when nothing stands there.
-std::optional<std::int64_t> LocalSize(const std::string& path) {
+/// What stands at `path`, a link itself and not where it leads; nothing when nothing does.
+std::optional<struct stat> LocalEntry(const std::string& path) {
   struct stat status {};
-  if (::stat(path.c_str(), &status) != 0) return {};
-  return status.st_size;
+  if (::lstat(path.c_str(), &status) != 0) return {};
+  return status;
 }
 
 std::string LocalPath(const QString& path) {
@@ -53,60 +55,93 @@ void MWindow::DownloadRequested(const Message& message) {
   }
   const int first = listing_->FirstSelected();
   if (first <= 0) return;
-  const int count = listing_->SelectedCount();
+  DownloadRequest request = RequestForSelection();
+  if (request.items.empty()) return;
   const std::optional<std::string> folder = DownloadFolder();
   if (!folder.has_value()) {
-    SaveDialogBox(first, count);
-  } else if (count == 1) {
-    DownloadOne(*folder, listing_->Rows().At(first).Name());
+    SaveDialogBox(std::move(request));
+    return;
+  }
+  request.where = *folder;
+  if (request.items.size() == 1) {
+    const std::string name = request.items.front().name;
+    DownloadOne(std::move(request), name);
   } else {
-    DownloadInto(*folder);
+    app_.Transfers().AddDownload(std::move(request));
   }
 }
 
-void MWindow::SaveDialogBox(int row, int count) {
-  if (count == 1) {
-    if (!savePanel_.isNull()) return;
+// Names that cannot be local ones are left out here, and the user told. One alone may still get
+// another name in the panel.
+DownloadRequest MWindow::RequestForSelection() {
+  DownloadRequest request;
+  request.connection = connection_;
+  request.remoteDirectory = currentDirectory_;
+  const std::vector<int> rows = listing_->SelectedRows();
+  QStringList refused;
+  for (const int row : rows) {
+    const MWListItem& item = listing_->Rows().At(row);
+    if (rows.size() > 1 && (row < 2 || item.IsDots())) continue;
+    if (rows.size() > 1 && !IsSafeLocalName(item.Name())) {
+      refused.append(ToText(item.Name()));
+      continue;
+    }
+    request.items.push_back(item.GetFileInfo());
+    request.size = item.Size();
+  }
+  if (!refused.isEmpty()) {
+    Warn(tr("These names cannot be names of local files and are left out:") + "\n\n" +
+         refused.join('\n'));
+  }
+  return request;
+}
+
+// The panels do not block the window: what they are about is settled when they open.
+void MWindow::SaveDialogBox(DownloadRequest request) {
+  if (request.items.size() == 1) {
+    if (!savePanel_.isNull()) return BringForward(savePanel_);
     savePanel_ = new QFileDialog(this, tr("Save"));
     savePanel_->setAcceptMode(QFileDialog::AcceptSave);
     savePanel_->setOption(QFileDialog::DontConfirmOverwrite);
-    savePanel_->selectFile(ToText(listing_->Rows().At(row).Name()));
-    connect(savePanel_, &QFileDialog::fileSelected, this, [this](const QString& path) {
-      const QFileInfo chosen(path);
-      DownloadOne(LocalPath(chosen.path()), LocalPath(chosen.fileName()));
-    });
+    savePanel_->selectFile(ToText(request.items.front().name));
+    connect(savePanel_, &QFileDialog::fileSelected, this,
+            [this, request = std::move(request)](const QString& path) mutable {
+              const QFileInfo chosen(path);
+              request.where = LocalPath(chosen.path());
+              DownloadOne(std::move(request), LocalPath(chosen.fileName()));
+            });
     ShowPanel(savePanel_);
     return;
   }
-  if (!openPanel_.isNull()) return;
+  if (!openPanel_.isNull()) return BringForward(openPanel_);
   openPanel_ = new QFileDialog(this, tr("Download"));
   openPanel_->setFileMode(QFileDialog::Directory);
   openPanel_->setOption(QFileDialog::ShowDirsOnly);
   openPanel_->setLabelText(QFileDialog::Accept, tr("Select"));
   connect(openPanel_, &QFileDialog::fileSelected, this,
-          [this](const QString& path) { DownloadInto(LocalPath(path)); });
+          [this, request = std::move(request)](const QString& path) mutable {
+            request.where = LocalPath(path);
+            app_.Transfers().AddDownload(std::move(request));
+          });
   ShowPanel(openPanel_);
 }
 
-void MWindow::DownloadOne(const std::string& folder, const std::string& localName) {
-  const int row = listing_->FirstSelected();
-  if (row < 0) return;
+void MWindow::DownloadOne(DownloadRequest request, const std::string& localName) {
   if (!IsSafeLocalName(localName)) {
     Warn(tr("\"%1\" cannot be the name of a local file.").arg(ToText(localName)));
     return;
   }
-  DownloadRequest request;
-  request.connection = connection_;
-  request.remoteDirectory = currentDirectory_;
-  request.where = folder;
-  request.items.push_back(listing_->Rows().At(row).GetFileInfo());
   request.items.front().displayName = localName;
-  request.size = request.items.front().size;
-  const std::optional<std::int64_t> localSize = LocalSize(folder + "/" + localName);
-  if (localSize.has_value()) {
-    AskAndHandOver(std::move(request), *localSize);
-  } else {
+  const std::optional<struct stat> there = LocalEntry(request.where + "/" + localName);
+  if (!there.has_value()) {
     app_.Transfers().AddDownload(std::move(request));
+  } else if (S_ISREG(there->st_mode)) {
+    AskAndHandOver(std::move(request), there->st_size);
+  } else {
+    const QString kind = S_ISDIR(there->st_mode)   ? tr("a folder")
+                         : S_ISLNK(there->st_mode) ? tr("a link")
+                                                   : tr("no plain file");
+    Warn(tr("\"%1\" in the download folder is %2 and is left alone.").arg(ToText(localName), kind));
   }
 }
 
@@ -132,32 +167,8 @@ void MWindow::AskAndHandOver(DownloadRequest request, std::int64_t localSize) {
   });
 }
 
-void MWindow::DownloadInto(const std::string& folder) {
-  if (!QFileInfo::exists(QFile::decodeName(folder.c_str()))) return;
-  DownloadRequest request;
-  request.connection = connection_;
-  request.remoteDirectory = currentDirectory_;
-  request.where = folder;
-  QStringList refused;
-  for (const int row : listing_->SelectedRows()) {
-    const MWListItem& item = listing_->Rows().At(row);
-    if (row < 2 || item.IsDots()) continue;
-    if (!IsSafeLocalName(item.Name())) {
-      refused.append(ToText(item.Name()));
-      continue;
-    }
-    request.items.push_back(item.GetFileInfo());
-    request.size = item.Size();
-  }
-  if (!refused.isEmpty()) {
-    Warn(tr("These names cannot be names of local files and are left out:") + "\n\n" +
-         refused.join('\n'));
-  }
-  if (!request.items.empty()) app_.Transfers().AddDownload(std::move(request));
-}
-
 void MWindow::ChooseUploads() {
-  if (!openPanel_.isNull()) return;
+  if (!openPanel_.isNull()) return BringForward(openPanel_);
   openPanel_ = new QFileDialog(this, tr("Upload"));
   openPanel_->setFileMode(QFileDialog::ExistingFiles);
   openPanel_->setLabelText(QFileDialog::Accept, tr("Select"));

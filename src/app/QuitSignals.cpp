@@ -5,6 +5,7 @@
 
 #include <QSocketNotifier>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <utility>
 
@@ -17,9 +18,11 @@ constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
 int wakeUp = -1;
 
 void Handle(int signal) {
+  const int before = errno;
   const char byte = 0;
   if (::write(wakeUp, &byte, 1) != 1) ::_exit(128 + signal);
   std::signal(signal, SIG_DFL);
+  errno = before;
 }
 
 }  // namespace

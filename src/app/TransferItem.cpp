@@ -5,6 +5,8 @@
 
 #include "app/MWindow.h"
 #include "app/Text.h"
+#include "ftp/MFtp.h"
+#include "net/NLException.h"
 
 namespace corvane {
 
@@ -27,7 +29,12 @@ void TransferItem::LetGo() {
 }
 
 void TransferItem::Start(const WorkerFactory& factory) {
-  worker_ = factory.transfer(connection_, link_, description_);
+  try {
+    worker_ = factory.transfer(connection_, link_, description_);
+  } catch (const NLException& error) {
+    link_->SetEndState(TransferEnd::Failed, Reason(error));
+    return;
+  }
   if (!worker_->Run()) {
     link_->SetEndState(TransferEnd::Failed, tr("The system has no thread to give.").toStdString());
   }

@@ -12,6 +12,7 @@
 #include "app/TambleApp.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
+#include "workers/ListingCache.h"
 
 int main(int argc, char** argv) {
   corvane::NLDebug::switchOnFromEnvironment();
@@ -36,6 +37,7 @@ int main(int argc, char** argv) {
     // Work that does not end in time is left to the end of the process: all that it wrote to disk
     // stands, and its windows are gone.
     if (!corvane::Background::WaitForNone(std::chrono::milliseconds(1500))) {
+      corvane::ListingCache::RemoveAll();
       std::fflush(stdout);
       ::_exit(result);
     }

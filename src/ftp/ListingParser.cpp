@@ -18,10 +18,11 @@ std::int32_t TypeOf(char letter) {
   }
 }
 
+// A number of a date, kept to what a date can hold.
 int Number(std::string_view digits) {
   int value = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  return value;
+  return std::clamp(value, 0, 9999);
 }
 
 // The name up to its " -> " marker.

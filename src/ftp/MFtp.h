@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -55,7 +56,8 @@ class MFtp {
   };
 
   static constexpr std::size_t kMaxListing = 1024UL * 1024 * 1024;
-  static constexpr int kMaxDepth = 128;
+  static constexpr std::size_t kMaxDepth = 128;
+  static constexpr std::size_t kMaxName = 4096;
   static constexpr std::string_view BINARY = "TYPE I\n";
 
   /// A browser's connection: it has a log and a status line, and its warnings are shown.
@@ -81,8 +83,11 @@ class MFtp {
   int ReadResponse();
   /// Logs and sends like SendCommand; the reply's text, carriage returns removed.
   std::string ReturnResponse(std::string_view command);
-  /// Whether the caller may go on (not 0); warns the browser's user about refusals.
+  /// Whether the caller may go on (not 0); warns the browser's user about some refusals.
   int CheckResult(int code);
+  /// The same where every refusal has to be said: what CheckResult passes over in silence becomes a
+  /// warning of `failed` and the server's words.
+  bool Accepted(int code, std::string_view failed);
   void UpdateLog(std::string_view text);
   /// False only when the browser window is closing: the caller stops.
   bool UpdateStatus(std::string_view text);
@@ -98,8 +103,13 @@ class MFtp {
   std::int32_t Login();
   void GetServerType();
   [[nodiscard]] std::int32_t ReturnServerType() const { return serverType_; }
-  /// Asks for the working directory and hands it to the browser window.
-  void SetPWD();
+  /// Asks for the working directory and hands it to the browser window; false when the server does
+  /// not tell.
+  bool SetPWD();
+  /// Takes it that a change to `directory` went where it says.
+  void AssumePWD(std::string_view directory);
+  /// Says good-bye; a server that does not answer at once is not waited for.
+  void Quit();
   /// The reply code, not judged.
   int ChangeDir(std::string_view directory);
   /// Any thread: ends the connection for good, without a word to the server; every blocked call
@@ -188,6 +198,7 @@ class MFtp {
   std::int32_t RefusedLogin(std::string_view text, bool tellOwner);
   std::int32_t FailConnection();
   void PostError(std::string_view text, std::string_view detail = {});
+  std::optional<std::string> AskPath();
 
   // data
   enum class DataState { Open, Refused, Failed };
@@ -213,8 +224,9 @@ class MFtp {
   void FailFrom(const NLException& error);
 
   // trees
-  int DeleteDirectory(const std::string& name, int depth);
-  int DeleteEntries(int depth);
+  int DeleteDirectory(const std::string& name, std::vector<std::string>& above);
+  bool EntersNewDirectory(std::vector<std::string>& above);
+  int DeleteEntries(std::vector<std::string>& above);
 
   const std::string host_;
   const std::uint16_t port_;
@@ -225,6 +237,8 @@ class MFtp {
   std::shared_ptr<TransferUi> row_;     // set for a transfer's connection
 
   std::string lastReplyText_;
+  std::string path_;     // the working directory, as far as it was asked for
+  bool warned_ = false;  // the user was warned since Accepted last looked
   int lastCode_ = 0;
   std::string failure_;
   std::int32_t serverType_ = kUnix;

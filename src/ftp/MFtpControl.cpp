@@ -192,7 +192,16 @@ int MFtp::CheckResult(int code) {
   }
 }
 
+bool MFtp::Accepted(int code, std::string_view failed) {
+  warned_ = false;
+  const int result = CheckResult(code);
+  if (result == 1 || (result != 0 && code < 400)) return true;
+  if (!warned_) Warn(std::string(failed).append("\n\n").append(lastReplyText_));
+  return false;
+}
+
 void MFtp::Warn(std::string_view text, std::string_view title) {
+  warned_ = true;
   if (!browser_) return;
   Message warning("GERR"_what);
   warning.AddString("warning", text);

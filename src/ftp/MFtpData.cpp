@@ -108,7 +108,7 @@ bool MFtp::SetUpActive() {
   std::uint16_t port = 0;
   dataAddress_.get(here, &port);
   const int code = SendCommand(PortCommand(ntohl(here.s_addr), port));
-  if (CheckResult(code) != 0 && code < 400) return true;
+  if (Accepted(code, "The server refuses active connections.")) return true;
   Fail(lastReplyText_);
   DataCommClose();
   return false;
@@ -116,6 +116,11 @@ bool MFtp::SetUpActive() {
 
 int MFtp::SetUpPassive() {
   const std::string reply = ReturnResponse("PASV\n");
+  if (lost_) {
+    Accepted(lastCode_, {});
+    Fail(lastReplyText_);
+    return 0;
+  }
   // The address in the reply is of no interest: the data goes to the host of the control
   // connection, which also works behind gateways that rewrite addresses.
   const auto port = ReplyCode(reply, 0) < 400 ? PassivePort(reply) : std::nullopt;
@@ -178,14 +183,18 @@ bool MFtp::AcceptData(const std::atomic<bool>& cancelled) {
   NLEndpoint* listener = DataEndpoint();
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(silenceLimit);
   try {
+    bool spoke = false;
     while (listener != nullptr && !cancelled && !aborted_) {
-      if (auto accepted = listener->accept(kAcceptSlice)) {
-        if (HostOf(accepted->remoteAddress()) != HostOf(serverAddress_)) continue;
+      auto accepted = listener->accept(spoke ? 1 : kAcceptSlice);
+      if (accepted && HostOf(accepted->remoteAddress()) == HostOf(serverAddress_)) {
         SetDataEndpoint(std::move(accepted));
         return true;
       }
-      const bool spoke = controlEndpoint_.isDataPending(1);
-      if (spoke || std::chrono::steady_clock::now() > deadline) {
+      // What it said may be the end of a transfer whose connection has come meanwhile: one more
+      // look.
+      const bool gaveUp = spoke && !accepted;
+      spoke = controlEndpoint_.isDataPending(1);
+      if (gaveUp || std::chrono::steady_clock::now() > deadline) {
         Fail("The server did not open the data connection.");
         return false;
       }
@@ -199,7 +208,7 @@ bool MFtp::AcceptData(const std::atomic<bool>& cancelled) {
 
 // A refused command is over: no reply is owed, and nobody will use its data connection.
 void MFtp::DropRefused() {
-  CheckResult(lastCode_);
+  if (lastCode_ != 0) Accepted(lastCode_, "The server refused the request.");
   DataCommClose();
 }
 

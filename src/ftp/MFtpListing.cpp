@@ -127,6 +127,7 @@ bool MFtp::ReadListingData(std::string& text) {
 
 bool MFtp::ParseListing(std::string_view text) {
   if (!browser_) return true;
+  if (!browser_->BeginListing()) return false;
   EntryMaker maker(Now());
   std::vector<fileStruct> batch;
   batch.reserve(kBatch);
@@ -135,9 +136,14 @@ bool MFtp::ParseListing(std::string_view text) {
   ListingParser parser(text, serverType_ != kWindowsNT);
   ListingParser::Fields fields;
   std::size_t count = 0;
+  std::size_t tooLong = 0;
   while (parser.Next(fields)) {
     const fileStruct& entry = maker.Make(fields);
     if (entry.type == kDevice) continue;
+    if (entry.name.size() > kMaxName) {
+      ++tooLong;
+      continue;
+    }
     batch.push_back(entry);
     if (++count == ListingParser::kMaxEntries) {
       Warn("The listing is not complete: it has more than 10,000,000 entries.\n");
@@ -149,7 +155,10 @@ bool MFtp::ParseListing(std::string_view text) {
     batch.reserve(kBatch);
   }
   if (!browser_->AddEntries(std::move(batch))) return false;
-  UpdateStatus("Connected.");
+  if (tooLong > 0)
+    Warn("Entries with names longer than 4096 bytes are not shown: " + std::to_string(tooLong) +
+         ".\n");
+  UpdateStatus(lost_ ? "Connection lost." : "Connected.");
   return browser_->EndListing(count);
 }
 

@@ -1,4 +1,5 @@
 #include <charconv>
+#include <optional>
 #include <utility>
 
 #include "ftp/MFtp.h"
@@ -50,9 +51,10 @@ bool MFtp::Resolve() {
     serverAddress_ = lookup->get();
     return true;
   } catch (const NLException& error) {
-    FailFrom(error);
     // Names the server even where it was the proxy that could not be found.
-    if (!aborted_) PostError("Could not resolve the address for:\n\n " + host_);
+    const std::string text = "Could not resolve the address for:\n\n " + host_;
+    Fail(text);
+    if (!aborted_) PostError(text);
     return false;
   }
 }
@@ -60,7 +62,10 @@ bool MFtp::Resolve() {
 // From the greeting to the password's reply.
 std::int32_t MFtp::Identify() {
   const SettingsValues settings = ProcessSettings::Get();
-  if (ReadResponse() >= 400) {
+  int code = ReadResponse();
+  // "120 Service ready in nnn minutes": the greeting proper is still to come.
+  while (code >= 100 && code < 200) code = ReadResponse();
+  if (code >= 400) {
     Fail(lastReplyText_);
     return FailConnection();
   }
@@ -68,7 +73,7 @@ std::int32_t MFtp::Identify() {
   const std::string user =
       settings.useProxy ? userCommand_.substr(0, userCommand_.size() - 1) + "@" + host_ + "\n"
                         : userCommand_;
-  int code = SendCommand(user);
+  code = SendCommand(user);
   if (code == 530) {
     RefusedLogin("Login to: " + host_ + " failed.\n\nUsername is invalid", false);
     PostError("Login to: " + host_ + " failed.\n\nUsername is invalid");
@@ -137,9 +142,10 @@ void MFtp::GetServerType() {
   }
 }
 
-void MFtp::SetPWD() {
+// The path of a PWD reply (RFC 959, appendix II); nothing when the server does not tell.
+std::optional<std::string> MFtp::AskPath() {
   std::string text = ReturnResponse("PWD\n");
-  if (ReplyCode(text, 0) >= 400) return;
+  if (ReplyCode(text, 0) >= 400) return std::nullopt;
   const std::size_t open = text.find('"');
   if (open == std::string::npos) {
     // A server without quotes: what stands behind the code is all there is.
@@ -148,12 +154,40 @@ void MFtp::SetPWD() {
   } else {
     const std::size_t close = text.rfind('"');
     text = text.substr(open + 1, close > open ? close - open - 1 : text.find('\n') - open - 1);
-    // A quote inside the path is written twice (RFC 959, appendix II).
+    // A quote inside the path is written twice.
     for (std::size_t at = text.find("\"\""); at != std::string::npos;
          at = text.find("\"\"", at + 1))
       text.erase(at, 1);
   }
-  if (browser_) browser_->SetPath(text);
+  return text;
+}
+
+bool MFtp::SetPWD() {
+  auto path = AskPath();
+  if (!path) return false;
+  path_ = std::move(*path);
+  if (browser_) browser_->SetPath(path_);
+  return true;
+}
+
+void MFtp::AssumePWD(std::string_view directory) {
+  if (directory == "..") {
+    const std::size_t slash = path_.rfind('/');
+    path_.resize(slash == std::string::npos ? 0 : slash);
+  } else if (directory.starts_with('/')) {
+    path_ = directory;
+  } else if (directory != ".") {
+    if (!path_.ends_with('/')) path_ += '/';
+    path_ += directory;
+  }
+  if (path_.empty()) path_ = "/";
+  if (browser_) browser_->SetPath(path_);
+}
+
+void MFtp::Quit() {
+  UpdateLog("QUIT\n");
+  SendLine("QUIT\n");
+  if (isDataPending()) ReadResponse();
 }
 
 int MFtp::ChangeDir(std::string_view directory) {

@@ -47,7 +47,10 @@ int MFtp::Transfer(const std::string& command, const std::atomic<bool>& cancelle
     if (cancelled || localFailure_ || confirmed) Fail(why);
     return -1;
   } catch (const NLException& error) {
-    Fail(cancelled ? "Cancelled." : Reason(error));
+    if (cancelled)
+      Fail("Cancelled.");
+    else if (!localFailure_)
+      FailFrom(error);
     DataCommClose();
     return -1;
   }

@@ -26,7 +26,6 @@ class TransferPump {
   void Grow(std::size_t read);
   /// So many bytes have arrived where they belong: updates the row's record.
   void Count(std::size_t bytes);
-  [[nodiscard]] std::int64_t Total() const { return total_; }
 
  private:
   TransferProgress& progress_;

@@ -1,6 +1,7 @@
 #include "util/LocalFile.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -36,6 +37,14 @@ int OpenEntry(int folder, const char* name, LocalFile::Mode mode, bool& created)
   return -1;
 }
 
+// Whether `name` in the folder is the open file.
+bool IsNamed(int folder, const char* name, int fd) {
+  struct stat ours {};
+  struct stat named {};
+  return ::fstat(fd, &ours) == 0 && ::fstatat(folder, name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+         ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
+}
+
 // A write of more than this makes the kernel look for big blocks of memory, which costs more than
 // the calls that it saves.
 constexpr std::size_t kPiece = std::size_t{128} * 1024;
@@ -63,6 +72,11 @@ int LocalFile::Open(const std::string& folder, std::string_view name, Mode mode)
   UniqueFd fd(OpenEntry(directory.get(), entry.c_str(), mode, created));
   if (!fd || ::fstat(fd.get(), &status) != 0) return errno;
   if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
+  if (mode != Mode::Read) {
+    // One writer at a time. Whoever had the lock may have removed the file before letting go.
+    if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return EWOULDBLOCK;
+    if (!IsNamed(directory.get(), entry.c_str(), fd.get())) return EWOULDBLOCK;
+  }
   if (mode == Mode::Resume && ::lseek(fd.get(), 0, SEEK_END) < 0) return errno;
 
   folder_ = std::move(directory);
@@ -126,11 +140,7 @@ int LocalFile::Close() {
 
 void LocalFile::Discard() {
   // Only the very file that Open made is removed, not what somebody put in its place since.
-  struct stat ours {};
-  struct stat named {};
-  if (created_ && folder_ && ::fstat(fd_.get(), &ours) == 0 &&
-      ::fstatat(folder_.get(), name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-      ours.st_dev == named.st_dev && ours.st_ino == named.st_ino) {
+  if (created_ && folder_ && IsNamed(folder_.get(), name_.c_str(), fd_.get())) {
     ::unlinkat(folder_.get(), name_.c_str(), 0);
   }
   *this = LocalFile();

@@ -26,7 +26,8 @@ class LocalFile {
   LocalFile() = default;
 
   /// Opens `name` inside the directory `folder`. `name` must pass IsSafeLocalName (else EINVAL);
-  /// a symbolic link at `name` is not followed (ELOOP), a directory or device is refused.
+  /// a symbolic link at `name` is not followed (ELOOP), a directory or device is refused. A file
+  /// that another LocalFile has open for writing is refused too (EWOULDBLOCK).
   [[nodiscard]] int Open(const std::string& folder, std::string_view name, Mode mode);
   /// Opens a path that the user chose for reading; links are followed, only a plain file is taken.
   [[nodiscard]] int OpenForReading(const std::string& path);

@@ -1,5 +1,6 @@
 #include "workers/ControlLooper.h"
 
+#include <exception>
 #include <utility>
 
 #include "ftp/EngineLease.h"
@@ -39,6 +40,8 @@ void ControlLooper::MessageReceived(const Message& message) {
     }
   } catch (const NLException& error) {
     engine_->ReportLost(error);
+  } catch (const std::exception& error) {
+    engine_->Warn(std::string("The request could not be carried out: ") + error.what() + "\n");
   }
 }
 
@@ -69,7 +72,7 @@ std::string ControlLooper::EnterStartPath() {
   if (startPath_.empty()) return {};
   const int code = engine_->ChangeDir(startPath_);
   if (code != 550) {
-    engine_->CheckResult(code);
+    engine_->Accepted(code, "The directory cannot be opened.");
     return {};
   }
   const std::size_t slash = startPath_.rfind('/');
@@ -103,9 +106,9 @@ void ControlLooper::AskForDownload(const std::string& name) {
 void ControlLooper::ChangeDirectory(const std::string& directory) {
   if (NeedsConnection()) return;
   const int code = engine_->ChangeDir(directory);
-  const bool entered = engine_->CheckResult(code) != 0 && code < 400 && !engine_->Lost();
+  const bool entered = engine_->Accepted(code, "The directory cannot be opened.");
   if (entered) window_->BeginListing();
-  if (!engine_->Lost()) engine_->SetPWD();
+  if (!engine_->Lost() && !engine_->SetPWD() && entered) engine_->AssumePWD(directory);
   engine_->UpdateStatus(engine_->Lost() ? "Connection lost." : "Connected.");
   if (!entered) return;
   const auto lister = std::make_shared<DirLister>(cache_, engine_);

@@ -1,5 +1,7 @@
 #include "workers/DirLister.h"
 
+#include <exception>
+#include <string>
 #include <utility>
 
 #include "ftp/EngineLease.h"
@@ -18,6 +20,8 @@ std::int32_t DirLister::Execute() {
     ListDirectory(*engine_, *cache_);
   } catch (const NLException& error) {
     engine_->ReportLost(error);
+  } catch (const std::exception& error) {
+    engine_->Warn(std::string("The listing could not be shown: ") + error.what() + "\n");
   }
   return 0;
 }

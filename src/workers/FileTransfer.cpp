@@ -1,5 +1,7 @@
 #include "workers/FileTransfer.h"
 
+#include <cerrno>
+#include <exception>
 #include <filesystem>
 #include <utility>
 
@@ -32,6 +34,8 @@ std::int32_t FileTransfer::Execute() {
     succeeded = Begin() && (description_.download ? DownloadAll() : UploadAll());
   } catch (const NLException& error) {
     Fail("The connection was lost: " + Reason(error));
+  } catch (const std::exception& error) {
+    Fail(std::string("The transfer could not be carried out: ") + error.what());
   }
   Finish(succeeded);
   return 0;
@@ -45,8 +49,8 @@ bool FileTransfer::Begin() {
   engine.GetServerType();
   if (description_.remoteDirectory.empty()) return true;
   const int code = engine.ChangeDir(description_.remoteDirectory);
-  if (engine.CheckResult(code) != 0 && code < 400) return true;
-  return Fail(engine.LastReplyText());
+  if (code != 0 && code < 400) return true;
+  return Fail(code == 0 ? engine.LastFailure() : engine.LastReplyText());
 }
 
 bool FileTransfer::DownloadAll() {
@@ -67,9 +71,14 @@ bool FileTransfer::DownloadFile(const fileStruct& item) {
 
   LocalFile file;
   const auto mode = description_.overwrite ? LocalFile::Mode::Create : LocalFile::Mode::Resume;
-  if (const int error = file.Open(description_.targetFolder, localName, mode); error != 0)
+  const int error = file.Open(description_.targetFolder, localName, mode);
+  if (error == EWOULDBLOCK)
+    return Fail("Another transfer is writing " + DisplayText(localName) + " already.");
+  if (error != 0)
     return Fail("Could not open " + description_.targetFolder + "/" + DisplayText(localName) +
                 ": " + ErrorText(error));
+  if (!description_.overwrite && item.size >= 0 && file.InitialSize() > item.size)
+    return Fail("The local file is longer than the server's.");
   MFtp::DownloadJob job{item.name, item.size >= 0 ? item.size : -1, 0, description_.overwrite};
   TransferProgress& progress = row_->Progress();
   progress.total = item.size >= 0 ? item.size : 0;
@@ -92,8 +101,8 @@ bool FileTransfer::DownloadFile(const fileStruct& item) {
     if (progress.done == 0) file.Discard();
     return Fail(engine.LastFailure());
   }
-  if (const int error = file.Close(); error != 0)
-    return Fail("Could not write the file: " + ErrorText(error));
+  if (const int late = file.Close(); late != 0)
+    return Fail("Could not write the file: " + ErrorText(late));
   return true;
 }
 
@@ -144,13 +153,10 @@ void FileTransfer::Finish(bool succeeded) {
                      : Cancelled() ? TransferEnd::Cancelled
                                    : TransferEnd::Failed;
   row_->SetEndState(state, state == TransferEnd::Failed ? why_ : std::string());
-  if (finished) {
-    row_->PlaySound(description_.download ? settings.dwnldsnd : settings.upldsnd);
-    if (settings.removeItem && !sameConnection_) row_->PostMessage(Message("REMI"_what));
-  }
+  if (finished) row_->PlaySound(description_.download ? settings.dwnldsnd : settings.upldsnd);
   if (sameConnection_) return;
   try {
-    if (finished) description_.engine->SendCommand("QUIT\n");
+    if (finished) description_.engine->Quit();
   } catch (const NLException&) {
     // All that mattered has been confirmed already.
   }

@@ -21,11 +21,14 @@ class PrivateDirectory {
     std::string pattern = (std::filesystem::temp_directory_path(error) / "corvane-XXXXXX").string();
     if (!error && ::mkdtemp(pattern.data()) != nullptr) path_ = pattern;
   }
-  ~PrivateDirectory() {
-    if (!path_.empty()) ::rmdir(path_.c_str());
-  }
+  ~PrivateDirectory() { Remove(); }
   PrivateDirectory(const PrivateDirectory&) = delete;
   PrivateDirectory& operator=(const PrivateDirectory&) = delete;
+
+  void Remove() const {
+    std::error_code ignored;
+    if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+  }
 
   [[nodiscard]] std::string NextFile() {
     return path_.empty() ? std::string() : path_ + "/" + std::to_string(++count_) + ".txt";
@@ -47,6 +50,10 @@ ListingCache::ListingCache() : path_(TheDirectory().NextFile()) {}
 
 ListingCache::~ListingCache() {
   if (!path_.empty()) ::unlink(path_.c_str());
+}
+
+void ListingCache::RemoveAll() {
+  TheDirectory().Remove();
 }
 
 void ListingCache::WriteListing(std::string_view text) {

@@ -15,6 +15,10 @@ class ListingCache {
   ListingCache(const ListingCache&) = delete;
   ListingCache& operator=(const ListingCache&) = delete;
 
+  /// Removes the directory with all that is in it, for a process that ends without waiting for its
+  /// threads. Any thread.
+  static void RemoveAll();
+
   /// Replaces the text. Failures are silent: the listing is shown all the same.
   void WriteListing(std::string_view text);
 

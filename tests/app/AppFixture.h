@@ -2,88 +2,123 @@
 
 #include <gtest/gtest.h>
 
+#include <QLabel>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/Alerts.h"
+#include "app/DirListView.h"
+#include "app/MWindow.h"
 #include "app/TambleApp.h"
-#include "kit/Looper.h"
 #include "kit/Mutex.h"
-#include "workers/MThread.h"
+#include "settings/ProcessSettings.h"
 
 namespace corvane {
 
-/// Keeps what a browser window asks its connection for.
+/// Keeps where a browser window asks its connection to go.
 class RecordingLooper : public Looper {
  public:
   RecordingLooper() : Looper("recording") {}
-  [[nodiscard]] std::vector<Message> Received() {
+  /// The directory of every request so far, each with a blank behind it; the first request, which
+  /// connects, has none.
+  [[nodiscard]] std::string Directories() {
     MutexLock hold(lock_);
-    return received_;
-  }
-  /// Whether a request with this code, and this text under `name`, has arrived.
-  [[nodiscard]] bool Has(std::uint32_t what, const std::string& name, const std::string& text) {
-    const std::vector<Message> all = Received();
-    return std::ranges::any_of(all, [&](const Message& message) {
-      return message.what == what && message.FindString(name) == text;
-    });
+    return directories_;
   }
 
  protected:
   void MessageReceived(const Message& message) override {
     MutexLock hold(lock_);
-    received_.push_back(message);
+    directories_ += message.FindString("cwd").value_or("") + " ";
   }
 
  private:
   Mutex lock_;
-  std::vector<Message> received_ GUARDED_BY(lock_);
+  std::string directories_ GUARDED_BY(lock_);
 };
 
 /// A transfer that moves nothing.
-class IdleWorker : public MThread {
- protected:
+struct IdleTransfer : public MThread {
+  IdleTransfer(std::shared_ptr<TransferUi> itsRow, transferStruct what)
+      : row(std::move(itsRow)), description(std::move(what)) {}
   std::int32_t Execute() override { return 0; }
+
+  const std::shared_ptr<TransferUi> row;
+  const transferStruct description;
 };
 
-struct StartedTransfer {
-  Connection connection;
-  std::shared_ptr<TransferUi> row;
-  transferStruct description;
-  std::shared_ptr<MThread> worker;
-};
-
-/// The application with its windows, and without servers: connections and transfers are recorded.
+/// The application with one browser window open, and without servers: what its windows ask of
+/// connections and transfers is recorded.
 class AppFixture : public testing::Test {
- public:
-  ~AppFixture() override;
-
  protected:
-  AppFixture();
+  AppFixture() {
+    WorkerFactory factory;
+    factory.looper = [this](const Connection&, std::shared_ptr<BrowserUi> window) {
+      link_ = std::move(window);
+      looper_ = std::make_shared<RecordingLooper>();
+      return looper_;
+    };
+    factory.transfer = [this](const Connection&, std::shared_ptr<TransferUi> row,
+                              transferStruct description) {
+      transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
+      return transfers_.back();
+    };
+    settings_.DwnldDir = folder_.path().toStdString();
+    settings_.showwindow = false;  // keys go to the window in front
+    ProcessSettings::Set(settings_);
+    Alerts::AnswerWith([this](const Alerts::Question& question) {
+      alerts_.push_back(question);
+      return button_;
+    });
+    app_ = std::make_unique<TambleApp>(std::move(factory));
+    app_->ReadyToRun(With("OPNC"_what, "host", "server.test"));
+    window_ = app_->WindowList().back();
+  }
+  ~AppFixture() override {
+    app_.reset();
+    Alerts::AnswerWith({});
+  }
 
-  /// Opens a browser window on a host that answers nothing.
-  MWindow& OpenBrowser();
-  /// Fills the window's listing as its connection would.
-  void List(const std::vector<fileStruct>& entries);
-  static bool Wait(const std::function<bool()>& until) { return QTest::qWaitFor(until, 5000); }
-  /// Presses this button on every later alert.
-  void Press(int button);
-
-  static fileStruct File(const std::string& name, std::int64_t size = 1, int day = 1);
-  static fileStruct Directory(const std::string& name);
-  /// "." and "..", as every listing begins.
-  static std::vector<fileStruct> WithDots(std::vector<fileStruct> entries);
+  [[nodiscard]] DirListView& View() const { return window_->Listing(); }
+  /// Fills the window's listing, below "." and "..", as its connection would.
+  void List(std::vector<fileStruct> entries) {
+    const auto* status = window_->findChild<QLabel*>("StatusString");
+    const std::string mark = "listing " + std::to_string(++listings_);
+    link_->BeginListing();
+    link_->AddEntries({File(".", kDirectorySize), File("..", kDirectorySize)});
+    link_->AddEntries(std::move(entries));
+    link_->EndListing(0);
+    link_->SetStatus(mark);
+    ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
+  }
+  static bool Wait(const auto& until) { return QTest::qWaitFor(until, 5000); }
+  static Message With(std::uint32_t what, const std::string& name, const std::string& text) {
+    Message message(what);
+    message.AddString(name, text);
+    return message;
+  }
+  static fileStruct File(const std::string& name, std::int64_t size = 1, int day = 1) {
+    fileStruct entry;
+    entry.name = name;
+    entry.type = size == kDirectorySize ? kDirectory : kFile;
+    entry.size = size;
+    entry.time.tm_mday = day;
+    return entry;
+  }
 
   QTemporaryDir folder_;
+  SettingsValues settings_;
   std::shared_ptr<RecordingLooper> looper_;
   std::shared_ptr<BrowserUi> link_;
-  std::vector<StartedTransfer> transfers_;
+  std::vector<std::shared_ptr<IdleTransfer>> transfers_;
   std::vector<Alerts::Question> alerts_;
+  int button_ = 0;  // pressed on every alert
   std::unique_ptr<TambleApp> app_;
+  QPointer<MWindow> window_;
 
  private:
   int listings_ = 0;

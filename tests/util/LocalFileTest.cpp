@@ -55,6 +55,17 @@ TEST_F(LocalFileTest, ResumeWritesAtTheEndAndSeekElsewhere) {
   EXPECT_EQ(Contents(folder / "part"), "aBcdef");
 }
 
+TEST_F(LocalFileTest, OneWriterAtATime) {
+  LocalFile other;
+  ASSERT_EQ(file.Open(folder, "f", Mode::Create), 0);
+  EXPECT_EQ(other.Open(folder, "f", Mode::Create), EWOULDBLOCK);
+  EXPECT_EQ(other.Open(folder, "f", Mode::Resume), EWOULDBLOCK);
+  other.Discard();
+  EXPECT_EQ(other.Open(folder, "f", Mode::Read), 0);
+  ASSERT_EQ(file.Close(), 0);
+  EXPECT_EQ(other.Open(folder, "f", Mode::Resume), 0);
+}
+
 TEST_F(LocalFileTest, NothingOutsideTheFolderIsNamed) {
   for (const std::string_view name : {""sv, "."sv, ".."sv, "a/b"sv, "/"sv, "../x"sv, "a\0b"sv}) {
     EXPECT_FALSE(IsSafeLocalName(name));

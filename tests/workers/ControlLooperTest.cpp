@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "kit/Background.h"
 #include "support/RecordingBrowserUi.h"
 #include "support/ScriptedServer.h"
@@ -12,145 +14,146 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class ControlLooperTest : public testing::Test {
- protected:
-  void Connect(const std::string& path = "", bool passive = false) {
-    looper_ = std::make_shared<ControlLooper>("127.0.0.1", server_.Port(), "u", "p", path, passive,
-                                              browser_);
-    ASSERT_TRUE(looper_->Run());
-    ASSERT_TRUE(looper_->PostMessage(Message("CNNT"_what)));
+/// A browser window on a server of its own. Closing it leaves no thread behind.
+struct Window {
+  ScriptedServer server;
+  std::shared_ptr<RecordingBrowserUi> browser = std::make_shared<RecordingBrowserUi>();
+  std::shared_ptr<ControlLooper> looper;
+
+  void Connect(const std::string& path = "", bool passive = true) {
+    looper = std::make_shared<ControlLooper>("127.0.0.1", server.Port(), "u", "p", path, passive,
+                                             browser);
+    looper->Run();
+    Post("CNNT"_what, "", "");
   }
 
-  void GoTo(const std::string& directory) {
-    Message change("PCHN"_what);
-    change.AddString("cwd", directory);
-    ASSERT_TRUE(looper_->PostMessage(std::move(change)));
+  void Post(std::uint32_t what, const std::string& field, const std::string& text) const {
+    Message message(what);
+    message.AddString(field, text);
+    EXPECT_TRUE(looper->PostMessage(std::move(message)));
   }
 
-  bool Shows(const std::string& path, const std::vector<std::string>& names) {
-    std::vector<std::string> rows = {".", ".."};
-    rows.insert(rows.end(), names.begin(), names.end());
+  [[nodiscard]] bool Shows(const std::string& path, std::vector<std::string> names) const {
+    names.insert(names.begin(), {".", ".."});
     return WaitFor([&] {
-      const BrowserRecord seen = browser_->Seen();
-      return seen.path == path && seen.count == names.size() && seen.Names() == rows;
+      const BrowserRecord seen = browser->Seen();
+      return seen.path == path && seen.count == names.size() - 2 && seen.Names() == names;
     });
   }
 
-  void TearDown() override {
-    if (looper_) looper_->Quit();
-    looper_.reset();
-    EXPECT_TRUE(Background::WaitForNone(1000ms)) << server_.Dialogue();
+  [[nodiscard]] bool Warned(std::size_t times) const {
+    return WaitFor([&] { return browser->Seen().Texts("GERR"_what, "warning").size() == times; });
   }
 
-  ScriptedServer server_;
-  std::shared_ptr<RecordingBrowserUi> browser_ = std::make_shared<RecordingBrowserUi>();
-  std::shared_ptr<ControlLooper> looper_;
+  [[nodiscard]] bool Downloads(const std::string& name) const {
+    const std::vector<std::string> names = {name};
+    return WaitFor([&] { return browser->Seen().Texts("DWLD"_what, "FileName") == names; });
+  }
+
+  ~Window() {
+    looper->Quit();
+    EXPECT_FALSE(looper->PostMessage(Message("CRDR"_what)));
+    looper.reset();
+    EXPECT_TRUE(Background::WaitForNone(5000ms)) << server.Dialogue();
+  }
 };
 
-TEST_F(ControlLooperTest, ConnectsEntersAndRefreshes) {
-  server_.Tree().AddFile("/pub/a", "1");
-  Connect();
-  ASSERT_TRUE(Shows("/", {"pub"}));
-  GoTo("pub");
-  ASSERT_TRUE(Shows("/pub", {"a"}));
-  GoTo("nowhere");
-  ASSERT_TRUE(WaitFor([&] { return !browser_->Seen().Texts("GERR"_what, "warning").empty(); }));
-  EXPECT_TRUE(Shows("/pub", {"a"}));
-  server_.Tree().AddFile("/pub/b", "1");
-  GoTo(".");
-  EXPECT_TRUE(Shows("/pub", {"a", "b"}));
+TEST(ControlLooper, ConnectsEntersAndRefreshes) {
+  Window w;
+  w.server.Tree().AddFile("/pub/a", "1");
+  w.Connect("", false);
+  ASSERT_TRUE(w.Shows("/", {"pub"}));
+  w.Post("PCHN"_what, "cwd", "pub");
+  ASSERT_TRUE(w.Shows("/pub", {"a"}));
+  w.Post("PCHN"_what, "cwd", "nowhere");
+  ASSERT_TRUE(w.Warned(1));
+  EXPECT_TRUE(w.Shows("/pub", {"a"}));
+  w.server.Tree().AddFile("/pub/b", "1");
+  w.Post("PCHN"_what, "cwd", ".");
+  EXPECT_TRUE(w.Shows("/pub", {"a", "b"}));
 }
 
-TEST_F(ControlLooperTest, StartsAtAFile) {
-  server_.Tree().AddFile("/pub/a b", "1");
-  Connect("/pub/a b", true);
-  ASSERT_TRUE(Shows("/pub", {"a b"}));
+TEST(ControlLooper, ShowsEveryRowOnceHoweverFastTheRequestsCome) {
+  Window w;
+  w.server.Tree().AddFile("/a", "1");
+  w.Connect();
+  ASSERT_TRUE(w.Shows("/", {"a"}));
+  w.Post("PCHN"_what, "cwd", ".");
+  w.Post("PCHN"_what, "cwd", ".");
   ASSERT_TRUE(WaitFor([&] {
-    return browser_->Seen().Texts("DWLD"_what, "FileName") == std::vector<std::string>{"a b"};
+    const BrowserRecord seen = w.browser->Seen();
+    return seen.statuses.back() == "Connected." &&
+           std::ranges::count(seen.statuses, "Getting Dir Listing.") == 3;
   }));
+  EXPECT_TRUE(w.Shows("/", {"a"}));
 }
 
-TEST_F(ControlLooperTest, FollowsLinksToFilesAndDirectories) {
-  server_.Tree().AddFile("/pub/a", "1");
-  Connect();
-  for (const char* name : {"pub/a", "pub"}) {
-    Message link("HSYM"_what);
-    link.AddString("sym", name);
-    ASSERT_TRUE(looper_->PostMessage(std::move(link)));
-  }
-  EXPECT_TRUE(Shows("/pub", {"a"}));
-  EXPECT_EQ(browser_->Seen().Texts("DWLD"_what, "FileName"), std::vector<std::string>{"pub/a"});
-}
-
-TEST_F(ControlLooperTest, StartsAtADirectoryThatIsMissing) {
-  server_.Tree().AddFile("/a", "1");
-  Connect("/none/x");
-  EXPECT_TRUE(Shows("/", {"a"}));
-  EXPECT_EQ(browser_->Seen().Texts("GERR"_what, "warning").size(), 1U);
-}
-
-TEST_F(ControlLooperTest, AsksAWindowsServerForUnixListings) {
-  for (const bool off : {true, false}) {
-    ScriptedServer server;
-    server.On("SYST", {.reply = "215 Windows_NT\r\n"});
-    server.On("SITE", {.reply = off ? "200 MSDOS-like directory output is off\r\n"
-                                    : "200 MSDOS-like directory output is on\r\n"});
-    auto browser = std::make_shared<RecordingBrowserUi>();
-    auto looper =
-        std::make_shared<ControlLooper>("127.0.0.1", server.Port(), "u", "p", "", true, browser);
-    looper->Run();
-    ASSERT_TRUE(looper->PostMessage(Message("CNNT"_what)));
-    ASSERT_TRUE(WaitFor([&] { return browser->Seen().count.has_value(); }));
-    int asked = 0;
-    for (const std::string& line : server.Transcript()) asked += line == "SITE DIRSTYLE\r\n";
-    EXPECT_EQ(asked, off ? 1 : 2);
-    looper->Quit();
+TEST(ControlLooper, StartsAtAPath) {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"/pub", "/pub", "a b"}, {"/pub/a b", "/pub", "a b"}, {"/none/x", "/", "pub"}};
+  for (const auto& [path, directory, row] : cases) {
+    Window w;
+    w.server.Tree().AddFile("/pub/a b", "1");
+    w.Connect(path);
+    EXPECT_TRUE(w.Shows(directory, {row})) << path;
+    EXPECT_TRUE(path != "/pub/a b" || w.Downloads("a b"));
+    EXPECT_TRUE(w.Warned(path == "/none/x" ? 1 : 0)) << path;
   }
 }
 
-TEST_F(ControlLooperTest, SaysThatTheConnectionIsLost) {
-  Connect();
-  ASSERT_TRUE(Shows("/", {}));
-  server_.On("CWD", {.reply = "", .control = ControlEnd::Reset});
-  GoTo("a");
-  ASSERT_TRUE(WaitFor([&] { return browser_->Seen().Texts("GERR"_what, "warning").size() == 1; }));
-  EXPECT_TRUE(WaitFor([&] { return browser_->Seen().statuses.back() == "Connection lost."; }));
-  GoTo("b");
-  EXPECT_TRUE(WaitFor([&] { return browser_->Seen().Texts("GERR"_what, "warning").size() == 2; }));
+TEST(ControlLooper, FollowsLinksToFilesAndDirectories) {
+  Window w;
+  w.server.Tree().AddFile("/pub/a", "1");
+  w.Connect();
+  w.Post("HSYM"_what, "sym", "pub/a");
+  w.Post("HSYM"_what, "sym", "pub");
+  EXPECT_TRUE(w.Shows("/pub", {"a"}));
+  EXPECT_TRUE(w.Downloads("pub/a"));
 }
 
-// Whatever the server holds back, a window that closes leaves no thread behind.
-TEST_F(ControlLooperTest, QuitsAtOnce) {
-  const struct {
-    const char* verb;
-    ScriptedAction action;
-  } cases[] = {
+TEST(ControlLooper, AsksAWindowsServerForUnixListings) {
+  for (const std::string style : {"off", "on"}) {
+    Window w;
+    w.server.On("SYST", {.reply = "215 Windows_NT\r\n"});
+    w.server.On("LIST", {.data = ""});
+    w.server.On("SITE", {.reply = "200 MSDOS-like directory output is " + style + "\r\n"});
+    w.Connect();
+    ASSERT_TRUE(w.Shows("/", {}));
+    const auto sent = w.server.Transcript();
+    EXPECT_EQ(std::count(sent.begin(), sent.end(), "SITE DIRSTYLE\r\n"), style == "off" ? 1 : 2);
+  }
+}
+
+TEST(ControlLooper, SaysThatTheConnectionIsLost) {
+  Window w;
+  w.server.On("CWD", {.reply = "", .control = ControlEnd::Reset});
+  w.Connect();
+  w.Post("PCHN"_what, "cwd", "a");
+  ASSERT_TRUE(w.Warned(1));
+  EXPECT_EQ(w.browser->Seen().statuses.back(), "Connection lost.");
+  w.Post("PCHN"_what, "cwd", "b");
+  EXPECT_TRUE(w.Warned(2));
+}
+
+// Whatever the server holds back.
+TEST(ControlLooper, QuitsAtOnce) {
+  const std::pair<const char*, ScriptedAction> cases[] = {
       {"greeting", {.reply = ""}},
-      {"PASS", {.reply = ""}},
       {"PWD", {.reply = "257 half"}},
-      {"LIST", {.reply = ""}},
-      {"LIST", {.dataEnd = DataEnd::Never, .completion = ""}},
+      {"LIST", {.dataEnd = DataEnd::Never}},
       {"LIST", {.data = "total 1\r\n", .dataLimit = 3, .dataEnd = DataEnd::Stall}},
       {"LIST", {.completion = ""}},
   };
   for (const bool passive : {false, true}) {
-    for (const auto& c : cases) {
-      ScriptedServer server;
+    for (const auto& [verb, action] : cases) {
+      Window w;
       std::atomic<bool> arrived = false;
-      ScriptedAction action = c.action;
-      action.arrived = [&] { arrived = true; };
-      server.On(c.verb, action);
-      auto browser = std::make_shared<RecordingBrowserUi>();
-      auto looper = std::make_shared<ControlLooper>("127.0.0.1", server.Port(), "u", "p", "",
-                                                    passive, browser);
-      looper->Run();
-      ASSERT_TRUE(looper->PostMessage(Message("CNNT"_what)));
-      ASSERT_TRUE(WaitFor([&] { return arrived.load(); })) << c.verb;
-      browser->closing = true;
-      looper->Quit();
-      EXPECT_FALSE(looper->PostMessage(Message("CRDR"_what)));
-      looper.reset();
-      EXPECT_TRUE(Background::WaitForNone(1000ms)) << c.verb << passive << server.Dialogue();
+      ScriptedAction held = action;
+      held.arrived = [&] { arrived = true; };
+      w.server.On(verb, held);
+      w.Connect("", passive);
+      ASSERT_TRUE(WaitFor([&] { return arrived.load(); })) << verb;
+      w.browser->closing = true;
     }
   }
 }

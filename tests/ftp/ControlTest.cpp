@@ -188,8 +188,7 @@ TEST(Login, LearnsTheServerAndItsDirectory) {
       s.engine.SetPWD();
       EXPECT_EQ(s.engine.ReturnServerType(), type) << syst;
       EXPECT_EQ(s.ui->Seen().path, path) << pwd;
-      EXPECT_TRUE(s.engine.SetUpData());
-      EXPECT_TRUE(s.engine.GetListing().whole);
+      EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
       EXPECT_TRUE(s.Sent().ends_with("\n" + list + "\r\n")) << s.Sent();
     }
   }

@@ -82,10 +82,8 @@ TEST(Listing, AsksForLessWhereOptionsAreRefused) {
     Session s(passive);
     s.server.On("LIST", {.reply = "550 No options\r\n"}, 1);
     s.LogIn();
-    for (int i = 0; i < 2; ++i) {
-      ASSERT_TRUE(s.engine.SetUpData());
-      EXPECT_TRUE(s.engine.GetListing().whole);
-    }
+    EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
+    EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
     EXPECT_EQ(s.Sent(), sent);
     EXPECT_TRUE(s.Warnings().empty());
   }
@@ -224,7 +222,7 @@ TEST(DeleteDirectory, StopsWithoutHarm) {
     s.server.On(verb, action, 1);
     s.LogIn();
     EXPECT_EQ(s.engine.DeleteDirectory("d"), 0) << verb;
-    EXPECT_TRUE(s.server.Tree().Exists("/keep") && s.server.Tree().Exists("/d")) << verb;
+    EXPECT_TRUE(s.server.Tree().Exists("/keep") && s.server.Tree().Exists("/d/f")) << verb;
     s.engine.SetPWD();
     EXPECT_EQ(s.ui->Seen().path, "/") << verb << s.server.Dialogue();
   }

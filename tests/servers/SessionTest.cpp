@@ -61,15 +61,16 @@ class SessionTest : public testing::TestWithParam<std::tuple<std::string, bool>>
     const auto mode = offset > 0 ? LocalFile::Mode::Resume : LocalFile::Mode::Create;
     EXPECT_EQ(file.Open(local_.Path(), name, mode), 0);
     EXPECT_TRUE(engine_->PrepareTransfer());
-    EXPECT_TRUE(offset == 0 ||
-                engine_->SendCommand("REST " + std::to_string(offset) + "\n") == 350);
+    EXPECT_EQ(engine_->SendCommand("REST " + std::to_string(offset) + "\n"), 350);
     return engine_->Download(row_, file, {name, expected, offset, offset == 0}, never_);
   }
 
-  int Upload(const std::string& name) {
+  int Upload(const std::string& name, std::int64_t offset) {
     LocalFile file;
     EXPECT_EQ(file.OpenForReading(local_.Path() / name), 0);
+    EXPECT_EQ(file.Seek(offset), 0);
     EXPECT_TRUE(engine_->PrepareTransfer());
+    EXPECT_EQ(engine_->SendCommand("REST " + std::to_string(offset) + "\n"), 350);
     return engine_->Upload(row_, file, name, never_);
   }
 
@@ -102,9 +103,12 @@ TEST_P(SessionTest, DoesWhatAUserDoes) {
 
   const std::string name = "up \xC3\xA4";
   Write(local_.Path() / name, bytes_);
-  EXPECT_EQ(Upload(name), 1) << engine_->LastFailure();
-  EXPECT_TRUE(Contents(pub_ / name) == bytes_);
-  EXPECT_EQ(engine_->GetFileSize(name), 700'000);
+  for (const std::int64_t offset : {0, 123'456}) {
+    EXPECT_EQ(Upload(name, offset), 1) << engine_->LastFailure();
+    EXPECT_TRUE(Contents(pub_ / name) == bytes_);
+    EXPECT_EQ(engine_->GetFileSize(name), 700'000);
+    fs::resize_file(pub_ / name, 123'456);
+  }
 
   EXPECT_NE(engine_->CheckResult(engine_->ChangeDir("..")), 0);
   EXPECT_NE(engine_->DeleteDirectory("tree"), 0);

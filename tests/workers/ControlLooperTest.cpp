@@ -54,7 +54,7 @@ struct Window {
     looper->Quit();
     EXPECT_FALSE(looper->PostMessage(Message("CRDR"_what)));
     looper.reset();
-    EXPECT_TRUE(Background::WaitForNone(5000ms)) << server.Dialogue();
+    EXPECT_TRUE(Background::WaitForNone(2000ms)) << server.Dialogue();
   }
 };
 

@@ -50,7 +50,7 @@ struct Job {
 
   TransferEnd Wait() {
     EXPECT_TRUE(WaitFor([&] { return row->End().has_value(); })) << server.Dialogue();
-    EXPECT_TRUE(Background::WaitForNone(5000ms));
+    EXPECT_TRUE(Background::WaitForNone(2000ms));
     return row->End().value_or(TransferEnd::Failed);
   }
 };

@@ -25,6 +25,7 @@ std::int32_t MFtp::Login() {
   if (!UpdateStatus("Resolving address.") || !Resolve()) return 0;
   if (!UpdateStatus("Connecting to host.")) return 0;
   try {
+    if ((controlEndpoint_.state() & NLEndpoint::s_connected) != 0) controlEndpoint_.close();
     controlEndpoint_.setSilenceLimit(silenceLimit);
     controlEndpoint_.connect(serverAddress_);
     if (!UpdateStatus("Connected.")) return 0;

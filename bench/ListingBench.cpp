@@ -15,6 +15,7 @@
 #include "app/SmallView.h"
 #include "app/TambleApp.h"
 #include "settings/ProcessSettings.h"
+#include "workers/ListingCache.h"
 
 using corvane::operator""_what;
 
@@ -107,5 +108,6 @@ int main(int argc, char** argv) {
               static_cast<double>(stall) / 1e6, before, ResidentKilobytes());
   std::fflush(stdout);
   app.Quit();
+  corvane::ListingCache::RemoveAll();
   std::_Exit(0);
 }

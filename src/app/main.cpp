@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -14,7 +15,24 @@
 #include "net/NLDebug.h"
 #include "workers/ListingCache.h"
 
+namespace {
+
+int Usage() {
+  std::fputs("USAGE: Corvane <ftp url>\n", stdout);
+  return 0;
+}
+
+// Whether the arguments are wrong whatever the toolkit may take out of them: known without a
+// display.
+bool PlainlyWrong(const std::vector<std::string>& arguments) {
+  const auto isOption = [](const std::string& argument) { return argument.starts_with('-'); };
+  return std::ranges::none_of(arguments, isOption) && corvane::CommandLine::Read(arguments).usage;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+  if (PlainlyWrong({argv + 1, argv + argc})) return Usage();
   corvane::NLDebug::switchOnFromEnvironment();
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
       Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -26,10 +44,7 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName("corvane");
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
-    if (line.usage) {
-      std::fputs("USAGE: Corvane <ftp url>\n", stdout);
-      return 0;
-    }
+    if (line.usage) return Usage();
     corvane::TambleApp app;
     const corvane::QuitSignals signals([&app] { app.Quit(); });
     app.ReadyToRun(line.open);

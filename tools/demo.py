@@ -117,9 +117,11 @@ class Screen:
         if not number:
             raise Failure("the virtual display did not start")
         environment["DISPLAY"] = f":{number}"
-        self.children.append(start(["openbox", "--sm-disable"], env=environment,
-                                   stdout=self.output, stderr=self.output))
-        wait_for("the window manager", lambda: self.run("xdotool", "get_num_desktops").strip())
+        # It answers questions before it looks after windows; its start command comes last.
+        ready = folder / "ready"
+        self.children.append(start(["openbox", "--sm-disable", "--startup", f"touch {ready}"],
+                                   env=environment, stdout=self.output, stderr=self.output))
+        wait_for("the window manager", ready.exists)
 
     def run(self, *command):
         done = subprocess.run([str(word) for word in command], env=self.environment, timeout=20,

@@ -11,43 +11,33 @@ namespace corvane {
 TransferLink::TransferLink(TransferItem& item) : item_(&item) {}
 
 bool TransferLink::BeginFile(std::string_view name) {
-  if (closing_) return false;
-  {
-    MutexLock hold(lock_);
-    report_.file = name;
-    report_.label.clear();
-    report_.trailing.clear();
-  }
-  Hop();
-  return true;
+  return Change([name](TransferReport& report) {
+    report.file = name;
+    report.label.clear();
+    report.trailing.clear();
+  });
 }
 
 bool TransferLink::SetLabel(std::string_view text) {
-  if (closing_) return false;
-  {
-    MutexLock hold(lock_);
-    report_.label = text;
-  }
-  Hop();
-  return true;
+  return Change([text](TransferReport& report) { report.label = text; });
 }
 
 bool TransferLink::SetTrailing(std::string_view text) {
-  if (closing_) return false;
-  {
-    MutexLock hold(lock_);
-    report_.trailing = text;
-  }
-  Hop();
-  return true;
+  return Change([text](TransferReport& report) { report.trailing = text; });
 }
 
 bool TransferLink::SetEndState(TransferEnd state, std::string_view why) {
+  return Change([state, why](TransferReport& report) {
+    report.end = state;
+    if (!why.empty()) report.reason = why;
+  });
+}
+
+bool TransferLink::Change(const std::function<void(TransferReport&)>& change) {
   if (closing_) return false;
   {
     MutexLock hold(lock_);
-    report_.end = state;
-    if (!why.empty()) report_.reason = why;
+    change(report_);
   }
   Hop();
   return true;

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,7 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
   bool PlaySound(std::string_view path) override;
 
  private:
+  bool Change(const std::function<void(TransferReport&)>& change) EXCLUDES(lock_);
   void Hop() EXCLUDES(lock_);
   void Drain() EXCLUDES(lock_);
 

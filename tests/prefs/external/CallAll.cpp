@@ -1,0 +1,22 @@
+// Calls every function, with nothing, and prints what they answer.
+#include <iostream>
+
+#include "prefs/PREF.h"
+
+using namespace corvane;
+
+int main() {
+  const auto* const version = PREFVersion(nullptr, nullptr);
+  const auto number = reinterpret_cast<std::intptr_t>(version);
+  std::cout << (number == 1 ? "1" : version) << ' ' << PREFInit({}, {}) << ' ' << PREFShutdown({})
+            << ' ' << PREFLoadSet({}, {}, {}, {}) << ' ' << PREFSaveSet({}) << ' '
+            << PREFReloadSet({}) << ' ' << PREFDisposeSet({}) << ' '
+            << PREFSetData({}, {}, {}, {}, {}) << ' ' << PREFDelete({}, {}) << ' '
+            << PREFGetData({}, {}, {}, {}, {}) << ' '
+            << reinterpret_cast<std::intptr_t>(PREFGetMessage({})) << ' '
+            << PREFListApplications({}, {}, {}, {}) << ' ' << PREFDisposeApplicationCookie({})
+            << ' ' << PREFListSets({}, {}, {}, {}, {}) << ' ' << PREFDisposeSetCookie({}) << ' '
+            << PREFBeginTransaction({}, {}) << ' ' << PREFEndTransaction({}) << ' '
+            << PREFListen({}, {}, {}) << ' ' << PREFListData({}, {}, {}, {}, {}) << ' '
+            << PREFDisposeDataCookie({}) << ' ' << PREFRemoveApp({}) << ' ' << PREFRemoveSet({});
+}

@@ -7,7 +7,7 @@ namespace corvane {
 
 /// The settings in force, as one copy. Names and meanings are those of the stored set.
 struct SettingsValues {
-  std::string DwnldDir = "empty";          ///< folder for downloads; "empty": none chosen
+  std::string DwnldDir = "empty";          ///< folder for downloads; "empty" or "": none, ask
   std::string DfltPass = "guest@host.in";  ///< password offered for anonymous logins
   std::string loginSsnd = "none";          ///< sound files by path, "none" for silence
   std::string loginFsnd = "none";
@@ -18,8 +18,9 @@ struct SettingsValues {
   std::string proxyAddress;
   std::string proxyPort = "21";  ///< decimal text
   bool useSameConnection = false;
-  bool removeItem = false;  ///< take finished transfers off the list
-  bool showwindow = true;   ///< show the transfer window when a transfer is queued
+  bool removeItem = false;   ///< take finished transfers off the list
+  bool defaultpass = false;  ///< never set
+  bool showwindow = true;    ///< show the transfer window when a transfer is queued
 };
 
 /// The process-wide settings. Any thread reads a consistent copy at any time.

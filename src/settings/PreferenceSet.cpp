@@ -1,0 +1,64 @@
+#include "settings/PreferenceSet.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "util/ErrorText.h"
+
+namespace corvane {
+namespace {
+
+constexpr const char* kApplication = "x-ovak-Corvane";
+
+}  // namespace
+
+PreferenceSet::PreferenceSet(const char* name, Saving saving) : saving_(saving) {
+  Note(PREFInit(kApplication, &app_));
+  if (app_ == nullptr) return;
+  const PREFStatus loaded = PREFLoadSet(app_, name, true, &set_);
+  Note(loaded);
+  damaged_ = loaded == -ENOMEM;
+  if (set_ == nullptr || saving_ == Saving::AtOnce) return;
+  // What another program saved since the load is kept; a file that was made just now has nothing to
+  // read.
+  const PREFStatus begun = PREFBeginTransaction(set_, &transaction_);
+  Note(begun);
+  if (begun == 0) PREFReloadSet(set_);
+}
+
+PreferenceSet::~PreferenceSet() {
+  if (unsaved_) Write();
+  if (transaction_ != nullptr) PREFEndTransaction(transaction_);
+  if (set_ != nullptr) PREFDisposeSet(&set_);
+  if (app_ != nullptr) PREFShutdown(app_);
+}
+
+void PreferenceSet::Note(PREFStatus status) {
+  if (failure_ == 0) failure_ = status;
+}
+
+void PreferenceSet::Save() {
+  unsaved_ = true;
+  if (saving_ == Saving::AtOnce) Write();
+}
+
+void PreferenceSet::Write() {
+  unsaved_ = false;
+  // Who waited for the file in vain does not wait a second time.
+  const bool refused = saving_ == Saving::Gathered && transaction_ == nullptr;
+  const PREFStatus saved = refused ? -EBUSY : PREFSaveSet(set_);
+  Note(saved);
+  if (saved != 0) std::puts("Cannot save settings");
+}
+
+std::string PreferenceSet::Finish() {
+  if (unsaved_) Write();
+  if (failure_ == 0) return {};
+  if (damaged_) return "The file is damaged. Move it away to begin with a new one.";
+  if (failure_ == -EBUSY) return "Another program holds the file.";
+  if (failure_ == kPrefPathTooLong) return "The path of the file is too long.";
+  return failure_ > kPrefInUse ? ErrorText(-failure_) : "The preference store failed.";
+}
+
+}  // namespace corvane

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "prefs/PREF.h"
+
+namespace corvane {
+
+/// One of the program's preference sets, opened for one use. Not locked.
+class PreferenceSet {
+ public:
+  enum class Saving {
+    AtOnce,    ///< every Save writes the file
+    Gathered,  ///< the file is held against other processes, and written once at the end
+  };
+
+  /// Opens the set `name` of this user. One that cannot be loaded reads as empty.
+  explicit PreferenceSet(const char* name, Saving saving = Saving::AtOnce);
+  /// Writes what was gathered.
+  ~PreferenceSet();
+  PreferenceSet(const PreferenceSet&) = delete;
+  PreferenceSet& operator=(const PreferenceSet&) = delete;
+
+  /// Null when the set could not be loaded; the store's functions then answer failures.
+  [[nodiscard]] PREFSet* Handle() const { return set_; }
+
+  /// Saves the set, now or at the end; prints "Cannot save settings" on failure.
+  void Save();
+  /// Writes what was gathered. Answers why something could not be stored, for the user; "" when all
+  /// is on the disk.
+  std::string Finish();
+  /// Notes a status of the store; the first failure stays.
+  void Note(PREFStatus status);
+
+ private:
+  void Write();
+
+  const Saving saving_;
+  PREFApp* app_ = nullptr;
+  PREFSet* set_ = nullptr;
+  PREFTransaction* transaction_ = nullptr;
+  PREFStatus failure_ = 0;
+  bool damaged_ = false;
+  bool unsaved_ = false;
+};
+
+}  // namespace corvane

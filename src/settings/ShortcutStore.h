@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "util/Shortcut.h"
+
+namespace corvane {
+
+/// The saved connections on the disk: the set "shortcuts", entries numbered from 0. GUI thread.
+///
+/// Reading ends at the first entry that is missing or is no saved connection. Writers answer why
+/// something could not be stored, "" when it was.
+class ShortcutStore {
+ public:
+  /// The stored form, which ParseUrl reads. Nothing is escaped.
+  [[nodiscard]] static std::string StoredForm(const Shortcut& shortcut);
+  /// Whether ParseUrl gets the connection back from its stored form. The password of an anonymous
+  /// login may suffer.
+  [[nodiscard]] static bool Survives(const Shortcut& shortcut);
+
+  /// All entries, in order. A store that was never written gets its first entry.
+  [[nodiscard]] static std::vector<Shortcut> ReadForMenu();
+  /// All entries, in order.
+  [[nodiscard]] static std::vector<Shortcut> ReadForList();
+  /// The entry of that number.
+  [[nodiscard]] static std::optional<Shortcut> Read(std::int32_t index);
+
+  struct Added {
+    std::int32_t index = -1;
+    std::string failure;
+  };
+  /// Stores one more entry. A store that was never written takes none.
+  [[nodiscard]] static Added Add(const Shortcut& shortcut);
+  /// Stores the whole list, in one piece. Entries beyond its end stay on the disk, out of reach; an
+  /// empty list leaves the first entry in reach.
+  [[nodiscard]] static std::string SaveAll(const std::vector<Shortcut>& shortcuts);
+
+  /// Puts the flag of an active connection before each entry: the older form had none. Answers -1
+  /// when there is no list, else 1.
+  static std::int32_t ConvertShortcuts();
+};
+
+}  // namespace corvane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "kit/Rect.h"
+#include "settings/ProcessSettings.h"
+
+namespace corvane {
+
+/// A kind of window whose frame is kept, and where its first one stands.
+struct FrameSetting {
+  const char* key;
+  Rect fallback;
+};
+
+inline constexpr FrameSetting kMainFrame{"mainwinframe", {100, 50, 420, 270}};
+inline constexpr FrameSetting kTransferFrame{"transferwinframe", {400, 200, 750, 500}};
+inline constexpr FrameSetting kConnectionFrame{"connwinframe", {120, 50, 560, 530}};
+
+/// The set "settings" on the disk. GUI thread.
+class StoredSettings {
+ public:
+  /// Reads every setting into ProcessSettings, defaults for what is missing, and brings stored data
+  /// of an older version up to date.
+  static void ReadAtStart();
+  /// Takes over what the user set in the preferences window and stores it. An empty password, sound
+  /// or download folder means none. `showwindow` is stored, and in force from the next start on.
+  /// Answers why it could not be stored, "" when it was.
+  static std::string Apply(const SettingsValues& entered);
+  /// What is stored, and not yet in force, for `showwindow`.
+  [[nodiscard]] static bool ShowsTransferWindow();
+
+  [[nodiscard]] static Rect Frame(const FrameSetting& setting);
+  static void SaveFrame(const FrameSetting& setting, const Rect& frame);
+};
+
+}  // namespace corvane

@@ -1,0 +1,196 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+
+#include "settings/Access.h"
+#include "settings/ShortcutStore.h"
+#include "settings/StoredSettings.h"
+#include "support/Files.h"
+#include "support/TemporaryDirectory.h"
+
+namespace corvane {
+namespace {
+
+class Settings : public testing::Test {
+ protected:
+  Settings() { ::setenv("XDG_CONFIG_HOME", home_.Path().c_str(), 1); }
+
+  [[nodiscard]] std::filesystem::path File(const char* set) const {
+    return home_.Path() / "_LP_x-ovak-Corvane" / set;
+  }
+  static void Put(const char* set, const char* name, std::int32_t value) {
+    PreferenceSet open(set);
+    SaveInt32(open, name, value);
+    open.Save();
+  }
+  static void Put(const char* set, const char* name, const std::string& text) {
+    PreferenceSet open(set);
+    SaveString(open, name, text);
+  }
+  /// The entry's text, "-" when there is none.
+  static std::string Entry(const char* name) {
+    return GetString(PreferenceSet("shortcuts"), name, "-");
+  }
+  static std::int32_t Last() { return GetInt32(PreferenceSet("shortcuts"), "howmany", -1); }
+  static Shortcut Named(const std::string& label) {
+    return {.label = label, .host = "h", .user = "u", .pass = "p", .path = "/", .port = "21"};
+  }
+  static std::string Labels(const std::vector<Shortcut>& shortcuts) {
+    std::string labels;
+    for (const Shortcut& shortcut : shortcuts) labels += shortcut.label + " ";
+    return labels;
+  }
+
+  TemporaryDirectory home_;
+};
+
+TEST_F(Settings, WhatIsMissingOrOfAnotherTypeReadsAsItsDefault) {
+  StoredSettings::ReadAtStart();
+  SettingsValues values = ProcessSettings::Get();
+  EXPECT_EQ(values.DwnldDir, "empty");
+  EXPECT_EQ(values.DfltPass.size(), 13U);
+  EXPECT_EQ(values.upldsnd, "none");
+  EXPECT_EQ(values.buffersize, 8192);
+  EXPECT_EQ(values.proxyPort, "21");
+  EXPECT_TRUE(values.showwindow);
+  EXPECT_GE(Contents(File("settings")).size(), 4U);
+  EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", -1), -1);
+
+  Put("settings", "buffersize", "8192");
+  Put("settings", "ftpproxyport", "");
+  Put("settings", "downloaddir", 7);
+  Put("settings", "mainwinframe", "left");
+  Put("settings", "useproxy", 2);
+  StoredSettings::ReadAtStart();
+  values = ProcessSettings::Get();
+  EXPECT_EQ(values.buffersize, 8192);
+  EXPECT_EQ(values.proxyPort, "21");
+  EXPECT_EQ(values.DwnldDir, "empty");
+  EXPECT_EQ(StoredSettings::Frame(kMainFrame), kMainFrame.fallback);
+  EXPECT_TRUE(values.useProxy);
+}
+
+TEST_F(Settings, WhatIsAppliedIsInForceAtOnceAndAfterTheNextStart) {
+  const SettingsValues entered{.DwnldDir = "",
+                               .DfltPass = "",
+                               .loginSsnd = "/ok.oga",
+                               .loginFsnd = "",
+                               .upldsnd = "/up.oga",
+                               .dwnldsnd = "/down.oga",
+                               .buffersize = 65536,
+                               .useProxy = true,
+                               .proxyAddress = "proxy",
+                               .proxyPort = "",
+                               .useSameConnection = true,
+                               .removeItem = true,
+                               .showwindow = false};
+  StoredSettings::ReadAtStart();
+  EXPECT_EQ(StoredSettings::Apply(entered), "");
+  StoredSettings::SaveFrame(kTransferFrame, {1, 2, 3, 4});
+  // What differs between now and the next start: folder, port of the proxy, transfer window.
+  const std::tuple<const char*, const char*, bool> states[] = {{"empty", "", true},
+                                                               {"", "21", false}};
+  for (const auto& [folder, port, showwindow] : states) {
+    const SettingsValues now = ProcessSettings::Get();
+    EXPECT_EQ(now.DwnldDir, folder);
+    EXPECT_EQ(now.proxyPort, port);
+    EXPECT_EQ(now.showwindow, showwindow);
+    EXPECT_EQ(now.DfltPass.size(), 9U);
+    EXPECT_EQ(now.loginSsnd + now.loginFsnd + now.upldsnd + now.dwnldsnd,
+              "/ok.oganone/up.oga/down.oga");
+    EXPECT_EQ(now.buffersize, 65536);
+    EXPECT_EQ(now.proxyAddress, "proxy");
+    EXPECT_TRUE(now.useProxy && now.useSameConnection && now.removeItem && !now.defaultpass);
+    StoredSettings::ReadAtStart();
+  }
+  EXPECT_FALSE(StoredSettings::ShowsTransferWindow());
+  EXPECT_EQ(StoredSettings::Frame(kTransferFrame), (Rect{1, 2, 3, 4}));
+}
+
+TEST_F(Settings, OldShortcutsAreConvertedOnce) {
+  EXPECT_EQ(ShortcutStore::ConvertShortcuts(), -1);
+  Put("shortcuts", "howmany", 2);
+  Put("shortcuts", "0", "files*ftp://u:p@h:21/");
+  Put("shortcuts", "1", "more*ftp://u:p@h:21/");
+  Put("settings", "version", 900);
+  StoredSettings::ReadAtStart();
+  StoredSettings::ReadAtStart();
+  EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 1100);
+  EXPECT_EQ(Entry("0"), "Afiles*ftp://u:p@h:21/");
+  EXPECT_EQ(Labels(ShortcutStore::ReadForList()), "files more ");
+}
+
+TEST_F(Settings, AStoreThatWasNeverWrittenGetsItsFirstShortcut) {
+  EXPECT_TRUE(ShortcutStore::ReadForList().empty());
+  EXPECT_EQ(ShortcutStore::Add(Named("early")).index, -1);
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "Be Inc. ");
+  EXPECT_EQ(Last(), 0);
+  EXPECT_EQ(Entry("default"), Entry("0"));
+  EXPECT_EQ(ShortcutStore::Add(Named("next")).index, 1);
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "Be Inc. next ");
+}
+
+TEST_F(Settings, ASavedListLeavesWhatLiesBeyondItsEnd) {
+  Put("shortcuts", "howmany", 4);
+  for (const char* name : {"0", "1", "2", "3", "4"}) {
+    Put("shortcuts", name, ShortcutStore::StoredForm(Named(name)));
+  }
+  EXPECT_EQ(ShortcutStore::SaveAll({Named("x"), Named("y"), Named("z")}), "");
+  EXPECT_EQ(Last(), 2);
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "x y z ");
+  EXPECT_EQ(Entry("4"), "A4*ftp://u:p@h:21/");
+  EXPECT_EQ(ShortcutStore::SaveAll({}), "");
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "x ");
+  EXPECT_EQ(Entry("1"), "-");
+}
+
+TEST_F(Settings, ADamagedListIsReadToItsFirstGapAndLosesNothing) {
+  const std::int32_t absurd = 2'000'000'000;
+  Put("shortcuts", "howmany", absurd);
+  Put("shortcuts", "0", ShortcutStore::StoredForm(Named(std::string(1 << 20, 'x'))));
+  Put("shortcuts", "2", ShortcutStore::StoredForm(Named("lost")));
+  EXPECT_EQ(ShortcutStore::ReadForMenu().size(), 1U);
+  EXPECT_EQ(ShortcutStore::Add(Named("new")).index, 1);
+  EXPECT_EQ(ShortcutStore::ReadForList().size(), 3U);
+  EXPECT_EQ(Last(), absurd);
+  Put("shortcuts", "3", "no connection");
+  EXPECT_EQ(ShortcutStore::Add(Named("far")).index, absurd + 1);
+  EXPECT_EQ(Entry("3"), "no connection");
+  Put("shortcuts", "howmany", 0x7FFFFFFF);
+  EXPECT_NE(ShortcutStore::Add(Named("none")).failure, "");
+}
+
+TEST_F(Settings, SaysWhatWouldNotComeBack) {
+  const std::tuple<const char*, const char*, const char*, const char*, bool> cases[] = {
+      {"label", "user", "secret", "/pub/a b", true}, {"label", "", "", "", true},
+      {"a*b", "user", "secret", "/", false},         {"label", "user", "p@ss", "/", false},
+      {"label", "user", "p:w", "/", false},          {"label", "anonymous", "me@home", "/", true},
+      {"label", "user", "secret", "/a:b", false},
+  };
+  for (const auto& [label, user, pass, path, survives] : cases) {
+    const Shortcut shortcut{
+        .label = label, .host = "h", .user = user, .pass = pass, .path = path, .port = "21"};
+    EXPECT_EQ(ShortcutStore::Survives(shortcut), survives) << ShortcutStore::StoredForm(shortcut);
+  }
+}
+
+TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {
+  Put("settings", "buffersize", 65536);
+  const std::string broken = Contents(File("settings")).replace(4, 4, "????");
+  Write(File("settings"), broken);
+  testing::internal::CaptureStdout();
+  StoredSettings::ReadAtStart();
+  EXPECT_EQ(ProcessSettings::Get().buffersize, 8192);
+  StoredSettings::SaveFrame(kMainFrame, {1, 2, 3, 4});
+  EXPECT_NE(StoredSettings::Apply(ProcessSettings::Get()), "");
+  const std::string said = testing::internal::GetCapturedStdout();
+  for (const char* text :
+       {"Cannot set message\n", "Cannot save settings\n", "Cannot set frame\n"}) {
+    EXPECT_NE(said.find(text), std::string::npos) << text;
+  }
+  EXPECT_EQ(Contents(File("settings")), broken);
+}
+
+}  // namespace
+}  // namespace corvane

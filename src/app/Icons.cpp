@@ -1,5 +1,11 @@
 #include "app/Icons.h"
 
+#include <QFile>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <QPixmap>
+#include <QSvgRenderer>
 #include <algorithm>
 #include <array>
 #include <string>
@@ -51,9 +57,31 @@ bool EqualsLowered(std::string_view mixed, std::string_view lower) {
   });
 }
 
-QIcon Bundled(const char* name) {
-  LoadPictures();
-  return QIcon(QStringLiteral(":/icons/%1.svg").arg(QLatin1String(name)));
+/// One icon for light and one for dark surroundings.
+using IconPair = std::array<QIcon, 2>;
+
+QIcon Unchanging(const QString& file) {
+  QIcon icon(file);
+  // A picture of its own for selected rows; styles tint the other one with the highlight colour.
+  icon.addFile(file, {}, QIcon::Selected);
+  return icon;
+}
+
+IconPair Bundled(const char* name) {
+  const QString picture = QString::fromLatin1(name);
+  return {Unchanging(PictureFile(picture, false)), Unchanging(PictureFile(picture, true))};
+}
+
+const QIcon& Fitting(const IconPair& icons) {
+  return icons.at(IsDark(QGuiApplication::palette()) ? 1 : 0);
+}
+
+QPixmap Rendered(QSvgRenderer& picture, int size) {
+  QPixmap pixmap(size, size);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  picture.render(&painter);
+  return pixmap;
 }
 
 }  // namespace
@@ -68,20 +96,34 @@ IconKind IconFor(std::int32_t type, std::string_view name) {
   return IconKind::Paper;
 }
 
+bool IsDark(const QPalette& palette) {
+  return palette.color(QPalette::Window).lightness() < 128;
+}
+
+QString PictureFile(const QString& name, bool dark) {
+  LoadPictures();
+  const QString variant = QStringLiteral(":/icons/dark/%1.svg").arg(name);
+  return dark && QFile::exists(variant) ? variant : QStringLiteral(":/icons/%1.svg").arg(name);
+}
+
 const QIcon& ListIcon(IconKind kind) {
   static const std::array icons{Bundled("folder"),  Bundled("link"),   Bundled("paper"),
                                 Bundled("archive"), Bundled("audio"),  Bundled("package"),
                                 Bundled("html"),    Bundled("graphic")};
-  return icons.at(static_cast<std::size_t>(kind));
+  return Fitting(icons.at(static_cast<std::size_t>(kind)));
 }
 
 const QIcon& AlertIcon() {
-  static const QIcon icon = Bundled("alert");
-  return icon;
+  static const IconPair icons = Bundled("alert");
+  return Fitting(icons);
 }
 
-const QIcon& ProgramIcon() {
-  static const QIcon icon = Bundled("corvane");
+QIcon ProgramIcon() {
+  QSvgRenderer small(PictureFile("corvane-16", false));
+  QSvgRenderer full(PictureFile("corvane", false));
+  QIcon icon;
+  icon.addPixmap(Rendered(small, 16));
+  for (const int size : {22, 24, 32, 48, 64, 128, 256}) icon.addPixmap(Rendered(full, size));
   return icon;
 }
 

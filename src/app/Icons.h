@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QIcon>
+#include <QString>
 #include <cstdint>
 #include <string_view>
+
+class QPalette;
 
 namespace corvane {
 
@@ -22,9 +25,19 @@ enum class IconKind : std::uint8_t {
 /// name of fewer than four bytes being all extension. `name` is raw bytes.
 [[nodiscard]] IconKind IconFor(std::int32_t type, std::string_view name);
 
-/// The bundled pictures. GUI thread.
+/// Whether these colours are a dark theme.
+[[nodiscard]] bool IsDark(const QPalette& palette);
+
+/// The file of a bundled picture, in its variant for dark themes where that is asked for and there
+/// is one.
+[[nodiscard]] QString PictureFile(const QString& name, bool dark);
+
+/// The icons that go with the application's present palette: ask again for every painting. GUI
+/// thread.
 [[nodiscard]] const QIcon& ListIcon(IconKind kind);
 [[nodiscard]] const QIcon& AlertIcon();
-[[nodiscard]] const QIcon& ProgramIcon();
+
+/// The face of the program; its smallest size is a drawing of its own. GUI thread.
+[[nodiscard]] QIcon ProgramIcon();
 
 }  // namespace corvane

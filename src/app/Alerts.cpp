@@ -54,7 +54,7 @@ void Alerts::Show(QWidget* window, const Question& question, Answer then) {
         label, last && !buttons.isEmpty() ? QMessageBox::RejectRole : QMessageBox::AcceptRole));
   }
   EvenOut(buttons);
-  box->setDefaultButton(qobject_cast<QPushButton*>(buttons.first()));
+  box->setDefaultButton(qobject_cast<QPushButton*>(buttons.at(question.preset)));
   box->setEscapeButton(buttons.last());
   QObject::connect(box, &QMessageBox::finished, window, [box, buttons, then = std::move(then)] {
     const auto pressed = buttons.indexOf(box->clickedButton());

@@ -19,6 +19,7 @@ class Alerts {
     QString text;
     QString detail{};                           ///< more of it, in smaller letters
     QStringList buttons{QStringLiteral("OK")};  ///< an "&" marks the key that presses the button
+    int preset = 0;                             ///< the button that Enter presses
   };
   using Answer = std::function<void(int button)>;
   using Responder = std::function<int(const Question&)>;

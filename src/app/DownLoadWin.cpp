@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/Alerts.h"
+#include "app/Frames.h"
 #include "app/MWindow.h"
 #include "app/TambleApp.h"
 #include "app/Windows.h"
@@ -29,6 +30,7 @@ DownLoadWin::DownLoadWin(TambleApp& app, const QRect& frame)
 }
 
 DownLoadWin::~DownLoadWin() {
+  Frames::Keep(kTransferFrame, *this);
   list_->disconnect(this);  // the base class takes it apart
 }
 

@@ -11,6 +11,7 @@
 #include "app/Alerts.h"
 #include "app/BrowserLink.h"
 #include "app/DirListView.h"
+#include "app/Frames.h"
 #include "app/MViewFile.h"
 #include "app/SmallView.h"
 #include "app/TambleApp.h"
@@ -19,6 +20,7 @@
 #include "app/Windows.h"
 #include "ftp/MFtp.h"
 #include "net/NLException.h"
+#include "util/Shortcut.h"
 
 namespace corvane {
 namespace {
@@ -56,6 +58,7 @@ MWindow::~MWindow() {
   qApp->disconnect(this);
   listing_->disconnect(this);
   Disconnect();
+  Frames::Keep(kConnectionFrame, *this);
   app_.RemoveWindow(this);
 }
 
@@ -111,6 +114,7 @@ void MWindow::MessageReceived(const Message& message) {
         ChangeDirectory();
       }
       break;
+    case "NWST"_what: AddShortcut(); break;
     case "SNGL"_what: OpenSelected(); break;
     case "DWLD"_what: DownloadRequested(message); break;
     case "UPLD"_what: ChooseUploads(); break;
@@ -157,6 +161,8 @@ void MWindow::Warn(const QString& text, const QString& title) {
 void MWindow::ShowStatus(std::string_view text) {
   status_->setText(ToText(text));
   status_->setToolTip(status_->text());
+  // A label's accessible name stands in for its text, so it holds the text too.
+  status_->setAccessibleName(tr("Status: %1").arg(status_->text()));
 }
 
 void MWindow::AppendLog(std::string_view text) {
@@ -172,7 +178,7 @@ void MWindow::ShowPath(std::string_view path) {
 void MWindow::GetRidofListing() {
   listing_->clearSelection();
   listing_->Rows().Clear();
-  count_->SetCount(0);
+  count_->SetText(0);
 }
 
 void MWindow::AddRows(std::vector<MWListItem> items) {
@@ -180,7 +186,7 @@ void MWindow::AddRows(std::vector<MWListItem> items) {
 }
 
 void MWindow::ListingEnded(std::size_t count) {
-  count_->SetCount(static_cast<int>(count));
+  count_->SetText(static_cast<int>(count));
   listing_->SortByName();
 }
 
@@ -211,9 +217,18 @@ void MWindow::PathEntered() {
   if (path_->text().isEmpty()) return;
   path_->setModified(false);
   ShowStatus("Changing Dir..");
-  // A path that was shown and not touched goes back as the bytes that it came as.
-  const bool untouched = path_->text() == ToText(currentDirectory_);
-  ChangeDirectoryTo(untouched ? currentDirectory_ : ToBytes(path_->text()));
+  ChangeDirectoryTo(EditedBytes(path_->text(), currentDirectory_));
+}
+
+void MWindow::AddShortcut() {
+  app_.ShowNewShortcut({.label = connection_.host,
+                        .host = connection_.host,
+                        .user = connection_.user,
+                        .pass = connection_.pass,
+                        .path = currentDirectory_,
+                        .port = std::to_string(connection_.port),
+                        .passive = connection_.passive},
+                       *this);
 }
 
 void MWindow::OpenSelected() {
@@ -272,7 +287,7 @@ void MWindow::FinishedUpload(const Message& message) {
     entry.size = size;
     entry.time = LocalTimeNow();
     listing_->InsertItem(entry, name);
-    count_->SetCount(count_->Count() + 1);
+    count_->SetText(count_->Count() + 1);
   } else if (row > 1 && isFile) {
     listing_->Rows().SetSizeAndTime(row, size, LocalTimeNow());
   }

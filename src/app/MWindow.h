@@ -81,6 +81,7 @@ class MWindow : public QMainWindow {
   void ChangeDirectoryTo(const std::string& name);
   void ChangeDirectory();
   void PathEntered();
+  void AddShortcut();
   void OpenSelected();
   void CopySelected();
   void SelectEverything();

@@ -98,7 +98,6 @@ QWidget* MWindow::MakeStatusBox() {
   box->setObjectName("Status");
   status_ = new QLabel(box);
   status_->setObjectName("StatusString");
-  status_->setAccessibleName(tr("Status"));
   status_->setTextFormat(Qt::PlainText);
   status_->setAlignment(Qt::AlignCenter);
   status_->setWordWrap(true);
@@ -117,6 +116,7 @@ QAction* MWindow::AddCommand(QMenu* menu, const QString& text, const char* key,
 void MWindow::MakeMenus() {
   menuBar()->setObjectName("MenuBar");
   QMenu* file = menuBar()->addMenu(tr("&File"));
+  AddCommand(file, tr("&Add Shortcut"), "Ctrl+S", Message("NWST"_what));
   file->addAction(tr("&New Connection"), QKeySequence("Ctrl+N"), this,
                   [this] { app_.PostMessage(Message("SHMN"_what)); });
   file->addAction(tr("&Close"), QKeySequence("Ctrl+W"), this, &QWidget::close);

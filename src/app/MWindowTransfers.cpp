@@ -24,7 +24,8 @@ namespace {
 
 std::optional<std::string> DownloadFolder() {
   const std::string folder = ProcessSettings::Get().DwnldDir;
-  if (folder == "empty" || !QFileInfo::exists(QFile::decodeName(folder.c_str()))) return {};
+  if (folder.empty() || folder == "empty" || !QFileInfo::exists(QFile::decodeName(folder.c_str())))
+    return {};
   return folder;
 }
 

@@ -3,37 +3,25 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QScreen>
 #include <QStandardPaths>
 #include <utility>
 
+#include "app/About.h"
 #include "app/DownLoadWin.h"
+#include "app/Frames.h"
 #include "app/Icons.h"
 #include "app/MWindow.h"
+#include "app/PrefWindow.h"
+#include "app/ShortCutEditWindow.h"
+#include "app/ShortCutWindow.h"
+#include "app/ShortcutField.h"
 #include "app/StartWin.h"
 #include "app/Windows.h"
 #include "settings/ProcessSettings.h"
+#include "settings/StoredSettings.h"
 
 namespace corvane {
 namespace {
-
-constexpr Rect kStartFrame{100, 50, 420, 270};
-constexpr Rect kTransferFrame{400, 200, 750, 500};
-constexpr Rect kBrowserFrame{120, 50, 560, 530};
-constexpr float kNarrowest = 420;
-
-QRect ToQt(const Rect& frame) {
-  return QRect(QPoint(static_cast<int>(frame.left), static_cast<int>(frame.top)),
-               QPoint(static_cast<int>(frame.right), static_cast<int>(frame.bottom)));
-}
-
-Rect MainScreen() {
-  const QScreen* screen = QGuiApplication::primaryScreen();
-  if (screen == nullptr) return {0, 0, 1024, 768};
-  const QRect area = screen->availableGeometry();
-  return {static_cast<float>(area.left()), static_cast<float>(area.top()),
-          static_cast<float>(area.right()), static_cast<float>(area.bottom())};
-}
 
 /// Without a chosen folder, downloads go where the desktop keeps them.
 void ChooseDownloadFolder() {
@@ -50,16 +38,21 @@ void ChooseDownloadFolder() {
 TambleApp::TambleApp(WorkerFactory workers) : workers_(std::move(workers)) {}
 
 TambleApp::~TambleApp() {
+  delete preferences_;
+  delete editor_;
+  delete shortcuts_;
   while (!windowList_.empty()) delete windowList_.back();
 }
 
 void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(ProgramIcon());
+  StoredSettings::ReadAtStart();
   ChooseDownloadFolder();
-  start_ = std::make_unique<StartWin>(*this, ToQt(kStartFrame));
-  transfers_ = std::make_unique<DownLoadWin>(*this, ToQt(kTransferFrame));
+  start_ = std::make_unique<StartWin>(*this, Frames::Restored(kMainFrame));
+  transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame));
   transfers_->show();
+  start_->Init();
   start_->show();
   if (open.has_value()) PostMessage(*open);
 }
@@ -67,23 +60,14 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
 void TambleApp::PostMessage(const Message& message) {
   switch (message.what) {
     case "OPNC"_what: OpenBrowser(message); break;
+    case "NWST"_what:
+      start_->CutMenu().Append(message.FindString("label").value_or(""),
+                               message.FindInt32("index").value_or(-1));
+      break;
     case "SHLG"_what: BringForward(transfers_.get()); break;
     case "SHMN"_what: BringForward(start_.get()); break;
     default: break;
   }
-}
-
-Rect TambleApp::FitFrame(Rect frame, const Rect& screen) {
-  constexpr float kGap = 3;
-  if (screen.left > frame.left) frame.left = screen.left + kGap;
-  if (screen.top > frame.top) frame.top = screen.top + kGap;
-  if (screen.right < frame.right) frame.right = screen.right - kGap;
-  if (screen.bottom < frame.bottom) frame.bottom = screen.bottom - kGap;
-  if (frame.right - frame.left < kNarrowest) {
-    frame.left = 15;
-    frame.right = 435;
-  }
-  return frame;
 }
 
 void TambleApp::OpenBrowser(const Message& message) {
@@ -95,10 +79,42 @@ void TambleApp::OpenBrowser(const Message& message) {
   to.path = message.FindString("path").value_or("");
   to.port = static_cast<std::uint16_t>(message.FindInt16("port").value_or(21));
   to.passive = message.FindBool("passive").value_or(false);
-  auto* window = new MWindow(*this, ToQt(FitFrame(kBrowserFrame, MainScreen())), std::move(to));
-  // Today's fonts want more room for names than the frame gives.
-  window->resize(window->size().expandedTo(window->sizeHint()));
+  auto* window = new MWindow(*this, Frames::ForBrowser(), std::move(to));
+  // Today's fonts want more room for names than the first frame gives.
+  if (StoredSettings::Frame(kConnectionFrame) == kConnectionFrame.fallback) {
+    window->resize(window->size().expandedTo(window->sizeHint()));
+  }
   BringForward(window);
+}
+
+void TambleApp::AboutRequested() {
+  if (about_ == nullptr) about_ = std::make_unique<About>();
+  BringForward(about_.get());
+}
+
+void TambleApp::ShowShortcuts() {
+  if (shortcuts_.isNull()) shortcuts_ = new ShortCutWindow(*this);
+  BringForward(shortcuts_);
+}
+
+void TambleApp::ShowPreferences() {
+  if (preferences_.isNull()) preferences_ = new PrefWindow;
+  BringForward(preferences_);
+}
+
+void TambleApp::ShowNewShortcut(const Shortcut& shortcut, const QWidget& opener) {
+  if (editor_.isNull()) {
+    editor_ = new ShortCutEditWindow(*this);
+    editor_->Begin(shortcut);
+    editor_->PlaceBeside(opener);
+  }
+  BringForward(editor_);
+}
+
+void TambleApp::QuitRequested() {
+  if (shortcuts_.isNull() || !shortcuts_->Changed()) return Quit();
+  BringForward(shortcuts_);
+  shortcuts_->AskAboutChanges([this] { Quit(); });
 }
 
 void TambleApp::Quit() {

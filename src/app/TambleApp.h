@@ -1,22 +1,26 @@
 #pragma once
 
 #include <QObject>
-#include <QRect>
+#include <QPointer>
 #include <memory>
 #include <vector>
 
 #include "app/WorkerFactory.h"
 #include "kit/Message.h"
-#include "kit/Rect.h"
 
 namespace corvane {
 
+class About;
 class DownLoadWin;
 class MWindow;
+class PrefWindow;
+class ShortCutEditWindow;
+class ShortCutWindow;
 class StartWin;
+struct Shortcut;
 
-/// The application: owns the connection window and the transfer window, and opens browser windows.
-/// GUI thread.
+/// The application: owns the connection window and the transfer window, and opens all others. Of
+/// shortcut list, shortcut editor and preferences there is one at a time. GUI thread.
 class TambleApp : public QObject {
   Q_OBJECT
 
@@ -27,22 +31,34 @@ class TambleApp : public QObject {
   /// Settings, the two windows, and what the command line asked for.
   void ReadyToRun(const std::optional<Message>& open = {});
 
-  /// 'OPNC' opens a browser window, 'SHLG' and 'SHMN' bring transfer and connection window forward.
+  /// 'OPNC' opens a browser window, 'NWST' adds a shortcut ("label", "index") to the menu of the
+  /// connection window, 'SHLG' and 'SHMN' bring transfer and connection window forward.
   void PostMessage(const Message& message);
+  void AboutRequested();
 
+  /// Quits, once the user has said what is to become of unsaved changes.
+  void QuitRequested();
   /// Hides everything, tells all work to end, and ends the event loop.
   void Quit();
 
+  void ShowShortcuts();
+  void ShowPreferences();
+  /// The editor, on a new shortcut that begins as `shortcut`; one that is open already comes
+  /// forward as it is. `opener` says where it stands.
+  void ShowNewShortcut(const Shortcut& shortcut, const QWidget& opener);
+
+  [[nodiscard]] StartWin& ConnectionWindow() { return *start_; }
   [[nodiscard]] DownLoadWin& Transfers() { return *transfers_; }
+  [[nodiscard]] const QPointer<ShortCutWindow>& Shortcuts() const { return shortcuts_; }
+  [[nodiscard]] const QPointer<PrefWindow>& Preferences() const { return preferences_; }
+  /// The editor while it is open.
+  [[nodiscard]] QPointer<ShortCutEditWindow>& Editor() { return editor_; }
   [[nodiscard]] const WorkerFactory& Workers() const { return workers_; }
 
   /// The open browser windows, oldest first.
   [[nodiscard]] const std::vector<MWindow*>& WindowList() const { return windowList_; }
   void AddWindow(MWindow* window) { windowList_.push_back(window); }
   void RemoveWindow(MWindow* window) { std::erase(windowList_, window); }
-
-  /// Moves a browser window's frame into the screen, and widens one that is too narrow.
-  [[nodiscard]] static Rect FitFrame(Rect frame, const Rect& screen);
 
  private:
   void OpenBrowser(const Message& message);
@@ -51,6 +67,10 @@ class TambleApp : public QObject {
   std::vector<MWindow*> windowList_;
   std::unique_ptr<StartWin> start_;
   std::unique_ptr<DownLoadWin> transfers_;
+  QPointer<ShortCutWindow> shortcuts_;
+  QPointer<ShortCutEditWindow> editor_;
+  QPointer<PrefWindow> preferences_;
+  std::unique_ptr<About> about_;
   bool quitting_ = false;
 };
 

@@ -27,4 +27,12 @@ std::string ToBytes(const QString& text) {
   return text.toStdString();
 }
 
+std::string EditedBytes(const QString& text, const std::string& shown) {
+  return text == ToText(shown) ? shown : ToBytes(text);
+}
+
+QString Label(const QString& text) {
+  return QString(text).replace('&', QStringLiteral("&&"));
+}
+
 }  // namespace corvane

@@ -15,4 +15,11 @@ namespace corvane {
 /// Typed text as the bytes that go to the server or the file system: UTF-8.
 [[nodiscard]] std::string ToBytes(const QString& text);
 
+/// The bytes of a field that was filled with ToText(shown): those very bytes while nobody has
+/// changed the text, else what was typed.
+[[nodiscard]] std::string EditedBytes(const QString& text, const std::string& shown);
+
+/// A text as the label of a menu item or button, in which "&" marks no key.
+[[nodiscard]] QString Label(const QString& text);
+
 }  // namespace corvane

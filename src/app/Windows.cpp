@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "app/MWindow.h"
+#include "app/Text.h"
 
 namespace corvane {
 
@@ -35,10 +36,8 @@ void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows
     if (window == except) continue;
     if (!separated) menu.addSeparator();
     separated = true;
-    // A server's name must not form a mnemonic.
-    QString title = window->windowTitle();
-    title.replace('&', QStringLiteral("&&"));
-    menu.addAction(title, window, [window] { window->MessageReceived(Message("SHWD"_what)); });
+    menu.addAction(Label(window->windowTitle()), window,
+                   [window] { window->MessageReceived(Message("SHWD"_what)); });
   }
 }
 

@@ -45,10 +45,12 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
     if (line.usage) return Usage();
-    corvane::TambleApp app;
-    const corvane::QuitSignals signals([&app] { app.Quit(); });
-    app.ReadyToRun(line.open);
-    result = QApplication::exec();
+    {
+      corvane::TambleApp app;
+      const corvane::QuitSignals signals([&app] { app.Quit(); });
+      app.ReadyToRun(line.open);
+      result = QApplication::exec();
+    }
     // Work that does not end in time is left to the end of the process: all that it wrote to disk
     // stands, and its windows are gone.
     if (!corvane::Background::WaitForNone(std::chrono::milliseconds(1500))) {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/Alerts.h"
+#include "app/Connection.h"
 #include "app/DirListView.h"
 #include "app/MWindow.h"
 #include "app/TambleApp.h"
@@ -57,7 +58,8 @@ class AppFixture : public testing::Test {
  protected:
   AppFixture() {
     WorkerFactory factory;
-    factory.looper = [this](const Connection&, std::shared_ptr<BrowserUi> window) {
+    factory.looper = [this](const Connection& connection, std::shared_ptr<BrowserUi> window) {
+      connections_.push_back(connection);
       link_ = std::move(window);
       looper_ = std::make_shared<RecordingLooper>();
       return looper_;
@@ -67,9 +69,7 @@ class AppFixture : public testing::Test {
       transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
       return transfers_.back();
     };
-    settings_.DwnldDir = folder_.path().toStdString();
-    settings_.showwindow = false;  // keys go to the window in front
-    ProcessSettings::Set(settings_);
+    qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
     Alerts::AnswerWith([this](const Alerts::Question& question) {
       alerts_.push_back(question);
       return button_;
@@ -77,6 +77,9 @@ class AppFixture : public testing::Test {
     app_ = std::make_unique<TambleApp>(std::move(factory));
     app_->ReadyToRun(With("OPNC"_what, "host", "server.test"));
     window_ = app_->WindowList().back();
+    settings_.DwnldDir = folder_.path().toStdString();
+    settings_.showwindow = false;  // keys go to the window in front
+    ProcessSettings::Set(settings_);
   }
   ~AppFixture() override {
     app_.reset();
@@ -110,11 +113,13 @@ class AppFixture : public testing::Test {
     return entry;
   }
 
+  QTemporaryDir config_;
   QTemporaryDir folder_;
   SettingsValues settings_;
   std::shared_ptr<RecordingLooper> looper_;
   std::shared_ptr<BrowserUi> link_;
   std::vector<std::shared_ptr<IdleTransfer>> transfers_;
+  std::vector<Connection> connections_;
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert
   std::unique_ptr<TambleApp> app_;

@@ -1,0 +1,229 @@
+#include "app/ShortCutWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTreeWidget>
+#include <algorithm>
+#include <utility>
+
+#include "app/Alerts.h"
+#include "app/Frames.h"
+#include "app/ShortCutEditWindow.h"
+#include "app/ShortCutItem.h"
+#include "app/StartWin.h"
+#include "app/TambleApp.h"
+#include "app/Text.h"
+#include "app/Windows.h"
+#include "settings/ShortcutStore.h"
+#include "util/ParseUrl.h"
+
+namespace corvane {
+namespace {
+
+/// The columns: title, first width and least width, in pixels.
+struct Column {
+  const char* title;
+  int width;
+  int least;
+};
+
+constexpr Column kColumns[] = {{QT_TRANSLATE_NOOP("ShortCutWindow", "Label"), 140, 50},
+                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Host"), 150, 100},
+                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Path"), 160, 80},
+                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Connection Type"), 100, 70}};
+
+}  // namespace
+
+ShortCutWindow::ShortCutWindow(TambleApp& app) : app_(app), list_(new QTreeWidget(this)) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  setWindowTitle(tr("Shortcuts[*]"));
+  MakeList();
+  // Wide enough for the columns as they are at first.
+  QRect frame(QPoint(290, 110), QPoint(800, 350));
+  frame.setWidth(std::max(frame.width(), list_->header()->length() + 2 * list_->frameWidth()));
+  setGeometry(Frames::OnScreen(frame));
+  MakeMenus();
+  MenusBeginning();
+}
+
+ShortCutWindow::~ShortCutWindow() {
+  list_->disconnect(this);
+  if (edited_ != nullptr) delete app_.Editor();
+}
+
+void ShortCutWindow::MakeList() {
+  list_->setObjectName("MainShrtCtView");
+  list_->setAccessibleName(tr("Shortcuts"));
+  list_->setRootIsDecorated(false);
+  list_->setUniformRowHeights(true);
+  list_->setAllColumnsShowFocus(true);
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  setCentralWidget(list_);
+  QStringList titles;
+  for (const Column& column : kColumns) titles.append(tr(column.title));
+  list_->setHeaderLabels(titles);
+  QHeaderView* header = list_->header();
+  header->setStretchLastSection(true);
+  for (int i = 0; i < titles.size(); ++i) header->resizeSection(i, kColumns[i].width);
+  connect(header, &QHeaderView::sectionResized, this, [header](int column, int, int width) {
+    if (width < kColumns[column].least) header->resizeSection(column, kColumns[column].least);
+  });
+  for (const Shortcut& shortcut : ShortcutStore::ReadForList()) {
+    list_->addTopLevelItem(new ShortCutItem(shortcut));
+  }
+  list_->setCurrentItem(list_->topLevelItem(0));
+  list_->setFocus();
+  // In the order of the menu, until a click on a title sorts it.
+  header->setSortIndicator(-1, Qt::AscendingOrder);
+  list_->setSortingEnabled(true);
+  connect(list_, &QTreeWidget::itemSelectionChanged, this, &ShortCutWindow::MenusBeginning);
+  connect(list_, &QTreeWidget::itemActivated, this, &ShortCutWindow::EditSelected);
+}
+
+void ShortCutWindow::MakeMenus() {
+  menuBar()->setObjectName("ShortcutWinMenuBar");
+  const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& key,
+                          std::uint32_t what) {
+    return menu->addAction(text, key, this, [this, what] { MessageReceived(Message(what)); });
+  };
+  QMenu* file = menuBar()->addMenu(tr("&File"));
+  add(file, tr("&New Shortcut"), QKeySequence("Ctrl+N"), "nwst"_what);
+  edit_ = add(file, tr("&Edit Shortcut"), QKeySequence("Ctrl+E"), "ITMV"_what);
+  remove_ = add(file, tr("&Remove Shortcut"), {}, "REMI"_what);
+  remove_->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::Key_Delete)});
+  add(file, tr("&Save"), QKeySequence("Ctrl+S"), "SVPF"_what);
+  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+  copy_ = add(edit, tr("&Copy"), QKeySequence("Ctrl+C"), "COPY"_what);
+  add(edit, tr("Select &All"), QKeySequence("Ctrl+A"), "SALL"_what);
+  AddCloseKey(this);
+}
+
+void ShortCutWindow::MenusBeginning() {
+  const bool selected = !list_->selectedItems().isEmpty();
+  for (QAction* action : {edit_, remove_, copy_}) action->setEnabled(selected);
+}
+
+void ShortCutWindow::MessageReceived(const Message& message) {
+  switch (message.what) {
+    case "nwst"_what: app_.ShowNewShortcut({.port = "21"}, *this); break;
+    case "ITMV"_what: EditSelected(); break;
+    case "REMI"_what: RemoveSelected(); break;
+    case "SVPF"_what: Save(); break;
+    case "SALL"_what: list_->selectAll(); break;
+    case "COPY"_what: CopySelected(); break;
+    case "NWST"_what: AddRow(message.FindString("url").value_or("")); break;
+    default: break;
+  }
+}
+
+void ShortCutWindow::SetChanged(bool changed) {
+  changed_ = changed;
+  setWindowModified(changed);
+}
+
+ShortCutItem* ShortCutWindow::Row(int row) const {
+  return static_cast<ShortCutItem*>(list_->topLevelItem(row));
+}
+
+ShortCutItem* ShortCutWindow::FirstSelected() const {
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    if (Row(row)->isSelected()) return Row(row);
+  }
+  return nullptr;
+}
+
+void ShortCutWindow::EditSelected() {
+  ShortCutItem* item = FirstSelected();
+  if (item == nullptr) return;
+  const bool open = !app_.Editor().isNull();
+  if (!open) app_.Editor() = new ShortCutEditWindow(app_);
+  ShortCutEditWindow* editor = app_.Editor();
+  edited_ = item;
+  connect(editor, &QObject::destroyed, this, &ShortCutWindow::EditorClosed, Qt::UniqueConnection);
+  editor->Edit(item->Record(), [this, item](Shortcut record) {
+    item->SetRecord(std::move(record));
+    SetChanged(true);
+  });
+  if (!open) editor->PlaceBeside(*this);
+  if (!editor->isMinimized()) BringForward(editor);
+}
+
+void ShortCutWindow::RemoveSelected() {
+  ShortCutItem* item = FirstSelected();
+  if (list_->topLevelItemCount() == 1) {
+    Alerts::Show(this, {.title = tr("Warning!"),
+                        .text = tr("You need to have at least one remaining shortcut.")});
+    return;
+  }
+  if (item == nullptr) return;
+  if (item == edited_) delete app_.Editor();
+  const int row = list_->indexOfTopLevelItem(item);
+  delete item;
+  list_->clearSelection();
+  if (ShortCutItem* next = Row(row); next != nullptr) list_->setCurrentItem(next);
+  SetChanged(true);
+}
+
+void ShortCutWindow::CopySelected() {
+  QString text;
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    if (!Row(row)->isSelected()) continue;
+    const Shortcut& record = Row(row)->Record();
+    const std::string port = record.port == "21" ? "" : ":" + record.port;
+    text += ToText("ftp://" + record.host + record.path + port) + '\n';
+  }
+  if (!text.isEmpty()) QApplication::clipboard()->setText(text);
+}
+
+void ShortCutWindow::AddRow(std::string_view url) {
+  auto shortcut = ParseUrl(url, false);
+  if (!shortcut.has_value()) return;
+  auto* item = new ShortCutItem(std::move(*shortcut));
+  list_->addTopLevelItem(item);
+  list_->setCurrentItem(item);
+  SetChanged(true);
+}
+
+bool ShortCutWindow::Save() {
+  std::vector<Shortcut> shortcuts;
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    shortcuts.push_back(Row(row)->Record());
+  }
+  const std::string failure = ShortcutStore::SaveAll(shortcuts);
+  if (!failure.empty()) {
+    Alerts::Show(this, {.title = tr("Warning!"),
+                        .text = tr("The shortcuts could not be saved."),
+                        .detail = ToText(failure)});
+    return false;
+  }
+  SetChanged(false);
+  app_.ConnectionWindow().MessageReceived(Message("REDO"_what));
+  return true;
+}
+
+void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
+  constexpr int kSave = 1;
+  Alerts::Show(this,
+               {.title = tr("Alert!"),
+                .text = tr("You have made some changes.  Would you like to save them or discard "
+                           "them?"),
+                .buttons = {tr("&Discard"), tr("&Save")},
+                .preset = kSave},
+               [this, then = std::move(then)](int button) {
+                 if (button == kSave && !Save()) return;
+                 SetChanged(false);
+                 then();
+               });
+}
+
+void ShortCutWindow::closeEvent(QCloseEvent* event) {
+  if (!changed_) return event->accept();
+  event->ignore();
+  AskAboutChanges([this] { close(); });
+}
+
+}  // namespace corvane

@@ -1,0 +1,70 @@
+#include "app/ShortcutField.h"
+
+#include <QActionGroup>
+#include <QMenu>
+#include <QStyle>
+#include <QStyleOptionButton>
+
+#include "app/Text.h"
+
+namespace corvane {
+
+ShortcutField::ShortcutField(QWidget* parent)
+    : QPushButton(parent), cutMenu_(new QMenu(this)), items_(new QActionGroup(this)) {
+  setObjectName("shortcuts");
+  setAccessibleName(tr("Shortcuts"));
+  cutMenu_->setObjectName("CutMenu");
+  setMenu(cutMenu_);
+  connect(items_, &QActionGroup::triggered, this, [this](const QAction* item) {
+    ShowMarked();
+    Q_EMIT Chosen(item->data().toInt());
+  });
+  ShowMarked();
+}
+
+qsizetype ShortcutField::Count() const {
+  return items_->actions().size();
+}
+
+void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts) {
+  qDeleteAll(items_->actions());
+  std::int32_t index = 0;
+  for (const Shortcut& shortcut : shortcuts) {
+    Add(shortcut.label.empty() ? shortcut.host : shortcut.label, index, index < 10);
+    ++index;
+  }
+  ShowMarked();
+}
+
+void ShortcutField::Append(const std::string& label, std::int32_t index) {
+  Add(label, index, Count() < 9);
+}
+
+void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
+  QAction* item = cutMenu_->addAction(Label(ToText(label)));
+  item->setCheckable(true);
+  item->setData(index);
+  if (withKey) item->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(Count())));
+  items_->addAction(item);
+}
+
+void ShortcutField::ShowMarked() {
+  const QAction* marked = items_->checkedAction();
+  setToolTip(marked != nullptr ? marked->text().replace("&&", "&") : QString());
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  const int room = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this).width() -
+                   style()->pixelMetric(QStyle::PM_MenuButtonIndicator, &option, this);
+  setText(marked == nullptr ? tr("&Shortcuts")
+                            : fontMetrics().elidedText(marked->text(), Qt::ElideMiddle, room,
+                                                       Qt::TextShowMnemonic));
+  // Whatever the button shows, its key is the same.
+  setShortcut(QKeySequence("Alt+S"));
+}
+
+void ShortcutField::resizeEvent(QResizeEvent* event) {
+  QPushButton::resizeEvent(event);
+  ShowMarked();
+}
+
+}  // namespace corvane

@@ -1,0 +1,116 @@
+#include "app/PrefWindow.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+
+#include "AppFixture.h"
+#include "app/StartWin.h"
+#include "settings/StoredSettings.h"
+
+namespace corvane {
+namespace {
+
+class Preferences : public AppFixture {
+ protected:
+  Preferences() { Open(); }
+
+  void Open() {
+    app_->ConnectionWindow().MessageReceived(Message("SHPF"_what));
+    window_ = app_->Preferences();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window_));
+  }
+  QLineEdit& Field(const char* name) { return *window_->findChild<QLineEdit*>(name); }
+  QCheckBox& Box(const char* name) { return *window_->findChild<QCheckBox*>(name); }
+  void Press(const char* name) { window_->findChild<QPushButton*>(name)->click(); }
+  bool Closed() {
+    return Wait([&] { return window_.isNull(); });
+  }
+
+  QPointer<PrefWindow> window_;
+};
+
+TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
+  Field("defaultpass").clear();
+  Field("download path").setText("/tmp");
+  Field("Upload Sound").setText("/s.oga");
+  for (const char* box : {"ShowTranWin", "RemoveItem", "UseSameConnection", "ProxyCheckBox"}) {
+    Box(box).toggle();
+  }
+  window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);
+  const std::pair<const char*, const char*> faults[] = {{"", "21"}, {"proxy", "many"}, {"p", ""}};
+  for (const auto& [host, port] : faults) {
+    Field("ProxyAddr").setText(host);
+    Field("ProxyPort").setText(port);
+    Press("save");
+  }
+  EXPECT_EQ(alerts_.size(), std::size(faults));
+  Field("ProxyPort").setText("8021");
+  Press("save");
+  EXPECT_TRUE(Closed());
+  const SettingsValues now = ProcessSettings::Get();
+  EXPECT_EQ(now.DfltPass.size(), 9U);
+  EXPECT_EQ(now.DwnldDir + now.upldsnd + now.loginFsnd, "/tmp/s.oganone");
+  EXPECT_EQ(now.proxyAddress + now.proxyPort, "p8021");
+  EXPECT_EQ(now.buffersize, 131072);
+  EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy);
+
+  Open();
+  EXPECT_FALSE(now.showwindow);  // kept, but not yet in force
+  EXPECT_TRUE(Box("ShowTranWin").isChecked());
+  EXPECT_EQ(window_->findChild<QComboBox*>("BufferSize")->currentIndex(), 3);
+  Box("RemoveItem").toggle();
+  Press("cancel");
+  EXPECT_TRUE(Closed());
+  EXPECT_TRUE(ProcessSettings::Get().removeItem);
+}
+
+TEST_F(Preferences, ProxyFieldsFollowTheirBox) {
+  for (const bool on : {true, false}) {
+    Box("ProxyCheckBox").setChecked(on);
+    EXPECT_EQ(Field("ProxyAddr").isEnabled(), on);
+    EXPECT_EQ(Field("ProxyPort").isEnabled(), on);
+  }
+}
+
+TEST_F(Preferences, APanelFillsTheSoundFieldInFocus) {
+  QFile sound(folder_.filePath("s.oga"));
+  ASSERT_TRUE(sound.open(QFile::WriteOnly));
+  auto* tabs = window_->findChild<QTabWidget*>("tab_view");
+  tabs->tabBar()->setFocus();
+  tabs->setCurrentIndex(1);
+  for (const bool focused : {false, true}) {
+    if (focused) Field("Download Sound").setFocus();
+    Press("SelectUPSound");
+    Press("SelectUPSound");
+    Press("findfolder");
+    const auto panels = window_->findChildren<QFileDialog*>();
+    ASSERT_EQ(panels.size(), 1);
+    panels[0]->setDirectory(folder_.path());
+    auto* name = panels[0]->findChild<QLineEdit*>();
+    name->setText("s.oga");
+    QTest::keyClick(name, Qt::Key_Return);
+    EXPECT_EQ(Field("Download Sound").text(), focused ? sound.fileName() : "none");
+    EXPECT_EQ(Field("LoginSuccess").text(), "none");
+    EXPECT_TRUE(Wait([&] { return window_->findChild<QFileDialog*>() == nullptr; }));
+  }
+}
+
+TEST_F(Preferences, SaysWhenNothingCouldBeStored) {
+  const QString set = config_.filePath("_LP_x-ovak-Corvane/settings");
+  QFile::remove(set);
+  ASSERT_TRUE(QDir().mkpath(set));
+  Press("save");
+  ASSERT_EQ(alerts_.size(), 1U);
+  EXPECT_NE(alerts_[0].detail, "");
+  EXPECT_FALSE(window_.isNull());
+}
+
+}  // namespace
+}  // namespace corvane

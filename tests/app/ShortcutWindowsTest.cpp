@@ -1,0 +1,143 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+
+#include "AppFixture.h"
+#include "app/ShortCutEditWindow.h"
+#include "app/ShortCutWindow.h"
+#include "app/ShortcutField.h"
+#include "app/StartWin.h"
+#include "settings/ShortcutStore.h"
+
+namespace corvane {
+namespace {
+
+class Shortcuts : public AppFixture {
+ protected:
+  Shortcuts() {
+    EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), Named("two"), Named("three")}), "");
+    app_->ConnectionWindow().MessageReceived(Message("REDO"_what));
+    app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
+    list_ = app_->Shortcuts();
+  }
+
+  static Shortcut Named(const char* label) {
+    return {.label = label, .host = "h", .user = "u", .pass = "p", .path = "/d", .port = "2121"};
+  }
+  void Key(int key, Qt::KeyboardModifiers modifiers = {}) {
+    list_->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(list_));
+    QTest::keyClick(list_, static_cast<Qt::Key>(key), modifiers);
+  }
+  void Select(int row) { list_->List().setCurrentItem(list_->List().topLevelItem(row)); }
+  QLineEdit& Field(const char* name) { return *app_->Editor()->findChild<QLineEdit*>(name); }
+  void PressOk() { app_->Editor()->findChild<QPushButton*>("ok")->click(); }
+  bool Closed() {
+    return Wait([&] { return app_->Editor().isNull(); });
+  }
+  static std::string Stored() {
+    std::string labels;
+    for (const Shortcut& shortcut : ShortcutStore::ReadForMenu()) labels += shortcut.label + " ";
+    return labels;
+  }
+
+  QPointer<ShortCutWindow> list_;
+};
+
+TEST_F(Shortcuts, EditsStayInTheWindowUntilTheyAreSaved) {
+  Select(1);
+  Key(Qt::Key_E, Qt::ControlModifier);
+  EXPECT_EQ(app_->Editor()->windowTitle(), "Edit Shortcut");
+  EXPECT_EQ(Field("password").text(), "*");
+  Field("Label").setText("new");
+  Field("Port").clear();
+  app_->Editor()->findChild<QCheckBox*>("Passive")->setChecked(true);
+  PressOk();
+  EXPECT_TRUE(Closed());
+  EXPECT_EQ(Stored(), "one two three ");
+  EXPECT_TRUE(list_->isWindowModified());
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_FALSE(list_->Changed());
+  EXPECT_EQ(Stored(), "one new three ");
+  Shortcut expected = Named("new");
+  expected.port = "21";
+  expected.passive = true;
+  EXPECT_TRUE(ShortcutStore::Read(1) == expected);
+}
+
+TEST_F(Shortcuts, RemovesAllButTheLast) {
+  Select(1);
+  Key(Qt::Key_E, Qt::ControlModifier);
+  Key(Qt::Key_Backspace);
+  EXPECT_TRUE(app_->Editor().isNull());  // its row is gone
+  EXPECT_EQ(list_->List().currentItem()->text(0), "three");
+  Key(Qt::Key_Delete);
+  Select(0);
+  Key(Qt::Key_Backspace);
+  EXPECT_EQ(list_->List().topLevelItemCount(), 1);
+  ASSERT_EQ(alerts_.size(), 1U);
+  EXPECT_EQ(alerts_[0].text, "You need to have at least one remaining shortcut.");
+}
+
+TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
+  const std::pair<int, const char*> cases[] = {{0, "one two three "}, {1, "two three "}};
+  for (const auto& [button, stored] : cases) {
+    alerts_.clear();
+    button_ = button;
+    Select(0);
+    Key(Qt::Key_Backspace);
+    list_->close();
+    EXPECT_TRUE(Wait([&] { return list_.isNull(); }));
+    ASSERT_EQ(alerts_.size(), 1U);
+    EXPECT_EQ(alerts_[0].text.toStdString(),
+              "You have made some changes.  Would you like to save them or discard them?");
+    EXPECT_EQ(Stored(), stored);
+    app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
+    list_ = app_->Shortcuts();
+  }
+  Select(0);
+  Key(Qt::Key_Delete);
+  app_->ConnectionWindow().close();
+  EXPECT_TRUE(Wait([&] { return !app_->ConnectionWindow().isVisible(); }));
+  EXPECT_EQ(Stored(), "three ");
+}
+
+TEST_F(Shortcuts, CopiesUrlsWithTheirPortAtTheEnd) {
+  app_->ShowNewShortcut({.host = "i", .port = "21"}, *list_);
+  PressOk();
+  Key(Qt::Key_A, Qt::ControlModifier);
+  Key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(),
+            "ftp://h/d:2121\nftp://h/d:2121\nftp://h/d:2121\nftp://i/\n");
+}
+
+TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
+  link_->SetPath("/pub/\xFC");
+  EXPECT_TRUE(Wait([&] { return window_->CurrentDirectory() == "/pub/\xFC"; }));
+  window_->activateWindow();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(window_));
+  QTest::keyClick(window_, Qt::Key_S, Qt::ControlModifier);
+  ASSERT_FALSE(app_->Editor().isNull());
+  Field("Host").clear();
+  PressOk();
+  EXPECT_EQ(alerts_.size(), 1U);  // without a host
+  Field("Host").setText("server.test");
+  Field("Label").setText("a*b");
+  button_ = 1;
+  PressOk();
+  EXPECT_EQ(alerts_.size(), 2U);  // would not come back
+  QApplication::processEvents();
+  Field("Label").clear();
+  QTest::keyClick(&Field("Port"), Qt::Key_Return);
+  EXPECT_TRUE(Closed());
+  EXPECT_EQ(Stored(), "one two three server.test ");
+  EXPECT_EQ(ShortcutStore::Read(3)->path, "/pub/\xFC");
+  EXPECT_EQ(app_->ConnectionWindow().CutMenu().Count(), 4);
+  EXPECT_EQ(list_->List().topLevelItem(3)->text(1), "server.test");
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,185 @@
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+
+#include "AppFixture.h"
+#include "app/DownLoadWin.h"
+#include "app/Password.h"
+#include "app/PastedUrl.h"
+#include "app/ShortcutField.h"
+#include "app/StartWin.h"
+#include "app/Text.h"
+#include "settings/ShortcutStore.h"
+
+namespace corvane {
+namespace {
+
+class Start : public AppFixture {
+ protected:
+  Start() : start_(app_->ConnectionWindow()), password_(*start_.findChild<Password*>()) {
+    start_.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&start_));
+  }
+
+  QLineEdit& Field(const char* name) { return *start_.findChild<QLineEdit*>(name); }
+  /// Host, user, password, path and port as they stand.
+  std::string Fields() {
+    std::string text;
+    for (const char* name : {"Host", "User", "Path", "Port"}) {
+      text += Field(name).text().toStdString() + "|";
+    }
+    return text + password_.actualText();
+  }
+  void Key(int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+    QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), modifiers);
+  }
+
+  StartWin& start_;
+  Password& password_;
+};
+
+TEST_F(Start, ConnectsToWhatTheFieldsSay) {
+  // Port field, and the port connected to; nothing where the field is refused.
+  const std::pair<const char*, std::optional<int>> ports[] = {
+      {"", 21}, {"2121abc", 2121}, {"abc", 0}, {"65535", 65535}, {"65536", {}}, {"-1", {}}};
+  Key(Qt::Key_Return, {});
+  EXPECT_EQ(alerts_.size(), 1U);
+  Field("Host").setText("h");
+  for (const auto& [text, port] : ports) {
+    connections_.clear();
+    alerts_.clear();
+    Field("User").clear();
+    password_.SetActualText("");
+    Field("Port").setText(text);
+    start_.findChild<QPushButton*>("connect")->click();
+    EXPECT_EQ(alerts_.size(), port.has_value() ? 0U : 1U) << text;
+    ASSERT_EQ(connections_.size(), port.has_value() ? 1U : 0U) << text;
+    if (!port.has_value()) continue;
+    EXPECT_EQ(connections_[0].port, *port);
+    EXPECT_EQ(connections_[0].user, "anonymous");
+    EXPECT_EQ(connections_[0].pass, ProcessSettings::Get().DfltPass);
+    EXPECT_EQ(password_.text().size(), std::ssize(ProcessSettings::Get().DfltPass) + 1);
+    EXPECT_FALSE(connections_[0].passive);
+  }
+  start_.findChild<QCheckBox*>("Passive")->click();
+  password_.SetActualText("");
+  QTest::keyClicks(&password_, "secret");
+  Key(Qt::Key_Return, {});
+  Field("Port").setText("1");
+  QTest::keyClick(&password_, Qt::Key_Return);
+  ASSERT_EQ(connections_.size(), 1U);
+  EXPECT_EQ(connections_[0].pass, "secret");
+  EXPECT_TRUE(connections_[0].passive);
+}
+
+TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"ftp://u:p@h/pub:2121", "h|u|/pub|2121|p"},
+      {"ftp://u:p@h:2121/pub\nftp://other", "h|u||2121/pub|p"},
+      {"ftp://h/pub", "h||/pub|21|"},
+      {"ftp://host:21/pub", "21|host|/pub|21|"},
+      {"ftp://p@h", "h|||21|p"},
+      {"ftp://", "|||21|"},
+      {"plain text", "plain text|||21|"},
+  };
+  for (const auto& [clipboard, fields] : cases) {
+    for (const char* name : {"Host", "User", "Path"}) Field(name).clear();
+    Field("Port").setText("21");
+    password_.SetActualText("");
+    Field("Host").setFocus();
+    QApplication::clipboard()->setText(clipboard);
+    Key(Qt::Key_V);
+    EXPECT_EQ(Fields(), fields) << clipboard;
+  }
+}
+
+TEST_F(Start, PasswordKeysChangeTheHiddenText) {
+  // Keys typed ("<" is Backspace, "D" Delete, "[" selects the last two stars), the hidden text, and
+  // how many stars are shown.
+  const std::tuple<const char*, const char*, int> cases[] = {
+      {"abc", "abc", 3},    {"abc<", "a", 2},  {"abcD", "abc", 3}, {"ab[x", "x", 1},
+      {"abcd[x", "abx", 3}, {"abcd[<", "", 2}, {"<a", "a", 1},
+  };
+  for (const auto& [keys, hidden, stars] : cases) {
+    password_.SetActualText("");
+    for (const char key : std::string_view(keys)) {
+      switch (key) {
+        case '<': QTest::keyClick(&password_, Qt::Key_Backspace); break;
+        case 'D': QTest::keyClick(&password_, Qt::Key_Delete); break;
+        case '[': password_.setSelection(static_cast<int>(password_.text().size()) - 2, 2); break;
+        default: QTest::keyClick(&password_, key);
+      }
+    }
+    EXPECT_EQ(password_.actualText(), hidden) << keys;
+    EXPECT_EQ(password_.text(), QString(stars, u'*')) << keys;
+  }
+  const std::string umlaut = "\xC3\xBC";
+  password_.SetActualText("");
+  QKeyEvent key(QEvent::KeyPress, Qt::Key_Udiaeresis, Qt::NoModifier, QStringLiteral("ü"));
+  QApplication::sendEvent(&password_, &key);
+  QApplication::clipboard()->setText("ü!\nnext line");
+  password_.setFocus();
+  Key(Qt::Key_V);
+  EXPECT_EQ(password_.actualText(), umlaut + umlaut + "!");
+  EXPECT_EQ(password_.text(), "***");
+  Key(Qt::Key_Backspace);  // a command's key, to the line's beginning
+  EXPECT_EQ(password_.text() + ToText(password_.actualText()), "");
+}
+
+TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
+  std::vector<Shortcut> list;
+  for (int i = 0; i < 11; ++i) {
+    list.push_back({.label = std::to_string(i), .host = "h" + std::to_string(i), .path = "/\xFC"});
+  }
+  list[1] = {.label = "a&b", .host = "h1", .user = "u", .pass = "p", .port = "2", .passive = true};
+  ASSERT_EQ(ShortcutStore::SaveAll(list), "");
+  start_.MessageReceived(Message("REDO"_what));
+  Key(Qt::Key_1);
+  EXPECT_EQ(Fields(), "h1|u|/|2|p");
+  EXPECT_TRUE(start_.findChild<QCheckBox*>("Passive")->isChecked());
+  EXPECT_EQ(start_.CutMenu().text(), "a&&b");
+  Key(Qt::Key_9);
+  EXPECT_EQ(Fields(), "h9||/\u00FC|21|");
+  EXPECT_FALSE(start_.findChild<QCheckBox*>("Passive")->isChecked());
+  start_.findChild<QPushButton*>("connect")->click();
+  EXPECT_EQ(connections_.back().path, "/\xFC");
+  EXPECT_EQ(start_.findChild<QMenu*>("CutMenu")->actions()[10]->shortcut(), QKeySequence());
+  start_.MessageReceived([] {
+    Message message("ZBOX"_what);
+    message.AddInt32("index", 99);
+    return message;
+  }());
+  EXPECT_EQ(Fields(), "|||21|");
+}
+
+TEST_F(Start, MenusFollowFocusAndWindows) {
+  QMenu* windows = nullptr;
+  for (QMenu* menu : start_.findChildren<QMenu*>()) {
+    if (menu->title() == "&Windows") windows = menu;
+  }
+  ASSERT_NE(windows, nullptr);
+  Q_EMIT windows->aboutToShow();
+  EXPECT_EQ(windows->actions().back()->text(), "Connected To: server.test");
+  window_->close();
+  EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
+  Q_EMIT windows->aboutToShow();
+  EXPECT_EQ(windows->actions().size(), 1);
+
+  Field("Host").setText("copied");
+  Field("Host").selectAll();
+  Field("Host").setFocus();
+  Key(Qt::Key_C);
+  EXPECT_EQ(QApplication::clipboard()->text(), "copied");
+  Field("Host").deselect();
+  app_->Transfers().hide();
+  Key(Qt::Key_X);
+  EXPECT_EQ(Field("Host").text(), "copied");
+  EXPECT_TRUE(app_->Transfers().isVisible());
+}
+
+}  // namespace
+}  // namespace corvane

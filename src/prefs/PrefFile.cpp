@@ -15,6 +15,7 @@
 
 #include "prefs/PrefPaths.h"
 #include "prefs/TemporaryFile.h"
+#include "util/LocalFile.h"
 
 namespace corvane {
 namespace {

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -10,16 +9,9 @@
 #include <filesystem>
 
 #include "prefs/PrefPaths.h"
+#include "util/LocalFile.h"
 
 namespace corvane {
-
-bool IsNamed(int folder, const std::string& name, int fd) {
-  struct stat ours {};
-  struct stat named {};
-  return ::fstat(fd, &ours) == 0 &&
-         ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-         ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
-}
 
 TemporaryFile::~TemporaryFile() {
   if (!name_.empty()) ::unlinkat(folder_, name_.c_str(), 0);

@@ -7,9 +7,6 @@
 
 namespace corvane {
 
-/// Whether `name`, seen from the directory `folder`, is the open file.
-[[nodiscard]] bool IsNamed(int folder, const std::string& name, int fd);
-
 /// A new file beside the one that it is to replace, locked, and removed unless it is renamed.
 ///
 /// The lock tells a file that is being written from one that a killed process has left.

@@ -37,14 +37,6 @@ int OpenEntry(int folder, const char* name, LocalFile::Mode mode, bool& created)
   return -1;
 }
 
-// Whether `name` in the folder is the open file.
-bool IsNamed(int folder, const char* name, int fd) {
-  struct stat ours {};
-  struct stat named {};
-  return ::fstat(fd, &ours) == 0 && ::fstatat(folder, name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-         ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
-}
-
 // A write of more than this makes the kernel look for big blocks of memory, which costs more than
 // the calls that it saves.
 constexpr std::size_t kPiece = std::size_t{128} * 1024;
@@ -54,6 +46,14 @@ constexpr std::size_t kPiece = std::size_t{128} * 1024;
 bool IsSafeLocalName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." &&
          name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
+bool IsNamed(int folder, const std::string& name, int fd) {
+  struct stat ours {};
+  struct stat named {};
+  return ::fstat(fd, &ours) == 0 &&
+         ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+         ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
 }
 
 int LocalFile::Open(const std::string& folder, std::string_view name, Mode mode) {
@@ -75,7 +75,7 @@ int LocalFile::Open(const std::string& folder, std::string_view name, Mode mode)
   if (mode != Mode::Read) {
     // One writer at a time. Whoever had the lock may have removed the file before letting go.
     if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return EWOULDBLOCK;
-    if (!IsNamed(directory.get(), entry.c_str(), fd.get())) return EWOULDBLOCK;
+    if (!IsNamed(directory.get(), entry, fd.get())) return EWOULDBLOCK;
   }
   if (mode == Mode::Resume && ::lseek(fd.get(), 0, SEEK_END) < 0) return errno;
 
@@ -140,7 +140,7 @@ int LocalFile::Close() {
 
 void LocalFile::Discard() {
   // Only the very file that Open made is removed, not what somebody put in its place since.
-  if (created_ && folder_ && IsNamed(folder_.get(), name_.c_str(), fd_.get())) {
+  if (created_ && folder_ && IsNamed(folder_.get(), name_, fd_.get())) {
     ::unlinkat(folder_.get(), name_.c_str(), 0);
   }
   *this = LocalFile();

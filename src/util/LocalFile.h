@@ -14,6 +14,9 @@ namespace corvane {
 /// "." or "..", no "/" and no NUL.
 [[nodiscard]] bool IsSafeLocalName(std::string_view name);
 
+/// Whether `name`, seen from the directory `folder`, is the open file itself and not a link to it.
+[[nodiscard]] bool IsNamed(int folder, const std::string& name, int fd);
+
 /// One local file of a transfer. Every call that can fail answers 0 or an errno number. Not locked.
 class LocalFile {
  public:

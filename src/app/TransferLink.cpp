@@ -26,6 +26,10 @@ bool TransferLink::SetTrailing(std::string_view text) {
   return Change([text](TransferReport& report) { report.trailing = text; });
 }
 
+bool TransferLink::NoteEntry(std::string_view text) {
+  return Change([text](TransferReport& report) { report.notes.emplace_back(text); });
+}
+
 bool TransferLink::SetEndState(TransferEnd state, std::string_view why) {
   return Change([state, why](TransferReport& report) {
     report.end = state;

@@ -22,6 +22,7 @@ struct TransferReport {
   std::string label;     ///< a status text; replaced by the file's label when a file begins
   std::string trailing;  ///< the text behind the bar, where the transfer gives one
   std::string reason;    ///< what failed
+  std::vector<std::string> notes;  ///< a line for each entry that failed or was left out
   std::optional<TransferEnd> end;
 };
 
@@ -39,6 +40,7 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
   bool BeginFile(std::string_view name) override;
   bool SetLabel(std::string_view text) override;
   bool SetTrailing(std::string_view text) override;
+  bool NoteEntry(std::string_view text) override;
   bool SetEndState(TransferEnd state, std::string_view why) override;
   bool PostMessage(Message message) override;
   bool PlaySound(std::string_view path) override;

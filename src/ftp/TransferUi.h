@@ -14,6 +14,7 @@ struct TransferProgress {
   std::atomic<std::int64_t> done{0};     ///< bytes of the current file moved since
   std::atomic<std::int64_t> total{0};    ///< the current file's size; 0 when unknown
   std::atomic<std::int64_t> elapsed{0};  ///< microseconds since the current file's first byte
+  std::atomic<std::int64_t> files{0};    ///< files that are done; counted in folders only
   std::atomic<bool> changed{false};      ///< set by the worker, cleared by the window
 };
 
@@ -32,6 +33,8 @@ class TransferUi : public OwnerUi {
   virtual bool SetLabel(std::string_view text) = 0;
   /// The text behind the bar, such as a failure that needs naming.
   virtual bool SetTrailing(std::string_view text) = 0;
+  /// A line about an entry that failed or was left out, for the list that the row keeps.
+  virtual bool NoteEntry(std::string_view text) = 0;
   /// The transfer has ended; `why` says what failed, for the row's tooltip.
   virtual bool SetEndState(TransferEnd state, std::string_view why) = 0;
 };

@@ -14,6 +14,7 @@ struct TransferRecord : OwnerRecord {
   std::vector<std::string> files;
   std::vector<std::string> labels;
   std::vector<std::string> trailings;
+  std::vector<std::string> notes;
   std::optional<TransferEnd> end;  ///< once the transfer has ended
   std::string why;
 };
@@ -31,6 +32,9 @@ class RecordingTransferUi : public Recorder<TransferUi, TransferRecord> {
   }
   bool SetTrailing(std::string_view text) override {
     return Note([&](TransferRecord& r) { r.trailings.emplace_back(text); });
+  }
+  bool NoteEntry(std::string_view text) override {
+    return Note([&](TransferRecord& r) { r.notes.emplace_back(text); });
   }
   bool SetEndState(TransferEnd state, std::string_view why) override {
     return Note([&](TransferRecord& r) {

@@ -2,7 +2,6 @@
 
 #include <QEvent>
 #include <QFontMetricsF>
-#include <QKeyEvent>
 #include <QPainter>
 
 #include "app/Frames.h"
@@ -70,25 +69,14 @@ void AboutView::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
 }
 
-About::About(QWidget* parent)
-    : QWidget(parent, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                          Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
-                          Qt::WindowCloseButtonHint) {
+About::About(QWidget* parent) : QWidget(parent, kFixedWindow) {
   setWindowTitle(tr("About Corvane"));
   setFixedSize(kSize);
   move(Frames::OnScreen(QRect(kPlace, kSize)).topLeft());
   auto* view = new AboutView(this);
   view->resize(kSize);
   view->setFocus();
-  AddCloseKey(this);
-}
-
-void About::keyPressEvent(QKeyEvent* event) {
-  if (event->matches(QKeySequence::Cancel)) {
-    close();
-  } else {
-    QWidget::keyPressEvent(event);
-  }
+  AddCloseKeys(this);
 }
 
 }  // namespace corvane

@@ -29,9 +29,6 @@ class About : public QWidget {
 
  public:
   explicit About(QWidget* parent = nullptr);
-
- protected:
-  void keyPressEvent(QKeyEvent* event) override;
 };
 
 }  // namespace corvane

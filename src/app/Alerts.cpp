@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/Text.h"
+
 namespace corvane {
 namespace {
 
@@ -46,7 +48,7 @@ void Alerts::Show(QWidget* window, const Question& question, Answer then) {
   box->setWindowTitle(question.title);
   box->setTextFormat(Qt::PlainText);
   box->setText(Shortened(question.text));
-  box->setInformativeText(Shortened(question.detail));
+  box->setInformativeText(Harmless(Shortened(question.detail)));
   QList<QAbstractButton*> buttons;
   for (const QString& label : question.buttons) {
     const bool last = buttons.size() + 1 == question.buttons.size();

@@ -222,7 +222,8 @@ QVariant DirListModel::data(const QModelIndex& index, int role) const {
         case kDate: return QString::fromStdString(item.DateText());
         default: return {};
       }
-    case Qt::ToolTipRole: return index.column() == kName ? ToText(item.Name()) : QVariant();
+    case Qt::ToolTipRole:
+      return index.column() == kName ? Harmless(ToText(item.Name())) : QVariant();
     case Qt::FontRole:
       if (index.column() < kSize) return {};
       return QFontDatabase::systemFont(QFontDatabase::FixedFont);

@@ -254,7 +254,7 @@ void DirListView::selectionChanged(const QItemSelection& selected,
   const EntryAttributes& shown = usable ? model_->At(row).Attributes() : none;
   const auto show = [usable](QLabel* label, const QString& title, const std::string& value) {
     label->setText(usable ? title + ToText(value) : QStringLiteral(" "));
-    label->setToolTip(usable ? label->text() : QString());
+    label->setToolTip(usable ? Harmless(label->text()) : QString());
   };
   show(permissions_, tr("Perm: "), shown.permissions);
   show(user_, tr("User: "), shown.owner);

@@ -160,7 +160,7 @@ void MWindow::Warn(const QString& text, const QString& title) {
 
 void MWindow::ShowStatus(std::string_view text) {
   status_->setText(ToText(text));
-  status_->setToolTip(status_->text());
+  status_->setToolTip(Harmless(status_->text()));
   // A label's accessible name stands in for its text, so it holds the text too.
   status_->setAccessibleName(tr("Status: %1").arg(status_->text()));
 }
@@ -221,14 +221,14 @@ void MWindow::PathEntered() {
 }
 
 void MWindow::AddShortcut() {
-  app_.ShowNewShortcut({.label = connection_.host,
-                        .host = connection_.host,
-                        .user = connection_.user,
-                        .pass = connection_.pass,
-                        .path = currentDirectory_,
-                        .port = std::to_string(connection_.port),
-                        .passive = connection_.passive},
-                       *this);
+  app_.ShowEditor({.label = connection_.host,
+                   .host = connection_.host,
+                   .user = connection_.user,
+                   .pass = connection_.pass,
+                   .path = currentDirectory_,
+                   .port = std::to_string(connection_.port),
+                   .passive = connection_.passive},
+                  *this);
 }
 
 void MWindow::OpenSelected() {

@@ -67,9 +67,7 @@ void Password::TextChanged(const QString& shown) {
 void Password::contextMenuEvent(QContextMenuEvent* event) {
   auto* menu = new QMenu(this);
   menu->setAttribute(Qt::WA_DeleteOnClose);
-  QAction* paste =
-      menu->addAction(tr("&Paste"), this, [this] { PasteFrom(QClipboard::Clipboard); });
-  paste->setEnabled(!QApplication::clipboard()->text().isEmpty());
+  menu->addAction(tr("&Paste"), this, [this] { PasteFrom(QClipboard::Clipboard); });
   QAction* clear = menu->addAction(tr("&Clear"), this, &QLineEdit::clear);
   clear->setEnabled(!text().isEmpty());
   menu->popup(event->globalPos());

@@ -5,7 +5,6 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -42,23 +41,19 @@ SettingsValues Current() {
 }  // namespace
 
 PrefWindow::PrefWindow()
-    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                           Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
-                           Qt::WindowCloseButtonHint),
-      shown_(Current()) {
+    : QWidget(nullptr, kFixedWindow), shown_(Current()), tabs_(new QTabWidget(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Corvane: Preferences"));
-  auto* tabs = new QTabWidget(this);
-  tabs->setObjectName("tab_view");
-  tabs->addTab(MakeMisc(), tr("&Misc"));
-  tabs->addTab(MakeSound(), tr("So&und"));
-  tabs->addTab(MakeProxy(), tr("Pro&xy"));
+  tabs_->setObjectName("tab_view");
+  tabs_->addTab(MakeMisc(), tr("&Misc"));
+  tabs_->addTab(MakeSound(), tr("So&und"));
+  tabs_->addTab(MakeProxy(), tr("Pro&xy"));
   auto* layout = new QVBoxLayout(this);
-  layout->addWidget(tabs);
+  layout->addWidget(tabs_);
   layout->addWidget(MakeButtons());
   layout->setSizeConstraint(QLayout::SetFixedSize);
   move(Frames::OnScreen(QRect(QPoint(250, 92), sizeHint())).topLeft());
-  AddCloseKey(this);
+  AddCloseKeys(this);
   password_->setFocus();
 }
 
@@ -69,6 +64,7 @@ QLineEdit* PrefWindow::AddField(QFormLayout* form, const char* name, const QStri
   field->setAccessibleName(QString(label).remove('&').remove(':').trimmed());
   field->setMinimumWidth(fontMetrics().horizontalAdvance('n') * 32);
   field->setCursorPosition(0);
+  connect(field, &QLineEdit::returnPressed, this, &PrefWindow::Save);
   form->addRow(label, field);
   return field;
 }
@@ -88,6 +84,7 @@ void PrefWindow::AddButton(QFormLayout* form, const char* name, const QString& l
   auto* button = new QPushButton(label);
   button->setObjectName(name);
   button->setFocusPolicy(Qt::TabFocus);
+  button->setAutoDefault(true);
   connect(button, &QPushButton::clicked, this, [this, what] { MessageReceived(Message(what)); });
   auto* row = new QHBoxLayout;
   row->addStretch();
@@ -155,6 +152,7 @@ QWidget* PrefWindow::MakeButtons() {
   auto* save = new QPushButton(tr("&Save"));
   save->setObjectName("save");
   connect(save, &QPushButton::clicked, this, [this] { MessageReceived(Message("SVPF"_what)); });
+  for (QPushButton* button : {cancel, save}) button->setAutoDefault(true);
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins({});
   layout->addStretch();
@@ -173,32 +171,34 @@ void PrefWindow::MessageReceived(const Message& message) {
   }
 }
 
-QFileDialog* PrefWindow::OpenPanel(const QString& title) {
-  const bool open = !panel_.isNull();
-  if (!open) {
-    panel_ = new QFileDialog(this, title);
-    panel_->setAttribute(Qt::WA_DeleteOnClose);
-    panel_->setModal(false);
+QFileDialog* PrefWindow::NewPanel(const QString& title) {
+  if (!panel_.isNull()) {
+    BringForward(panel_);
+    return nullptr;
   }
-  BringForward(panel_);
-  return open ? nullptr : panel_.data();
+  panel_ = new QFileDialog(this, title);
+  panel_->setAttribute(Qt::WA_DeleteOnClose);
+  panel_->setModal(false);
+  return panel_;
 }
 
 void PrefWindow::SelectFolder() {
-  QFileDialog* panel = OpenPanel(tr("Select Folder"));
+  QFileDialog* panel = NewPanel(tr("Select Folder"));
   if (panel == nullptr) return;
   panel->setFileMode(QFileDialog::Directory);
   panel->setOption(QFileDialog::ShowDirsOnly);
   panel->setLabelText(QFileDialog::Accept, tr("Select"));
   panel->setDirectory(folder_->text());
   connect(panel, &QFileDialog::fileSelected, folder_, &QLineEdit::setText);
+  BringForward(panel);
 }
 
 void PrefWindow::SelectSound() {
-  QFileDialog* panel = OpenPanel(tr("Select Sound"));
+  QFileDialog* panel = NewPanel(tr("Select Sound"));
   if (panel == nullptr) return;
   panel->setFileMode(QFileDialog::ExistingFile);
   connect(panel, &QFileDialog::fileSelected, this, &PrefWindow::PutSound);
+  BringForward(panel);
 }
 
 void PrefWindow::PutSound(const QString& path) {
@@ -233,18 +233,20 @@ SettingsValues PrefWindow::Entered() const {
   return entered;
 }
 
-QString PrefWindow::ProxyFault() const {
-  if (!useProxy_->isChecked()) return {};
-  if (proxyHost_->text().isEmpty()) return tr("Please enter the address of the proxy.");
-  if (proxyPort_->text().toUShort() != 0) return {};
-  return tr("The proxy's port has to be a number from 1 to 65535.");
+bool PrefWindow::CheckProxy() {
+  if (!useProxy_->isChecked()) return true;
+  const bool noHost = proxyHost_->text().isEmpty();
+  if (!noHost && proxyPort_->text().toUShort() != 0) return true;
+  tabs_->setCurrentIndex(tabs_->count() - 1);
+  (noHost ? proxyHost_ : proxyPort_)->setFocus();
+  Alerts::Show(this, {.title = tr("Warning!"),
+                      .text = noHost ? tr("Please enter the address of the proxy.")
+                                     : tr("The proxy's port has to be a number from 1 to 65535.")});
+  return false;
 }
 
 void PrefWindow::Save() {
-  if (const QString fault = ProxyFault(); !fault.isEmpty()) {
-    Alerts::Show(this, {.title = tr("Warning!"), .text = fault});
-    return;
-  }
+  if (!CheckProxy()) return;
   const std::string failure = StoredSettings::Apply(Entered());
   if (failure.empty()) {
     close();
@@ -254,15 +256,6 @@ void PrefWindow::Save() {
                       .text = tr("The preferences are in force but could not be saved for the next "
                                  "start."),
                       .detail = ToText(failure)});
-}
-
-void PrefWindow::keyPressEvent(QKeyEvent* event) {
-  switch (event->key()) {
-    case Qt::Key_Escape: close(); break;
-    case Qt::Key_Return:
-    case Qt::Key_Enter: Save(); break;
-    default: QWidget::keyPressEvent(event);
-  }
 }
 
 }  // namespace corvane

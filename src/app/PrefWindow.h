@@ -2,7 +2,8 @@
 
 #include <QPointer>
 #include <QWidget>
-#include <vector>
+#include <cstdint>
+#include <string>
 
 #include "kit/Message.h"
 #include "settings/ProcessSettings.h"
@@ -12,6 +13,7 @@ class QComboBox;
 class QFileDialog;
 class QFormLayout;
 class QLineEdit;
+class QTabWidget;
 
 namespace corvane {
 
@@ -25,9 +27,6 @@ class PrefWindow : public QWidget {
 
   void MessageReceived(const Message& message);
 
- protected:
-  void keyPressEvent(QKeyEvent* event) override;
-
  private:
   QWidget* MakeMisc();
   QWidget* MakeSound();
@@ -40,16 +39,17 @@ class PrefWindow : public QWidget {
 
   void SelectFolder();
   void SelectSound();
-  /// Shows a new panel, or the one that is open.
-  QFileDialog* OpenPanel(const QString& title);
+  /// A panel to be set up and shown; null while one is open, which comes forward.
+  QFileDialog* NewPanel(const QString& title);
   void PutSound(const QString& path);
   void ProxyToggled();
   [[nodiscard]] SettingsValues Entered() const;
-  /// What is wrong with the proxy that is to be used; empty when nothing is.
-  [[nodiscard]] QString ProxyFault() const;
+  /// False, and the user told, when the proxy that is to be used lacks something.
+  bool CheckProxy();
   void Save();
 
   const SettingsValues shown_;  // what the fields were filled with
+  QTabWidget* tabs_;
   QLineEdit* password_ = nullptr;
   QLineEdit* folder_ = nullptr;
   QCheckBox* showTransfers_ = nullptr;

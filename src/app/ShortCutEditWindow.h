@@ -6,14 +6,11 @@
 #include "kit/Message.h"
 #include "util/Shortcut.h"
 
-class QCheckBox;
-class QFormLayout;
-class QLineEdit;
 class QPushButton;
 
 namespace corvane {
 
-class Password;
+class ConnectionForm;
 class TambleApp;
 
 /// Edits one saved connection: a new one, which is stored at once, or one of the shortcut list,
@@ -22,44 +19,34 @@ class ShortCutEditWindow : public QWidget {
   Q_OBJECT
 
  public:
-  using Change = std::function<void(Shortcut)>;
+  /// Takes a changed connection over; false when it has no place any more.
+  using Change = std::function<bool(const Shortcut&)>;
 
   explicit ShortCutEditWindow(TambleApp& app);
 
-  /// Edits a new connection that begins as `record`.
-  void Begin(const Shortcut& record);
-  /// Edits `record`, in place of what was edited until now; `change` gets the result.
+  /// Edits `record`: a connection that `change` takes back, or a new one without.
   void Edit(const Shortcut& record, Change change);
+  /// Whether the user has typed something or is being asked something.
+  [[nodiscard]] bool Busy() const;
   /// Goes to where it belongs to a window that opens it.
   void PlaceBeside(const QWidget& opener);
 
   void MessageReceived(const Message& message);
 
- protected:
-  void keyPressEvent(QKeyEvent* event) override;
-
  private:
   void MakeViews();
-  void Fill(const Shortcut& record);
   [[nodiscard]] Shortcut Entered() const;
-  /// Sees to what cannot be stored, then goes on with `then`.
-  void Check(const Shortcut& entered, std::function<void()> then);
+  void Warn(const QString& text, const QString& detail = {});
   void Save();
+  void Store(const Shortcut& entered);
   void Add(const Shortcut& entered);
-  [[nodiscard]] bool AddMode() const { return !change_; }
 
   TambleApp& app_;
-  Shortcut record_;  // what the fields were filled with
+  Shortcut filled_;  // what the fields say as long as nobody has typed
   Change change_;
-
-  QLineEdit* label_ = nullptr;
-  QLineEdit* host_ = nullptr;
-  QLineEdit* user_ = nullptr;
-  Password* password_ = nullptr;
-  QLineEdit* path_ = nullptr;
-  QLineEdit* port_ = nullptr;
-  QCheckBox* passive_ = nullptr;
-  QPushButton* ok_ = nullptr;
+  bool asking_ = false;
+  ConnectionForm* form_;
+  QPushButton* ok_;
 };
 
 }  // namespace corvane

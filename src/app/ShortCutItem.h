@@ -12,12 +12,15 @@ class ShortCutItem : public QTreeWidgetItem {
  public:
   explicit ShortCutItem(Shortcut shortcut);
 
+  /// Tells the row from every other that there was.
+  [[nodiscard]] int Id() const { return id_; }
   [[nodiscard]] const Shortcut& Record() const { return record_; }
   void SetRecord(Shortcut shortcut);
   /// The record's stored form.
   [[nodiscard]] std::string ReturnUrl() const;
 
  private:
+  const int id_;
   Shortcut record_;
 };
 

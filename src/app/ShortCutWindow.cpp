@@ -6,13 +6,13 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QTreeWidget>
 #include <algorithm>
 #include <utility>
 
 #include "app/Alerts.h"
 #include "app/Frames.h"
-#include "app/ShortCutEditWindow.h"
 #include "app/ShortCutItem.h"
 #include "app/StartWin.h"
 #include "app/TambleApp.h"
@@ -38,10 +38,11 @@ constexpr Column kColumns[] = {{QT_TRANSLATE_NOOP("ShortCutWindow", "Label"), 14
 
 }  // namespace
 
-ShortCutWindow::ShortCutWindow(TambleApp& app) : app_(app), list_(new QTreeWidget(this)) {
+ShortCutWindow::ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shortcuts)
+    : app_(app), list_(new QTreeWidget(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Shortcuts[*]"));
-  MakeList();
+  MakeList(shortcuts);
   // Wide enough for the columns as they are at first.
   QRect frame(QPoint(290, 110), QPoint(800, 350));
   frame.setWidth(std::max(frame.width(), list_->header()->length() + 2 * list_->frameWidth()));
@@ -52,10 +53,9 @@ ShortCutWindow::ShortCutWindow(TambleApp& app) : app_(app), list_(new QTreeWidge
 
 ShortCutWindow::~ShortCutWindow() {
   list_->disconnect(this);
-  if (edited_ != nullptr) delete app_.Editor();
 }
 
-void ShortCutWindow::MakeList() {
+void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   list_->setObjectName("MainShrtCtView");
   list_->setAccessibleName(tr("Shortcuts"));
   list_->setRootIsDecorated(false);
@@ -72,10 +72,8 @@ void ShortCutWindow::MakeList() {
   connect(header, &QHeaderView::sectionResized, this, [header](int column, int, int width) {
     if (width < kColumns[column].least) header->resizeSection(column, kColumns[column].least);
   });
-  for (const Shortcut& shortcut : ShortcutStore::ReadForList()) {
-    list_->addTopLevelItem(new ShortCutItem(shortcut));
-  }
-  list_->setCurrentItem(list_->topLevelItem(0));
+  for (const Shortcut& shortcut : shortcuts) list_->addTopLevelItem(new ShortCutItem(shortcut));
+  Select(Row(0));
   list_->setFocus();
   // In the order of the menu, until a click on a title sorts it.
   header->setSortIndicator(-1, Qt::AscendingOrder);
@@ -109,7 +107,7 @@ void ShortCutWindow::MenusBeginning() {
 
 void ShortCutWindow::MessageReceived(const Message& message) {
   switch (message.what) {
-    case "nwst"_what: app_.ShowNewShortcut({.port = "21"}, *this); break;
+    case "nwst"_what: app_.ShowEditor({}, *this); break;
     case "ITMV"_what: EditSelected(); break;
     case "REMI"_what: RemoveSelected(); break;
     case "SVPF"_what: Save(); break;
@@ -136,20 +134,31 @@ ShortCutItem* ShortCutWindow::FirstSelected() const {
   return nullptr;
 }
 
+void ShortCutWindow::Select(ShortCutItem* item) {
+  // Keys that happen to be held down make no difference.
+  if (item != nullptr) {
+    list_->setCurrentItem(item, 0, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  }
+}
+
 void ShortCutWindow::EditSelected() {
-  ShortCutItem* item = FirstSelected();
+  const ShortCutItem* item = FirstSelected();
   if (item == nullptr) return;
-  const bool open = !app_.Editor().isNull();
-  if (!open) app_.Editor() = new ShortCutEditWindow(app_);
-  ShortCutEditWindow* editor = app_.Editor();
-  edited_ = item;
-  connect(editor, &QObject::destroyed, this, &ShortCutWindow::EditorClosed, Qt::UniqueConnection);
-  editor->Edit(item->Record(), [this, item](Shortcut record) {
-    item->SetRecord(std::move(record));
+  app_.ShowEditor(
+      item->Record(), *this,
+      [list = QPointer<ShortCutWindow>(this), id = item->Id()](const Shortcut& changed) {
+        return !list.isNull() && list->TakeOver(id, changed);
+      });
+}
+
+bool ShortCutWindow::TakeOver(int id, const Shortcut& changed) {
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    if (Row(row)->Id() != id) continue;
+    Row(row)->SetRecord(changed);
     SetChanged(true);
-  });
-  if (!open) editor->PlaceBeside(*this);
-  if (!editor->isMinimized()) BringForward(editor);
+    return true;
+  }
+  return false;
 }
 
 void ShortCutWindow::RemoveSelected() {
@@ -160,11 +169,10 @@ void ShortCutWindow::RemoveSelected() {
     return;
   }
   if (item == nullptr) return;
-  if (item == edited_) delete app_.Editor();
   const int row = list_->indexOfTopLevelItem(item);
   delete item;
   list_->clearSelection();
-  if (ShortCutItem* next = Row(row); next != nullptr) list_->setCurrentItem(next);
+  Select(Row(row));
   SetChanged(true);
 }
 
@@ -184,7 +192,7 @@ void ShortCutWindow::AddRow(std::string_view url) {
   if (!shortcut.has_value()) return;
   auto* item = new ShortCutItem(std::move(*shortcut));
   list_->addTopLevelItem(item);
-  list_->setCurrentItem(item);
+  Select(item);
   SetChanged(true);
 }
 
@@ -207,16 +215,19 @@ bool ShortCutWindow::Save() {
 
 void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
   constexpr int kSave = 1;
+  then_ = std::move(then);
+  if (std::exchange(asking_, true)) return;
   Alerts::Show(this,
                {.title = tr("Alert!"),
                 .text = tr("You have made some changes.  Would you like to save them or discard "
                            "them?"),
                 .buttons = {tr("&Discard"), tr("&Save")},
                 .preset = kSave},
-               [this, then = std::move(then)](int button) {
+               [this](int button) {
+                 asking_ = false;
                  if (button == kSave && !Save()) return;
                  SetChanged(false);
-                 then();
+                 std::exchange(then_, {})();
                });
 }
 

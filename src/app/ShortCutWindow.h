@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "kit/Message.h"
+#include "util/Shortcut.h"
 
 class QAction;
 class QTreeWidget;
@@ -21,7 +22,7 @@ class ShortCutWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  explicit ShortCutWindow(TambleApp& app);
+  ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shortcuts);
   ~ShortCutWindow() override;
 
   void MessageReceived(const Message& message);
@@ -37,15 +38,16 @@ class ShortCutWindow : public QMainWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  void MakeList();
+  void MakeList(const std::vector<Shortcut>& shortcuts);
   void MakeMenus();
   void MenusBeginning();
   void SetChanged(bool changed);
   [[nodiscard]] ShortCutItem* Row(int row) const;
   /// The first selected row, in the list's order; null without one.
   [[nodiscard]] ShortCutItem* FirstSelected() const;
+  void Select(ShortCutItem* item);
   void EditSelected();
-  void EditorClosed() { edited_ = nullptr; }
+  bool TakeOver(int id, const Shortcut& changed);
   void RemoveSelected();
   void CopySelected();
   void AddRow(std::string_view url);
@@ -53,11 +55,12 @@ class ShortCutWindow : public QMainWindow {
 
   TambleApp& app_;
   QTreeWidget* list_;
-  ShortCutItem* edited_ = nullptr;  // the row that the open editor changes
   QAction* edit_ = nullptr;
   QAction* remove_ = nullptr;
   QAction* copy_ = nullptr;
   bool changed_ = false;
+  bool asking_ = false;
+  std::function<void()> then_;  // what goes on once the user has answered
 };
 
 }  // namespace corvane

@@ -15,6 +15,7 @@ ShortcutField::ShortcutField(QWidget* parent)
   setAccessibleName(tr("Shortcuts"));
   cutMenu_->setObjectName("CutMenu");
   setMenu(cutMenu_);
+  setAutoDefault(true);  // Enter opens it
   connect(items_, &QActionGroup::triggered, this, [this](const QAction* item) {
     ShowMarked();
     Q_EMIT Chosen(item->data().toInt());
@@ -24,6 +25,14 @@ ShortcutField::ShortcutField(QWidget* parent)
 
 qsizetype ShortcutField::Count() const {
   return items_->actions().size();
+}
+
+QSize ShortcutField::minimumSizeHint() const {
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  option.text = tr("&Shortcuts");
+  const QSize text = fontMetrics().size(Qt::TextShowMnemonic, option.text);
+  return style()->sizeFromContents(QStyle::CT_PushButton, &option, text, this);
 }
 
 void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts) {
@@ -41,7 +50,10 @@ void ShortcutField::Append(const std::string& label, std::int32_t index) {
 }
 
 void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
-  QAction* item = cutMenu_->addAction(Label(ToText(label)));
+  constexpr qsizetype kLongest = 100;
+  QString shown = ToText(std::string_view(label).substr(0, 4 * kLongest));
+  if (shown.size() > kLongest) shown = shown.first(kLongest) + QChar(0x2026);
+  QAction* item = cutMenu_->addAction(Label(shown));
   item->setCheckable(true);
   item->setData(index);
   if (withKey) item->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(Count())));
@@ -50,7 +62,7 @@ void ShortcutField::Add(const std::string& label, std::int32_t index, bool withK
 
 void ShortcutField::ShowMarked() {
   const QAction* marked = items_->checkedAction();
-  setToolTip(marked != nullptr ? marked->text().replace("&&", "&") : QString());
+  setToolTip(marked != nullptr ? Harmless(marked->text().replace("&&", "&")) : QString());
   QStyleOptionButton option;
   initStyleOption(&option);
   const int room = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this).width() -

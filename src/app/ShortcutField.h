@@ -26,6 +26,10 @@ class ShortcutField : public QPushButton {
   /// How many there are.
   [[nodiscard]] qsizetype Count() const;
 
+  /// Room for its title; a longer label is cut.
+  [[nodiscard]] QSize minimumSizeHint() const override;
+  [[nodiscard]] QSize sizeHint() const override { return minimumSizeHint(); }
+
  Q_SIGNALS:
   void Chosen(std::int32_t index);
 

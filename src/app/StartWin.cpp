@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "app/Alerts.h"
+#include "app/ConnectionForm.h"
 #include "app/Frames.h"
 #include "app/Password.h"
 #include "app/PastedUrl.h"
@@ -18,6 +19,7 @@
 #include "app/Text.h"
 #include "settings/ProcessSettings.h"
 #include "settings/ShortcutStore.h"
+#include "util/Shortcut.h"
 
 namespace corvane {
 namespace {
@@ -50,7 +52,7 @@ void StartWin::Init() {
 void StartWin::MessageReceived(const Message& message) {
   switch (message.what) {
     case "CNNT"_what: Connect(); break;
-    case "PASS"_what: passive_ = passiveBox_->isChecked(); break;
+    case "PASS"_what: passive_ = form_->passive->isChecked(); break;
     case "ZBOX"_what: ChooseShortcut(message.FindInt32("index").value_or(-1)); break;
     case "REDO"_what: ReadShortcuts(); break;
     case "SHST"_what: app_.ShowShortcuts(); break;
@@ -62,28 +64,29 @@ void StartWin::MessageReceived(const Message& message) {
 }
 
 void StartWin::Connect() {
-  PasteUrl(ToBytes(host_->text()));
-  if (host_->text().isEmpty()) {
+  TakeUrlFromHost();
+  if (form_->host->text().isEmpty()) {
     Alerts::Show(this,
                  {.title = tr("Warning!"), .text = tr("Please enter the address of the server.")});
     return;
   }
-  const auto port = PortIn(port_->text().isEmpty() ? "21" : ToBytes(port_->text()));
+  const auto port = PortIn(form_->Entered().port);
   if (!port.has_value()) {
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("The port has to be a number from 1 to 65535.")});
-    port_->setFocus();
+    form_->port->setFocus();
     return;
   }
-  if (user_->text().isEmpty()) user_->setText(QStringLiteral("anonymous"));
-  if (password_->text().isEmpty()) {
-    password_->SetActualText(ProcessSettings::Get().DfltPass, 1);
+  if (form_->user->text().isEmpty()) form_->user->setText(QStringLiteral("anonymous"));
+  if (form_->password->text().isEmpty()) {
+    form_->password->SetActualText(ProcessSettings::Get().DfltPass, 1);
   }
+  const Shortcut to = form_->Entered();
   Message message("OPNC"_what);
-  message.AddString("host", EditedBytes(host_->text(), filled_.host));
-  message.AddString("user", EditedBytes(user_->text(), filled_.user));
-  message.AddString("pass", password_->actualText());
-  message.AddString("path", EditedBytes(path_->text(), filled_.path));
+  message.AddString("host", to.host);
+  message.AddString("user", to.user);
+  message.AddString("pass", to.pass);
+  message.AddString("path", to.path);
   message.AddBool("passive", passive_);
   message.AddInt16("port", static_cast<std::int16_t>(*port));
   app_.PostMessage(message);
@@ -95,28 +98,28 @@ void StartWin::ReadShortcuts() {
 
 void StartWin::ChooseShortcut(std::int32_t index) {
   const auto shortcut = ShortcutStore::Read(index);
-  Fill(shortcut.value_or(Shortcut()));
-  if (!shortcut.has_value()) return;
-  passiveBox_->setChecked(shortcut->passive);
-  passive_ = shortcut->passive;
-  port_->setText(shortcut->port.empty() ? QStringLiteral("21") : ToText(shortcut->port));
-}
-
-void StartWin::Fill(const Shortcut& connection) {
-  filled_ = connection;
-  host_->setText(ToText(connection.host));
-  user_->setText(ToText(connection.user));
-  password_->SetActualText(connection.pass);
-  path_->setText(ToText(connection.path));
+  form_->FillTexts(shortcut.value_or(Shortcut()));
+  if (shortcut.has_value()) form_->FillMode(*shortcut);
 }
 
 // False when the text is no URL.
 bool StartWin::PasteUrl(std::string_view text) {
   const auto url = PastedUrl::Read(text);
   if (!url.has_value()) return false;
-  Fill({.host = url->host, .user = url->user, .pass = url->pass, .path = url->path});
-  if (!url->port.empty()) port_->setText(ToText(url->port));
+  form_->FillTexts({.host = url->host, .user = url->user, .pass = url->pass, .path = url->path});
+  if (!url->port.empty()) form_->port->setText(ToText(url->port));
   return true;
+}
+
+// A URL that was written into the host's field fills the others as far as it goes.
+void StartWin::TakeUrlFromHost() {
+  const auto url = PastedUrl::Read(ToBytes(form_->host->text()));
+  if (!url.has_value()) return;
+  form_->host->setText(ToText(url->host));
+  if (!url->user.empty()) form_->user->setText(ToText(url->user));
+  if (!url->pass.empty()) form_->password->SetActualText(url->pass);
+  if (!url->path.empty()) form_->path->setText(ToText(url->path));
+  if (!url->port.empty()) form_->port->setText(ToText(url->port));
 }
 
 void StartWin::Copy() {
@@ -127,8 +130,8 @@ void StartWin::Paste() {
   if (field_.isNull()) return;
   const std::string clipboardText = ToBytes(QApplication::clipboard()->text());
   if (PasteUrl(clipboardText)) return;
-  if (field_ == password_) {
-    password_->PasteFrom(QClipboard::Clipboard);
+  if (field_ == form_->password) {
+    form_->password->PasteFrom(QClipboard::Clipboard);
   } else {
     field_->paste();
   }

@@ -2,22 +2,18 @@
 
 #include <QMainWindow>
 #include <QPointer>
-#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "kit/Message.h"
-#include "util/Shortcut.h"
 
 class QAction;
-class QCheckBox;
 class QLineEdit;
-class QMenu;
 
 namespace corvane {
 
-class Password;
+class ConnectionForm;
 class ShortcutField;
 class TambleApp;
 
@@ -48,7 +44,6 @@ class StartWin : public QMainWindow {
   void MakeMenus();
   void MakeEditMenu();
   void MakeWindowsMenu();
-  QLineEdit* Prepare(QLineEdit* field, const char* name, const QString& accessible);
   void MenusBeginning();
   void FocusMoved(QWidget* now);
 
@@ -56,21 +51,15 @@ class StartWin : public QMainWindow {
   void Connect();
   void ReadShortcuts();
   void ChooseShortcut(std::int32_t index);
-  void Fill(const Shortcut& connection);
   bool PasteUrl(std::string_view text);
+  void TakeUrlFromHost();
   void Copy();
   void Paste();
 
   TambleApp& app_;
-  Shortcut filled_;  // the bytes that the fields were filled with
   bool passive_ = false;
 
-  QLineEdit* host_ = nullptr;
-  QLineEdit* user_ = nullptr;
-  Password* password_ = nullptr;
-  QLineEdit* path_ = nullptr;
-  QLineEdit* port_ = nullptr;
-  QCheckBox* passiveBox_ = nullptr;
+  ConnectionForm* form_ = nullptr;
   ShortcutField* shortcuts_ = nullptr;
   QAction* copy_ = nullptr;
   QAction* paste_ = nullptr;

@@ -4,10 +4,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
-#include <QFormLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -15,6 +13,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/ConnectionForm.h"
 #include "app/Password.h"
 #include "app/ShortcutField.h"
 #include "app/StartWin.h"
@@ -23,67 +22,40 @@
 
 namespace corvane {
 
-QLineEdit* StartWin::Prepare(QLineEdit* field, const char* name, const QString& accessible) {
-  field->setObjectName(name);
-  field->setAccessibleName(accessible);
-  field->installEventFilter(this);
-  connect(field, &QLineEdit::returnPressed, this, &StartWin::Connect);
-  connect(field, &QLineEdit::selectionChanged, this, &StartWin::MenusBeginning);
-  return field;
-}
-
 void StartWin::MakeViews() {
   auto* main = new QWidget(this);
   main->setObjectName("StartView");
   setCentralWidget(main);
-  host_ = Prepare(new QLineEdit(main), "Host", tr("Host"));
-  user_ = Prepare(new QLineEdit(main), "User", tr("Username"));
-  password_ = new Password(main);
-  Prepare(password_, "password", tr("Password"));
-  path_ = Prepare(new QLineEdit(main), "Path", tr("Path"));
-  port_ = Prepare(new QLineEdit(QStringLiteral("21"), main), "Port", tr("Port"));
-  port_->setMaximumWidth(port_->fontMetrics().horizontalAdvance("000000000"));
-  passiveBox_ = new QCheckBox(tr("Passive C&onnection"), main);
-  passiveBox_->setObjectName("Passive");
+  form_ = new ConnectionForm(ConnectionForm::Label::Without, main);
+  for (auto* field : form_->findChildren<QLineEdit*>()) {
+    field->installEventFilter(this);
+    connect(field, &QLineEdit::selectionChanged, this, &StartWin::MenusBeginning);
+  }
   shortcuts_ = new ShortcutField(main);
   auto* connectButton = new QPushButton(tr("&Connect"), main);
   connectButton->setObjectName("connect");
   connectButton->setDefault(true);
 
-  auto* portRow = new QHBoxLayout;
-  portRow->addWidget(port_);
-  portRow->addStretch();
-  portRow->addWidget(passiveBox_);
-  auto* portLabel = new QLabel(tr("Po&rt:"), main);
-  portLabel->setBuddy(port_);
-
-  auto* form = new QFormLayout;
-  form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-  form->addRow(tr("&Host:"), host_);
-  form->addRow(tr("&Username:"), user_);
-  form->addRow(tr("&Password:"), password_);
-  form->addRow(tr("P&ath:"), path_);
-  form->addRow(portLabel, portRow);
-
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(shortcuts_, 1);
   buttons->addStretch(1);
   buttons->addWidget(connectButton);
-
   auto* layout = new QVBoxLayout(main);
-  layout->addLayout(form);
+  layout->addWidget(form_);
   layout->addStretch();
   layout->addLayout(buttons);
 
-  connect(connectButton, &QPushButton::clicked, this, &StartWin::Connect);
-  connect(passiveBox_, &QCheckBox::toggled, this,
+  connect(form_, &ConnectionForm::returnPressed, this, &StartWin::Connect);
+  connect(connectButton, &QPushButton::clicked, this,
+          [this] { MessageReceived(Message("CNNT"_what)); });
+  connect(form_->passive, &QCheckBox::toggled, this,
           [this] { MessageReceived(Message("PASS"_what)); });
   connect(shortcuts_, &ShortcutField::Chosen, this, [this](std::int32_t index) {
     Message message("ZBOX"_what);
     message.AddInt32("index", index);
     MessageReceived(message);
   });
-  host_->setFocus();
+  form_->host->setFocus();
 }
 
 void StartWin::MakeMenus() {
@@ -126,16 +98,14 @@ void StartWin::MakeWindowsMenu() {
 
 void StartWin::MenusBeginning() {
   if (copy_ == nullptr) return;
-  copy_->setEnabled(!field_.isNull() && field_ != password_ && field_->hasSelectedText());
+  copy_->setEnabled(!field_.isNull() && field_ != form_->password && field_->hasSelectedText());
   paste_->setEnabled(!field_.isNull());
 }
 
 // Menus and other windows take the focus without taking the field's place.
 void StartWin::FocusMoved(QWidget* now) {
   if (now == nullptr || now->window() != this || now == menuBar()) return;
-  const bool isField =
-      now == host_ || now == user_ || now == password_ || now == path_ || now == port_;
-  field_ = isField ? static_cast<QLineEdit*>(now) : nullptr;
+  field_ = qobject_cast<QLineEdit*>(now);
   MenusBeginning();
 }
 
@@ -146,7 +116,7 @@ bool StartWin::eventFilter(QObject* target, QEvent* event) {
   const bool cut = key->matches(QKeySequence::Cut);
   const bool menu = key->matches(QKeySequence::Copy) || key->matches(QKeySequence::Paste);
   const auto* field = qobject_cast<const QLineEdit*>(target);
-  if (!menu && !(cut && (field == password_ || !field->hasSelectedText()))) return false;
+  if (!menu && !(cut && (field == form_->password || !field->hasSelectedText()))) return false;
   event->ignore();
   return true;
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/About.h"
+#include "app/Alerts.h"
 #include "app/DownLoadWin.h"
 #include "app/Frames.h"
 #include "app/Icons.h"
@@ -16,8 +17,10 @@
 #include "app/ShortCutWindow.h"
 #include "app/ShortcutField.h"
 #include "app/StartWin.h"
+#include "app/Text.h"
 #include "app/Windows.h"
 #include "settings/ProcessSettings.h"
+#include "settings/ShortcutStore.h"
 #include "settings/StoredSettings.h"
 
 namespace corvane {
@@ -38,23 +41,30 @@ void ChooseDownloadFolder() {
 TambleApp::TambleApp(WorkerFactory workers) : workers_(std::move(workers)) {}
 
 TambleApp::~TambleApp() {
+  const StoredSettings::GatheredFrames together;
   delete preferences_;
   delete editor_;
   delete shortcuts_;
   while (!windowList_.empty()) delete windowList_.back();
+  transfers_.reset();
+  start_.reset();
 }
 
 void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   QApplication::setQuitOnLastWindowClosed(false);
   QApplication::setWindowIcon(ProgramIcon());
-  StoredSettings::ReadAtStart();
-  ChooseDownloadFolder();
+  ReadSettings();
   start_ = std::make_unique<StartWin>(*this, Frames::Restored(kMainFrame));
   transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame));
   transfers_->show();
   start_->Init();
   start_->show();
   if (open.has_value()) PostMessage(*open);
+}
+
+void TambleApp::ReadSettings() {
+  unread_ = StoredSettings::ReadAtStart();
+  ChooseDownloadFolder();
 }
 
 void TambleApp::PostMessage(const Message& message) {
@@ -92,22 +102,43 @@ void TambleApp::AboutRequested() {
   BringForward(about_.get());
 }
 
+// A list that could not be read would be saved as an empty one.
 void TambleApp::ShowShortcuts() {
-  if (shortcuts_.isNull()) shortcuts_ = new ShortCutWindow(*this);
+  if (shortcuts_.isNull()) {
+    const ShortcutStore::List list = ShortcutStore::ReadForList();
+    if (!list.failure.empty()) {
+      return Alerts::Show(start_.get(), {.title = tr("Warning!"),
+                                         .text = tr("The shortcuts could not be read."),
+                                         .detail = ToText(list.failure)});
+    }
+    shortcuts_ = new ShortCutWindow(*this, list.shortcuts);
+  }
   BringForward(shortcuts_);
 }
 
 void TambleApp::ShowPreferences() {
-  if (preferences_.isNull()) preferences_ = new PrefWindow;
+  if (!preferences_.isNull()) return BringForward(preferences_);
+  if (!unread_.empty()) ReadSettings();
+  preferences_ = new PrefWindow;
   BringForward(preferences_);
+  if (unread_.empty()) return;
+  Alerts::Show(preferences_,
+               {.title = tr("Warning!"),
+                .text = tr("Your preferences could not be read. What you see are the defaults."),
+                .detail = ToText(unread_)});
 }
 
-void TambleApp::ShowNewShortcut(const Shortcut& shortcut, const QWidget& opener) {
-  if (editor_.isNull()) {
-    editor_ = new ShortCutEditWindow(*this);
-    editor_->Begin(shortcut);
-    editor_->PlaceBeside(opener);
+void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,
+                           std::function<bool(const Shortcut&)> change) {
+  const bool open = !editor_.isNull();
+  if (open && editor_->Busy()) {
+    BringForward(editor_);
+    QApplication::beep();
+    return;
   }
+  if (!open) editor_ = new ShortCutEditWindow(*this);
+  editor_->Edit(shortcut, std::move(change));
+  if (!open) editor_->PlaceBeside(opener);
   BringForward(editor_);
 }
 

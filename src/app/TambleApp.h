@@ -2,7 +2,9 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "app/WorkerFactory.h"
@@ -43,16 +45,16 @@ class TambleApp : public QObject {
 
   void ShowShortcuts();
   void ShowPreferences();
-  /// The editor, on a new shortcut that begins as `shortcut`; one that is open already comes
-  /// forward as it is. `opener` says where it stands.
-  void ShowNewShortcut(const Shortcut& shortcut, const QWidget& opener);
+  /// The editor on `shortcut`, a new one or, with `change`, one of the list. An editor in which
+  /// something was typed comes forward as it is. `opener` says where it stands.
+  void ShowEditor(const Shortcut& shortcut, const QWidget& opener,
+                  std::function<bool(const Shortcut&)> change = {});
 
   [[nodiscard]] StartWin& ConnectionWindow() { return *start_; }
   [[nodiscard]] DownLoadWin& Transfers() { return *transfers_; }
   [[nodiscard]] const QPointer<ShortCutWindow>& Shortcuts() const { return shortcuts_; }
   [[nodiscard]] const QPointer<PrefWindow>& Preferences() const { return preferences_; }
-  /// The editor while it is open.
-  [[nodiscard]] QPointer<ShortCutEditWindow>& Editor() { return editor_; }
+  [[nodiscard]] const QPointer<ShortCutEditWindow>& Editor() const { return editor_; }
   [[nodiscard]] const WorkerFactory& Workers() const { return workers_; }
 
   /// The open browser windows, oldest first.
@@ -62,6 +64,7 @@ class TambleApp : public QObject {
 
  private:
   void OpenBrowser(const Message& message);
+  void ReadSettings();
 
   WorkerFactory workers_;
   std::vector<MWindow*> windowList_;
@@ -71,6 +74,7 @@ class TambleApp : public QObject {
   QPointer<ShortCutEditWindow> editor_;
   QPointer<PrefWindow> preferences_;
   std::unique_ptr<About> about_;
+  std::string unread_;  // why the settings could not be read yet
   bool quitting_ = false;
 };
 

@@ -28,7 +28,15 @@ std::string ToBytes(const QString& text) {
 }
 
 std::string EditedBytes(const QString& text, const std::string& shown) {
-  return text == ToText(shown) ? shown : ToBytes(text);
+  constexpr qsizetype kFieldLimit = 32767;  // the field has cut what was longer
+  const QString full = ToText(shown);
+  const bool untouched = text == full || (text.size() == kFieldLimit && full.startsWith(text));
+  return untouched ? shown : ToBytes(text);
+}
+
+QString Harmless(const QString& text) {
+  if (text.isEmpty()) return {};
+  return QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>").arg(text.toHtmlEscaped());
 }
 
 QString Label(const QString& text) {

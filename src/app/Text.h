@@ -19,6 +19,10 @@ namespace corvane {
 /// changed the text, else what was typed.
 [[nodiscard]] std::string EditedBytes(const QString& text, const std::string& shown);
 
+/// A text for tooltips and other places that would take it for markup: shown as it is, lines and
+/// all. A server's markup could otherwise make the window open files.
+[[nodiscard]] QString Harmless(const QString& text);
+
 /// A text as the label of a menu item or button, in which "&" marks no key.
 [[nodiscard]] QString Label(const QString& text);
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/Text.h"
+
 namespace corvane {
 
 TransferItem& TransferModel::Add(std::unique_ptr<TransferItem> item) {
@@ -45,7 +47,7 @@ QVariant TransferModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole: return item.Label();
     case Qt::AccessibleTextRole: return item.Summary();
     case Qt::ToolTipRole:
-      return item.Failed() ? item.FailureText() : item.TargetTitle() + item.TargetPath();
+      return Harmless(item.Failed() ? item.FailureText() : item.TargetTitle() + item.TargetPath());
     default: return {};
   }
 }

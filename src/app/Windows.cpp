@@ -27,6 +27,11 @@ void AddCloseKey(QWidget* window) {
   window->addAction(close);
 }
 
+void AddCloseKeys(QWidget* window) {
+  AddCloseKey(window);
+  window->actions().last()->setShortcuts({QKeySequence("Ctrl+W"), QKeySequence(Qt::Key_Escape)});
+}
+
 void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows,
                     const MWindow* except) {
   const QList<QAction*> old = menu.actions();

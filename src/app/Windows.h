@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Qt>
 #include <vector>
 
 class QMenu;
@@ -14,6 +15,13 @@ void BringForward(QWidget* window);
 
 /// Ctrl+W closes `window`.
 void AddCloseKey(QWidget* window);
+/// So does Escape.
+void AddCloseKeys(QWidget* window);
+
+/// A window of its own that is never larger than its contents.
+inline constexpr Qt::WindowFlags kFixedWindow =
+    Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+    Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
 
 /// Puts one item per browser window but `except` behind the first `fixed` items of `menu`, in place
 /// of what stood there.

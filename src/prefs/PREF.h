@@ -12,7 +12,7 @@
 /// a library "libprefs.so" is installed that has the whole interface, all calls go to it.
 ///
 /// Functions answer 0 or a negative status: one of the codes below, or a negated errno number. A
-/// file that another process keeps locked is waited for about two seconds, then answered by -EBUSY.
+/// file that another process keeps locked is waited for about a second, then answered by -EBUSY.
 namespace corvane {
 
 using PREFStatus = std::int32_t;

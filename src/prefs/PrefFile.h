@@ -24,7 +24,7 @@ class PrefFile {
     Message message = Message();
   };
 
-  /// Makes the file when it is missing. Waits about two seconds for the lock, then answers EBUSY;
+  /// Makes the file when it is missing. Waits about a second for the lock, then answers EBUSY;
   /// EINVAL where something stands that is no regular file.
   [[nodiscard]] int Lock(const std::string& path, bool perUser);
   [[nodiscard]] Reading Read() const;

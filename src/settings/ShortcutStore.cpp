@@ -51,30 +51,34 @@ std::string ShortcutStore::StoredForm(const Shortcut& shortcut) {
   return text + shortcut.path;
 }
 
-bool ShortcutStore::Survives(const Shortcut& shortcut) {
+ShortcutStore::Return ShortcutStore::ComesBack(const Shortcut& shortcut) {
+  auto stored = ParseUrl(StoredForm(shortcut), false);
+  if (!stored.has_value()) return Return::Nothing;
   Shortcut wanted = shortcut;
   if (!wanted.path.starts_with('/')) wanted.path.insert(0, "/");
-  auto stored = ParseUrl(StoredForm(shortcut), false);
-  if (stored.has_value() && wanted.user == "anonymous") stored->pass = wanted.pass;
-  return stored == wanted;
+  if (wanted.user == "anonymous") stored->pass = wanted.pass;
+  return *stored == wanted ? Return::Whole : Return::Changed;
 }
 
 std::vector<Shortcut> ShortcutStore::ReadForMenu() {
   {
     const PreferenceSet set(kSet);
     const std::int32_t last = GetInt32(set, kLast, -1);
-    if (last != -1) return ReadAll(set, last);
+    if (set.Handle() == nullptr || last != -1) return ReadAll(set, last);
   }
   PreferenceSet set(kSet, kGathered);
+  // Another program may have been first.
+  const std::int32_t last = GetInt32(set, kLast, -1);
+  if (set.Handle() == nullptr || last != -1) return ReadAll(set, last);
   const Shortcut first = FirstEntry();
   SaveString(set, "default", StoredForm(first));
   StoreEntry(set, 0, first);
   return {first};
 }
 
-std::vector<Shortcut> ShortcutStore::ReadForList() {
-  const PreferenceSet set(kSet);
-  return ReadAll(set, GetInt32(set, kLast, 0));
+ShortcutStore::List ShortcutStore::ReadForList() {
+  PreferenceSet set(kSet);
+  return {ReadAll(set, GetInt32(set, kLast, 0)), set.Finish()};
 }
 
 std::optional<Shortcut> ShortcutStore::Read(std::int32_t index) {
@@ -88,16 +92,15 @@ ShortcutStore::Added ShortcutStore::Add(const Shortcut& shortcut) {
     std::string failure = set.Finish();
     return {-1, failure.empty() ? "There is no list of shortcuts to add it to." : failure};
   }
-  // Behind a gap the entry would be out of reach. What is there but cannot be read is kept.
-  std::int32_t index = static_cast<std::int32_t>(ReadAll(set, last).size());
-  const bool gap = index <= last && GetString(set, std::to_string(index).c_str(), "").empty();
-  if (!gap) {
-    if (last == std::numeric_limits<std::int32_t>::max()) return {-1, "The list is full."};
-    index = last + 1;
-  }
-  StoreEntry(set, index, shortcut);
-  if (gap) SaveInt32(set, kLast, last);
-  return {index, set.Finish()};
+  const auto end = static_cast<std::int32_t>(ReadAll(set, last).size());
+  const bool within = end <= last;
+  const std::string unreadable = within ? GetString(set, std::to_string(end).c_str(), "") : "";
+  const bool longer = !within || !unreadable.empty();
+  if (longer && last == std::numeric_limits<std::int32_t>::max()) return {-1, "The list is full."};
+  if (!unreadable.empty()) SaveString(set, std::to_string(last + 1).c_str(), unreadable);
+  StoreEntry(set, end, shortcut);
+  SaveInt32(set, kLast, longer ? last + 1 : last);
+  return {end, set.Finish(), within};
 }
 
 std::string ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
@@ -114,14 +117,14 @@ std::string ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
 std::int32_t ShortcutStore::ConvertShortcuts() {
   PreferenceSet set(kSet, kGathered);
   const std::int32_t last = GetInt32(set, kLast, -1);
-  if (last == -1) return -1;
+  if (last == -1) return set.Finish().empty() ? -1 : 0;
   for (std::int32_t i = 0; i <= last; ++i) {
     const std::string name = std::to_string(i);
     const std::string entry = GetString(set, name.c_str(), "");
     if (entry.empty()) break;
     SaveString(set, name.c_str(), "A" + entry);
   }
-  return 1;
+  return set.Finish().empty() ? 1 : 0;
 }
 
 }  // namespace corvane

@@ -18,29 +18,40 @@ class ShortcutStore {
  public:
   /// The stored form, which ParseUrl reads. Nothing is escaped.
   [[nodiscard]] static std::string StoredForm(const Shortcut& shortcut);
-  /// Whether ParseUrl gets the connection back from its stored form. The password of an anonymous
-  /// login may suffer.
-  [[nodiscard]] static bool Survives(const Shortcut& shortcut);
+  /// What ParseUrl gets back from a stored form.
+  enum class Return {
+    Whole,    ///< all of it; the password of an anonymous login may suffer
+    Changed,  ///< a connection, but another one
+    Nothing,  ///< no connection: the walk over the entries would end there
+  };
+  [[nodiscard]] static Return ComesBack(const Shortcut& shortcut);
 
-  /// All entries, in order. A store that was never written gets its first entry.
+  struct List {
+    std::vector<Shortcut> shortcuts;
+    std::string failure;  ///< why the store could not be read, "" when it was
+  };
+  /// All entries, in order. A store that was never written gets its first entry; one that cannot be
+  /// read now is left as it is.
   [[nodiscard]] static std::vector<Shortcut> ReadForMenu();
   /// All entries, in order.
-  [[nodiscard]] static std::vector<Shortcut> ReadForList();
+  [[nodiscard]] static List ReadForList();
   /// The entry of that number.
   [[nodiscard]] static std::optional<Shortcut> Read(std::int32_t index);
 
   struct Added {
     std::int32_t index = -1;
     std::string failure;
+    bool within = false;  ///< in a gap: the entries behind it are in reach again
   };
-  /// Stores one more entry. A store that was never written takes none.
+  /// Stores one more entry, at the end or where reading ends before; an entry there that is no
+  /// connection moves to the end. A store that was never written takes none.
   [[nodiscard]] static Added Add(const Shortcut& shortcut);
   /// Stores the whole list, in one piece. Entries beyond its end stay on the disk, out of reach; an
   /// empty list leaves the first entry in reach.
   [[nodiscard]] static std::string SaveAll(const std::vector<Shortcut>& shortcuts);
 
   /// Puts the flag of an active connection before each entry: the older form had none. Answers -1
-  /// when there is no list, else 1.
+  /// when there is no list, 0 when it could not be stored, else 1.
   static std::int32_t ConvertShortcuts();
 };
 

@@ -1,5 +1,7 @@
 #include "settings/StoredSettings.h"
 
+#include <cstdint>
+#include <map>
 #include <utility>
 
 #include "settings/Access.h"
@@ -12,13 +14,21 @@ constexpr const char* kSet = "settings";
 constexpr std::int32_t kVersion = 1100;
 constexpr std::int32_t kFlaglessShortcuts = 1000;  // versions below have shortcuts without a flag
 
+struct KeptFrame {
+  Rect frame;
+  bool changed = false;  // and not yet stored
+};
+std::map<std::string, KeptFrame> frames;  // by their keys
+int gathering = 0;
+
 // Offered in place of a password that was left empty.
 constexpr const char* kSomePassword = "guest@a.b";
 
 void BringUpToDate(PreferenceSet& set) {
   const std::int32_t version = GetInt32(set, "version", kVersion);
-  if (version < kVersion) SaveInt32(set, "version", kVersion);
-  if (version < kFlaglessShortcuts) ShortcutStore::ConvertShortcuts();
+  // Shortcuts that could not be converted now are converted at the next start.
+  const bool done = version >= kFlaglessShortcuts || ShortcutStore::ConvertShortcuts() != 0;
+  if (version < kVersion && done) SaveInt32(set, "version", kVersion);
   set.Save();
 }
 
@@ -55,10 +65,14 @@ std::string OrElse(const std::string& text, const char* fallback) {
 
 }  // namespace
 
-void StoredSettings::ReadAtStart() {
+std::string StoredSettings::ReadAtStart() {
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
   BringUpToDate(set);
   ProcessSettings::Set(Read(set));
+  for (const FrameSetting& setting : {kMainFrame, kTransferFrame, kConnectionFrame}) {
+    frames[setting.key].frame = GetWindowSetting(set, setting.key, setting.fallback);
+  }
+  return set.Finish();
 }
 
 std::string StoredSettings::Apply(const SettingsValues& entered) {
@@ -97,13 +111,25 @@ bool StoredSettings::ShowsTransferWindow() {
 }
 
 Rect StoredSettings::Frame(const FrameSetting& setting) {
-  const PreferenceSet set(kSet);
-  return GetWindowSetting(set, setting.key, setting.fallback);
+  const auto known = frames.find(setting.key);
+  return known != frames.end() ? known->second.frame : setting.fallback;
 }
 
 void StoredSettings::SaveFrame(const FrameSetting& setting, const Rect& frame) {
+  const GatheredFrames together;
+  frames[setting.key] = {frame, true};
+}
+
+StoredSettings::GatheredFrames::GatheredFrames() {
+  ++gathering;
+}
+
+StoredSettings::GatheredFrames::~GatheredFrames() {
+  if (--gathering > 0) return;
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
-  SaveWindowSetting(set, setting.key, frame);
+  for (auto& [key, kept] : frames) {
+    if (std::exchange(kept.changed, false)) SaveWindowSetting(set, key.c_str(), kept.frame);
+  }
   set.Save();
 }
 

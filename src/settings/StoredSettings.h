@@ -21,8 +21,8 @@ inline constexpr FrameSetting kConnectionFrame{"connwinframe", {120, 50, 560, 53
 class StoredSettings {
  public:
   /// Reads every setting into ProcessSettings, defaults for what is missing, and brings stored data
-  /// of an older version up to date.
-  static void ReadAtStart();
+  /// of an older version up to date. Answers why the set could not be read, "" when it was.
+  static std::string ReadAtStart();
   /// Takes over what the user set in the preferences window and stores it. An empty password, sound
   /// or download folder means none. `showwindow` is stored, and in force from the next start on.
   /// Answers why it could not be stored, "" when it was.
@@ -30,8 +30,18 @@ class StoredSettings {
   /// What is stored, and not yet in force, for `showwindow`.
   [[nodiscard]] static bool ShowsTransferWindow();
 
+  /// A window's frame as it was read at start or saved since.
   [[nodiscard]] static Rect Frame(const FrameSetting& setting);
   static void SaveFrame(const FrameSetting& setting, const Rect& frame);
+
+  /// While one lives, the frames that are saved wait; then they are stored together.
+  class GatheredFrames {
+   public:
+    GatheredFrames();
+    ~GatheredFrames();
+    GatheredFrames(const GatheredFrames&) = delete;
+    GatheredFrames& operator=(const GatheredFrames&) = delete;
+  };
 };
 
 }  // namespace corvane

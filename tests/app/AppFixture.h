@@ -57,15 +57,14 @@ struct IdleTransfer : public MThread {
 class AppFixture : public testing::Test {
  protected:
   AppFixture() {
-    WorkerFactory factory;
-    factory.looper = [this](const Connection& connection, std::shared_ptr<BrowserUi> window) {
+    factory_.looper = [this](const Connection& connection, std::shared_ptr<BrowserUi> window) {
       connections_.push_back(connection);
       link_ = std::move(window);
       looper_ = std::make_shared<RecordingLooper>();
       return looper_;
     };
-    factory.transfer = [this](const Connection&, std::shared_ptr<TransferUi> row,
-                              transferStruct description) {
+    factory_.transfer = [this](const Connection&, std::shared_ptr<TransferUi> row,
+                               transferStruct description) {
       transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
       return transfers_.back();
     };
@@ -74,7 +73,7 @@ class AppFixture : public testing::Test {
       alerts_.push_back(question);
       return button_;
     });
-    app_ = std::make_unique<TambleApp>(std::move(factory));
+    app_ = std::make_unique<TambleApp>(factory_);
     app_->ReadyToRun(With("OPNC"_what, "host", "server.test"));
     window_ = app_->WindowList().back();
     settings_.DwnldDir = folder_.path().toStdString();
@@ -122,6 +121,7 @@ class AppFixture : public testing::Test {
   std::vector<Connection> connections_;
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert
+  WorkerFactory factory_;
   std::unique_ptr<TambleApp> app_;
   QPointer<MWindow> window_;
 

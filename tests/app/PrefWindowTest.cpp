@@ -66,7 +66,8 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   EXPECT_TRUE(Box("ShowTranWin").isChecked());
   EXPECT_EQ(window_->findChild<QComboBox*>("BufferSize")->currentIndex(), 3);
   Box("RemoveItem").toggle();
-  Press("cancel");
+  window_->findChild<QPushButton*>("cancel")->setFocus();
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
   EXPECT_TRUE(Closed());
   EXPECT_TRUE(ProcessSettings::Get().removeItem);
 }

@@ -32,7 +32,10 @@ class Shortcuts : public AppFixture {
     EXPECT_TRUE(QTest::qWaitForWindowActive(list_));
     QTest::keyClick(list_, static_cast<Qt::Key>(key), modifiers);
   }
-  void Select(int row) { list_->List().setCurrentItem(list_->List().topLevelItem(row)); }
+  void Select(int row) {
+    list_->List().setCurrentItem(list_->List().topLevelItem(row), 0,
+                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  }
   QLineEdit& Field(const char* name) { return *app_->Editor()->findChild<QLineEdit*>(name); }
   void PressOk() { app_->Editor()->findChild<QPushButton*>("ok")->click(); }
   bool Closed() {
@@ -72,14 +75,15 @@ TEST_F(Shortcuts, RemovesAllButTheLast) {
   Select(1);
   Key(Qt::Key_E, Qt::ControlModifier);
   Key(Qt::Key_Backspace);
-  EXPECT_TRUE(app_->Editor().isNull());  // its row is gone
+  PressOk();
+  ASSERT_EQ(alerts_.size(), 1U);  // its row is gone
   EXPECT_EQ(list_->List().currentItem()->text(0), "three");
   Key(Qt::Key_Delete);
   Select(0);
   Key(Qt::Key_Backspace);
   EXPECT_EQ(list_->List().topLevelItemCount(), 1);
-  ASSERT_EQ(alerts_.size(), 1U);
-  EXPECT_EQ(alerts_[0].text, "You need to have at least one remaining shortcut.");
+  ASSERT_EQ(alerts_.size(), 2U);
+  EXPECT_EQ(alerts_[1].text, "You need to have at least one remaining shortcut.");
 }
 
 TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
@@ -106,7 +110,7 @@ TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
 }
 
 TEST_F(Shortcuts, CopiesUrlsWithTheirPortAtTheEnd) {
-  app_->ShowNewShortcut({.host = "i", .port = "21"}, *list_);
+  app_->ShowEditor({.host = "i"}, *list_);
   PressOk();
   Key(Qt::Key_A, Qt::ControlModifier);
   Key(Qt::Key_C, Qt::ControlModifier);
@@ -125,12 +129,21 @@ TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
   PressOk();
   EXPECT_EQ(alerts_.size(), 1U);  // without a host
   Field("Host").setText("server.test");
-  Field("Label").setText("a*b");
+  // What would not come back, and whether the user is asked about it.
+  const std::tuple<const char*, const char*, std::size_t> losses[] = {{"Label", "a*b", 1},
+                                                                      {"User", "a:b", 2}};
   button_ = 1;
-  PressOk();
-  EXPECT_EQ(alerts_.size(), 2U);  // would not come back
-  QApplication::processEvents();
+  for (const auto& [name, text, buttons] : losses) {
+    const QString before = Field(name).text();
+    Field(name).setText(text);
+    PressOk();
+    EXPECT_EQ(alerts_.back().buttons.size(), static_cast<qsizetype>(buttons)) << name;
+    QApplication::processEvents();
+    Field(name).setText(before);
+  }
   Field("Label").clear();
+  Key(Qt::Key_N, Qt::ControlModifier);  // the editor is in use, and stays as it is
+  EXPECT_EQ(Field("Host").text(), "server.test");
   QTest::keyClick(&Field("Port"), Qt::Key_Return);
   EXPECT_TRUE(Closed());
   EXPECT_EQ(Stored(), "one two three server.test ");

@@ -5,9 +5,11 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 
 #include "AppFixture.h"
 #include "app/DownLoadWin.h"
+#include "app/Frames.h"
 #include "app/Password.h"
 #include "app/PastedUrl.h"
 #include "app/ShortcutField.h"
@@ -74,6 +76,42 @@ TEST_F(Start, ConnectsToWhatTheFieldsSay) {
   ASSERT_EQ(connections_.size(), 1U);
   EXPECT_EQ(connections_[0].pass, "secret");
   EXPECT_TRUE(connections_[0].passive);
+
+  Field("Host").setText("ftp://other@i/pub");  // keeps what it does not name
+  Field("User").setText("joe");
+  QTest::keyClick(&password_, Qt::Key_Return);
+  EXPECT_EQ(Fields(), "i|joe|/pub|1|other");
+}
+
+TEST_F(Start, WindowsComeBackWhereTheyWere) {
+  const QRect frame(60, 70, 400, 300);
+  const QRect wide(30, 40, 600, 500);
+  start_.setGeometry(frame);
+  app_->Transfers().setGeometry(QRect(5000, 5000, 300, 250));
+  window_->setGeometry(wide);
+  app_ = std::make_unique<TambleApp>(factory_);
+  app_->ReadyToRun(With("OPNC"_what, "host", "h"));
+  EXPECT_EQ(app_->ConnectionWindow().geometry(), frame);
+  EXPECT_EQ(app_->WindowList().back()->geometry(), wide);
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  EXPECT_TRUE(screen.contains(app_->Transfers().geometry()));
+  EXPECT_EQ(app_->Transfers().size(), QSize(300, 250));
+}
+
+TEST(Frames, AreFittedToTheScreen) {
+  const Rect screen{0, 20, 1023, 767};
+  const std::pair<Rect, Rect> browsers[] = {
+      {{120, 50, 560, 530}, {120, 50, 560, 530}},
+      {{-50, 0, 560, 900}, {3, 23, 560, 764}},
+      {{100, 50, 300, 530}, {15, 50, 435, 530}},
+      {{2000, 50, 2500, 530}, {15, 50, 435, 530}},
+  };
+  for (const auto& [stored, fitted] : browsers) {
+    EXPECT_EQ(Frames::FitBrowser(stored, screen), fitted) << stored.left;
+  }
+  const QRect area(0, 20, 1024, 748);
+  EXPECT_EQ(Frames::FitInto(QRect(1000, 700, 300, 200), area), QRect(724, 568, 300, 200));
+  EXPECT_EQ(Frames::FitInto(QRect(-10, -10, 5000, 5000), area), area);
 }
 
 TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {

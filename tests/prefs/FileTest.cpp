@@ -119,8 +119,8 @@ TEST_F(PrefsTest, ASaveIsLockedAndOnTheDiskBeforeItTakesItsPlace) {
   EXPECT_EQ(::flock(other.get(), LOCK_EX | LOCK_NB), 0);
   const auto start = steady_clock::now();
   EXPECT_EQ(PREFSaveSet(set), -EBUSY);
-  EXPECT_GT(steady_clock::now() - start, std::chrono::milliseconds(1900));
-  EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(4));
+  EXPECT_GT(steady_clock::now() - start, std::chrono::milliseconds(900));
+  EXPECT_LT(steady_clock::now() - start, std::chrono::seconds(3));
 }
 
 TEST_F(PrefsTest, TheLockIsOnTheFileThatStandsThere) {

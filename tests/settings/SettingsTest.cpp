@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
 #include <array>
 #include <cstdlib>
@@ -8,6 +10,7 @@
 #include "settings/StoredSettings.h"
 #include "support/Files.h"
 #include "support/TemporaryDirectory.h"
+#include "util/UniqueFd.h"
 
 namespace corvane {
 namespace {
@@ -106,6 +109,7 @@ TEST_F(Settings, WhatIsAppliedIsInForceAtOnceAndAfterTheNextStart) {
   }
   EXPECT_FALSE(StoredSettings::ShowsTransferWindow());
   EXPECT_EQ(StoredSettings::Frame(kTransferFrame), (Rect{1, 2, 3, 4}));
+  EXPECT_EQ(StoredSettings::Frame(kMainFrame), kMainFrame.fallback);
 }
 
 TEST_F(Settings, OldShortcutsAreConvertedOnce) {
@@ -118,11 +122,11 @@ TEST_F(Settings, OldShortcutsAreConvertedOnce) {
   StoredSettings::ReadAtStart();
   EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 1100);
   EXPECT_EQ(Entry("0"), "Afiles*ftp://u:p@h:21/");
-  EXPECT_EQ(Labels(ShortcutStore::ReadForList()), "files more ");
+  EXPECT_EQ(Labels(ShortcutStore::ReadForList().shortcuts), "files more ");
 }
 
 TEST_F(Settings, AStoreThatWasNeverWrittenGetsItsFirstShortcut) {
-  EXPECT_TRUE(ShortcutStore::ReadForList().empty());
+  EXPECT_TRUE(ShortcutStore::ReadForList().shortcuts.empty());
   EXPECT_EQ(ShortcutStore::Add(Named("early")).index, -1);
   EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "Be Inc. ");
   EXPECT_EQ(Last(), 0);
@@ -152,27 +156,48 @@ TEST_F(Settings, ADamagedListIsReadToItsFirstGapAndLosesNothing) {
   Put("shortcuts", "2", ShortcutStore::StoredForm(Named("lost")));
   EXPECT_EQ(ShortcutStore::ReadForMenu().size(), 1U);
   EXPECT_EQ(ShortcutStore::Add(Named("new")).index, 1);
-  EXPECT_EQ(ShortcutStore::ReadForList().size(), 3U);
+  EXPECT_EQ(ShortcutStore::ReadForList().shortcuts.size(), 3U);
   EXPECT_EQ(Last(), absurd);
   Put("shortcuts", "3", "no connection");
-  EXPECT_EQ(ShortcutStore::Add(Named("far")).index, absurd + 1);
-  EXPECT_EQ(Entry("3"), "no connection");
+  EXPECT_EQ(ShortcutStore::Add(Named("next")).index, 3);
+  EXPECT_EQ(ShortcutStore::ReadForList().shortcuts.size(), 4U);
+  EXPECT_EQ(Entry("2000000001"), "no connection");
   Put("shortcuts", "howmany", 0x7FFFFFFF);
+  Put("shortcuts", "4", "no connection");
   EXPECT_NE(ShortcutStore::Add(Named("none")).failure, "");
 }
 
 TEST_F(Settings, SaysWhatWouldNotComeBack) {
-  const std::tuple<const char*, const char*, const char*, const char*, bool> cases[] = {
-      {"label", "user", "secret", "/pub/a b", true}, {"label", "", "", "", true},
-      {"a*b", "user", "secret", "/", false},         {"label", "user", "p@ss", "/", false},
-      {"label", "user", "p:w", "/", false},          {"label", "anonymous", "me@home", "/", true},
-      {"label", "user", "secret", "/a:b", false},
-  };
-  for (const auto& [label, user, pass, path, survives] : cases) {
+  using enum ShortcutStore::Return;
+  const std::tuple<const char*, const char*, const char*, const char*, ShortcutStore::Return>
+      cases[] = {
+          {"label", "user", "secret", "/pub/a b", Whole},
+          {"label", "", "", "", Whole},
+          {"a*b", "user", "secret", "/", Nothing},
+          {"label", "user", "p@ss", "/", Changed},
+          {"label", "user", "p:w", "/", Changed},
+          {"label", "anonymous", "me@home", "/", Whole},
+          {"label", "user", "secret", "/a:b", Changed},
+      };
+  for (const auto& [label, user, pass, path, result] : cases) {
     const Shortcut shortcut{
         .label = label, .host = "h", .user = user, .pass = pass, .path = path, .port = "21"};
-    EXPECT_EQ(ShortcutStore::Survives(shortcut), survives) << ShortcutStore::StoredForm(shortcut);
+    EXPECT_EQ(ShortcutStore::ComesBack(shortcut), result) << ShortcutStore::StoredForm(shortcut);
   }
+}
+
+TEST_F(Settings, AFileThatIsLockedIsNotTakenForAnEmptyOne) {
+  Put("shortcuts", "howmany", 0);
+  Put("shortcuts", "0", ShortcutStore::StoredForm(Named("one")));
+  const std::string before = Contents(File("shortcuts"));
+  const UniqueFd holder(::open(File("shortcuts").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(holder.get(), LOCK_EX), 0);
+  EXPECT_TRUE(ShortcutStore::ReadForMenu().empty());
+  EXPECT_NE(ShortcutStore::ReadForList().failure, "");
+  Put("settings", "version", 900);
+  StoredSettings::ReadAtStart();
+  EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 900);
+  EXPECT_EQ(Contents(File("shortcuts")), before);
 }
 
 TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {

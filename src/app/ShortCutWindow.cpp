@@ -198,6 +198,7 @@ void ShortCutWindow::AddRow(std::string_view url) {
 
 bool ShortCutWindow::Save() {
   std::vector<Shortcut> shortcuts;
+  shortcuts.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
   for (int row = 0; row < list_->topLevelItemCount(); ++row) {
     shortcuts.push_back(Row(row)->Record());
   }

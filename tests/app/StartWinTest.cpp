@@ -12,6 +12,7 @@
 #include "app/Frames.h"
 #include "app/Password.h"
 #include "app/PastedUrl.h"
+#include "app/PrefWindow.h"
 #include "app/ShortcutField.h"
 #include "app/StartWin.h"
 #include "app/Text.h"
@@ -195,17 +196,28 @@ TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
 }
 
 TEST_F(Start, MenusFollowFocusAndWindows) {
-  QMenu* windows = nullptr;
-  for (QMenu* menu : start_.findChildren<QMenu*>()) {
-    if (menu->title() == "&Windows") windows = menu;
+  const auto openMenu = [&](int key) {
+    start_.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&start_));
+    Key(key, Qt::AltModifier);
+    return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  };
+  for (const bool open : {true, false}) {
+    QMenu* windows = openMenu(Qt::Key_W);
+    ASSERT_NE(windows, nullptr) << open;
+    EXPECT_EQ(windows->actions().back()->text(),
+              open ? "Connected To: server.test" : "&Transfer List");
+    windows->close();
+    if (open) window_->close();
+    EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
   }
-  ASSERT_NE(windows, nullptr);
-  Q_EMIT windows->aboutToShow();
-  EXPECT_EQ(windows->actions().back()->text(), "Connected To: server.test");
-  window_->close();
-  EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
-  Q_EMIT windows->aboutToShow();
-  EXPECT_EQ(windows->actions().size(), 1);
+  QMenu* edit = openMenu(Qt::Key_E);
+  ASSERT_NE(edit, nullptr);
+  QTest::keyClick(edit, Qt::Key_R);
+  EXPECT_FALSE(app_->Preferences().isNull());
+  app_->Preferences()->close();
+  start_.activateWindow();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&start_));
 
   Field("Host").setText("copied");
   Field("Host").selectAll();

@@ -20,6 +20,10 @@ class Row final : public corvane::TransferUi {
   corvane::TransferProgress& Progress() override { return progress_; }
   bool BeginFile(std::string_view /*name*/) override { return true; }
   bool SetLabel(std::string_view /*text*/) override { return true; }
+  bool NoteEntry(std::string_view text) override {
+    std::fprintf(stderr, "%.*s\n", static_cast<int>(text.size()), text.data());
+    return true;
+  }
   bool SetTrailing(std::string_view /*text*/) override { return true; }
   bool PostMessage(corvane::Message /*message*/) override { return true; }
   bool PlaySound(std::string_view /*path*/) override { return true; }
@@ -43,11 +47,13 @@ int main(int argc, char** argv) {
   if ((words.size() != 7 && !passive) || (words[0] != "get" && words[0] != "put")) {
     std::fputs(
         "usage: corvane-transfer get HOST PORT USER PASSWORD FILE LOCAL-FOLDER [passive]\n"
-        "       corvane-transfer put HOST PORT USER PASSWORD FOLDER LOCAL-FILE [passive]\n",
+        "       corvane-transfer put HOST PORT USER PASSWORD FOLDER LOCAL-FILE [passive]\n"
+        "A slash behind FILE makes it a directory; LOCAL-FILE may be one.\n",
         stderr);
     return 2;
   }
-  const std::filesystem::path remote = words[5];
+  const bool tree = words[0] == "get" && words[5].ends_with('/');
+  const std::filesystem::path remote = words[5].substr(0, words[5].size() - (tree ? 1 : 0));
   const auto row = std::make_shared<Row>();
   corvane::transferStruct what;
   what.engine = std::make_shared<corvane::MFtp>(
@@ -56,7 +62,7 @@ int main(int argc, char** argv) {
   what.download = words[0] == "get";
   if (what.download) {
     corvane::fileStruct item;
-    item.type = corvane::kFile;
+    item.type = tree ? corvane::kDirectory : corvane::kFile;
     item.name = remote.filename();
     what.items.push_back(item);
     what.remoteDirectory = remote.parent_path();

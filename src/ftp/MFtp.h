@@ -55,6 +55,13 @@ class MFtp {
     bool empty = true;           ///< empty the local file once the server has accepted
   };
 
+  /// The way down the server's tree, by the absolute paths that the server gave; a path that is not
+  /// known is empty. The first one is where the walk began.
+  struct Walk {
+    std::vector<std::string> paths;
+    bool lost = false;  ///< the way back was refused: nobody knows where the connection stands
+  };
+
   static constexpr std::size_t kMaxListing = 1024UL * 1024 * 1024;
   static constexpr std::size_t kMaxDepth = 128;
   static constexpr std::size_t kMaxName = 4096;
@@ -108,6 +115,10 @@ class MFtp {
   bool SetPWD();
   /// Takes it that a change to `directory` went where it says.
   void AssumePWD(std::string_view directory);
+  /// Whether the connection stands in `directory`, as far as it was told where it stands.
+  [[nodiscard]] bool StandsIn(std::string_view directory) const {
+    return path_.empty() || path_ == directory;
+  }
   /// Says good-bye; a server that does not answer at once is not waited for.
   void Quit();
   /// The reply code, not judged.
@@ -135,18 +146,21 @@ class MFtp {
   int SetUpPassive();
   /// One of the two, by the connection's passive flag.
   bool SetUpData();
-  /// The same, and binary mode; what comes before every transfer (LastFailure says what failed).
+  /// The same, and binary mode where it is not in force; what comes before every transfer
+  /// (LastFailure says what failed).
   bool PrepareTransfer();
   /// Closes the data connection if there is one.
   void DataCommClose();
   /// Any thread: a blocked data connection returns; the control connection stays.
   void AbortData();
 
-  /// Fetches one file over the data connection that was set up: 1 finished, -1 failed or cancelled
-  /// (LastFailure says why). `file` stays open. Never throws.
-  int Download(TransferUi& row, LocalFile& file, const DownloadJob& job,
+  /// Fetches one file over the data connection that was set up: 1 finished; 0 the server refused,
+  /// nothing has moved and the connection is in step; -1 failed or cancelled (LastFailure says
+  /// why). Where the server turns out to have ignored `offset`, the whole file is fetched. `file`
+  /// stays open. Never throws.
+  int Download(TransferUi& row, LocalFile& file, DownloadJob job,
                const std::atomic<bool>& cancelled);
-  /// Stores the rest of an open file under `name`: 1 or -1, as above.
+  /// Stores the rest of an open file under `name`: 1, 0 or -1, as above.
   int Upload(TransferUi& row, LocalFile& file, const std::string& name,
              const std::atomic<bool>& cancelled);
 
@@ -155,7 +169,19 @@ class MFtp {
   /// Shows a remote file as text in a window: 1, or 0 when the server refused.
   int ViewFile(const std::string& name);
 
-  // --- trees: MFtpDelete.cpp
+  // --- trees: MFtpWalk.cpp, MFtpDelete.cpp
+
+  /// Goes down one step; false when that was refused or must not be done (LastFailure says why).
+  /// The connection then stands where it stood, unless the walk is lost. A directory that is on the
+  /// way down already is not entered. With `ask` the server is asked where it has gone; without,
+  /// the name is believed.
+  bool EnterDirectory(Walk& walk, const std::string& name, bool ask);
+  /// Goes up one step; false when the way back was refused: the walk is lost.
+  bool LeaveDirectory(Walk& walk);
+  /// Goes back to where the walk began, however it was broken off. A server that is silent after a
+  /// cancellation is not waited for: its answers are taken before the next command. Throws when the
+  /// directory cannot be reached: the connection is given up.
+  void ReturnToStart(Walk& walk);
 
   /// Deletes a directory with all that is in it; links are not followed. Not 0 on success. Ends in
   /// the directory in which it began.
@@ -169,6 +195,12 @@ class MFtp {
   [[nodiscard]] const std::string& LastReplyText() const { return lastReplyText_; }
   [[nodiscard]] const std::string& Host() const { return host_; }
   [[nodiscard]] bool Passive() const { return passive_; }
+  /// Once `cancelled` is true a reply is waited for no longer than it takes to see that the server
+  /// is silent; it is taken before the next command. For transfers that cannot Close, the
+  /// connection being another's; null ends it.
+  void HurryWhen(const std::atomic<bool>* cancelled);
+  /// Takes what the server still has to say of its own accord, so that the next command is in step.
+  void ReadPendingReplies();
   /// The connection broke, or the server said 421; a new Login is needed.
   [[nodiscard]] bool Lost() const { return lost_; }
   /// Tells the browser's user that the connection is gone, and why.
@@ -190,6 +222,7 @@ class MFtp {
   void SendControl(std::string_view bytes);
   Reply ReadReply();
   void ReadOwedReply();
+  [[noreturn]] void GiveUp(std::string_view why);
   [[nodiscard]] OwnerUi& Owner() const;
 
   // login
@@ -207,6 +240,8 @@ class MFtp {
                      const std::atomic<bool>& cancelled);
   bool AcceptData(const std::atomic<bool>& cancelled);
   void ConnectData();
+  void ConnectInVain() const;
+  [[nodiscard]] bool Hurried() const { return hurry_ != nullptr && *hurry_; }
   bool JudgePreliminary(int code);
   bool FinishData();
   void DropRefused();
@@ -215,6 +250,8 @@ class MFtp {
   bool ReadListingData(std::string& text);
   int Transfer(const std::string& command, const std::atomic<bool>& cancelled,
                const std::function<bool()>& move);
+  int Fetch(TransferUi& row, LocalFile& file, const DownloadJob& job,
+            const std::atomic<bool>& cancelled);
   bool Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
                const std::atomic<bool>& cancelled);
   bool SendFile(TransferUi& row, LocalFile& file, const std::atomic<bool>& cancelled);
@@ -224,9 +261,9 @@ class MFtp {
   void FailFrom(const NLException& error);
 
   // trees
-  int DeleteDirectory(const std::string& name, std::vector<std::string>& above);
-  bool EntersNewDirectory(std::vector<std::string>& above);
-  int DeleteEntries(std::vector<std::string>& above);
+  int DeleteDirectory(const std::string& name, Walk& walk);
+  bool MayWalk(const Walk& walk);
+  int DeleteEntries(Walk& walk);
 
   const std::string host_;
   const std::uint16_t port_;
@@ -251,7 +288,11 @@ class MFtp {
   bool lost_ = false;
   bool completionDue_ = false;  // the command in hand still owes its completion reply
   bool localFailure_ = false;   // the transfer in hand failed on this machine
+  bool ignoredOffset_ = false;  // the transfer in hand began at the start of the file
+  bool binary_ = false;         // TYPE I is in force
   int owedReplies_ = 0;         // replies that nobody waited for; read before the next command
+  bool returnOwed_ = false;     // the last of them says whether the directory is the right one
+  const std::atomic<bool>* hurry_ = nullptr;
 
   std::atomic<bool> aborted_{false};
   std::mutex lease_;

@@ -84,7 +84,9 @@ int MFtp::SendCommand(std::string_view command) {
   if (!IsOneLine(command)) return 0;
   UpdateLog(command);
   SendLine(command);
-  return ReadResponse();
+  const int code = ReadResponse();
+  if (command == BINARY) binary_ = code >= 200 && code < 300;
+  return code;
 }
 
 int MFtp::SendPassword(std::string_view command) {
@@ -131,8 +133,12 @@ Reply MFtp::ReadReply() {
     }
     return reply;
   } catch (const NLException&) {
-    lost_ = true;
-    controlEndpoint_.close();
+    if (replies_.GaveUp()) {
+      ++owedReplies_;
+    } else {
+      lost_ = true;
+      controlEndpoint_.close();
+    }
     throw;
   }
 }
@@ -140,7 +146,31 @@ Reply MFtp::ReadReply() {
 void MFtp::ReadOwedReply() {
   while (owedReplies_ > 0) {
     --owedReplies_;
-    (void)ReadReply();
+    const int code = ReadReply().code;
+    // The completion follows.
+    if (code >= 100 && code < 200) ++owedReplies_;
+    if (owedReplies_ > 0 || !std::exchange(returnOwed_, false)) continue;
+    if (code < 200 || code >= 300) GiveUp("The server does not lead back to its directory");
+  }
+}
+
+void MFtp::GiveUp(std::string_view why) {
+  lost_ = true;
+  controlEndpoint_.close();
+  throw NLException("MFtp::GiveUp", why);
+}
+
+void MFtp::HurryWhen(const std::atomic<bool>* cancelled) {
+  hurry_ = cancelled;
+  replies_.HurryWhen(cancelled, silenceLimit);
+}
+
+void MFtp::ReadPendingReplies() {
+  for (int i = 0; i < 2 && isDataPending(); ++i) {
+    if (owedReplies_ > 0)
+      ReadOwedReply();
+    else
+      (void)ReadReply();
   }
 }
 

@@ -63,7 +63,7 @@ void MFtp::SetDataEndpoint(std::unique_ptr<NLEndpoint> endpoint) {
   if (endpoint) endpoint->setSilenceLimit(silenceLimit);
   MutexLock hold(reach_);
   dataEndpoint_ = std::move(endpoint);
-  if (dataEndpoint_ && aborted_) dataEndpoint_->abort();
+  if (dataEndpoint_ && (aborted_ || Hurried())) dataEndpoint_->abort();
 }
 
 // The pointer stays good for the engine's user: nobody else replaces the endpoint.
@@ -87,7 +87,7 @@ bool MFtp::SetUpData() {
 
 bool MFtp::PrepareTransfer() {
   if (!SetUpData()) return false;
-  if (CheckResult(SendCommand(BINARY)) != 0) return true;
+  if (binary_ || CheckResult(SendCommand(BINARY)) != 0) return true;
   Fail(lastReplyText_);
   DataCommClose();
   return false;
@@ -153,6 +153,7 @@ MFtp::DataState MFtp::OpenData(const std::string& command, std::string_view logg
     ConnectData();
   } catch (const NLException& error) {
     failure = Reason(error);
+    if (Hurried()) ConnectInVain();
   }
   if (!JudgePreliminary(ReadResponse())) return DataState::Refused;
   if (failure.empty()) return DataState::Open;
@@ -175,6 +176,21 @@ void MFtp::ConnectData() {
   in_addr host{};
   serverAddress_.get(host, nullptr);
   endpoint->connect(NLAddress(host, passivePort_));
+}
+
+// A server whose data connection was cancelled before it stood waits for it, for a minute or more,
+// and answers nothing meanwhile.
+void MFtp::ConnectInVain() const {
+  constexpr long kShort = 300;
+  try {
+    NLEndpoint endpoint(NLEndpoint::stream);
+    endpoint.setSilenceLimit(kShort);
+    in_addr host{};
+    serverAddress_.get(host, nullptr);
+    endpoint.connect(NLAddress(host, passivePort_));
+  } catch (const NLException&) {
+    // Then there is nobody who waits.
+  }
 }
 
 // Takes the server's connection on the listening endpoint. A stranger's connection is closed and

@@ -1,23 +1,19 @@
-#include <algorithm>
-#include <atomic>
-
 #include "ftp/MFtp.h"
 
 namespace corvane {
 
 int MFtp::DeleteDirectory(const std::string& name) {
-  std::vector<std::string> above;
-  return DeleteDirectory(name, above);
+  Walk walk;
+  const int result = DeleteDirectory(name, walk);
+  if (walk.lost) ReturnToStart(walk);
+  return result;
 }
 
-// `above` holds the directories on the way down, so that a server which lists one inside itself is
-// not followed round and round.
-int MFtp::DeleteDirectory(const std::string& name, std::vector<std::string>& above) {
-  if (Accepted(ChangeDir(name), "The directory cannot be opened.")) {
-    const bool fresh = EntersNewDirectory(above);
-    const int emptied = fresh ? DeleteEntries(above) : 0;
-    above.pop_back();
-    if (CheckResult(SendCommand("CWD ..\n")) != 0 && emptied != 0) {
+int MFtp::DeleteDirectory(const std::string& name, Walk& walk) {
+  // The first one is the user's own choice and is not asked for.
+  if (EnterDirectory(walk, name, walk.paths.size() > 1)) {
+    const int emptied = DeleteEntries(walk);
+    if (!walk.lost && LeaveDirectory(walk) && emptied != 0) {
       const int removed = CheckResult(SendCommand("RMD " + name + "\n"));
       UpdateStatus("Dir Deleted.");
       return removed;
@@ -27,22 +23,8 @@ int MFtp::DeleteDirectory(const std::string& name, std::vector<std::string>& abo
   return 0;
 }
 
-// Notes the directory that was just entered; false when it must not be walked. The first one is the
-// user's own choice and is not asked for.
-bool MFtp::EntersNewDirectory(std::vector<std::string>& above) {
-  std::string path;
-  if (!above.empty()) path = AskPath().value_or("");
-  const bool known = !path.empty() && std::find(above.begin(), above.end(), path) != above.end();
-  above.push_back(path);
-  if (!known && above.size() <= kMaxDepth) return true;
-  Fail(known ? "The server lists a directory inside itself: " + path
-             : "The directories are nested too deeply.");
-  Warn(failure_ + "\n");
-  return false;
-}
-
 // Deletes what stands in the working directory; 0 when the directory cannot be removed after it.
-int MFtp::DeleteEntries(std::vector<std::string>& above) {
+int MFtp::DeleteEntries(Walk& walk) {
   if (!SetUpData()) return 0;
   int result = CheckResult(SendCommand(BINARY));
   const Listing listing = GetListing();
@@ -54,7 +36,7 @@ int MFtp::DeleteEntries(std::vector<std::string>& above) {
     }
     if (entry.type == kDirectory) {
       if (!UpdateStatus("Deleting Directory.")) return 0;
-      result = DeleteDirectory(entry.name, above);
+      result = DeleteDirectory(entry.name, walk);
       if (result == 0) return 0;
     } else if (entry.type == kFile) {
       if (!UpdateStatus("Deleting File.")) return 0;

@@ -22,6 +22,8 @@ std::uint16_t PortFrom(const std::string& text) {
 std::int32_t MFtp::Login() {
   lost_ = false;
   owedReplies_ = 0;
+  returnOwed_ = false;
+  binary_ = false;
   if (!UpdateStatus("Resolving address.") || !Resolve()) return 0;
   if (!UpdateStatus("Connecting to host.")) return 0;
   try {

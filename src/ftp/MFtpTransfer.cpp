@@ -20,7 +20,7 @@ int MFtp::Transfer(const std::string& command, const std::atomic<bool>& cancelle
     const DataState state = OpenData(command, command, cancelled);
     if (state == DataState::Refused) {
       DropRefused();
-      return -1;
+      return lost_ || cancelled ? -1 : 0;
     }
     bool moved = false;
     std::string why = failure_;
@@ -56,9 +56,25 @@ int MFtp::Transfer(const std::string& command, const std::atomic<bool>& cancelle
   }
 }
 
-int MFtp::Download(TransferUi& row, LocalFile& file, const DownloadJob& job,
+int MFtp::Download(TransferUi& row, LocalFile& file, DownloadJob job,
                    const std::atomic<bool>& cancelled) {
+  const int result = Fetch(row, file, job, cancelled);
+  if (!ignoredOffset_ || cancelled || lost_) return result;
+  job.offset = 0;
+  job.empty = true;
+  row.Progress().start = 0;
+  try {
+    return PrepareTransfer() ? Fetch(row, file, job, cancelled) : -1;
+  } catch (const NLException& error) {
+    FailFrom(error);
+    return -1;
+  }
+}
+
+int MFtp::Fetch(TransferUi& row, LocalFile& file, const DownloadJob& job,
+                const std::atomic<bool>& cancelled) {
   localFailure_ = false;
+  ignoredOffset_ = false;
   std::int64_t received = 0;
   const int result = Transfer("RETR " + job.name + "\n", cancelled, [&] {
     const bool moved = Receive(row, file, job, cancelled);
@@ -83,6 +99,8 @@ bool MFtp::Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
     return true;
   };
   if (job.empty && failed(file.Truncate())) return false;
+  const bool bounded = job.offset > 0 && job.expected >= 0;
+  std::int64_t room = job.expected - job.offset;
   NLEndpoint* endpoint = DataEndpoint();
   TransferPump pump(row.Progress(), ProcessSettings::Get().buffersize);
   while (endpoint != nullptr && !cancelled) {
@@ -90,6 +108,14 @@ bool MFtp::Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
     const long count = endpoint->recv(buffer.data(), buffer.size());
     if (count <= 0) return !cancelled && !aborted_;
     const auto bytes = static_cast<std::size_t>(count);
+    room -= count;
+    if (bounded && room < 0) {
+      // It is the whole file that comes: what was written of it must not stay in the middle.
+      if (failed(file.Truncate(job.offset))) return false;
+      ignoredOffset_ = true;
+      Fail("The server does not resume.");
+      return false;
+    }
     if (failed(file.Write(buffer.first(bytes)))) return false;
     pump.Count(bytes);
     pump.Grow(bytes);
@@ -101,12 +127,9 @@ bool MFtp::Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
 bool MFtp::CameWhole(const DownloadJob& job, std::int64_t received) {
   const std::int64_t have = job.offset + received;
   if (job.expected < 0 || have == job.expected) return true;
-  if (have > job.expected && job.offset == 0) return true;
-  if (have < job.expected && GetFileSize(job.name) == have) return true;
-  Fail(have < job.expected
-           ? "Only " + std::to_string(have) + " of " + std::to_string(job.expected) + " bytes came."
-           : "More came than the rest of the file: " + std::to_string(have) + " bytes instead of " +
-                 std::to_string(job.expected) + ".");
+  // One that is resumed never gets longer than listed.
+  if (have > job.expected || GetFileSize(job.name) == have) return true;
+  Fail("Only " + std::to_string(have) + " of " + std::to_string(job.expected) + " bytes came.");
   return false;
 }
 
@@ -117,6 +140,7 @@ int MFtp::Upload(TransferUi& row, LocalFile& file, const std::string& name,
 }
 
 bool MFtp::SendFile(TransferUi& row, LocalFile& file, const std::atomic<bool>& cancelled) {
+  std::int64_t missing = file.InitialSize() - file.Position();
   NLEndpoint* endpoint = DataEndpoint();
   TransferPump pump(row.Progress(), ProcessSettings::Get().buffersize);
   while (endpoint != nullptr && !cancelled) {
@@ -128,7 +152,13 @@ bool MFtp::SendFile(TransferUi& row, LocalFile& file, const std::atomic<bool>& c
       Fail("Could not read the file: " + ErrorText(error));
       return false;
     }
-    if (count == 0) return true;
+    if (count == 0) {
+      if (missing <= 0) return true;
+      localFailure_ = true;
+      Fail("The file became shorter while it was being sent.");
+      return false;
+    }
+    missing -= static_cast<std::int64_t>(count);
     SendAll(*endpoint, std::string_view(buffer.data(), count));
     pump.Count(count);
     pump.Grow(count);

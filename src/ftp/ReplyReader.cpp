@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <chrono>
@@ -42,6 +43,8 @@ int ReplyCode(std::string_view line, int otherwise) {
 
 Reply ReplyReader::Read(const std::function<void(std::string_view)>& onLine) {
   Reply reply;
+  untouched_ = true;
+  gaveUp_ = false;
   std::string opening;  // "230" while the reply is one that began with "230-"
   for (bool first = true;; first = false) {
     const std::string line = ReadLine();
@@ -78,10 +81,34 @@ std::string ReplyReader::ReadLine() {
   }
 }
 
+void ReplyReader::HurryWhen(const std::atomic<bool>* cancelled, long limit) {
+  cancelled_ = cancelled;
+  limit_ = limit;
+}
+
+void ReplyReader::AwaitByte() {
+  constexpr long kSlice = 50;
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(limit_);
+  bool hurried = false;
+  while (!control_.isDataPending(kSlice)) {
+    const auto now = std::chrono::steady_clock::now();
+    if (!hurried && *cancelled_) {
+      hurried = true;
+      deadline = std::min(deadline, now + std::chrono::milliseconds(kPatience));
+    }
+    if (now < deadline) continue;
+    gaveUp_ = hurried && untouched_;
+    throw NLException("ReplyReader::AwaitByte", "The server does not answer", &control_);
+  }
+}
+
 char ReplyReader::ReadByte() {
   char c = 0;
+  if (cancelled_ != nullptr) AwaitByte();
   try {
-    if (control_.recv(&c, 1, 0) > 0) return c;
+    const bool came = control_.recv(&c, 1, 0) > 0;
+    untouched_ = false;
+    if (came) return c;
   } catch (const NLException&) {
     if (control_.lastError != ETIMEDOUT) throw;
     throw NLException("ReplyReader::ReadByte", "The server does not answer", &control_);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -30,12 +31,23 @@ class ReplyReader {
   /// the connection ends or fails, when the reply is too long, or when it is no FTP reply at all.
   [[nodiscard]] Reply Read(const std::function<void(std::string_view)>& onLine);
 
+  /// From now on Read waits with an eye on `cancelled`: `limit` milliseconds for a byte, and only a
+  /// moment once it is true. Null ends that.
+  void HurryWhen(const std::atomic<bool>* cancelled, long limit);
+  /// Whether the last Read threw because it was hurried, with nothing of the reply taken.
+  [[nodiscard]] bool GaveUp() const { return gaveUp_; }
+
  private:
   [[nodiscard]] std::string ReadLine();
   [[nodiscard]] char ReadByte();
+  void AwaitByte();
   [[nodiscard]] bool BeginsCharacter();
 
   NLEndpoint& control_;
+  const std::atomic<bool>* cancelled_ = nullptr;
+  long limit_ = 0;
+  bool untouched_ = true;  // nothing of the reply was taken yet
+  bool gaveUp_ = false;
 };
 
 /// The number at the start of a reply's line, or nothing where there is none.

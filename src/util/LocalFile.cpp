@@ -43,11 +43,6 @@ constexpr std::size_t kPiece = std::size_t{128} * 1024;
 
 }  // namespace
 
-bool IsSafeLocalName(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
-}
-
 bool IsNamed(int folder, const std::string& name, int fd) {
   struct stat ours {};
   struct stat named {};
@@ -57,10 +52,16 @@ bool IsNamed(int folder, const std::string& name, int fd) {
 }
 
 int LocalFile::Open(const std::string& folder, std::string_view name, Mode mode) {
+  LocalFolder opened;
+  const int error = opened.Open(folder);
+  return error != 0 ? error : Open(opened, name, mode);
+}
+
+int LocalFile::Open(const LocalFolder& folder, std::string_view name, Mode mode) {
   *this = LocalFile();
   if (!IsSafeLocalName(name)) return EINVAL;
   const std::string entry(name);
-  UniqueFd directory(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  UniqueFd directory(::fcntl(folder.Fd(), F_DUPFD_CLOEXEC, 0));
   if (!directory) return errno;
 
   // Looking first keeps devices from being opened at all; looking again below is what holds.
@@ -100,12 +101,16 @@ int LocalFile::OpenForReading(const std::string& path) {
   return 0;
 }
 
-int LocalFile::Truncate() {
+int LocalFile::Truncate(std::int64_t size) {
   struct stat status {};
   if (::fstat(fd_.get(), &status) != 0) return errno;
   // Truncating an empty file would only make some file systems flush it when it is closed.
-  if (status.st_size != 0 && ::ftruncate(fd_.get(), 0) != 0) return errno;
-  return Seek(0);
+  if (status.st_size != size && ::ftruncate(fd_.get(), size) != 0) return errno;
+  return Seek(size);
+}
+
+std::int64_t LocalFile::Position() const {
+  return std::max<std::int64_t>(::lseek(fd_.get(), 0, SEEK_CUR), 0);
 }
 
 int LocalFile::Seek(std::int64_t offset) {

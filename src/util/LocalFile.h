@@ -6,13 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "util/LocalFolder.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {
-
-/// True when a name that came from a server may name an entry in a local folder: not empty, not
-/// "." or "..", no "/" and no NUL.
-[[nodiscard]] bool IsSafeLocalName(std::string_view name);
 
 /// Whether `name`, seen from the directory `folder`, is the open file itself and not a link to it.
 [[nodiscard]] bool IsNamed(int folder, const std::string& name, int fd);
@@ -32,6 +29,8 @@ class LocalFile {
   /// a symbolic link at `name` is not followed (ELOOP), a directory or device is refused. A file
   /// that another LocalFile has open for writing is refused too (EWOULDBLOCK).
   [[nodiscard]] int Open(const std::string& folder, std::string_view name, Mode mode);
+  /// The same in an open folder.
+  [[nodiscard]] int Open(const LocalFolder& folder, std::string_view name, Mode mode);
   /// Opens a path that the user chose for reading; links are followed, only a plain file is taken.
   [[nodiscard]] int OpenForReading(const std::string& path);
 
@@ -42,8 +41,10 @@ class LocalFile {
   /// The file's length when it was opened, in bytes.
   [[nodiscard]] std::int64_t InitialSize() const { return initialSize_; }
 
-  /// Empties the file and goes to its start.
-  [[nodiscard]] int Truncate();
+  /// Cuts the file to `size` bytes, which it has, and goes to its end.
+  [[nodiscard]] int Truncate(std::int64_t size = 0);
+  /// Where the next read or write happens; 0 when that cannot be told.
+  [[nodiscard]] std::int64_t Position() const;
   /// Goes to `offset` from the start.
   [[nodiscard]] int Seek(std::int64_t offset);
   /// Writes all bytes.

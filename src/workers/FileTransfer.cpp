@@ -1,171 +1,176 @@
 #include "workers/FileTransfer.h"
 
-#include <cerrno>
 #include <exception>
-#include <filesystem>
 #include <utility>
 
 #include "ftp/EngineLease.h"
-#include "ftp/MFtp.h"
 #include "net/NLException.h"
 #include "settings/ProcessSettings.h"
 #include "util/Encodings.h"
-#include "util/ErrorText.h"
-#include "util/LocalFile.h"
 
 namespace corvane {
 
 FileTransfer::FileTransfer(std::shared_ptr<TransferUi> row, transferStruct description,
                            bool sameConnection)
-    : row_(std::move(row)), description_(std::move(description)), sameConnection_(sameConnection) {}
+    : row_(std::move(row)),
+      description_(std::move(description)),
+      engine_(*description_.engine),
+      sameConnection_(sameConnection) {}
 
+// A browser's connection stays; what is under way on it while this transfer still waits for its
+// turn is not this transfer's to interrupt.
 void FileTransfer::Cancel() {
   MThread::Cancel();
-  if (sameConnection_)
-    description_.engine->AbortData();
-  else
-    description_.engine->Close();
+  if (!sameConnection_) {
+    engine_.Close();
+    return;
+  }
+  const MutexLock hold(lock_);
+  if (working_) engine_.AbortData();
+}
+
+void FileTransfer::SetWorking(bool working) {
+  if (sameConnection_) engine_.HurryWhen(working ? &CancelFlag() : nullptr);
+  const MutexLock hold(lock_);
+  working_ = working;
 }
 
 std::int32_t FileTransfer::Execute() {
-  const EngineLease lease(*description_.engine);
-  bool succeeded = false;
+  const EngineLease lease(engine_);
+  SetWorking(true);
   try {
-    succeeded = Begin() && (description_.download ? DownloadAll() : UploadAll());
+    if (!Begin()) {
+      stopped_ = true;
+    } else if (description_.download) {
+      DownloadAll();
+    } else {
+      UploadAll();
+    }
   } catch (const NLException& error) {
-    Fail("The connection was lost: " + Reason(error));
+    lostWhy_ = Reason(error);
+    Stop(current_, "The connection was lost: " + lostWhy_);
   } catch (const std::exception& error) {
-    Fail(std::string("The transfer could not be carried out: ") + error.what());
+    Stop(current_, std::string("The transfer could not be carried out: ") + error.what());
   }
-  Finish(succeeded);
+  Finish();
+  SetWorking(false);
   return 0;
 }
 
 // Logs in on a connection of its own and goes where the work is.
 bool FileTransfer::Begin() {
-  MFtp& engine = *description_.engine;
-  if (sameConnection_) return true;
-  if (engine.Login() != 1) return Fail(engine.LastFailure());
-  engine.GetServerType();
+  if (Cancelled()) return false;
+  if (sameConnection_) {
+    // A change of directory may have come first.
+    if (engine_.StandsIn(description_.remoteDirectory)) return true;
+    why_ = "The window has gone to another directory meanwhile.";
+    return false;
+  }
+  if (engine_.Login() != 1) {
+    why_ = engine_.LastFailure();
+    return false;
+  }
+  engine_.GetServerType();
   if (description_.remoteDirectory.empty()) return true;
-  const int code = engine.ChangeDir(description_.remoteDirectory);
+  const int code = engine_.ChangeDir(description_.remoteDirectory);
   if (code != 0 && code < 400) return true;
-  return Fail(code == 0 ? engine.LastFailure() : engine.LastReplyText());
+  why_ = code == 0 ? engine_.LastFailure() : engine_.LastReplyText();
+  return false;
 }
 
-bool FileTransfer::DownloadAll() {
-  for (const fileStruct& item : description_.items) {
-    if (Cancelled()) return false;
-    if (item.type == kDirectory)
-      return Fail(DisplayText(item.name) + " is a folder; only files can be downloaded.");
-    if (!DownloadFile(item)) return false;
-  }
+// False when there is no use in beginning.
+bool FileTransfer::BeginEntry(const Entry& entry) {
+  if (Cancelled()) return false;
+  current_ = entry;
+  ++entries_;
   return true;
 }
 
-bool FileTransfer::DownloadFile(const fileStruct& item) {
-  MFtp& engine = *description_.engine;
-  const std::string& localName = item.displayName.empty() ? item.name : item.displayName;
-  if (!IsSafeLocalName(localName))
-    return Fail("The name \"" + DisplayText(localName) + "\" cannot be used for a local file.");
-
-  LocalFile file;
-  const auto mode = description_.overwrite ? LocalFile::Mode::Create : LocalFile::Mode::Resume;
-  const int error = file.Open(description_.targetFolder, localName, mode);
-  if (error == EWOULDBLOCK)
-    return Fail("Another transfer is writing " + DisplayText(localName) + " already.");
-  if (error != 0)
-    return Fail("Could not open " + description_.targetFolder + "/" + DisplayText(localName) +
-                ": " + ErrorText(error));
-  if (!description_.overwrite && item.size >= 0 && file.InitialSize() > item.size)
-    return Fail("The local file is longer than the server's.");
-  MFtp::DownloadJob job{item.name, item.size >= 0 ? item.size : -1, 0, description_.overwrite};
+bool FileTransfer::BeginFile(const Entry& entry, std::string_view label, std::int64_t total,
+                             std::int64_t start) {
   TransferProgress& progress = row_->Progress();
-  progress.total = item.size >= 0 ? item.size : 0;
+  progress.total = total;
+  progress.start = start;
   progress.done = 0;
-  progress.start = description_.overwrite ? 0 : file.InitialSize();
-  row_->BeginFile(localName);
+  return row_->BeginFile(entry.name) && (!sameConnection_ || engine_.UpdateStatus(label));
+}
 
-  bool fetched = engine.PrepareTransfer();
-  if (fetched && !description_.overwrite) {
-    job.offset = file.InitialSize();
-    // A server that cannot resume gives the whole file again.
-    if (!ResumeAt(job.offset)) {
-      job.offset = 0;
-      job.empty = true;
-      progress.start = 0;
-    }
+FileTransfer::Step FileTransfer::EndFile(const Entry& entry) {
+  if (entry.inFolder) {
+    ++row_->Progress().files;
+    row_->Progress().changed = true;
   }
-  fetched = fetched && !Cancelled() && engine.Download(*row_, file, job, CancelFlag()) == 1;
-  if (!fetched) {
-    if (progress.done == 0) file.Discard();
-    return Fail(engine.LastFailure());
-  }
-  if (const int late = file.Close(); late != 0)
-    return Fail("Could not write the file: " + ErrorText(late));
-  return true;
+  return Step::Done;
 }
 
-bool FileTransfer::ResumeAt(std::int64_t offset) {
-  return description_.engine->SendCommand("REST " + std::to_string(offset) + "\n") == 350;
+// Notes what became of the entry. One that is all there is gives its reason as the transfer's.
+FileTransfer::Step FileTransfer::Fail(const Entry& entry, const std::string& why) {
+  if (Cancelled()) return Step::Stopped;
+  ++failed_;
+  failedEntry_ = entry.shown;
+  why_ = why;
+  const std::size_t chosen =
+      description_.download ? description_.items.size() : description_.localItems.size();
+  if (entries_ > 1 || (entries_ == 1 && chosen > 1)) Note(entry.shown + ": " + why);
+  stopped_ = stopped_ || engine_.Lost() || walk_.lost;
+  return stopped_ ? Step::Stopped : Step::Failed;
 }
 
-bool FileTransfer::UploadAll() {
-  for (const std::string& path : description_.localItems)
-    if (Cancelled() || !UploadFile(path)) return false;
-  return true;
+FileTransfer::Step FileTransfer::Stop(const Entry& entry, const std::string& why) {
+  Fail(entry, why);
+  stopped_ = true;
+  return Step::Stopped;
 }
 
-bool FileTransfer::UploadFile(const std::string& path) {
-  MFtp& engine = *description_.engine;
-  const std::string name = std::filesystem::path(path).filename().string();
-  LocalFile file;
-  if (const int error = file.OpenForReading(path); error != 0) {
-    row_->SetTrailing("  *Could not open file for reading!*");
-    return Fail("Could not read " + path + ": " + ErrorText(error));
-  }
-  TransferProgress& progress = row_->Progress();
-  progress.total = file.InitialSize();
-  progress.start = 0;
-  progress.done = 0;
-  row_->BeginFile(name);
-  const bool stored = engine.PrepareTransfer() && !Cancelled() &&
-                      engine.Upload(*row_, file, name, CancelFlag()) == 1;
-  if (!stored) return Fail(engine.LastFailure());
-  TellAdded(name, progress.done);
-  return true;
+// The way up from a folder that was entered. One that stops goes back at its end, in one step.
+FileTransfer::Step FileTransfer::LeaveDirectory(const Entry& entry, Step step) {
+  if (step == Step::Stopped || engine_.LeaveDirectory(walk_)) return step;
+  return Stop(entry, engine_.LastFailure());
 }
 
-// Lets the browser window show what its directory has gained.
-void FileTransfer::TellAdded(const std::string& name, std::int64_t size) {
-  Message added("ADDI"_what);
-  added.AddString("FileName", name);
-  added.AddString("Path", description_.remoteDirectory);
-  added.AddString("Type", "f");
-  added.AddInt64("fSize", size);
-  row_->PostMessage(std::move(added));
+void FileTransfer::Note(const std::string& text) {
+  if (++notes_ <= kMaxNotes) row_->NoteEntry(text);
+  if (notes_ == kMaxNotes) row_->NoteEntry("What follows is not listed any more.");
 }
 
-void FileTransfer::Finish(bool succeeded) {
+std::string FileTransfer::Summary() const {
+  if (failed_ == 0 || entries_ <= 1) return why_;
+  const std::string count =
+      std::to_string(failed_) + " of " + std::to_string(entries_) + " entries failed";
+  if (stopped_) return count + "; stopped at " + failedEntry_ + ": " + why_;
+  return failed_ == 1 ? count + ": " + failedEntry_ + ": " + why_ : count + ".";
+}
+
+void FileTransfer::Finish() {
   const SettingsValues settings = ProcessSettings::Get();
-  const bool finished = succeeded && !Cancelled();
+  const bool finished = !stopped_ && failed_ == 0 && !Cancelled();
   const auto state = finished      ? TransferEnd::Finished
                      : Cancelled() ? TransferEnd::Cancelled
                                    : TransferEnd::Failed;
-  row_->SetEndState(state, state == TransferEnd::Failed ? why_ : std::string());
+  if (sameConnection_)
+    engine_.UpdateStatus(finished ? "Transfer Complete." : "Transfer Interupted.");
+  row_->SetEndState(state, state == TransferEnd::Failed ? Summary() : std::string());
   if (finished) row_->PlaySound(description_.download ? settings.dwnldsnd : settings.upldsnd);
-  if (sameConnection_) return;
   try {
-    if (finished) description_.engine->Quit();
-  } catch (const NLException&) {
-    // All that mattered has been confirmed already.
+    if (sameConnection_)
+      HandBack();
+    else if (finished)
+      engine_.Quit();
+  } catch (const NLException& error) {
+    // Of its own connection all that mattered has been confirmed already.
+    if (sameConnection_) lostWhy_ = Reason(error);
   }
-  description_.engine->Close();
+  if (!sameConnection_)
+    engine_.Close();
+  else if (engine_.Lost())
+    engine_.ReportLost(NLException("FileTransfer::Finish", lostWhy_));
 }
 
-bool FileTransfer::Fail(const std::string& why) {
-  why_ = why;
-  return false;
+// Leaves the browser's connection as it was found: in its directory and in step.
+void FileTransfer::HandBack() {
+  if (engine_.Lost()) return;
+  if (stopped_ || Cancelled()) engine_.ReturnToStart(walk_);
+  engine_.ReadPendingReplies();
 }
 
 }  // namespace corvane

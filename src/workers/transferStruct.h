@@ -20,8 +20,8 @@ struct transferStruct {
   bool download = true;
   bool overwrite = true;  ///< false resumes at the local file's length
   std::shared_ptr<MFtp> engine;
-  std::vector<fileStruct> items;        ///< what to download
-  std::vector<std::string> localItems;  ///< paths to upload
+  std::vector<fileStruct> items;        ///< files and directories to download
+  std::vector<std::string> localItems;  ///< paths of files and folders to upload
 };
 
 }  // namespace corvane

@@ -21,7 +21,7 @@ inline constexpr std::uint32_t kWarning = "GERR"_what;
 /// The silence limit for a call that is to end with `error`: short only where the server is silent
 /// on purpose, so that a slow machine is not taken for a silent server.
 inline long LimitFor(const std::string& error) {
-  return error.find("does not answer") != std::string::npos ? 300 : 10'000;
+  return error.find("does not answer") != std::string::npos ? 700 : 10'000;
 }
 
 /// A scripted server, a local folder, and an engine that reports to `ui`.

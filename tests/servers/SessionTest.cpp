@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 
 #include "ftp/MFtp.h"
 #include "support/Files.h"
@@ -11,7 +12,9 @@
 #include "support/RecordingBrowserUi.h"
 #include "support/RecordingTransferUi.h"
 #include "support/TemporaryDirectory.h"
+#include "support/WaitFor.h"
 #include "util/LocalFile.h"
+#include "workers/FileTransfer.h"
 
 namespace corvane {
 namespace {
@@ -115,6 +118,41 @@ TEST_P(SessionTest, DoesWhatAUserDoes) {
   EXPECT_FALSE(fs::exists(tree_));
   EXPECT_EQ(List(), (std::vector<std::string>{".", "..", "pub"}));
   EXPECT_EQ(engine_->SendCommand("QUIT\n"), 221);
+}
+
+/// The files below a folder by their path, folders as such.
+std::map<std::string, std::string> TreeOf(const fs::path& top) {
+  std::map<std::string, std::string> tree;
+  for (const auto& entry : fs::recursive_directory_iterator(top))
+    tree[entry.path().lexically_relative(top)] =
+        entry.is_directory() ? "folder" : "file " + Contents(entry.path());
+  return tree;
+}
+
+TEST_P(SessionTest, TransfersTreesBothWays) {
+  for (const char* name :
+       {"A", "a", "up/sp ace", "up/\xC3\xA4", "up/-n", "up/[x]*", "up/deep/'q\""})
+    Write(local_.Path() / "d" / name, Bytes(name[1] == '\0' ? 0 : 40'000));
+  fs::create_directories(local_.Path() / "d" / "up" / "void");
+  const auto expected = TreeOf(local_.Path() / "d");
+  for (const bool download : {false, true}) {
+    auto row = std::make_shared<RecordingTransferUi>();
+    transferStruct what;
+    what.engine = std::make_shared<MFtp>("127.0.0.1", server_->port, server_->user,
+                                         server_->password, std::get<1>(GetParam()), row);
+    what.remoteDirectory = "pub";
+    what.download = download;
+    what.targetFolder = local_.Path() / "back";
+    fs::create_directory(what.targetFolder);
+    fileStruct item;
+    item.name = "d";
+    what.items = {item};
+    what.localItems = {local_.Path() / "d"};
+    std::make_shared<FileTransfer>(row, what, false)->Run();
+    ASSERT_TRUE(WaitFor([&] { return row->End().has_value(); }, std::chrono::seconds(30)));
+    EXPECT_EQ(row->End(), TransferEnd::Finished) << row->Seen().why;
+    EXPECT_TRUE(TreeOf(download ? local_.Path() / "back" / "d" : pub_ / "d") == expected);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, SessionTest,

@@ -30,6 +30,7 @@ struct ScriptedAction {
   /// Sent in place of doing anything: whole replies, half a line, or "" for silence. "{port}"
   /// becomes the two numbers of the passive port (PASV listens all the same).
   std::optional<std::string> reply = {};
+  bool late = false;        ///< what it says is held back for 2 seconds, or until the next command
   bool byteByByte = false;  ///< every byte of a reply in a packet of its own
 
   // LIST, RETR and STOR.

@@ -55,6 +55,9 @@ ScriptedSession::ScriptedSession(ScriptedServer& server, UniqueFd control)
 void ScriptedSession::Run() {
   Perform("greeting", "");
   while (control_) {
+    pollfd next = {control_.get(), POLLIN, 0};
+    if (!held_.empty()) ::poll(&next, 1, 2'000);
+    Write(control_.get(), std::exchange(held_, {}));
     const std::string line = ReadLine();
     if (line.empty()) return;
     server_.NoteCommand(line);
@@ -92,6 +95,10 @@ void ScriptedSession::Say(std::string text) {
   }
   if (text.empty()) return;
   server_.NoteReply(text);
+  if (action_.late) {
+    held_ += text;
+    return;
+  }
   const std::size_t step = action_.byteByByte ? 1 : text.size();
   for (std::size_t at = 0; at < text.size(); at += step) {
     if (!Write(control_.get(), std::string_view(text).substr(at, step))) return;
@@ -156,6 +163,10 @@ void ScriptedSession::AboutPath(const std::string& verb, const std::string& path
     const std::optional<std::string> directory = tree.Directory(path);
     directory_ = directory.value_or(directory_);
     Judge(directory.has_value(), "250 Changed.\r\n");
+  } else if (verb == "MKD") {
+    const bool fresh = !tree.Exists(path);
+    if (fresh) tree.AddDirectory(path);
+    Judge(fresh, "257 Made.\r\n");
   } else if (verb == "DELE") {
     Judge(tree.Remove(path, false), "250 Deleted.\r\n");
   } else if (verb == "RMD") {

@@ -50,6 +50,7 @@ class ScriptedSession {
   ScriptedServer& server_;
   UniqueFd control_;
   ScriptedAction action_;
+  std::string held_;  // replies that are late
   std::string directory_ = "/";
   std::size_t restart_ = 0;
   UniqueFd passive_;

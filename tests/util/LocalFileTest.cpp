@@ -97,6 +97,26 @@ TEST_F(LocalFileTest, LinksAndOtherKindsAreRefusedWithoutWaiting) {
   EXPECT_EQ(file.Open(folder / "folder", "victim", Mode::Read), 0) << "or reach the folder by one";
 }
 
+TEST_F(LocalFileTest, AFolderIsEnteredAndNeverFollowed) {
+  TemporaryDirectory outside;
+  fs::create_directory_symlink(outside.Path(), folder / "link");
+  fs::create_symlink("none", folder / "dangling");
+  Write(folder / "file", "x");
+  LocalFolder top;
+  LocalFolder inside;
+  ASSERT_EQ(top.Open(folder), 0);
+  EXPECT_EQ(LocalFolder().Open(folder / "none"), ENOENT);
+  for (const char* name : {"link", "dangling", "file"}) EXPECT_EQ(inside.Enter(top, name), ENOTDIR);
+  for (const char* name : {"", ".", "..", "a/b", "/"}) EXPECT_EQ(inside.Enter(top, name), EINVAL);
+  for (const bool there : {false, true}) EXPECT_EQ(inside.Enter(top, "made"), 0) << there;
+  // What is put in a folder's place later is of no interest.
+  fs::rename(folder / "made", folder / "moved");
+  fs::create_directory_symlink(outside.Path(), folder / "made");
+  EXPECT_EQ(file.Open(inside, "f", Mode::Create), 0);
+  EXPECT_TRUE(fs::exists(folder / "moved" / "f"));
+  EXPECT_TRUE(fs::is_empty(outside.Path()));
+}
+
 TEST_F(LocalFileTest, AWriteThatDoesNotFitSaysWhy) {
   rlimit before{};
   ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);

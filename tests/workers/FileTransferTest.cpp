@@ -1,74 +1,53 @@
-#include "workers/FileTransfer.h"
+#include <sys/resource.h>
 
-#include <gtest/gtest.h>
+#include <csignal>
 
-#include <filesystem>
-
-#include "ftp/MFtp.h"
-#include "kit/Background.h"
-#include "support/Files.h"
-#include "support/RecordingTransferUi.h"
-#include "support/ScriptedServer.h"
-#include "support/TemporaryDirectory.h"
-#include "support/WaitFor.h"
+#include "workers/TransferJob.h"
 
 namespace corvane {
 namespace {
 
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
-
-/// One transfer of "/pub/f" in its own connection.
-struct Job {
-  ScriptedServer server;
-  TemporaryDirectory folder;
-  std::shared_ptr<RecordingTransferUi> row = std::make_shared<RecordingTransferUi>();
-  transferStruct description;
-  std::shared_ptr<FileTransfer> worker;
-
-  Job() {
-    server.Tree().AddFile("/pub/f", "0123456789");
-    description.remoteDirectory = "/pub";
-    description.targetFolder = folder.Path();
-  }
-
-  void Start(const std::string& name = "f", bool passive = false) {
-    description.engine = std::make_shared<MFtp>("127.0.0.1", server.Port(), "u", "p", passive, row);
-    fileStruct item;
-    item.name = name;
-    item.type = kFile;
-    item.size = 10;
-    description.items = {item};
-    worker = std::make_shared<FileTransfer>(row, description, false);
-    worker->Run();
-  }
-
-  void SetUpload(const std::string& name) {
-    description.download = false;
-    description.localItems = {folder.Path() / name};
-  }
-
-  TransferEnd Wait() {
-    EXPECT_TRUE(WaitFor([&] { return row->End().has_value(); })) << server.Dialogue();
-    EXPECT_TRUE(Background::WaitForNone(2000ms));
-    return row->End().value_or(TransferEnd::Failed);
-  }
-};
-
 TEST(FileTransfer, DownloadsResumesOrStartsAgain) {
-  for (const std::string part : {"", "012", "abc"}) {
-    const bool resumed = part == "012";
-    Job job;
-    Write(job.folder.Path() / "f", part);
-    job.description.overwrite = part.empty();
-    if (!resumed) job.server.On("REST", {.reply = "502 No\r\n"});
-    job.Start();
-    EXPECT_EQ(job.Wait(), TransferEnd::Finished) << job.row->Seen().why;
-    EXPECT_EQ(Contents(job.folder.Path() / "f"), "0123456789");
-    EXPECT_EQ(job.row->Progress().start, resumed ? 3 : 0);
-    EXPECT_EQ(job.row->Progress().done, resumed ? 7 : 10);
-    EXPECT_EQ(job.server.Transcript().back(), "QUIT\r\n");
+  struct Case {
+    const char* part;
+    const char* verb;
+    ScriptedAction action;
+    std::int64_t start;
+    const char* result;
+  };
+  const std::string whole = "0123456789";
+  const Case cases[] = {
+      {"", "REST", {}, 0, "0123456789"},
+      {"012", "REST", {}, 3, "0123456789"},
+      {"0123456789", "REST", {}, 10, "0123456789"},
+      {"abc", "REST", {.reply = "502 No\r\n"}, 0, "0123456789"},
+      // The server agrees to resume and begins at the start all the same.
+      {"abc", "RETR", {.data = whole}, 0, "0123456789"},
+      {"abcdefghij", "RETR", {.data = whole}, 0, "0123456789"},
+      {"0123456789a", "REST", {}, 0, nullptr},
+  };
+  for (const auto& [part, verb, action, start, result] : cases) {
+    for (const std::int64_t listed : {10, -1}) {
+      if (listed < 0 && result == nullptr) continue;
+      Job job;
+      Write(job.folder.Path() / "f", part);
+      job.description.overwrite = *part == '\0';
+      job.server.On(verb, action, 1);
+      job.Fetch("f", listed < 0 ? kLink : kFile, listed);
+      EXPECT_EQ(job.Run() == TransferEnd::Finished, result != nullptr) << job.row->Seen().why;
+      EXPECT_EQ(Contents(job.folder.Path() / "f"), result != nullptr ? result : part);
+      EXPECT_EQ(job.row->Progress().start, start) << part;
+    }
   }
+  // What was there is kept when the second attempt fails too.
+  Job job;
+  Write(job.folder.Path() / "f", "abc");
+  job.description.overwrite = false;
+  job.server.On("RETR", {.data = Bytes(100'000)}, 1);
+  job.server.On("RETR", {.reply = "550 No\r\n"}, 2);
+  job.Fetch("f", kFile, 99'000);
+  EXPECT_EQ(job.Run(), TransferEnd::Failed);
+  EXPECT_EQ(Contents(job.folder.Path() / "f"), "abc");
 }
 
 TEST(FileTransfer, FailsWithAReason) {
@@ -79,49 +58,92 @@ TEST(FileTransfer, FailsWithAReason) {
       {"f", "Cannot do that", [](Job& j) { j.description.remoteDirectory = "/none"; }},
       {"f", "No such file", [](Job& j) { j.description.targetFolder += "/none"; }},
       {"f", "No such file", [](Job& j) { j.description.overwrite = false; }},
-      {"f", "Could not read", [](Job& j) { j.SetUpload("gone"); }},
+      {"f", "Could not read", [](Job& j) { j.Send("gone"); }},
       {"f", "Could not open", [](Job& j) { fs::create_symlink("gone", j.folder.Path() / "f"); }},
       {"f", "was lost", [](Job& j) { j.server.On("CWD", {.control = ControlEnd::Close}); }},
   };
   for (const auto& [name, why, prepare] : cases) {
     Job job;
+    job.Fetch(name);
     prepare(job);
-    job.Start(name, true);
-    EXPECT_EQ(job.Wait(), TransferEnd::Failed) << why;
+    EXPECT_EQ(job.Run(), TransferEnd::Failed) << why;
+    EXPECT_EQ(job.Notes(), "") << "the reason says it all";
     EXPECT_NE(job.row->Seen().why.find(why), std::string::npos) << why << job.row->Seen().why;
     EXPECT_FALSE(fs::exists(job.folder.Path() / "g") || fs::exists(job.folder.Path() / "gone"));
   }
 }
 
-TEST(FileTransfer, CancelsAtEveryStep) {
-  const std::pair<const char*, ScriptedAction> cases[] = {
-      {"greeting", {.reply = ""}},  {"CWD", {.reply = ""}},
-      {"RETR", {.reply = ""}},      {"RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall}},
-      {"RETR", {.completion = ""}},
-  };
-  for (const auto& [verb, action] : cases) {
-    Job job;
-    std::atomic<bool> arrived = false;
-    ScriptedAction held = action;
-    held.arrived = [&] { arrived = true; };
-    job.server.On(verb, held);
-    job.Start();
-    const bool partial = action.dataEnd == DataEnd::Stall;
-    ASSERT_TRUE(WaitFor([&] { return arrived && (!partial || job.row->Progress().done == 3); }));
-    job.worker->Cancel();
-    EXPECT_EQ(job.Wait(), TransferEnd::Cancelled) << verb;
-    EXPECT_TRUE(!partial || Contents(job.folder.Path() / "f") == "012");
-  }
+TEST(FileTransfer, DoesNotWorkInAnotherDirectoryOfItsWindow) {
+  Job job(true, true);
+  Write(job.folder.Path() / "g", "x");
+  job.Send("g");
+  job.description.remoteDirectory = "/elsewhere";
+  EXPECT_EQ(job.Run(), TransferEnd::Failed);
+  EXPECT_FALSE(job.server.Tree().Exists("/pub/g"));
 }
 
-TEST(FileTransfer, Uploads) {
+TEST(FileTransfer, KeepsWhatCameBeforeACancel) {
   Job job;
-  Write(job.folder.Path() / "up load", "abc");
-  job.SetUpload("up load");
+  job.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall});
+  job.Fetch("f");
   job.Start();
-  EXPECT_EQ(job.Wait(), TransferEnd::Finished) << job.row->Seen().why;
-  EXPECT_EQ(job.server.Tree().File("/pub/up load"), "abc");
-  EXPECT_EQ(job.row->Seen().Texts("ADDI"_what, "FileName"), std::vector<std::string>{"up load"});
+  ASSERT_TRUE(WaitFor([&] { return job.row->Progress().done == 3; }));
+  job.worker->Cancel();
+  EXPECT_EQ(job.Wait(), TransferEnd::Cancelled);
+  EXPECT_EQ(Contents(job.folder.Path() / "f"), "012");
+}
+
+TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {
+  Job job;
+  for (const char* name : {"none", "../x", "way", "f", "gone"}) job.Fetch(name);
+  fs::create_directory(job.folder.Path() / "way");
+  EXPECT_EQ(job.Run(), TransferEnd::Failed);
+  EXPECT_EQ(Contents(job.folder.Path() / "f"), "0123456789");
+  EXPECT_EQ(job.row->Seen().why, "4 of 5 entries failed.");
+  EXPECT_EQ(job.Notes(),
+            "none: No such file.\n../x: The name \"../x\" cannot be used for a local file.\n"
+            "way: Could not open way: Is a directory\ngone: No such file.\n");
+  EXPECT_FALSE(fs::exists(job.folder.Path() / "gone"));
+}
+
+TEST(FileTransfer, StopsWhenTheDiskIsFull) {
+  Job job;
+  job.server.Tree().AddFile("/pub/big", Bytes(3000));
+  for (const char* name : {"f", "big", "none"}) job.Fetch(name);
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{1000, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+  const TransferEnd end = job.Run();
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_EQ(end, TransferEnd::Failed);
+  EXPECT_EQ(job.Notes(), "big: Could not write the file: File too large\n");
+  EXPECT_TRUE(Contents(job.folder.Path() / "big") == Bytes(3000).substr(0, 1000));
+}
+
+TEST(FileTransfer, UploadsWhatAFileHolds) {
+  const std::string bytes = Bytes(3'000'000);
+  const std::tuple<const char*, std::int64_t, std::string> cases[] = {
+      {"stays", 0, ""}, {"shrinks", -1'000'000, "became shorter"}, {"grows", 10, ""}};
+  for (const auto& [name, change, why] : cases) {
+    Job job;
+    const fs::path path = job.folder.Path() / name;
+    Write(path, bytes);
+    job.Send(name);
+    job.server.On("STOR", {.arrived = [&, by = change] {
+                    fs::resize_file(path, static_cast<std::uintmax_t>(3'000'000 + by));
+                  }});
+    EXPECT_EQ(job.Run() == TransferEnd::Finished, why.empty()) << job.row->Seen().why;
+    EXPECT_NE(job.row->Seen().why.find(why), std::string::npos) << job.row->Seen().why;
+    const std::string stored = job.server.Tree().File(std::string("/pub/") + name).value_or("");
+    EXPECT_TRUE(!why.empty() || stored == Contents(path)) << name;
+    const auto messages = job.row->Seen().messages;
+    ASSERT_EQ(messages.size(), why.empty() ? 1U : 0U);
+    if (!why.empty()) continue;
+    EXPECT_EQ(messages[0].FindInt64("fSize"), 3'000'000 + change);
+  }
 }
 
 }  // namespace

@@ -1,0 +1,181 @@
+#include <atomic>
+#include <future>
+#include <iterator>
+#include <vector>
+
+#include "net/NLException.h"
+#include "workers/TransferJob.h"
+
+namespace corvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct Fault {
+  const char* name;
+  ScriptedAction action;
+  bool cancel = false;    ///< the user cancels when the step has come
+  bool breaks = false;    ///< the control connection is lost
+  const char* only = "";  ///< the verbs that it fits; all when empty
+};
+
+const std::vector<Fault> kFaults = {
+    {"closed", {.reply = "", .control = ControlEnd::Close}, false, true},
+    {"reset", {.reply = "", .control = ControlEnd::Reset}, false, true},
+    {"silent", {.late = true}, true},
+    {"4yz", {.reply = "450 No\r\n"}},
+    {"5yz", {.reply = "550 No\r\n"}},
+    {"garbage", {.reply = "\x16\x03 what\r\n"}, false, true},
+    {"cancelled", {}, true},
+    {"short", {.dataLimit = 3, .completion = "226 Done\r\n"}, false, false, "RETR"},
+    {"long", {.data = Bytes(4000)}, false, false, "RETR"},
+    {"cut",
+     {.dataLimit = 3, .dataEnd = DataEnd::Reset, .completion = "426 Cut\r\n"},
+     false,
+     false,
+     "RETR STOR LIST"},
+    {"stalled", {.dataLimit = 3, .dataEnd = DataEnd::Stall}, true, false, "RETR STOR LIST"},
+    {"refused in the end", {.completion = "451 No\r\n"}, false, false, "RETR STOR LIST"},
+    {"garbage in the end", {.completion = "what\r\n"}, false, true, "RETR STOR LIST"},
+    {"closed in the end",
+     {.completion = "", .control = ControlEnd::Close},
+     false,
+     true,
+     "RETR STOR LIST"},
+    {"said twice", {.completion = "226 Done\r\n226 Done\r\n"}, false, false, "RETR STOR"},
+};
+
+/// The steps of a tree's transfer; the number tells which command of that name.
+const std::pair<std::string, int> kSteps[] = {
+    {"greeting", 1}, {"USER", 1}, {"PASS", 1}, {"SYST", 1}, {"CWD", 2},  {"CWD", 3},  {"PWD", 2},
+    {"PORT", 1},     {"PORT", 3}, {"TYPE", 1}, {"LIST", 1}, {"RETR", 2}, {"STOR", 2}, {"MKD", 1},
+};
+
+/// Steps that may be refused: they can be done without, or in another way.
+bool Harmless(const std::string& verb, int number, const std::string& fault) {
+  if (fault == "long") return true;
+  if (fault != "4yz" && fault != "5yz") return false;
+  return verb == "SYST" || verb == "PWD" || (verb == "CWD" && number == 3) ||
+         (verb == "LIST" && fault == "5yz");
+}
+
+/// Whether the next command gets its own answer.
+bool InStep(MFtp& engine) {
+  try {
+    return engine.SendCommand("SYST\n") == 215;
+  } catch (const NLException&) {
+    return false;
+  }
+}
+
+void Try(std::string verb, int number, const Fault& fault, bool download, bool shared,
+         bool passive) {
+  SCOPED_TRACE(verb + std::to_string(number) + " " + fault.name + (download ? " down" : " up") +
+               (shared ? " shared" : "") + (passive ? " passive" : ""));
+  Job job(passive, shared);
+  const bool login = verb == "greeting" || verb == "USER" || verb == "PASS" || verb == "SYST";
+  const bool one = download ? verb == "STOR" || verb == "MKD" : verb == "RETR" || verb == "LIST";
+  const std::string_view only = fault.only;
+  if (one || (login && shared) || (!only.empty() && only.find(verb) == only.npos)) return;
+  if (verb == "PORT" && passive) verb = "PASV";
+  if (verb == "PORT" || verb == "PASV") number -= download ? 0 : 1;
+
+  const std::pair<std::string, std::string> files[] = {{"a", Bytes(100)}, {"b", Bytes(3000)}};
+  for (const auto& [name, bytes] : files) {
+    if (download) job.server.Tree().AddFile("/pub/d/" + name, bytes);
+    if (!download) Write(job.folder.Path() / "d" / name, bytes);
+  }
+  if (download) job.Fetch("d", kDirectory);
+  if (!download) job.Send("d");
+  ScriptedAction action = fault.action;
+  std::atomic<bool> arrived = !fault.cancel;
+  if (fault.cancel)
+    action.arrived = [&] {
+      job.worker->Cancel();
+      arrived = true;
+    };
+  job.server.On(verb, action, number);
+
+  const auto begin = std::chrono::steady_clock::now();
+  job.Start();
+  const TransferEnd end = job.Wait();
+  EXPECT_TRUE(WaitFor([&] { return arrived.load(); }));
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, 9s);  // the server is waited for longer
+  bool whole = true;
+  for (const auto& [name, bytes] : files) {
+    const std::string local = Contents(job.folder.Path() / "d" / name);
+    const std::string remote = job.server.Tree().File("/pub/d/" + name).value_or("");
+    const bool longer = std::string_view(fault.name) == "long" && name == "b";
+    whole =
+        whole && local == (longer ? *fault.action.data : remote) && local.size() >= bytes.size();
+  }
+  const bool good =
+      Harmless(verb, number, fault.name) || std::string_view(fault.name) == "said twice";
+  EXPECT_EQ(end, fault.cancel ? TransferEnd::Cancelled
+                 : good       ? TransferEnd::Finished
+                              : TransferEnd::Failed)
+      << job.row->Seen().why << job.Notes() << job.server.Dialogue();
+  EXPECT_TRUE(end != TransferEnd::Finished || whole) << job.server.Dialogue();
+  if (!shared) return;
+
+  MFtp& engine = *job.description.engine;
+  const EngineLease lease(engine);
+  EXPECT_EQ(engine.Lost(), fault.breaks) << job.server.Dialogue();
+  const std::string status = engine.Lost()                  ? "Connection lost."
+                             : end == TransferEnd::Finished ? "Transfer Complete."
+                                                            : "Transfer Interupted.";
+  EXPECT_EQ(job.browser->Seen().statuses.back(), status);
+  if (engine.Lost()) return;
+  EXPECT_TRUE(InStep(engine)) << job.server.Dialogue();
+  EXPECT_TRUE(engine.SetPWD() && job.browser->Seen().path == "/pub") << job.server.Dialogue();
+}
+
+std::ptrdiff_t OpenDescriptors() {
+  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+}
+
+/// Works through all tasks, so many at a time.
+void InParallel(std::size_t threads, const std::vector<std::function<void()>>& tasks) {
+  std::atomic<std::size_t> next = 0;
+  std::vector<std::future<void>> running;
+  for (std::size_t i = 0; i < threads; ++i) {
+    running.push_back(std::async(std::launch::async, [&] {
+      for (std::size_t at = next++; at < tasks.size(); at = next++) tasks[at]();
+    }));
+  }
+  for (std::future<void>& thread : running) thread.get();
+}
+
+// Every fault at every step: it ends soon, is finished only when it is whole, leaves neither thread
+// nor descriptor, and a browser's connection can go on.
+TEST(Transfer, SurvivesEveryFaultAtEveryStep) {
+  const std::ptrdiff_t before = OpenDescriptors();
+  std::vector<std::function<void()>> tasks;
+  for (const auto& [verb, number] : kSteps)
+    for (const Fault& fault : kFaults)
+      for (const bool download : {true, false})
+        for (const bool shared : {false, true})
+          tasks.emplace_back([=, step = verb, which = number, passive = tasks.size() % 3 == 0] {
+            Try(step, which, fault, download, shared, passive);
+          });
+  InParallel(80, tasks);
+  EXPECT_TRUE(Background::WaitForNone(2000ms));
+  EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; })) << OpenDescriptors();
+}
+
+TEST(Transfer, ManyAtATime) {
+  const std::ptrdiff_t before = OpenDescriptors();
+  const std::function<void()> task = [] {
+    Job job;
+    Write(job.folder.Path() / "d" / "g", Bytes(5000));
+    job.Send("d");
+    EXPECT_EQ((job.Start(), job.Wait()), TransferEnd::Finished) << job.row->Seen().why;
+    EXPECT_EQ(job.server.Tree().File("/pub/d/g"), Bytes(5000));
+  };
+  InParallel(20, std::vector(500, task));
+  EXPECT_TRUE(Background::WaitForNone(2000ms));
+  EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; })) << OpenDescriptors();
+}
+
+}  // namespace
+}  // namespace corvane

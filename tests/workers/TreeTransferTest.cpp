@@ -1,0 +1,172 @@
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "workers/TransferJob.h"
+
+namespace corvane {
+namespace {
+
+std::string Line(char type, const std::string& name) {
+  return type + ("rwxr-xr-x 1 u g 4 Jan 12 10:00 " + name) + "\r\n";
+}
+
+/// What was sent after the login.
+std::string Sent(const Job& job) {
+  std::string sent;
+  const std::vector<std::string> lines = job.server.Transcript();
+  for (std::size_t i = 4; i < lines.size(); ++i) sent += lines[i];
+  return sent;
+}
+
+TEST(TreeTransfer, DownloadsInOrder) {
+  Job job;
+  job.server.Tree().AddFile("/pub/d/A", "upper");
+  job.server.Tree().AddFile("/pub/d/a", "lower");
+  job.server.Tree().AddFile("/pub/d/e/b", "below");
+  job.server.Tree().AddLink("/pub/d/link", "/pub/f");
+  job.server.Tree().AddDirectory("/pub/d/void");
+  Write(job.folder.Path() / "d" / "kept", "local");
+  job.Fetch("d", kDirectory);
+  job.Fetch("f");
+  EXPECT_EQ(job.Run(), TransferEnd::Finished) << job.row->Seen().why;
+  const fs::path d = job.folder.Path() / "d";
+  EXPECT_EQ(Contents(d / "A") + Contents(d / "a") + Contents(d / "e" / "b"), "upperlowerbelow");
+  EXPECT_EQ(Contents(d / "kept"), "local");
+  EXPECT_TRUE(fs::is_directory(d / "void") && !fs::exists(d / "link"));
+  EXPECT_EQ(job.row->Progress().files, 3);
+  EXPECT_EQ(job.Notes(), "Left out: d/link -> /pub/f (a link or a special file)\n");
+  EXPECT_EQ(
+      Sent(job),
+      "PWD\r\nCWD d\r\nPWD\r\nPASV\r\nTYPE I\r\nLIST -la\r\nPASV\r\nRETR A\r\nPASV\r\n"
+      "RETR a\r\nCWD e\r\nPWD\r\nPASV\r\nLIST -la\r\nPASV\r\nRETR b\r\nCWD ..\r\n"
+      "CWD void\r\nPWD\r\nPASV\r\nLIST -la\r\nCWD ..\r\nCWD ..\r\nPASV\r\nRETR f\r\nQUIT\r\n");
+}
+
+// Whatever a server lists, nothing outside the folder is touched and the rest comes.
+TEST(TreeTransfer, RefusesWhatLeadsElsewhere) {
+  const std::tuple<char, std::string, std::string> cases[] = {
+      {'-', "../x", "cannot be used for a local file"},
+      {'-', "/etc/x", "cannot be used for a local file"},
+      {'-', "a/b", "cannot be used for a local file"},
+      {'d', "../up", "cannot be a local folder's"},
+      {'d', "self", "lists a directory inside itself: /pub/d"},
+      {'d', "parent", "lists a directory inside itself: /pub"},
+      {'d', "other", ""},  // a link to another directory, which ".." does not lead out of
+      {'d', "none", "Cannot do that."},
+      {'d', "way", "Could not make the folder"},
+      {'d', "linked", "Could not make the folder"},
+      {'-', "linked", "Could not open linked"},
+  };
+  for (const bool shared : {false, true}) {
+    for (const auto& [type, name, why] : cases) {
+      if (shared && name != "other" && name != "self") continue;
+      Job job(true, shared);
+      VirtualTree& tree = job.server.Tree();
+      for (const char* path : {"/pub/d/ok", "/pub/d/linked/x", "/else/where/x"})
+        tree.AddFile(path, "good");
+      tree.AddDirectory("/pub/d/way");
+      tree.AddLink("/pub/d/self", "/pub/d");
+      tree.AddLink("/pub/d/parent", "/pub");
+      tree.AddLink("/pub/d/other", "/else/where");
+      TemporaryDirectory outside;
+      Write(outside.Path() / "x", "theirs");
+      Write(job.folder.Path() / "d" / "way", "in the way");
+      fs::create_symlink(outside.Path(), job.folder.Path() / "d" / "linked");
+      job.server.On("LIST", {.data = Line(type, name) + Line('-', "ok")}, 1);
+      job.Fetch("d", kDirectory);
+      EXPECT_EQ(job.Run() == TransferEnd::Finished, why.empty()) << name << job.row->Seen().why;
+      EXPECT_NE(job.Notes().find(why), std::string::npos) << name << "\n" << job.Notes();
+      EXPECT_EQ(Contents(job.folder.Path() / "d" / "ok"), "good") << name << job.server.Dialogue();
+      EXPECT_EQ(Contents(outside.Path() / "x"), "theirs");
+      const auto top = fs::directory_iterator(job.folder.Path());
+      EXPECT_EQ(std::distance(top, fs::directory_iterator()), 1) << name;
+    }
+  }
+}
+
+// However deep it is: every directory holds another one.
+TEST(TreeTransfer, EndsInATreeWithoutEnd) {
+  Job job;
+  job.server.On("CWD", {.reply = "250 ok\r\n"});
+  job.server.On("PWD", {.reply = "502 No\r\n"});
+  job.server.On("LIST", {.data = Line('d', "d")});
+  job.Fetch("d", kDirectory);
+  EXPECT_EQ(job.Run(), TransferEnd::Failed);
+  EXPECT_NE(job.row->Seen().why.find("nested too deeply"), std::string::npos);
+  const fs::recursive_directory_iterator all(job.folder.Path());
+  EXPECT_EQ(std::distance(all, fs::recursive_directory_iterator()), 128);
+}
+
+TEST(TreeTransfer, GoesOnAfterARefusal) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"LIST", "450 No\r\n", "d: No\n"},
+      {"RETR", "550 Secret\r\n", "d/a: Secret\n"},
+      {"CWD", "550 Shut\r\n", "d: Shut\n"}};
+  for (const auto& [verb, reply, note] : cases) {
+    Job job;
+    for (const char* path : {"/pub/d/a", "/pub/d/b"}) job.server.Tree().AddFile(path, "x");
+    job.server.On(verb, {.reply = reply}, *verb == 'C' ? 2 : 1);
+    job.Fetch("d", kDirectory);
+    job.Fetch("f");
+    EXPECT_EQ(job.Run(), TransferEnd::Failed);
+    EXPECT_EQ(job.Notes(), note);
+    EXPECT_EQ(Contents(job.folder.Path() / "f"), "0123456789") << verb << job.server.Dialogue();
+    EXPECT_EQ(fs::exists(job.folder.Path() / "d" / "b"), *verb == 'R');
+    EXPECT_NE(job.row->Seen().why.find(" entries failed: d"), std::string::npos);
+  }
+}
+
+TEST(TreeTransfer, UploadsAFolder) {
+  Job job;
+  const fs::path d = job.folder.Path() / "d";
+  Write(d / "a", "one");
+  Write(d / "e" / "b", "two");
+  fs::create_directory(d / "void");
+  fs::create_symlink("a", d / "link");
+  fs::create_directory_symlink("e", d / "way");
+  fs::create_symlink("nowhere", d / "dangling");
+  ASSERT_EQ(::mkfifo((d / "fifo").c_str(), 0600), 0);
+  job.server.Tree().AddFile("/pub/d/there", "kept");
+  job.Send("d/");
+  EXPECT_EQ(job.Run(), TransferEnd::Finished) << job.row->Seen().why;
+  const VirtualTree& tree = job.server.Tree();
+  EXPECT_EQ(tree.File("/pub/d/a").value_or("") + tree.File("/pub/d/e/b").value_or("") +
+                tree.File("/pub/d/link").value_or("") + tree.File("/pub/d/there").value_or(""),
+            "onetwoonekept");
+  EXPECT_TRUE(tree.Exists("/pub/d/void") && !tree.Exists("/pub/d/way"));
+  EXPECT_EQ(job.Notes(),
+            "Left out: d/dangling (a link to no file)\nLeft out: d/fifo (a special file)\n"
+            "Left out: d/way (a link to a folder)\n");
+  const auto messages = job.row->Seen().messages;
+  ASSERT_EQ(messages.size(), 1U);
+  EXPECT_EQ(messages[0].FindString("Type"), "d");
+  EXPECT_FALSE(messages[0].FindInt64("fSize").has_value());
+}
+
+// A failure ends its folder, but not the next of the chosen entries.
+TEST(TreeTransfer, AnUploadGoesOnWithWhatWasChosen) {
+  const std::tuple<const char*, int, ScriptedAction, std::string> cases[] = {
+      {"STOR", 1, {.reply = "553 Full\r\n"}, "d/a: Full\n"},
+      {"STOR", 1, {.completion = "452 Full\r\n"}, "d/a: Full\n"},
+      {"MKD", 1, {.reply = "550 Not yours\r\n"}, "d: Not yours\n"},
+      {"STOR", 1, {}, "d/b: Could not read "},  // it vanishes meanwhile
+  };
+  for (const auto& [verb, number, action, note] : cases) {
+    Job job;
+    for (const char* name : {"d/a", "d/b", "d/c", "g"}) Write(job.folder.Path() / name, "x");
+    for (const char* name : {"d", "g"}) job.Send(name);
+    ScriptedAction act = action;
+    if (note.starts_with("d/b")) act.arrived = [&] { fs::remove(job.folder.Path() / "d" / "b"); };
+    job.server.On(verb, act, number);
+    EXPECT_EQ(job.Run(), TransferEnd::Failed);
+    EXPECT_TRUE(job.Notes().starts_with(note)) << job.Notes();
+    EXPECT_NE(job.Notes().find("d: The rest of this folder was not sent.\n"), std::string::npos);
+    EXPECT_EQ(job.server.Tree().File("/pub/g"), "x") << job.server.Dialogue();
+    EXPECT_FALSE(job.server.Tree().Exists("/pub/d/c"));
+    EXPECT_EQ(job.row->Seen().Texts("ADDI"_what, "FileName"), std::vector<std::string>{"g"});
+  }
+}
+
+}  // namespace
+}  // namespace corvane

@@ -10,6 +10,7 @@
 #include "app/Alerts.h"
 #include "app/Frames.h"
 #include "app/MWindow.h"
+#include "app/Reveal.h"
 #include "app/TambleApp.h"
 #include "app/Windows.h"
 #include "settings/ProcessSettings.h"
@@ -25,25 +26,26 @@ DownLoadWin::DownLoadWin(TambleApp& app, const QRect& frame)
   setCentralWidget(list_);
   MakeMenus();
   connect(list_, &TransferListView::Requested, this, &DownLoadWin::MessageReceived);
-  connect(list_, &TransferListView::SelectionChanged, this, &DownLoadWin::MenusBeginning);
-  MenusBeginning();
 }
 
 DownLoadWin::~DownLoadWin() {
   Frames::Keep(kTransferFrame, *this);
-  list_->disconnect(this);  // the base class takes it apart
 }
 
 void DownLoadWin::MakeMenus() {
   menuBar()->setObjectName("TransferWinMenuBar");
   QMenu* file = menuBar()->addMenu(tr("&File"));
-  cancel_ = file->addAction(tr("&Cancel Transfer"), QKeySequence("Ctrl+."), this,
-                            &DownLoadWin::CancelSelected);
-  // The key works on a running transfer too, and then says why it does not remove it.
-  const QKeySequence backspace(Qt::Key_Backspace);
-  remove_ = file->addAction(tr("&Remove Item") + '\t' + backspace.toString(), this,
-                            &DownLoadWin::RemoveSelected);
-  new QShortcut(backspace, this, this, &DownLoadWin::RemoveSelected);
+  // The items follow the last selected row, the keys work for every selection: of several rows the
+  // last one need not run for others to be cancelled.
+  const auto add = [&](const QString& text, const QKeySequence& key, auto command) {
+    new QShortcut(key, this, this, command);
+    QAction* action =
+        file->addAction(text + '\t' + key.toString(QKeySequence::NativeText), this, command);
+    action->setEnabled(false);
+    return action;
+  };
+  cancel_ = add(tr("&Cancel Transfer"), QKeySequence("Ctrl+."), &DownLoadWin::CancelSelected);
+  remove_ = add(tr("&Remove Item"), QKeySequence(Qt::Key_Backspace), &DownLoadWin::RemoveSelected);
   QMenu* windows = menuBar()->addMenu(tr("&Windows"));
   windows->addAction(tr("&Control Window"), QKeySequence("Ctrl+N"), this,
                      [this] { app_.PostMessage(Message("SHMN"_what)); });
@@ -53,55 +55,53 @@ void DownLoadWin::MakeMenus() {
   AddCloseKey(this);
 }
 
+// Without a selection the items stay as they were.
 void DownLoadWin::MenusBeginning() {
-  const std::vector<int> rows = list_->SelectedRows();
-  const bool running = !rows.empty() && list_->Items().At(rows.back()).Running();
+  const int last = list_->LastSelected();
+  if (last < 0) return;
+  const bool running = list_->Items().At(last).Running();
   cancel_->setEnabled(running);
-  remove_->setEnabled(!rows.empty() && !running);
+  remove_->setEnabled(!running);
 }
 
 void DownLoadWin::AddDownload(DownloadRequest request) {
-  transferStruct description;
-  description.remoteDirectory = std::move(request.remoteDirectory);
-  description.targetFolder = std::move(request.where);
-  description.size = request.size;
-  description.overwrite = request.overwrite;
-  description.items = std::move(request.items);
-  Add(request.connection, std::move(description), nullptr);
+  const Connection connection = request.connection;
+  MWindow* window = request.window;
+  Add(connection, Description(std::move(request)), window);
 }
 
 void DownLoadWin::AddUpload(UploadRequest request) {
-  transferStruct description;
-  description.remoteDirectory = std::move(request.remoteDirectory);
-  description.download = false;
-  description.localItems = std::move(request.localItems);
-  Add(request.connection, std::move(description), request.window);
+  const Connection connection = request.connection;
+  MWindow* window = request.window;
+  Add(connection, Description(std::move(request)), window);
 }
 
 void DownLoadWin::Add(const Connection& connection, transferStruct description, MWindow* browser) {
   TransferItem& item = list_->Items().Add(
       std::make_unique<TransferItem>(connection, std::move(description), browser));
-  connect(&item, &TransferItem::Changed, this, &DownLoadWin::ItemChanged);
-  item.Start(app_.Workers());
-  list_->scrollToBottom();
+  connect(&item, &TransferItem::Settled, this, &DownLoadWin::ItemSettled);
+  item.Start([&](std::shared_ptr<TransferUi> row, transferStruct what) {
+    return app_.Workers().transfer(connection, std::move(row), std::move(what));
+  });
+  list_->ShowLastSoon();
   if (ProcessSettings::Get().showwindow) BringForward(this);
 }
 
-void DownLoadWin::ItemChanged(TransferItem* item) {
-  if (item->Finished() && ProcessSettings::Get().removeItem) {
-    for (int row = 0; row < list_->Items().Count(); ++row) {
-      if (&list_->Items().At(row) == item) {
-        list_->Items().Remove(row);
-        break;
-      }
-    }
+// A row that has something to say about entries that were left out stays.
+void DownLoadWin::ItemSettled(TransferItem* item) {
+  if (!item->Finished() || item->HasNotes() || !ProcessSettings::Get().removeItem) return;
+  for (int row = 0; row < list_->Items().Count(); ++row) {
+    if (&list_->Items().At(row) == item) return list_->Items().Remove(row);
   }
-  MenusBeginning();
 }
 
 void DownLoadWin::MessageReceived(const Message& message) {
-  if (message.what == "CNCL"_what) CancelSelected();
-  if (message.what == "REMI"_what) RemoveSelected();
+  switch (message.what) {
+    case "CNCL"_what: CancelSelected(); break;
+    case "REMI"_what: RemoveSelected(); break;
+    case "_RRC"_what: Reveal::Show(this, message.FindString("refs").value_or("")); break;
+    default: break;
+  }
 }
 
 void DownLoadWin::CancelSelected() {
@@ -109,23 +109,36 @@ void DownLoadWin::CancelSelected() {
   list_->clearSelection();
 }
 
+// Removes from the top down to the first row that still runs.
 void DownLoadWin::RemoveSelected() {
   TransferModel& items = list_->Items();
-  int removed = -1;
-  for (std::vector<int> rows = list_->SelectedRows(); !rows.empty(); rows = list_->SelectedRows()) {
-    if (items.At(rows.front()).Running()) {
-      Alerts::Show(this, {.title = tr("Warning!"),
-                          .text = tr("You need to cancel the transfer to remove this item.")});
-      return;
-    }
-    removed = rows.front();
-    // The view would select a neighbour by itself, and the loop would eat that too.
-    list_->selectionModel()->select(items.index(removed), QItemSelectionModel::Deselect);
-    items.Remove(removed);
+  std::vector<int> rows = list_->SelectedRows();
+  const auto running = std::ranges::find_if(rows, [&](int row) { return items.At(row).Running(); });
+  const bool refused = running != rows.end();
+  rows.erase(running, rows.end());
+  RemoveRows(rows);
+  if (refused) {
+    Alerts::Show(this, {.title = tr("Warning!"),
+                        .text = tr("You need to cancel the transfer to remove this item.")});
+    return;
   }
-  if (removed >= 0 && removed < items.Count()) {
-    list_->selectionModel()->setCurrentIndex(items.index(removed),
+  if (rows.empty()) return;
+  const int next = rows.back() + 1 - static_cast<int>(rows.size());
+  if (next < items.Count()) {
+    list_->selectionModel()->setCurrentIndex(items.index(next),
                                              QItemSelectionModel::ClearAndSelect);
+  }
+}
+
+/// Removes these rows, given in their order, run by run from the last.
+void DownLoadWin::RemoveRows(const std::vector<int>& rows) {
+  // The view would select the neighbour of a current row that goes.
+  list_->selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+  for (auto end = rows.end(); end != rows.begin();) {
+    auto begin = end - 1;
+    while (begin != rows.begin() && *(begin - 1) + 1 == *begin) --begin;
+    list_->Items().Remove(*begin, static_cast<int>(end - begin));
+    end = begin;
   }
 }
 

@@ -24,9 +24,10 @@ class DownLoadWin : public QMainWindow {
   void AddDownload(DownloadRequest request);
   void AddUpload(UploadRequest request);
 
-  /// 'CNCL' and 'REMI' for the selected rows.
+  /// 'CNCL' and 'REMI' for the selected rows; '_RRC' reveals a local path ("refs").
   void MessageReceived(const Message& message);
   void CancelAll();
+  [[nodiscard]] int RunningCount() const { return list_->Items().RunningCount(); }
 
   [[nodiscard]] TransferListView& List() { return *list_; }
 
@@ -34,9 +35,10 @@ class DownLoadWin : public QMainWindow {
   void MakeMenus();
   void MenusBeginning();
   void Add(const Connection& connection, transferStruct description, MWindow* browser);
-  void ItemChanged(TransferItem* item);
+  void ItemSettled(TransferItem* item);
   void CancelSelected();
   void RemoveSelected();
+  void RemoveRows(const std::vector<int>& rows);
 
   TambleApp& app_;
   TransferListView* list_;

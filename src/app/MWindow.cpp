@@ -16,6 +16,7 @@
 #include "app/SmallView.h"
 #include "app/TambleApp.h"
 #include "app/Text.h"
+#include "app/TransferPane.h"
 #include "app/WindowLog.h"
 #include "app/Windows.h"
 #include "ftp/MFtp.h"
@@ -90,6 +91,7 @@ void MWindow::FailToStart(const QString& why) {
 
 void MWindow::Disconnect() {
   link_->Close();
+  pane_->LetGo();
   if (looper_ != nullptr) looper_->Quit();
   looper_.reset();
 }
@@ -167,6 +169,14 @@ void MWindow::ShowStatus(std::string_view text) {
 
 void MWindow::AppendLog(std::string_view text) {
   log_->Append(text);
+}
+
+void MWindow::LogLater(std::string_view text) {
+  link_->AppendLog(text);
+}
+
+bool MWindow::IsTransferring() const {
+  return pane_->Running();
 }
 
 void MWindow::ShowPath(std::string_view path) {

@@ -16,6 +16,7 @@
 #include "kit/Message.h"
 
 class QAction;
+class QCheckBox;
 class QFileDialog;
 class QGroupBox;
 class QLabel;
@@ -29,6 +30,8 @@ class BrowserLink;
 class DirListView;
 class SmallView;
 class TambleApp;
+class TransferItem;
+class TransferPane;
 class ViewerLink;
 class WindowLog;
 
@@ -59,7 +62,12 @@ class MWindow : public QMainWindow {
   void ListingEnded(std::size_t count);
   void OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title);
 
+  /// Appends to the log a bounded piece at a time, however much it is.
+  void LogLater(std::string_view text);
+
   [[nodiscard]] DirListView& Listing() { return *listing_; }
+  /// Whether a transfer runs on this window's own connection.
+  [[nodiscard]] bool IsTransferring() const;
   [[nodiscard]] const std::string& CurrentDirectory() const { return currentDirectory_; }
 
  protected:
@@ -77,6 +85,7 @@ class MWindow : public QMainWindow {
 
   // MWindow.cpp
   void StartLooper();
+  void FailToStart(const QString& why);
   void SendToLooper(const Message& message);
   void ChangeDirectoryTo(const std::string& name);
   void ChangeDirectory();
@@ -95,11 +104,18 @@ class MWindow : public QMainWindow {
   [[nodiscard]] DownloadRequest RequestForSelection();
   /// Asks for the target of a request.
   void SaveDialogBox(DownloadRequest request);
-  void DownloadOne(DownloadRequest request, const std::string& localName);
-  void AskAndHandOver(DownloadRequest request, std::int64_t localSize);
-  void FailToStart(const QString& why);
   void ChooseUploads();
   void Upload(const QStringList& paths);
+  /// To the transfer window or, where the box is ticked, to this window's own connection.
+  void HandOver(DownloadRequest request);
+  void HandOver(UploadRequest request);
+  void TransferHere(transferStruct description);
+  void TransferSettled(const TransferItem& item);
+
+  // MWindowExisting.cpp
+  void DownloadOne(DownloadRequest request, const std::string& localName);
+  void DownloadSeveral(DownloadRequest request);
+  void AskAndHandOver(DownloadRequest request, std::int64_t localSize);
 
   TambleApp& app_;
   const Connection connection_;
@@ -113,6 +129,8 @@ class MWindow : public QMainWindow {
   QLabel* status_ = nullptr;
   DirListView* listing_ = nullptr;
   SmallView* count_ = nullptr;
+  QCheckBox* sameConnection_ = nullptr;
+  TransferPane* pane_ = nullptr;
   QPushButton* download_ = nullptr;
   QPushButton* upload_ = nullptr;
   WindowLog* log_ = nullptr;

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -11,12 +12,15 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/BrowserLink.h"
 #include "app/DirListView.h"
 #include "app/MWindow.h"
 #include "app/SmallView.h"
 #include "app/TambleApp.h"
 #include "app/Text.h"
+#include "app/TransferPane.h"
 #include "app/Windows.h"
+#include "settings/ProcessSettings.h"
 
 namespace corvane {
 namespace {
@@ -45,6 +49,10 @@ void MWindow::MakeViews() {
   download_ = new QPushButton(tr("&Download"), main);
   download_->setObjectName("download");
   download_->setEnabled(false);
+  sameConnection_ = new QCheckBox(tr("Use &this connection."), main);
+  sameConnection_->setObjectName("SameCon");
+  sameConnection_->setChecked(ProcessSettings::Get().useSameConnection);
+  pane_ = new TransferPane(main);
   upload_ = new QPushButton(tr("&Upload"), main);
   upload_->setObjectName("upload");
 
@@ -52,6 +60,8 @@ void MWindow::MakeViews() {
   side->setSpacing(8);
   side->addWidget(MakeStatusBox());
   side->addWidget(listing_->InfoBox());
+  side->addWidget(sameConnection_);
+  side->addWidget(pane_);
   side->addStretch();
   side->addWidget(upload_);
   side->addWidget(download_);
@@ -82,13 +92,16 @@ void MWindow::MakeViews() {
     MenusBeginning();
   });
   connect(listing_, &DirListView::EnabledChanged, this, &MWindow::ListingEnabled);
+  connect(pane_, &TransferPane::Settled, this, &MWindow::TransferSettled);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (now != path_ && now != listing_) return;
     lastFocus_ = now;
     MenusBeginning();
   });
   setTabOrder(listing_, path_);
-  setTabOrder(path_, upload_);
+  setTabOrder(path_, sameConnection_);
+  setTabOrder(sameConnection_, pane_);
+  setTabOrder(pane_, upload_);
   setTabOrder(upload_, download_);
   listing_->setFocus();
 }
@@ -156,14 +169,16 @@ void MWindow::MakeWindowsMenu() {
 void MWindow::MenusBeginning() {
   const int row = listing_->FirstSelected();
   const bool selected = row >= 0;
-  downloadItem_->setEnabled(selected);
-  changeDir_->setEnabled(lastFocus_ == path_ ||
-                         (selected && listing_->Rows().At(row).Type() == kDirectory));
+  const bool open = listing_->IsEnabled();
+  downloadItem_->setEnabled(open && selected);
+  changeDir_->setEnabled(
+      open && (lastFocus_ == path_ || (selected && listing_->Rows().At(row).Type() == kDirectory)));
   copy_->setEnabled(selected || lastFocus_ == path_);
   selectAll_->setEnabled(!lastFocus_.isNull());
 }
 
 void MWindow::ListingEnabled(bool enabled) {
+  link_->SetListingEnabled(enabled);
   commands_->setEnabled(enabled);
   for (QAction* action : commands_->actions()) action->setEnabled(enabled);
   upload_->setEnabled(enabled);

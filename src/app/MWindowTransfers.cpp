@@ -1,20 +1,20 @@
-// What a browser window asks of the transfer window, and what it settles with the user before.
+// What a browser window asks to have moved, and where that is done.
 
-#include <sys/stat.h>
-
+#include <QCheckBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "app/Alerts.h"
 #include "app/DirListView.h"
 #include "app/DownLoadWin.h"
 #include "app/MWindow.h"
 #include "app/TambleApp.h"
 #include "app/Text.h"
+#include "app/TransferPane.h"
 #include "app/Windows.h"
 #include "settings/ProcessSettings.h"
 #include "util/LocalFile.h"
@@ -27,13 +27,6 @@ std::optional<std::string> DownloadFolder() {
   if (folder.empty() || folder == "empty" || !QFileInfo::exists(QFile::decodeName(folder.c_str())))
     return {};
   return folder;
-}
-
-/// What stands at `path`, a link itself and not where it leads; nothing when nothing does.
-std::optional<struct stat> LocalEntry(const std::string& path) {
-  struct stat status {};
-  if (::lstat(path.c_str(), &status) != 0) return {};
-  return status;
 }
 
 std::string LocalPath(const QString& path) {
@@ -68,7 +61,7 @@ void MWindow::DownloadRequested(const Message& message) {
     const std::string name = request.items.front().name;
     DownloadOne(std::move(request), name);
   } else {
-    app_.Transfers().AddDownload(std::move(request));
+    DownloadSeveral(std::move(request));
   }
 }
 
@@ -78,6 +71,7 @@ DownloadRequest MWindow::RequestForSelection() {
   DownloadRequest request;
   request.connection = connection_;
   request.remoteDirectory = currentDirectory_;
+  request.window = this;
   const std::vector<int> rows = listing_->SelectedRows();
   QStringList refused;
   for (const int row : rows) {
@@ -122,50 +116,9 @@ void MWindow::SaveDialogBox(DownloadRequest request) {
   connect(openPanel_, &QFileDialog::fileSelected, this,
           [this, request = std::move(request)](const QString& path) mutable {
             request.where = LocalPath(path);
-            app_.Transfers().AddDownload(std::move(request));
+            DownloadSeveral(std::move(request));
           });
   ShowPanel(openPanel_);
-}
-
-void MWindow::DownloadOne(DownloadRequest request, const std::string& localName) {
-  if (!IsSafeLocalName(localName)) {
-    Warn(tr("\"%1\" cannot be the name of a local file.").arg(ToText(localName)));
-    return;
-  }
-  request.items.front().displayName = localName;
-  const std::optional<struct stat> there = LocalEntry(request.where + "/" + localName);
-  if (!there.has_value()) {
-    app_.Transfers().AddDownload(std::move(request));
-  } else if (S_ISREG(there->st_mode)) {
-    AskAndHandOver(std::move(request), there->st_size);
-  } else {
-    const QString kind = S_ISDIR(there->st_mode)   ? tr("a folder")
-                         : S_ISLNK(there->st_mode) ? tr("a link")
-                                                   : tr("no plain file");
-    Warn(tr("\"%1\" in the download folder is %2 and is left alone.").arg(ToText(localName), kind));
-  }
-}
-
-void MWindow::AskAndHandOver(DownloadRequest request, std::int64_t localSize) {
-  const QString name = ToText(request.items.front().name);
-  Alerts::Question question;
-  question.title = tr("Alert!");
-  const bool whole = localSize == request.size;
-  if (whole) {
-    question.text = tr("You have already downloaded the file ") + name + ".\n\n" +
-                    tr("Would you like to download the file again?");
-    question.buttons = {tr("&Download"), tr("Cancel")};
-  } else {
-    question.text = tr("Part of the file ") + name + tr(" already exists.\n\n") +
-                    tr("Would you like to overwrite or reget the file?");
-    question.buttons = {tr("&Reget"), tr("&Overwrite"), tr("Cancel")};
-  }
-  const auto cancel = static_cast<int>(question.buttons.size()) - 1;
-  Alerts::Show(this, question, [this, whole, cancel, request](int button) mutable {
-    if (button == cancel) return;
-    request.overwrite = whole || button == 1;
-    app_.Transfers().AddDownload(std::move(request));
-  });
 }
 
 void MWindow::ChooseUploads() {
@@ -183,7 +136,34 @@ void MWindow::Upload(const QStringList& paths) {
   request.remoteDirectory = currentDirectory_;
   request.window = this;
   for (const QString& path : paths) request.localItems.push_back(LocalPath(path));
-  if (!request.localItems.empty()) app_.Transfers().AddUpload(std::move(request));
+  if (!request.localItems.empty()) HandOver(std::move(request));
+}
+
+void MWindow::HandOver(DownloadRequest request) {
+  if (sameConnection_->isChecked()) return TransferHere(Description(std::move(request)));
+  app_.Transfers().AddDownload(std::move(request));
+}
+
+void MWindow::HandOver(UploadRequest request) {
+  if (sameConnection_->isChecked()) return TransferHere(Description(std::move(request)));
+  app_.Transfers().AddUpload(std::move(request));
+}
+
+// The commands are disabled while a transfer runs here, but a panel may still be open.
+void MWindow::TransferHere(transferStruct description) {
+  if (looper_ == nullptr || pane_->Busy()) {
+    return Warn(tr("This connection is busy with another transfer."));
+  }
+  listing_->DisableAll();
+  pane_->Begin(std::make_unique<TransferItem>(connection_, std::move(description), this),
+               [this](std::shared_ptr<TransferUi> row, transferStruct what) {
+                 return app_.Workers().sameConnection(looper_, std::move(row), std::move(what));
+               });
+}
+
+void MWindow::TransferSettled(const TransferItem& item) {
+  listing_->EnableAll();
+  if (item.Failed()) LogLater(item.FailureLine().toStdString() + "\n");
 }
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
+#include <algorithm>
 #include <utility>
 
 #include "app/About.h"
@@ -142,7 +143,29 @@ void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,
   BringForward(editor_);
 }
 
+int TambleApp::RunningTransfers() const {
+  const auto here = std::ranges::count_if(windowList_, &MWindow::IsTransferring);
+  return transfers_->RunningCount() + static_cast<int>(here);
+}
+
 void TambleApp::QuitRequested() {
+  const int running = RunningTransfers();
+  if (running == 0 && !askingToQuit_) return AskAboutShortcuts();
+  BringForward(start_.get());
+  if (std::exchange(askingToQuit_, true)) return;
+  Alerts::Show(start_.get(),
+               {.title = tr("Alert!"),
+                .text = running == 1 ? tr("Quit and stop 1 transfer?")
+                                     : tr("Quit and stop %1 transfers?").arg(running),
+                .buttons = {tr("&Quit"), tr("&Keep running")},
+                .preset = 1},
+               [this](int button) {
+                 askingToQuit_ = false;
+                 if (button == 0) AskAboutShortcuts();
+               });
+}
+
+void TambleApp::AskAboutShortcuts() {
   if (shortcuts_.isNull() || !shortcuts_->Changed()) return Quit();
   BringForward(shortcuts_);
   shortcuts_->AskAboutChanges([this] { Quit(); });

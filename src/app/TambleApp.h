@@ -38,7 +38,7 @@ class TambleApp : public QObject {
   void PostMessage(const Message& message);
   void AboutRequested();
 
-  /// Quits, once the user has said what is to become of unsaved changes.
+  /// Quits, once the user has said what is to become of running transfers and unsaved changes.
   void QuitRequested();
   /// Hides everything, tells all work to end, and ends the event loop.
   void Quit();
@@ -65,6 +65,8 @@ class TambleApp : public QObject {
  private:
   void OpenBrowser(const Message& message);
   void ReadSettings();
+  [[nodiscard]] int RunningTransfers() const;
+  void AskAboutShortcuts();
 
   WorkerFactory workers_;
   std::vector<MWindow*> windowList_;
@@ -75,6 +77,7 @@ class TambleApp : public QObject {
   QPointer<PrefWindow> preferences_;
   std::unique_ptr<About> about_;
   std::string unread_;  // why the settings could not be read yet
+  bool askingToQuit_ = false;
   bool quitting_ = false;
 };
 

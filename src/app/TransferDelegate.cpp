@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "app/Icons.h"
+#include "app/MyStatusBar.h"
 #include "app/TransferModel.h"
 #include "util/GetTruncatedString.h"
 
@@ -12,19 +13,9 @@ namespace corvane {
 namespace {
 
 constexpr int kMargin = 5;
-constexpr int kBarHeight = 10;
+constexpr int kBarHeight = MyStatusBar::kHeight;
 constexpr int kIconSize = 16;
 constexpr int kTargetWidth = 300;
-
-QString Truncated(const QString& text, const QFont& font, int width) {
-  const QFontMetricsF metrics(font);
-  const auto measure = [&](std::string_view part) {
-    return static_cast<float>(
-        metrics.horizontalAdvance(QString::fromUtf8(part.data(), std::ssize(part))));
-  };
-  return QString::fromStdString(GetTruncatedString(text.toStdString(), measure,
-                                                   static_cast<float>(width), Truncation::Middle));
-}
 
 void DrawBackground(QPainter& painter, const QStyleOptionViewItem& option) {
   const QRect& frame = option.rect;
@@ -35,38 +26,45 @@ void DrawBackground(QPainter& painter, const QStyleOptionViewItem& option) {
   painter.drawLine(frame.left(), frame.bottom(), frame.right(), frame.bottom());
 }
 
-/// Draws left and right text on one line; the right one is whole, the left one gives way.
-void DrawLine(QPainter& painter, const QRect& line, const QString& left, const QString& right) {
+/// Draws left and right text on one line; the right one and the left one's tail are whole, the rest
+/// gives way.
+void DrawLine(QPainter& painter, const QRect& line, const QString& left, const QString& right,
+              const QString& tail = {}) {
   const QFontMetrics metrics = painter.fontMetrics();
   const int taken = right.isEmpty() ? 0 : metrics.horizontalAdvance(right) + 2 * kMargin;
+  const int room = line.width() - taken - metrics.horizontalAdvance(tail);
   painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, right);
   painter.drawText(line.adjusted(0, 0, -taken, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                   metrics.elidedText(left, Qt::ElideRight, line.width() - taken));
-}
-
-void DrawBar(QPainter& painter, const QStyleOptionViewItem& option, const QRect& bar,
-             const TransferItem& item) {
-  painter.fillRect(bar, option.palette.brush(QPalette::Base));
-  QRect filled = bar.adjusted(1, 1, 0, 0);
-  filled.setWidth(static_cast<int>(item.Fraction() * (bar.width() - 1)));
-  // A transfer that failed before its first byte still shows its colour.
-  if (item.Failed() && filled.width() < kBarHeight) filled.setWidth(kBarHeight);
-  painter.fillRect(filled, TransferDelegate::BarColour(item));
-  painter.setPen(option.palette.color(QPalette::Mid));
-  painter.drawRect(bar);
+                   metrics.elidedText(left, Qt::ElideRight, room) + tail);
 }
 
 }  // namespace
-
-QColor TransferDelegate::BarColour(const TransferItem& item) {
-  if (item.Running()) return {0, 152, 51};
-  return item.Failed() ? QColor(228, 0, 0) : QColor(0, 0, 154);
-}
 
 QSize TransferDelegate::sizeHint(const QStyleOptionViewItem& option,
                                  const QModelIndex& /*index*/) const {
   const int texts = 3 * option.fontMetrics.height() + kBarHeight + 3 * kMargin;
   return {200, std::max(kRowHeight, texts)};
+}
+
+QString TransferDelegate::Truncated(const QString& text, const QFont& font, int width) const {
+  constexpr int kMost = 256;
+  if (truncated_.size() > kMost || font != truncatedIn_) truncated_.clear();
+  truncatedIn_ = font;
+  const auto known = truncated_.constFind({text, width});
+  if (known != truncated_.cend()) return *known;
+  const QFontMetricsF metrics(font);
+  const auto measure = [&](std::string_view part) {
+    return static_cast<float>(
+        metrics.horizontalAdvance(QString::fromUtf8(part.data(), std::ssize(part))));
+  };
+  const std::string cut = GetTruncatedString(text.toStdString(), measure, static_cast<float>(width),
+                                             Truncation::Middle);
+  return *truncated_.insert({text, width}, QString::fromStdString(cut));
+}
+
+QRect TransferDelegate::BarArea(const QRect& row) {
+  return {row.left() + kMargin, row.bottom() - kMargin - kBarHeight, row.width() - 2 * kMargin - 1,
+          kBarHeight};
 }
 
 void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -81,31 +79,34 @@ void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
   DrawBackground(*painter, option);
   painter->setPen(
       option.palette.color(selected ? QPalette::HighlightedText : QPalette::WindowText));
+  const QRect bar = BarArea(option.rect);
+  QRect texts = option.rect.adjusted(kMargin, kMargin - 1, -kMargin, 0);
+  texts.setBottom(bar.top() - 2);
+  if (region_.intersects(texts)) PaintTexts(*painter, option, texts, item);
+  MyStatusBar::Draw(*painter, option.palette, bar, item);
+  painter->restore();
+}
 
-  const QRect area = option.rect.adjusted(kMargin, kMargin - 1, -kMargin, -kMargin);
-  const int height = (area.height() - kBarHeight - 2) / 3;
+void TransferDelegate::PaintTexts(QPainter& painter, const QStyleOptionViewItem& option,
+                                  const QRect& area, const TransferItem& item) const {
+  const int height = area.height() / 3;
   QRect line(area.left(), area.top(), area.width(), height);
-  DrawLine(*painter, line, item.ServerLine(), item.RateText());
+  DrawLine(painter, line, item.ServerLine(), item.RateText());
 
   line.translate(0, height);
   const int room = std::max(kTargetWidth, line.width() - kIconSize - 2 * kMargin) -
                    option.fontMetrics.horizontalAdvance(item.TargetTitle());
-  DrawLine(*painter, line, item.TargetTitle() + Truncated(item.TargetPath(), option.font, room),
-           {});
+  DrawLine(painter, line, item.TargetTitle() + Truncated(item.TargetPath(), option.font, room), {});
 
   line.translate(0, height);
   if (item.Failed()) {
     AlertIcon().paint(
-        painter, QRect(line.left(), line.top() + (height - kIconSize) / 2, kIconSize, kIconSize));
+        &painter, QRect(line.left(), line.top() + (height - kIconSize) / 2, kIconSize, kIconSize));
     line.setLeft(line.left() + kIconSize + kMargin);
-    DrawLine(*painter, line, item.FailureLine(), item.TotalText());
+    DrawLine(painter, line, item.FailureLine(), item.TotalText());
   } else {
-    DrawLine(*painter, line, item.Label(), item.TotalText());
+    DrawLine(painter, line, item.Label(), item.TotalText(), item.CountText());
   }
-
-  DrawBar(*painter, option,
-          QRect(area.left(), area.bottom() - kBarHeight, area.width() - 1, kBarHeight), item);
-  painter->restore();
 }
 
 }  // namespace corvane

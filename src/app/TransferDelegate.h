@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QColor>
+#include <QHash>
+#include <QRegion>
 #include <QStyledItemDelegate>
 
 namespace corvane {
@@ -21,8 +22,20 @@ class TransferDelegate : public QStyledItemDelegate {
   [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
                                const QModelIndex& index) const override;
 
-  /// Green while it runs, blue when finished, red when failed or cancelled.
-  [[nodiscard]] static QColor BarColour(const TransferItem& item);
+  /// What of the view is painted next: texts outside it are not worked out.
+  void SetRegion(const QRegion& region) { region_ = region; }
+  /// Where the bar stands in a row.
+  [[nodiscard]] static QRect BarArea(const QRect& row);
+
+ private:
+  void PaintTexts(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
+                  const TransferItem& item) const;
+  [[nodiscard]] QString Truncated(const QString& text, const QFont& font, int width) const;
+
+  QRegion region_;
+  // Middle truncation measures many times; most rows share a few paths.
+  mutable QHash<std::pair<QString, int>, QString> truncated_;
+  mutable QFont truncatedIn_;
 };
 
 }  // namespace corvane

@@ -1,14 +1,28 @@
 #include "app/TransferItem.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "app/MWindow.h"
 #include "app/Text.h"
+#include "app/TransferRequest.h"
 #include "ftp/MFtp.h"
 #include "net/NLException.h"
 
 namespace corvane {
+namespace {
+
+constexpr std::size_t kNotesShown = 20;
+constexpr qsizetype kNoteLength = 200;
+
+/// One note as one short line.
+QString NoteLine(const std::string& note) {
+  const QString line = ToLines(note).replace('\n', ' ');
+  return line.size() <= kNoteLength ? line : line.first(kNoteLength) + QChar(0x2026);
+}
+
+}  // namespace
 
 TransferItem::TransferItem(const Connection& connection, transferStruct description,
                            MWindow* browser)
@@ -28,9 +42,9 @@ void TransferItem::LetGo() {
   if (worker_ != nullptr) worker_->Cancel();
 }
 
-void TransferItem::Start(const WorkerFactory& factory) {
+void TransferItem::Start(const MakeWorker& make) {
   try {
-    worker_ = factory.transfer(connection_, link_, description_);
+    worker_ = make(link_, description_);
   } catch (const NLException& error) {
     link_->SetEndState(TransferEnd::Failed, Reason(error));
     return;
@@ -44,15 +58,37 @@ void TransferItem::Cancel() {
   if (!Running()) return;
   if (worker_ != nullptr) worker_->Cancel();
   report_.end = TransferEnd::Cancelled;
+  Q_EMIT Ended(this);
   Q_EMIT Changed(this);
 }
 
-void TransferItem::Report(TransferReport report) {
+bool TransferItem::TakeChanged() {
+  if (!link_->Progress().changed.exchange(false)) return false;
+  link_->Drain();
+  return true;
+}
+
+void TransferItem::Report(TransferReport report, std::vector<std::string> notes) {
+  const bool ran = Running();
+  const bool settles = !settled_ && report.end.has_value();
   // The worker's own word on how it ended comes after a cancellation and replaces it.
   if (!report.end.has_value()) report.end = report_.end;
   report_ = std::move(report);
-  if (!Running()) worker_.reset();
+  std::ranges::move(notes, std::back_inserter(notes_));
+  if (settles) {
+    settled_ = true;
+    worker_.reset();
+    LogNotes();
+  }
+  if (ran == Running() && !settles) return;
+  if (ran && !Running()) Q_EMIT Ended(this);
   Q_EMIT Changed(this);
+  if (settles) Q_EMIT Settled(this);
+}
+
+void TransferItem::LogNotes() const {
+  if (browser_.isNull()) return;
+  for (const std::string& note : notes_) browser_->LogLater(note + "\n");
 }
 
 void TransferItem::MessageReceived(const Message& message) {
@@ -71,10 +107,28 @@ QString TransferItem::TargetPath() const {
   return ToText(IsDownload() ? description_.targetFolder : description_.remoteDirectory);
 }
 
+std::string TransferItem::LocalPath() const {
+  std::string path = description_.targetFolder;
+  if (!path.ends_with('/')) path += '/';
+  return description_.items.size() == 1 ? path + LocalName(description_.items.front()) : path;
+}
+
+QString TransferItem::FileName() const {
+  return ToText(report_.file);
+}
+
 QString TransferItem::Label() const {
-  if (!report_.label.empty()) return ToText(report_.label);
-  if (!report_.file.empty()) return tr("File: ") + ToText(report_.file);
+  if (Running() && !report_.label.empty()) return ToText(report_.label);
+  if (!report_.file.empty()) return tr("File: ") + FileName();
   return {};
+}
+
+QString TransferItem::CountText() const {
+  QStringList counts;
+  const std::int64_t files = link_->Progress().files;
+  if (files > 0) counts.append(tr("%1 done").arg(files));
+  if (Finished() && HasNotes()) counts.append(tr("%1 left out").arg(notes_.size()));
+  return counts.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(counts.join(", "));
 }
 
 QString TransferItem::RateText() const {
@@ -106,8 +160,16 @@ QString TransferItem::FailureLine() const {
   return file.empty() ? reason : ToText(file) + ": " + reason;
 }
 
+QString TransferItem::Details() const {
+  QStringList lines{Failed() ? FailureText() : TargetTitle() + TargetPath()};
+  const std::size_t shown = std::min(notes_.size(), kNotesShown);
+  for (std::size_t note = 0; note < shown; ++note) lines.append(NoteLine(notes_[note]));
+  if (notes_.size() > shown) lines.append(tr("and %1 more").arg(notes_.size() - shown));
+  return lines.join('\n');
+}
+
 QString TransferItem::Summary() const {
-  QStringList parts{ServerLine(), TargetTitle() + TargetPath(), Label(), TotalText()};
+  QStringList parts{ServerLine(), TargetTitle() + TargetPath(), Label() + CountText(), TotalText()};
   if (Running()) parts.append(RateText());
   if (Finished()) parts.append(tr("Finished"));
   if (Failed()) parts.append(FailureLine());

@@ -27,14 +27,22 @@ bool TransferLink::SetTrailing(std::string_view text) {
 }
 
 bool TransferLink::NoteEntry(std::string_view text) {
-  return Change([text](TransferReport& report) { report.notes.emplace_back(text); });
+  if (closing_) return false;
+  {
+    MutexLock hold(lock_);
+    notes_.emplace_back(text);
+  }
+  progress_.changed = true;
+  return true;
 }
 
 bool TransferLink::SetEndState(TransferEnd state, std::string_view why) {
-  return Change([state, why](TransferReport& report) {
+  const bool open = Change([state, why](TransferReport& report) {
     report.end = state;
     if (!why.empty()) report.reason = why;
   });
+  if (open) Hop();
+  return open;
 }
 
 bool TransferLink::Change(const std::function<void(TransferReport&)>& change) {
@@ -43,7 +51,7 @@ bool TransferLink::Change(const std::function<void(TransferReport&)>& change) {
     MutexLock hold(lock_);
     change(report_);
   }
-  Hop();
+  progress_.changed = true;
   return true;
 }
 
@@ -77,16 +85,18 @@ void TransferLink::Hop() {
 
 void TransferLink::Drain() {
   TransferReport report;
+  std::vector<std::string> notes;
   std::vector<Message> messages;
   {
     MutexLock hold(lock_);
     hopPending_ = false;
     report = report_;
+    notes.swap(notes_);
     messages.swap(messages_);
   }
   if (closing_ || item_.isNull()) return;
   for (const Message& message : messages) item_->MessageReceived(message);
-  item_->Report(std::move(report));
+  item_->Report(std::move(report), std::move(notes));
 }
 
 }  // namespace corvane

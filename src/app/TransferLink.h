@@ -22,12 +22,12 @@ struct TransferReport {
   std::string label;     ///< a status text; replaced by the file's label when a file begins
   std::string trailing;  ///< the text behind the bar, where the transfer gives one
   std::string reason;    ///< what failed
-  std::vector<std::string> notes;  ///< a line for each entry that failed or was left out
   std::optional<TransferEnd> end;
 };
 
-/// A transfer row as its worker sees it; outlives the row. Changes are collected here and handed to
-/// the row at most once per turn of the event loop.
+/// A transfer row as its worker sees it; outlives the row. What changes is collected here. Messages
+/// and the end are handed to the row in the next turn of the event loop; all else, like the
+/// progress, when the row is next looked at.
 class TransferLink final : public TransferUi, public std::enable_shared_from_this<TransferLink> {
  public:
   /// GUI thread.
@@ -35,6 +35,8 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
 
   /// GUI thread: from now on every call answers false and nothing reaches the row.
   void Close() { closing_ = true; }
+  /// GUI thread: hands the row what has been collected.
+  void Drain() EXCLUDES(lock_);
 
   [[nodiscard]] TransferProgress& Progress() override { return progress_; }
   bool BeginFile(std::string_view name) override;
@@ -48,13 +50,13 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
  private:
   bool Change(const std::function<void(TransferReport&)>& change) EXCLUDES(lock_);
   void Hop() EXCLUDES(lock_);
-  void Drain() EXCLUDES(lock_);
 
   const QPointer<TransferItem> item_;  // looked at on the GUI thread only
   std::atomic<bool> closing_{false};
   TransferProgress progress_;
   Mutex lock_;
   TransferReport report_ GUARDED_BY(lock_);
+  std::vector<std::string> notes_ GUARDED_BY(lock_);
   std::vector<Message> messages_ GUARDED_BY(lock_);
   bool hopPending_ GUARDED_BY(lock_) = false;
 };

@@ -2,6 +2,7 @@
 
 #include <QContextMenuEvent>
 #include <QMenu>
+#include <QPaintEvent>
 #include <algorithm>
 
 #include "app/TransferDelegate.h"
@@ -10,15 +11,16 @@ namespace corvane {
 namespace {
 
 constexpr int kTickMilliseconds = 33;
+constexpr int kTicksPerText = 3;
 
 }  // namespace
 
 TransferListView::TransferListView(QWidget* parent)
-    : QListView(parent), model_(new TransferModel(this)) {
+    : QListView(parent), model_(new TransferModel(this)), delegate_(new TransferDelegate(this)) {
   setObjectName("File Status List");
   setAccessibleName(tr("Transfers"));
   setModel(model_);
-  setItemDelegate(new TransferDelegate(this));
+  setItemDelegate(delegate_);
   setUniformItemSizes(true);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -28,6 +30,8 @@ TransferListView::TransferListView(QWidget* parent)
   viewport()->setBackgroundRole(QPalette::Window);
   ticker_.setInterval(kTickMilliseconds);
   connect(&ticker_, &QTimer::timeout, this, &TransferListView::Tick);
+  scroller_.setSingleShot(true);
+  connect(&scroller_, &QTimer::timeout, this, &QAbstractItemView::scrollToBottom);
   for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
     connect(model_, signal, this, &TransferListView::StartOrStopTicking);
   }
@@ -35,7 +39,7 @@ TransferListView::TransferListView(QWidget* parent)
 }
 
 void TransferListView::StartOrStopTicking() {
-  if (!model_->AnyRunning()) {
+  if (model_->RunningCount() == 0) {
     ticker_.stop();
   } else if (!ticker_.isActive()) {
     ticker_.start();
@@ -46,11 +50,23 @@ void TransferListView::Tick() {
   if (!isVisible()) return;
   const QModelIndex top = indexAt(viewport()->rect().topLeft());
   if (!top.isValid()) return;
+  const bool texts = ++ticks_ % kTicksPerText == 0;
   for (int row = top.row(); row < model_->Count(); ++row) {
     const QRect area = visualRect(model_->index(row));
     if (area.top() > viewport()->height()) break;
-    if (model_->At(row).TakeChanged()) viewport()->update(area);
+    TransferItem& item = model_->At(row);
+    if (texts && item.TakeChanged()) viewport()->update(area);
+    if (!texts && item.HasChanged()) viewport()->update(TransferDelegate::BarArea(area));
   }
+}
+
+void TransferListView::paintEvent(QPaintEvent* event) {
+  delegate_->SetRegion(event->region());
+  QListView::paintEvent(event);
+}
+
+void TransferListView::ShowLastSoon() {
+  scroller_.start(0);
 }
 
 std::vector<int> TransferListView::SelectedRows() const {
@@ -61,18 +77,41 @@ std::vector<int> TransferListView::SelectedRows() const {
   return rows;
 }
 
+int TransferListView::FirstSelected() const {
+  const QItemSelection selection = selectionModel()->selection();
+  int first = -1;
+  for (const QItemSelectionRange& range : selection) {
+    if (first < 0 || range.top() < first) first = range.top();
+  }
+  return first;
+}
+
+int TransferListView::LastSelected() const {
+  const QItemSelection selection = selectionModel()->selection();
+  int last = -1;
+  for (const QItemSelectionRange& range : selection) last = std::max(last, range.bottom());
+  return last;
+}
+
 QMenu* TransferListView::SetupPopUpMenu() {
   auto* menu = new QMenu(this);
   menu->setObjectName("PopUpMenu");
-  const std::vector<int> rows = SelectedRows();
-  const bool running = !rows.empty() && model_->At(rows.front()).Running();
-  const auto add = [&](const QString& text, std::uint32_t what, bool enabled) {
+  const int first = FirstSelected();
+  if (first < 0) return menu;
+  const TransferItem& item = model_->At(first);
+  const auto add = [&](const QString& text, const Message& message, bool enabled) {
     QAction* action = menu->addAction(text);
     action->setEnabled(enabled);
-    connect(action, &QAction::triggered, this, [this, what] { Q_EMIT Requested(Message(what)); });
+    connect(action, &QAction::triggered, this, [this, message] { Q_EMIT Requested(message); });
   };
-  add(tr("Cancel Transfer") + "\tCtrl+.", "CNCL"_what, running);
-  add(tr("Remove Item"), "REMI"_what, !running);
+  const QString key = QKeySequence("Ctrl+.").toString(QKeySequence::NativeText);
+  add(tr("Cancel Transfer") + '\t' + key, Message("CNCL"_what), item.Running());
+  add(tr("Remove Item"), Message("REMI"_what), !item.Running());
+  if (!item.IsDownload()) return menu;
+  menu->addSeparator();
+  Message reveal("_RRC"_what);
+  reveal.AddString("refs", item.LocalPath());
+  add(tr("Reveal in Tracker"), reveal, true);
   return menu;
 }
 
@@ -86,12 +125,6 @@ void TransferListView::contextMenuEvent(QContextMenuEvent* event) {
   QMenu* menu = SetupPopUpMenu();
   menu->setAttribute(Qt::WA_DeleteOnClose);
   menu->popup(byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
-}
-
-void TransferListView::selectionChanged(const QItemSelection& selected,
-                                        const QItemSelection& deselected) {
-  QListView::selectionChanged(selected, deselected);
-  Q_EMIT SelectionChanged();
 }
 
 }  // namespace corvane

@@ -9,24 +9,27 @@ namespace corvane {
 
 TransferItem& TransferModel::Add(std::unique_ptr<TransferItem> item) {
   TransferItem& added = *item;
+  connect(&added, &TransferItem::Ended, this, [this] { --running_; });
   connect(&added, &TransferItem::Changed, this, &TransferModel::ItemChanged);
   beginInsertRows({}, Count(), Count());
   items_.push_back(std::move(item));
+  ++running_;
   endInsertRows();
   return added;
 }
 
-void TransferModel::Remove(int row) {
-  beginRemoveRows({}, row, row);
-  TransferItem* gone = items_[static_cast<size_t>(row)].release();
-  items_.erase(items_.begin() + row);
-  gone->LetGo();
-  gone->deleteLater();  // its signal may be the one in hand
+void TransferModel::Remove(int first, int count) {
+  beginRemoveRows({}, first, first + count - 1);
+  const auto begin = items_.begin() + first;
+  for (auto item = begin; item != begin + count; ++item) {
+    TransferItem* gone = item->release();
+    if (gone->Running()) --running_;
+    gone->disconnect(this);
+    gone->LetGo();
+    gone->deleteLater();  // its signal may be the one in hand
+  }
+  items_.erase(begin, begin + count);
   endRemoveRows();
-}
-
-bool TransferModel::AnyRunning() const {
-  return std::ranges::any_of(items_, [](const auto& item) { return item->Running(); });
 }
 
 void TransferModel::ItemChanged(TransferItem* item) {
@@ -44,10 +47,9 @@ QVariant TransferModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const TransferItem& item = At(index.row());
   switch (role) {
-    case Qt::DisplayRole: return item.Label();
+    case Qt::DisplayRole: return item.Label() + item.CountText();
     case Qt::AccessibleTextRole: return item.Summary();
-    case Qt::ToolTipRole:
-      return Harmless(item.Failed() ? item.FailureText() : item.TargetTitle() + item.TargetPath());
+    case Qt::ToolTipRole: return Harmless(item.Details());
     default: return {};
   }
 }

@@ -16,10 +16,10 @@ class TransferModel : public QAbstractListModel {
   using QAbstractListModel::QAbstractListModel;
 
   TransferItem& Add(std::unique_ptr<TransferItem> item);
-  void Remove(int row);
+  void Remove(int first, int count = 1);
   [[nodiscard]] int Count() const { return static_cast<int>(items_.size()); }
   [[nodiscard]] TransferItem& At(int row) const { return *items_.at(static_cast<size_t>(row)); }
-  [[nodiscard]] bool AnyRunning() const;
+  [[nodiscard]] int RunningCount() const { return running_; }
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
@@ -28,6 +28,7 @@ class TransferModel : public QAbstractListModel {
   void ItemChanged(TransferItem* item);
 
   std::vector<std::unique_ptr<TransferItem>> items_;
+  int running_ = 0;
 };
 
 }  // namespace corvane

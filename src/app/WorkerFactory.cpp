@@ -20,6 +20,11 @@ WorkerFactory WorkerFactory::Real() {
         std::make_shared<MFtp>(to.host, to.port, to.user, to.pass, to.passive, row);
     return std::make_shared<FileTransfer>(std::move(row), std::move(description), false);
   };
+  factory.sameConnection = [](const std::shared_ptr<Looper>& whose, std::shared_ptr<TransferUi> row,
+                              transferStruct description) {
+    description.engine = std::static_pointer_cast<ControlLooper>(whose)->Engine();
+    return std::make_shared<FileTransfer>(std::move(row), std::move(description), true);
+  };
   return factory;
 }
 

@@ -20,6 +20,10 @@ struct WorkerFactory {
   std::function<std::shared_ptr<MThread>(const Connection&, std::shared_ptr<TransferUi>,
                                          transferStruct)>
       transfer;
+  /// A transfer on the connection of that looper, which this factory made.
+  std::function<std::shared_ptr<MThread>(const std::shared_ptr<Looper>&,
+                                         std::shared_ptr<TransferUi>, transferStruct)>
+      sameConnection;
 
   /// Those that talk to real servers.
   [[nodiscard]] static WorkerFactory Real();

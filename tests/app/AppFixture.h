@@ -16,6 +16,7 @@
 #include "app/MWindow.h"
 #include "app/TambleApp.h"
 #include "kit/Mutex.h"
+#include "net/NLException.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
@@ -68,6 +69,12 @@ class AppFixture : public testing::Test {
       transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
       return transfers_.back();
     };
+    factory_.sameConnection = [this](const std::shared_ptr<Looper>&,
+                                     std::shared_ptr<TransferUi> row, transferStruct description) {
+      if (noEngine_) throw NLException("Test", "No engine.");
+      here_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
+      return here_.back();
+    };
     qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
     Alerts::AnswerWith([this](const Alerts::Question& question) {
       alerts_.push_back(question);
@@ -118,6 +125,8 @@ class AppFixture : public testing::Test {
   std::shared_ptr<RecordingLooper> looper_;
   std::shared_ptr<BrowserUi> link_;
   std::vector<std::shared_ptr<IdleTransfer>> transfers_;
+  std::vector<std::shared_ptr<IdleTransfer>> here_;  // on a browser window's own connection
+  bool noEngine_ = false;
   std::vector<Connection> connections_;
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert

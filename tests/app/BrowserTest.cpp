@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -133,6 +134,43 @@ TEST_F(Browser, AsksBeforeAnExistingFileIsTouched) {
     if (!overwrite.has_value()) continue;
     EXPECT_EQ(transfers_[0]->description.overwrite, *overwrite) << name;
     EXPECT_EQ(transfers_[0]->description.items[0].name, name);
+  }
+}
+
+TEST_F(Browser, AsksOnceBeforeSeveralExistingFilesAreTouched) {
+  const QDir folder(folder_.path());
+  for (const char* name : {"a", "c"}) {
+    ASSERT_TRUE(QFile(folder.filePath(name)).open(QFile::WriteOnly));
+  }
+  ASSERT_TRUE(QFile::link("/nowhere", folder.filePath("link")));
+  ASSERT_TRUE(folder.mkdir("sub") && folder.mkdir("tree"));
+  // The names selected, the button pressed (-1: no question), and what is downloaded.
+  const std::tuple<QByteArray, int, QByteArray> cases[] = {
+      {"b sub tree", -1, "b sub tree"},
+      {"a b c link", 0, "a b c link"},
+      {"a b c link", 1, "b"},
+      {"a b c link", 2, ""},
+      {"a c", 1, ""},
+  };
+  for (const auto& [names, button, downloaded] : cases) {
+    transfers_.clear();
+    alerts_.clear();
+    button_ = button;
+    std::vector<fileStruct> entries;
+    for (const QByteArray& name : names.split(' ')) {
+      entries.push_back(File(name.toStdString(), name == "tree" ? kDirectorySize : 1));
+    }
+    List(std::move(entries));
+    View().SelectRow(2);
+    QTest::keyClick(&View(), Qt::Key_End, Qt::ShiftModifier);
+    QTest::keyClick(window_, Qt::Key_D, Qt::ControlModifier);
+    QApplication::processEvents();
+    EXPECT_EQ(alerts_.size(), button < 0 ? 0U : 1U) << names.data();
+    QByteArrayList taken;
+    if (!transfers_.empty()) {
+      for (const fileStruct& item : transfers_[0]->description.items) taken << item.name.c_str();
+    }
+    EXPECT_EQ(taken.join(' '), downloaded) << button;
   }
 }
 

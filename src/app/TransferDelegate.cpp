@@ -50,8 +50,8 @@ QString TransferDelegate::Truncated(const QString& text, const QFont& font, int 
   constexpr int kMost = 256;
   if (truncated_.size() > kMost || font != truncatedIn_) truncated_.clear();
   truncatedIn_ = font;
-  const auto known = truncated_.constFind({text, width});
-  if (known != truncated_.cend()) return *known;
+  const auto known = truncated_.find({text, width});
+  if (known != truncated_.end()) return known->second;
   const QFontMetricsF metrics(font);
   const auto measure = [&](std::string_view part) {
     return static_cast<float>(
@@ -59,7 +59,7 @@ QString TransferDelegate::Truncated(const QString& text, const QFont& font, int 
   };
   const std::string cut = GetTruncatedString(text.toStdString(), measure, static_cast<float>(width),
                                              Truncation::Middle);
-  return *truncated_.insert({text, width}, QString::fromStdString(cut));
+  return truncated_.insert_or_assign({text, width}, QString::fromStdString(cut)).first->second;
 }
 
 QRect TransferDelegate::BarArea(const QRect& row) {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QHash>
 #include <QRegion>
 #include <QStyledItemDelegate>
+#include <map>
+#include <utility>
 
 namespace corvane {
 
@@ -34,7 +35,7 @@ class TransferDelegate : public QStyledItemDelegate {
 
   QRegion region_;
   // Middle truncation measures many times; most rows share a few paths.
-  mutable QHash<std::pair<QString, int>, QString> truncated_;
+  mutable std::map<std::pair<QString, int>, QString> truncated_;
   mutable QFont truncatedIn_;
 };
 

@@ -65,6 +65,19 @@ bool BrowserLink::EndListing(std::size_t count) {
   return Push(End{count});
 }
 
+bool BrowserLink::RemoveEntry(std::string_view name) {
+  return Push(Remove{std::string(name)});
+}
+
+bool BrowserLink::RenameEntry(std::string_view from, std::string_view to,
+                              std::string_view directory) {
+  return Push(Rename{std::string(from), std::string(to), std::string(directory)});
+}
+
+bool BrowserLink::ChangeValues(std::string_view name, std::int64_t size) {
+  return Push(Change{std::string(name), size});
+}
+
 bool BrowserLink::IsListingEnabled() {
   return !closing_ && listingEnabled_;
 }
@@ -147,6 +160,9 @@ void BrowserLink::Drain() {
                           [&](const Begin&) { window.GetRidofListing(); },
                           [&](Rows& it) { window.AddRows(std::move(it.items)); },
                           [&](const End& it) { window.ListingEnded(it.count); },
+                          [&](const Remove& it) { window.RemoveRow(it.name); },
+                          [&](const Rename& it) { window.RenameRow(it.from, it.to, it.directory); },
+                          [&](const Change& it) { window.ChangeValues(it.name, it.size); },
                           [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },
                           [&](const Message& it) { window.MessageReceived(it); }},
                event);

@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
@@ -39,6 +40,9 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   bool BeginListing() override;
   bool AddEntries(std::vector<fileStruct> entries) override;
   bool EndListing(std::size_t count) override;
+  bool RemoveEntry(std::string_view name) override;
+  bool RenameEntry(std::string_view from, std::string_view to, std::string_view directory) override;
+  bool ChangeValues(std::string_view name, std::int64_t size) override;
   [[nodiscard]] bool IsListingEnabled() override;
   [[nodiscard]] std::shared_ptr<TextSink> OpenViewer(std::string_view title) override;
   bool PostMessage(Message message) override;
@@ -61,11 +65,24 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   struct End {
     std::size_t count;
   };
+  struct Remove {
+    std::string name;
+  };
+  struct Rename {
+    std::string from;
+    std::string to;
+    std::string directory;
+  };
+  struct Change {
+    std::string name;
+    std::int64_t size;
+  };
   struct Viewer {
     std::shared_ptr<ViewerLink> link;
     std::string title;
   };
-  using Event = std::variant<Status, Log, Path, Begin, Rows, End, Viewer, Message>;
+  using Event =
+      std::variant<Status, Log, Path, Begin, Rows, End, Remove, Rename, Change, Viewer, Message>;
 
   bool Push(Event event) EXCLUDES(lock_);
   /// Adds to the last event where that loses nothing.

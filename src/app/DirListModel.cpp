@@ -92,7 +92,31 @@ void DirListModel::Insert(int row, MWListItem item) {
 }
 
 void DirListModel::SetSizeAndTime(int row, std::int64_t size, const std::tm& time) {
-  items_[order_.at(static_cast<std::size_t>(row))].SetSizeAndTime(size, time);
+  Item(row).SetSizeAndTime(size, time);
+  Changed(row);
+}
+
+void DirListModel::Remove(int row) {
+  beginRemoveRows({}, row, row);
+  order_.erase(order_.begin() + row);
+  endRemoveRows();
+}
+
+void DirListModel::Rename(int row, const std::string& name) {
+  Item(row).RenameItem(name);
+  Changed(row);
+}
+
+void DirListModel::BecomeFile(int row, std::int64_t size) {
+  Item(row).BecomeFile(size);
+  Changed(row);
+}
+
+MWListItem& DirListModel::Item(int row) {
+  return items_[order_.at(static_cast<std::size_t>(row))];
+}
+
+void DirListModel::Changed(int row) {
   Q_EMIT dataChanged(index(row, 0), index(row, kColumns - 1));
 }
 
@@ -167,7 +191,7 @@ void DirListModel::Apply(std::vector<std::uint32_t> order) {
   Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
   const QModelIndexList old = persistentIndexList();
   if (!old.isEmpty()) {
-    std::vector<int> rowOf(order.size());
+    std::vector<int> rowOf(items_.size());
     for (std::size_t row = 0; row < order.size(); ++row) rowOf[order[row]] = static_cast<int>(row);
     QModelIndexList moved;
     moved.reserve(old.size());

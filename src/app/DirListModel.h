@@ -3,6 +3,7 @@
 #include <QAbstractItemModel>
 #include <cstdint>
 #include <deque>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,6 +26,10 @@ class DirListModel : public QAbstractItemModel {
   void Clear();
   void Append(std::vector<MWListItem> items);
   void Insert(int row, MWListItem item);
+  void Remove(int row);
+  void Rename(int row, const std::string& name);
+  /// A link's row becomes that of a file.
+  void BecomeFile(int row, std::int64_t size);
   void SetSizeAndTime(int row, std::int64_t size, const std::tm& time);
   /// Disabled rows are shown grey.
   void SetEnabledAll(bool enabled);
@@ -55,7 +60,10 @@ class DirListModel : public QAbstractItemModel {
   void MoveToTop(std::vector<std::uint32_t>& order) const;
   void Apply(std::vector<std::uint32_t> order);
 
-  std::deque<MWListItem> items_;      // in the order of arrival
+  void Changed(int row);
+  [[nodiscard]] MWListItem& Item(int row);
+
+  std::deque<MWListItem> items_;      // in the order of arrival; removed ones stay until Clear
   std::vector<std::uint32_t> order_;  // row -> position in items_
   bool enabled_ = true;
 };

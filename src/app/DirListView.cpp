@@ -140,6 +140,11 @@ void DirListView::SelectName(std::string_view prefix) {
   }
 }
 
+void DirListView::ChangeValues(int row, std::int64_t size) {
+  model_->BecomeFile(row, size);
+  ShowInfo();
+}
+
 void DirListView::InsertItem(const fileStruct& entry, const std::string& name) {
   model_->Insert(model_->PlaceFor(name), MWListItem(entry, name));
 }
@@ -220,18 +225,27 @@ QMenu* DirListView::SetupPopUpMenu() {
     QAction* action =
         menu->addAction(text + '\t' + QKeySequence(key).toString(QKeySequence::NativeText));
     connect(action, &QAction::triggered, this, [this, message] { Q_EMIT Requested(message); });
+    return action;
   };
   const auto changeDir = [](const char* where) {
     Message message("PCHN"_what);
     message.AddString("cwd", where);
     return message;
   };
+  const int first = FirstSelected();
   add(tr("Copy URL"), "Ctrl+C", Message("COPY"_what));
+  add(tr("View File"), "Ctrl+L", Message("VWFL"_what))
+      ->setEnabled(first >= 0 && model_->At(first).Type() == kFile);
   menu->addSeparator();
   add(tr("Parent Dir"), "Ctrl+E", changeDir(".."));
   add(tr("Refresh Listing"), "Ctrl+.", changeDir("."));
   menu->addSeparator();
   add(tr("Download"), "Ctrl+D", Message("DWLD"_what));
+  add(tr("Rename"), "Ctrl+E", Message("RNFW"_what));
+  add(tr("Delete"), "Ctrl+T", Message("DELE"_what));
+  add(tr("Create Dir"), "Ctrl+M", Message("MKDR"_what));
+  menu->addSeparator();
+  add(tr("Add Shortcut"), "Ctrl+S", Message("NWST"_what));
   return menu;
 }
 
@@ -248,6 +262,10 @@ void DirListView::changeEvent(QEvent* event) {
 void DirListView::selectionChanged(const QItemSelection& selected,
                                    const QItemSelection& deselected) {
   QTreeView::selectionChanged(selected, deselected);
+  ShowInfo();
+}
+
+void DirListView::ShowInfo() {
   const int row = FirstSelected();
   const bool usable = row >= 0 && !model_->At(row).IsDots();
   const EntryAttributes none;

@@ -38,6 +38,9 @@ class DirListView : public QTreeView {
   /// Selects the first row whose name begins so; without one nothing stays selected.
   void SelectName(std::string_view prefix);
 
+  /// The selected link has turned out to lead to a file: its row becomes a file's and stays
+  /// selected.
+  void ChangeValues(int row, std::int64_t size);
   /// Adds a row in name order.
   void InsertItem(const fileStruct& entry, const std::string& name);
   /// Sorts by a column; a second time by the same column turns the direction round.
@@ -74,6 +77,7 @@ class DirListView : public QTreeView {
   void MakeInfoBox();
   void SetColumnWidths();
   void FitNameColumn();
+  void ShowInfo();
   void TypeAhead(char key, quint64 milliseconds);
   void Invoke();
 

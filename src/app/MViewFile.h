@@ -10,6 +10,8 @@
 #include "ftp/BrowserUi.h"
 #include "kit/Mutex.h"
 
+class QLabel;
+class QLineEdit;
 class QPlainTextEdit;
 
 namespace corvane {
@@ -19,10 +21,11 @@ class MViewFile;
 /// A text window as the worker that fills it sees it; outlives the window.
 class ViewerLink final : public TextSink, public std::enable_shared_from_this<ViewerLink> {
  public:
-  /// Refused beyond this many bytes: a window is no place for them.
-  static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+  /// What a window holds; it says so where there would be more.
+  static constexpr std::size_t kMostBytes = std::size_t{32} << 20;
 
   bool Append(std::string_view bytes) override;
+  void End(std::string_view note) override;
 
   /// GUI thread: text goes to this window from now on.
   void Attach(MViewFile& window);
@@ -30,17 +33,23 @@ class ViewerLink final : public TextSink, public std::enable_shared_from_this<Vi
   void Close() { closing_ = true; }
 
  private:
+  void Hop();
   void Drain() EXCLUDES(lock_);
+  [[nodiscard]] std::string NextPiece() REQUIRES(lock_);
 
   QPointer<MViewFile> window_;  // GUI thread only
   std::atomic<bool> closing_{false};
   Mutex lock_;
   std::string text_ GUARDED_BY(lock_);
+  bool ended_ GUARDED_BY(lock_) = false;
+  bool cut_ GUARDED_BY(lock_) = false;
+  std::string note_ GUARDED_BY(lock_);
   std::size_t received_ GUARDED_BY(lock_) = 0;
   bool hopPending_ GUARDED_BY(lock_) = false;
 };
 
-/// Shows a remote text while it arrives. Deletes itself when closed.
+/// Shows a remote text while it arrives; Ctrl+F searches it. Lines beyond all reading are broken.
+/// Deletes itself when closed.
 class MViewFile : public QWidget {
   Q_OBJECT
 
@@ -49,10 +58,19 @@ class MViewFile : public QWidget {
   ~MViewFile() override;
 
   void AppendText(std::string_view bytes);
+  /// Tells, below the text, why it is not whole.
+  void ShowNote(const QString& note);
 
  private:
+  QWidget* MakeFindBar();
+  void Find(bool backward);
+
   std::shared_ptr<ViewerLink> link_;
   QPlainTextEdit* text_;
+  QLabel* note_;
+  QWidget* findBar_ = nullptr;
+  QLineEdit* wanted_ = nullptr;
+  qsizetype column_ = 0;  // characters since the last line end
 };
 
 }  // namespace corvane

@@ -30,6 +30,15 @@ std::string Printed(const char* format, Values... values) {
   return text.data();
 }
 
+/// The size of a file behind a link; a small one keeps the link's mark.
+std::string LinkedSizeText(std::int64_t size) {
+  constexpr std::int64_t kKilo = 1024;
+  constexpr std::int64_t kMega = 1'024'000;
+  if (size < kKilo) return "  <link>" + std::to_string(size) + " B";
+  if (size < kMega) return Printed(" %.2f KB", static_cast<double>(size) / kKilo);
+  return Printed(" %.2f  MB", static_cast<double>(size) / kMega);
+}
+
 }  // namespace
 
 int CompareLowered(std::string_view a, std::string_view b) {
@@ -63,6 +72,7 @@ std::string MWListItem::SizeText() const {
   if (size_ == kDirectorySize) return " <dir>";
   if (size_ == kLinkSize) return " <link>";
   if (size_ < 0) return " -";
+  if (wasLink_) return LinkedSizeText(size_);
   return " " + corvane::SizeText(size_);
 }
 
@@ -86,8 +96,19 @@ fileStruct MWListItem::GetFileInfo() const {
   return entry;
 }
 
+void MWListItem::BecomeFile(std::int64_t size) {
+  size_ = size;
+  type_ = kFile;
+  icon_ = IconKind::Paper;
+  wasLink_ = true;
+  EntryAttributes attributes = *attributes_;
+  if (!attributes.permissions.empty()) attributes.permissions[0] = '-';
+  attributes_ = std::make_shared<const EntryAttributes>(std::move(attributes));
+}
+
 void MWListItem::SetSizeAndTime(std::int64_t size, const std::tm& time) {
   size_ = size;
+  wasLink_ = false;
   time_ = PackTime(time);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include "app/Icons.h"
 #include "ftp/fileStruct.h"
@@ -46,6 +47,9 @@ class MWListItem {
   [[nodiscard]] fileStruct GetFileInfo() const;
 
   void SetSizeAndTime(std::int64_t size, const std::tm& time);
+  void RenameItem(std::string name) { name_ = std::move(name); }
+  /// A link that has turned out to lead to a file of `size` bytes.
+  void BecomeFile(std::int64_t size);
 
  private:
   std::string name_;
@@ -54,6 +58,7 @@ class MWListItem {
   std::shared_ptr<const EntryAttributes> attributes_;
   std::uint8_t type_;
   IconKind icon_;
+  bool wasLink_ = false;
 };
 
 /// An ASCII letter lowered, any other byte as it is, as an unsigned value.

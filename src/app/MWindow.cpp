@@ -102,9 +102,11 @@ void MWindow::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-void MWindow::SendToLooper(const Message& message) {
+bool MWindow::SendToLooper(const Message& message) {
+  if (looper_ != nullptr && looper_->PostMessage(message)) return true;
   // A full queue means a hundred requests are waiting; one more would not be noticed.
-  if (looper_ == nullptr || !looper_->PostMessage(message)) QApplication::beep();
+  QApplication::beep();
+  return false;
 }
 
 void MWindow::MessageReceived(const Message& message) {
@@ -117,6 +119,16 @@ void MWindow::MessageReceived(const Message& message) {
       }
       break;
     case "NWST"_what: AddShortcut(); break;
+    case "DELE"_what: DeleteRequested(); break;
+    case "MKDR"_what: ShowNewDir(); break;
+    case "CRDR"_what: CreateDirectory(); break;
+    case "RNFW"_what: ShowRename(); break;
+    case "RNFL"_what: RenameRequested(); break;
+    case "VWFL"_what: ViewFile(); break;
+    case "VWDR"_what: SendToLooper(message); break;
+    case "ENBL"_what:
+      if (!IsTransferring()) listing_->EnableAll();
+      break;
     case "SNGL"_what: OpenSelected(); break;
     case "DWLD"_what: DownloadRequested(message); break;
     case "UPLD"_what: ChooseUploads(); break;
@@ -128,6 +140,7 @@ void MWindow::MessageReceived(const Message& message) {
       Warn(ToLines(message.FindString("warning").value_or("")),
            ToText(message.FindString("title").value_or(tr("Warning").toStdString())));
       break;
+    case "LOST"_what: OfferToConnect(ToLines(message.FindString("warning").value_or(""))); break;
     case "TMOT"_what:
       closingForError_ = true;
       close();
@@ -139,6 +152,10 @@ void MWindow::MessageReceived(const Message& message) {
 }
 
 void MWindow::FatalError(const Message& message) {
+  if (connectedOnce_) {
+    const std::string detail = message.FindString("detail").value_or("");
+    return OfferToConnect(ToLines(message.FindString("error").value_or("") + "\n" + detail));
+  }
   if (std::exchange(closingForError_, true)) return;
   Alerts::Show(this,
                {.icon = QMessageBox::Critical,
@@ -180,6 +197,7 @@ bool MWindow::IsTransferring() const {
 }
 
 void MWindow::ShowPath(std::string_view path) {
+  connectedOnce_ = true;
   currentDirectory_ = path;
   // What is being typed stays.
   if (!path_->hasFocus() || !path_->isModified()) path_->setText(ToText(path));

@@ -28,6 +28,8 @@ namespace corvane {
 
 class BrowserLink;
 class DirListView;
+class NewDir;
+class RenameWin;
 class SmallView;
 class TambleApp;
 class TransferItem;
@@ -60,6 +62,9 @@ class MWindow : public QMainWindow {
   void GetRidofListing();
   void AddRows(std::vector<MWListItem> items);
   void ListingEnded(std::size_t count);
+  void RemoveRow(const std::string& name);
+  void RenameRow(const std::string& from, const std::string& to, const std::string& directory);
+  void ChangeValues(const std::string& name, std::int64_t size);
   void OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title);
 
   /// Appends to the log a bounded piece at a time, however much it is.
@@ -86,7 +91,8 @@ class MWindow : public QMainWindow {
   // MWindow.cpp
   void StartLooper();
   void FailToStart(const QString& why);
-  void SendToLooper(const Message& message);
+  /// False, with a beep, when the connection takes no more requests.
+  bool SendToLooper(const Message& message);
   void ChangeDirectoryTo(const std::string& name);
   void ChangeDirectory();
   void PathEntered();
@@ -97,6 +103,16 @@ class MWindow : public QMainWindow {
   void FinishedUpload(const Message& message);
   void FatalError(const Message& message);
   void Warn(const QString& text, const QString& title = tr("Warning"));
+
+  // MWindowCommands.cpp
+  void DeleteRequested();
+  void DeleteEntries(const Message& entries);
+  void ShowNewDir();
+  void CreateDirectory();
+  void ShowRename();
+  void RenameRequested();
+  void ViewFile();
+  void OfferToConnect(const QString& text);
 
   // MWindowTransfers.cpp
   void DownloadRequested(const Message& message);
@@ -124,6 +140,9 @@ class MWindow : public QMainWindow {
   std::string currentDirectory_;
   int openWarnings_ = 0;
   bool closingForError_ = false;
+  std::string renaming_;  // the name in the rename window, as the server has it
+  bool connectedOnce_ = false;
+  bool offering_ = false;  // to connect again
 
   QLineEdit* path_ = nullptr;
   QLabel* status_ = nullptr;
@@ -134,11 +153,16 @@ class MWindow : public QMainWindow {
   QPushButton* download_ = nullptr;
   QPushButton* upload_ = nullptr;
   WindowLog* log_ = nullptr;
+  NewDir* newDir_ = nullptr;        // from its first use on
+  RenameWin* renameWin_ = nullptr;  // from its first use on
   QMenu* commands_ = nullptr;
   QAction* copy_ = nullptr;
   QAction* selectAll_ = nullptr;
   QAction* downloadItem_ = nullptr;
   QAction* changeDir_ = nullptr;
+  QAction* deleteItem_ = nullptr;
+  QAction* rename_ = nullptr;
+  QAction* viewFile_ = nullptr;
   QPointer<QFileDialog> openPanel_;
   QPointer<QFileDialog> savePanel_;
   QPointer<QWidget> lastFocus_;  // path field or listing, whichever had the focus last

@@ -141,10 +141,19 @@ void MWindow::MakeMenus() {
   commands_ = menuBar()->addMenu(tr("&Commands"));
   downloadItem_ = AddCommand(commands_, tr("&Download File"), "Ctrl+D", Message("DWLD"_what));
   AddCommand(commands_, tr("&Upload File"), "Ctrl+U", Message("UPLD"_what));
+  deleteItem_ = AddCommand(commands_, tr("De&lete File"), "Ctrl+T", Message("DELE"_what));
+  rename_ = AddCommand(commands_, tr("R&ename File/Dir"), "Ctrl+E", Message("RNFW"_what));
   commands_->addSeparator();
   AddCommand(commands_, tr("&Parent Dir"), "Ctrl+Up", ChangeDirectoryMessage(".."));
   changeDir_ = AddCommand(commands_, tr("&Change Dir"), "Ctrl+Down", Message("PCHN"_what));
-  AddCommand(commands_, tr("&Refresh Listing"), "Ctrl+.", ChangeDirectoryMessage("."));
+  AddCommand(commands_, tr("Create Di&r"), "Ctrl+M", Message("MKDR"_what));
+  AddCommand(commands_, tr("Re&fresh Listing"), "Ctrl+.", ChangeDirectoryMessage("."));
+  AddCommand(commands_, tr("View Dir Li&sting"), "Ctrl+F", Message("VWDR"_what));
+  commands_->addSeparator();
+  viewFile_ = AddCommand(commands_, tr("&View File"), "Ctrl+L", Message("VWFL"_what));
+  // Keys that hands expect from elsewhere.
+  deleteItem_->setShortcuts({deleteItem_->shortcut(), QKeySequence(Qt::Key_Delete)});
+  rename_->setShortcuts({rename_->shortcut(), QKeySequence(Qt::Key_F2)});
 
   MakeWindowsMenu();
   for (QMenu* menu : {file, edit, commands_}) {
@@ -170,9 +179,10 @@ void MWindow::MenusBeginning() {
   const int row = listing_->FirstSelected();
   const bool selected = row >= 0;
   const bool open = listing_->IsEnabled();
-  downloadItem_->setEnabled(open && selected);
-  changeDir_->setEnabled(
-      open && (lastFocus_ == path_ || (selected && listing_->Rows().At(row).Type() == kDirectory)));
+  const std::int32_t type = selected ? listing_->Rows().At(row).Type() : 0;
+  for (QAction* item : {downloadItem_, deleteItem_, rename_}) item->setEnabled(open && selected);
+  viewFile_->setEnabled(open && selected && type != kDirectory);
+  changeDir_->setEnabled(open && (lastFocus_ == path_ || type == kDirectory));
   copy_->setEnabled(selected || lastFocus_ == path_);
   selectAll_->setEnabled(!lastFocus_.isNull());
 }

@@ -1,8 +1,11 @@
 #include "app/Windows.h"
 
 #include <QAction>
+#include <QHBoxLayout>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPointer>
+#include <QPushButton>
 #include <QWidget>
 
 #include "app/MWindow.h"
@@ -30,6 +33,30 @@ void AddCloseKey(QWidget* window) {
 void AddCloseKeys(QWidget* window) {
   AddCloseKey(window);
   window->actions().last()->setShortcuts({QKeySequence("Ctrl+W"), QKeySequence(Qt::Key_Escape)});
+}
+
+QWidget* AskingButtons(QWidget* window, const std::pair<QString, const char*>& accept,
+                       const std::function<void()>& accepted) {
+  auto* row = new QWidget(window);
+  auto* cancel = new QPushButton(QObject::tr("&Cancel"), row);
+  cancel->setObjectName("cancel");
+  auto* button = new QPushButton(accept.first, row);
+  button->setObjectName(accept.second);
+  button->setDefault(true);
+  auto* layout = new QHBoxLayout(row);
+  layout->setContentsMargins(0, 8, 0, 0);
+  layout->addStretch();
+  layout->addWidget(cancel);
+  layout->addWidget(button);
+  QObject::connect(cancel, &QPushButton::clicked, window, &QWidget::hide);
+  QObject::connect(button, &QPushButton::clicked, window, accepted);
+  for (auto* field : window->findChildren<QLineEdit*>()) {
+    QObject::connect(field, &QLineEdit::returnPressed, window, accepted);
+  }
+  // Enter presses the button that has the focus, as in a dialog.
+  cancel->setAutoDefault(true);
+  AddCloseKeys(window);
+  return row;
 }
 
 void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows,

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QString>
 #include <Qt>
+#include <functional>
+#include <utility>
 #include <vector>
 
 class QMenu;
@@ -22,6 +25,11 @@ void AddCloseKeys(QWidget* window);
 inline constexpr Qt::WindowFlags kFixedWindow =
     Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
     Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
+
+/// The row of buttons below a window that asks something: "Cancel", which hides `window`, and the
+/// one that Enter presses, by text and object name.
+[[nodiscard]] QWidget* AskingButtons(QWidget* window, const std::pair<QString, const char*>& accept,
+                                     const std::function<void()>& accepted);
 
 /// Puts one item per browser window but `except` behind the first `fixed` items of `menu`, in place
 /// of what stood there.

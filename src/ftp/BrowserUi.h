@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -15,6 +16,8 @@ class TextSink {
  public:
   virtual ~TextSink() = default;
   virtual bool Append(std::string_view bytes) = 0;
+  /// Nothing more comes. `note` tells the user why the text is not whole; empty where it is.
+  virtual void End(std::string_view note) = 0;
 };
 
 /// What a browser window offers its connection. Any thread may call; every call returns at once and
@@ -33,6 +36,13 @@ class BrowserUi : public OwnerUi {
   virtual bool AddEntries(std::vector<fileStruct> entries) = 0;
   /// The listing is whole: shows the count (without "." and "..") and sorts by name.
   virtual bool EndListing(std::size_t count) = 0;
+  /// Takes the row of that name away.
+  virtual bool RemoveEntry(std::string_view name) = 0;
+  /// Gives a row another name, while the window still shows `directory`.
+  virtual bool RenameEntry(std::string_view from, std::string_view to,
+                           std::string_view directory) = 0;
+  /// A link has turned out to lead to a file of `size` bytes: its row becomes a file's.
+  virtual bool ChangeValues(std::string_view name, std::int64_t size) = 0;
   /// False too when the listing is disabled while a transfer runs on its connection.
   [[nodiscard]] virtual bool IsListingEnabled() = 0;
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ftp/BrowserUi.h"
+#include "ftp/Refusals.h"
 #include "ftp/ReplyReader.h"
 #include "ftp/TransferUi.h"
 #include "kit/Mutex.h"
@@ -95,6 +96,9 @@ class MFtp {
   /// The same where every refusal has to be said: what CheckResult passes over in silence becomes a
   /// warning of `failed` and the server's words.
   bool Accepted(int code, std::string_view failed);
+  /// Whether the server has done what it was asked, or asks for the rest of it (2yz, 3yz); else the
+  /// user is warned of `failed`, with the server's words beneath.
+  bool Succeeded(int code, std::string_view failed);
   void UpdateLog(std::string_view text);
   /// False only when the browser window is closing: the caller stops.
   bool UpdateStatus(std::string_view text);
@@ -183,9 +187,11 @@ class MFtp {
   /// directory cannot be reached: the connection is given up.
   void ReturnToStart(Walk& walk);
 
+  /// Deletes one entry that is no directory; false when it is still there.
+  bool DeleteFile(const std::string& name, Refusals& refused);
   /// Deletes a directory with all that is in it; links are not followed. Not 0 on success. Ends in
   /// the directory in which it began.
-  int DeleteDirectory(const std::string& name);
+  int DeleteDirectory(const std::string& name, Refusals& refused);
 
   // --- state
 
@@ -195,6 +201,8 @@ class MFtp {
   [[nodiscard]] const std::string& LastReplyText() const { return lastReplyText_; }
   [[nodiscard]] const std::string& Host() const { return host_; }
   [[nodiscard]] bool Passive() const { return passive_; }
+  /// The working directory, as far as it was asked for.
+  [[nodiscard]] const std::string& Path() const { return path_; }
   /// Once `cancelled` is true a reply is waited for no longer than it takes to see that the server
   /// is silent; it is taken before the next command. For transfers that cannot Close, the
   /// connection being another's; null ends it.
@@ -203,8 +211,10 @@ class MFtp {
   void ReadPendingReplies();
   /// The connection broke, or the server said 421; a new Login is needed.
   [[nodiscard]] bool Lost() const { return lost_; }
-  /// Tells the browser's user that the connection is gone, and why.
+  /// Gives the connection up and tells the browser's user that it is gone, and why.
   void ReportLost(const NLException& error);
+  /// Tells the browser's user once more that the connection is gone ('LOST').
+  void ReportGone();
 
   /// How long a silent server is waited for, in milliseconds. Set before Login.
   long silenceLimit = 120'000;
@@ -223,6 +233,7 @@ class MFtp {
   Reply ReadReply();
   void ReadOwedReply();
   [[noreturn]] void GiveUp(std::string_view why);
+  void PostLost(std::string_view text);
   [[nodiscard]] OwnerUi& Owner() const;
 
   // login
@@ -255,15 +266,16 @@ class MFtp {
   bool Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
                const std::atomic<bool>& cancelled);
   bool SendFile(TransferUi& row, LocalFile& file, const std::atomic<bool>& cancelled);
-  void FillViewer(const std::string& name);
+  void FillViewer(TextSink& viewer);
   bool CameWhole(const DownloadJob& job, std::int64_t received);
   void Fail(std::string_view why);
   void FailFrom(const NLException& error);
 
   // trees
-  int DeleteDirectory(const std::string& name, Walk& walk);
+  bool DeleteFile(const std::string& name, const std::string& shown, Refusals& refused);
+  int DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused);
   bool MayWalk(const Walk& walk);
-  int DeleteEntries(Walk& walk);
+  int DeleteEntries(Walk& walk, Refusals& refused);
 
   const std::string host_;
   const std::uint16_t port_;
@@ -278,6 +290,7 @@ class MFtp {
   bool warned_ = false;  // the user was warned since Accepted last looked
   int lastCode_ = 0;
   std::string failure_;
+  std::string lostWhy_;  // why the connection is gone, where that is known
   std::int32_t serverType_ = kUnix;
   std::string listCommand_ = "LIST -la\n";
   std::uint16_t passivePort_ = 0;

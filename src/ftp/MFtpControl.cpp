@@ -113,7 +113,10 @@ void MFtp::SendLine(std::string_view command) {
 }
 
 void MFtp::SendControl(std::string_view bytes) {
-  if (lost_) throw NLException("MFtp::SendControl", "The connection is closed");
+  if (lost_) {
+    throw NLException("MFtp::SendControl",
+                      lostWhy_.empty() ? "The connection is closed" : lostWhy_);
+  }
   try {
     SendAll(controlEndpoint_, bytes);
   } catch (const NLException&) {
@@ -129,6 +132,7 @@ Reply MFtp::ReadReply() {
     lastCode_ = reply.code;
     if (reply.code == 421) {
       lost_ = true;
+      lostWhy_ = lastReplyText_;
       controlEndpoint_.close();
     }
     return reply;
@@ -194,7 +198,10 @@ int MFtp::CheckResult(int code) {
     case 250:
     case 257:
     case 350: return 1;
-    case 421: Warn("Service not available, closing control connection!\n"); return 0;
+    case 421:
+      warned_ = true;
+      PostLost("Service not available, closing control connection!\n");
+      return 0;
     case 425: return 0;
     case 426:
     case 450:
@@ -227,6 +234,16 @@ bool MFtp::Accepted(int code, std::string_view failed) {
   const int result = CheckResult(code);
   if (result == 1 || (result != 0 && code < 400)) return true;
   if (!warned_) Warn(std::string(failed).append("\n\n").append(lastReplyText_));
+  return false;
+}
+
+bool MFtp::Succeeded(int code, std::string_view failed) {
+  if (code >= 200 && code < 400) return true;
+  if (code == 421) {
+    ReportGone();
+  } else if (code != 0) {
+    Warn(std::string(failed).append("\n\n").append(lastReplyText_));
+  }
   return false;
 }
 
@@ -268,8 +285,24 @@ void MFtp::ReportLost(const NLException& error) {
   controlEndpoint_.close();
   if (aborted_) return;
   FailFrom(error);
+  lostWhy_ = failure_;
   UpdateStatus("Connection lost.");
-  Warn("The connection to " + host_ + " was lost.\n\n" + failure_ + ".\n");
+  ReportGone();
+}
+
+void MFtp::ReportGone() {
+  std::string text = "The connection to " + host_ + " was lost.\n";
+  std::string_view why = lostWhy_;
+  while (why.ends_with('\n') || why.ends_with('.')) why.remove_suffix(1);
+  if (!why.empty()) text.append("\n").append(why).append(".\n");
+  PostLost(text);
+}
+
+void MFtp::PostLost(std::string_view text) {
+  if (!browser_) return;
+  Message lost("LOST"_what);
+  lost.AddString("warning", text);
+  browser_->PostMessage(std::move(lost));
 }
 
 }  // namespace corvane

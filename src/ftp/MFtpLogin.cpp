@@ -21,6 +21,7 @@ std::uint16_t PortFrom(const std::string& text) {
 
 std::int32_t MFtp::Login() {
   lost_ = false;
+  lostWhy_.clear();
   owedReplies_ = 0;
   returnOwed_ = false;
   binary_ = false;

@@ -185,28 +185,31 @@ int MFtp::ViewFile(const std::string& name) {
     return 0;
   }
   if (state == DataState::Open) {
+    const auto viewer = browser_->OpenViewer(name);
+    std::string missing;
     try {
-      FillViewer(name);
+      if (viewer) FillViewer(*viewer);
     } catch (const NLException& error) {
-      Warn("The file is not complete: " + Reason(error) + "\n");
+      missing = Reason(error);
     }
-  } else {
-    Warn("Passive connection failed.\n", "Error");
+    if (!FinishData() && missing.empty()) missing = failure_;
+    if (viewer) viewer->End(missing.empty() ? "" : "The file is not complete: " + missing);
+    return 1;
   }
+  Warn("Passive connection failed.\n", "Error");
   FinishData();
   return 1;
 }
 
 // Until the data ends, or the text window has enough.
-void MFtp::FillViewer(const std::string& name) {
-  const auto viewer = browser_->OpenViewer(name);
+void MFtp::FillViewer(TextSink& viewer) {
   NLEndpoint* endpoint = DataEndpoint();
   std::vector<char> buffer(std::size_t{64} * 1024);
-  while (viewer && endpoint != nullptr) {
+  while (endpoint != nullptr) {
     const long count = endpoint->recv(buffer.data(), buffer.size());
     if (count <= 0) return;
     const auto end = std::remove(buffer.begin(), buffer.begin() + count, '\r');
-    if (!viewer->Append({buffer.data(), static_cast<std::size_t>(end - buffer.begin())})) return;
+    if (!viewer.Append({buffer.data(), static_cast<std::size_t>(end - buffer.begin())})) return;
   }
 }
 

@@ -24,7 +24,7 @@ bool MFtp::EnterDirectory(Walk& walk, const std::string& name, bool ask) {
   if (walk.paths.empty())
     walk.paths.push_back(path_.empty() && ask ? AskPath().value_or("") : path_);
   const int code = ChangeDir(name);
-  if (!Accepted(code, "The directory cannot be opened.")) {
+  if (code < 200 || code >= 400) {
     if (code != 0) Fail(lastReplyText_);
     return false;
   }
@@ -36,7 +36,6 @@ bool MFtp::EnterDirectory(Walk& walk, const std::string& name, bool ask) {
   const std::string why = failure_;
   LeaveDirectory(walk);
   Fail(why);
-  Warn(why + "\n");
   return false;
 }
 
@@ -64,7 +63,6 @@ bool MFtp::LeaveDirectory(Walk& walk) {
   if (!above.empty() && changed(above)) return true;
   walk.lost = true;
   Fail("The server does not lead back to the directory above: " + lastReplyText_);
-  Warn(failure_ + "\n");
   return false;
 }
 

@@ -13,7 +13,8 @@ class OwnerUi {
   virtual ~OwnerUi() = default;
 
   /// Hands the owner a message: 'FERR' (fatal, "error"), 'GERR' (warning, "warning" and perhaps
-  /// "title"), 'DWLD', 'ADDI'.
+  /// "title"), 'LOST' (the connection is gone, "warning"), 'DWLD', 'ADDI', 'ENBL' (the directory
+  /// that was asked for is made, or is not).
   virtual bool PostMessage(Message message) = 0;
 
   /// Plays a sound file by path; "none", an empty path and a missing file play nothing.

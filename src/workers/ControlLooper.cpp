@@ -5,6 +5,8 @@
 
 #include "ftp/EngineLease.h"
 #include "ftp/MFtp.h"
+#include "ftp/Refusals.h"
+#include "ftp/fileStruct.h"
 #include "net/NLException.h"
 #include "workers/DirLister.h"
 #include "workers/ListingCache.h"
@@ -31,31 +33,66 @@ void ControlLooper::Interrupt() {
 void ControlLooper::MessageReceived(const Message& message) {
   const EngineLease lease(*engine_);
   try {
-    switch (message.what) {
-      case "CNNT"_what: Connect(); break;
-      case "CRDR"_what: Refresh(); break;
-      case "PCHN"_what: ChangeDirectory(message.FindString("cwd").value_or("")); break;
-      case "HSYM"_what: FollowLink(message.FindString("sym").value_or("")); break;
-      default: break;
-    }
+    Handle(message);
   } catch (const NLException& error) {
     engine_->ReportLost(error);
   } catch (const std::exception& error) {
     engine_->Warn(std::string("The request could not be carried out: ") + error.what() + "\n");
   }
+  if (message.what == "MKDR"_what) window_->PostMessage(Message("ENBL"_what));
+}
+
+void ControlLooper::Handle(const Message& message) {
+  const auto text = [&message](const char* field) {
+    return message.FindString(field).value_or("");
+  };
+  switch (message.what) {
+    case "CNNT"_what: Connect(); break;
+    case "RCNN"_what: ConnectAgain(text("path")); break;
+    case "CRDR"_what: Refresh(); break;
+    case "PCHN"_what: ChangeDirectory(text("cwd")); break;
+    case "HSYM"_what: FollowLink(text("sym")); break;
+    case "DELE"_what: Delete(message); break;
+    case "RNFL"_what: Rename(message); break;
+    case "MKDR"_what: CreateDirectory(text("name")); break;
+    case "VWFL"_what: ViewFile(text("file")); break;
+    case "VWDR"_what: ViewListing(); break;
+    case "FRTR"_what: break;
+    default: break;
+  }
 }
 
 void ControlLooper::Connect() {
   cache_ = std::make_shared<ListingCache>();
-  if (engine_->Login() != 1) return;
-  engine_->GetServerType();
-  if (engine_->ReturnServerType() == MFtp::kWindowsNT) AskForUnixListings();
-  engine_->SetPWD();
-  engine_->SendCommand(MFtp::BINARY);
+  if (!Begin()) return;
   const std::string file = EnterStartPath();
   engine_->SetPWD();
   ListDirectory(*engine_, *cache_);
   if (!file.empty()) AskForDownload(file);
+}
+
+void ControlLooper::ConnectAgain(const std::string& directory) {
+  if (!cache_ || !engine_->Lost()) return;
+  if (!Begin()) {
+    engine_->UpdateStatus("Connection lost.");
+    return;
+  }
+  if (!directory.empty()) {
+    engine_->Succeeded(engine_->ChangeDir(directory), "The directory cannot be opened.");
+    engine_->SetPWD();
+  }
+  window_->BeginListing();
+  ListDirectory(*engine_, *cache_);
+}
+
+// Everything between the connection and the first directory; false when the login failed.
+bool ControlLooper::Begin() {
+  if (engine_->Login() != 1) return false;
+  engine_->GetServerType();
+  if (engine_->ReturnServerType() == MFtp::kWindowsNT) AskForUnixListings();
+  engine_->SetPWD();
+  engine_->SendCommand(MFtp::BINARY);
+  return true;
 }
 
 // The command toggles: one that says "off" has switched from the DOS to the UNIX style.
@@ -91,10 +128,12 @@ void ControlLooper::Refresh() {
 // A link that has a size leads to a file, any other to a directory.
 void ControlLooper::FollowLink(const std::string& name) {
   if (NeedsConnection()) return;
-  if (engine_->GetFileSize(name) < 0)
+  const std::int64_t size = engine_->GetFileSize(name);
+  if (size < 0) {
     ChangeDirectory(name);
-  else
+  } else if (window_->ChangeValues(name, size)) {
     AskForDownload(name);
+  }
 }
 
 void ControlLooper::AskForDownload(const std::string& name) {
@@ -115,10 +154,78 @@ void ControlLooper::ChangeDirectory(const std::string& directory) {
   if (!lister->Run()) engine_->Warn("The system has no thread left to fetch the listing.\n");
 }
 
-// A request on a connection that is gone is answered with a warning.
+void ControlLooper::Delete(const Message& entries) {
+  if (NeedsConnection() || HasMoved(entries)) return;
+  Refusals refused;
+  const std::size_t count = entries.CountValues("name");
+  for (std::size_t i = 0; i < count && !Quitting() && !engine_->Lost(); ++i) {
+    const std::string name = entries.FindString("name", i).value_or("");
+    if (DeleteEntry(name, entries.FindInt32("type", i).value_or(kFile), refused) &&
+        !window_->RemoveEntry(name)) {
+      return;
+    }
+  }
+  if (refused.Count() > 0) {
+    engine_->Warn("The server did not delete everything:\n\n" + refused.Text());
+  }
+  if (engine_->Lost()) engine_->ReportGone();
+}
+
+bool ControlLooper::DeleteEntry(const std::string& name, std::int32_t type, Refusals& refused) {
+  if (type == kDirectory) {
+    const bool deleted = engine_->DeleteDirectory(name, refused) != 0;
+    if (deleted) engine_->UpdateStatus("Deletion Success.");
+    return deleted;
+  }
+  engine_->UpdateStatus("Deleting File..");
+  const bool deleted = engine_->DeleteFile(name, refused);
+  engine_->UpdateStatus(deleted ? "Deletion Success." : "Deletion Failed.");
+  return deleted;
+}
+
+void ControlLooper::Rename(const Message& entry) {
+  if (NeedsConnection() || HasMoved(entry)) return;
+  const std::string from = entry.FindString("original").value_or("");
+  const std::string to = entry.FindString("renameto").value_or("");
+  const std::string failed = "\"" + from + "\" was not renamed.";
+  if (engine_->Succeeded(engine_->SendCommand("RNFR " + from + "\n"), failed) &&
+      engine_->Succeeded(engine_->SendCommand("RNTO " + to + "\n"), failed)) {
+    window_->RenameEntry(from, to, engine_->Path());
+  }
+}
+
+void ControlLooper::CreateDirectory(const std::string& name) {
+  if (NeedsConnection()) return;
+  if (engine_->Succeeded(engine_->SendCommand("MKD " + name + "\n"),
+                         "The directory \"" + name + "\" was not created.")) {
+    window_->BeginListing();
+    ListDirectory(*engine_, *cache_);
+  }
+}
+
+void ControlLooper::ViewFile(const std::string& name) {
+  if (!NeedsConnection()) engine_->ViewFile(name);
+}
+
+void ControlLooper::ViewListing() {
+  const auto viewer = window_->OpenViewer("Listing of: " + engine_->Path());
+  if (!viewer) return;
+  const bool shown =
+      cache_ && cache_->Read([&viewer](std::string_view bytes) { return viewer->Append(bytes); });
+  viewer->End(shown ? "" : "The listing could not be read.");
+}
+
+// What was asked for in one directory is not done to entries of the same names in another.
+bool ControlLooper::HasMoved(const Message& request) {
+  if (engine_->StandsIn(request.FindString("path").value_or(""))) return false;
+  engine_->Warn("The directory has changed meanwhile. Nothing was done.\n");
+  return true;
+}
+
+// A request on a connection that is gone is answered by saying so.
 bool ControlLooper::NeedsConnection() {
   if (cache_ && !engine_->Lost()) return false;
-  engine_->Warn("There is no connection to " + engine_->Host() + " any more.\n");
+  engine_->ReportGone();
   return true;
 }
 

@@ -11,12 +11,16 @@ namespace corvane {
 
 class ListingCache;
 class MFtp;
+class Refusals;
 
 /// Performs the FTP operations of one browser window, one message after another, on its own thread.
 ///
-/// 'CNNT' connects, enters the start path and lists; 'PCHN' ("cwd") changes the directory and
-/// lists; 'CRDR' lists again. Quit closes the connection and ends the looper soon, whatever it
-/// waits for.
+/// 'CNNT' connects, enters the start path and lists; 'RCNN' ("path") connects again after a loss.
+/// 'PCHN' ("cwd") changes the directory and lists; 'CRDR' lists again; 'HSYM' ("sym") finds out
+/// where a link leads. 'DELE' ("path", and one "name" and "type" per entry), 'RNFL' ("path",
+/// "original", "renameto") and 'MKDR' ("name", answered with 'ENBL' whatever came of it) change the
+/// directory. 'VWFL' ("file") shows a remote file as text, 'VWDR' the latest listing as it came.
+/// 'FRTR' is reserved. Quit closes the connection and ends the looper soon, whatever it waits for.
 class ControlLooper : public Looper {
  public:
   ControlLooper(std::string host, std::uint16_t port, const std::string& user,
@@ -32,13 +36,23 @@ class ControlLooper : public Looper {
   void Interrupt() override;
 
  private:
+  void Handle(const Message& message);
   void Connect();
+  void ConnectAgain(const std::string& directory);
+  [[nodiscard]] bool Begin();
   void AskForUnixListings();
   std::string EnterStartPath();
   void Refresh();
   void ChangeDirectory(const std::string& directory);
   void FollowLink(const std::string& name);
   void AskForDownload(const std::string& name);
+  void Delete(const Message& entries);
+  bool DeleteEntry(const std::string& name, std::int32_t type, Refusals& refused);
+  void Rename(const Message& entry);
+  void CreateDirectory(const std::string& name);
+  void ViewFile(const std::string& name);
+  void ViewListing();
+  [[nodiscard]] bool HasMoved(const Message& request);
   [[nodiscard]] bool NeedsConnection();
 
   const std::string startPath_;

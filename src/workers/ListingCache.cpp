@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "util/UniqueFd.h"
 
@@ -65,6 +66,16 @@ void ListingCache::WriteListing(std::string_view text) {
     if (written <= 0) return;
     text.remove_prefix(static_cast<std::size_t>(written));
   }
+}
+
+bool ListingCache::Read(const std::function<bool(std::string_view)>& take) const {
+  const UniqueFd file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+  std::vector<char> piece(std::size_t{64} * 1024);
+  ssize_t count = file ? ::read(file.get(), piece.data(), piece.size()) : -1;
+  while (count > 0 && take({piece.data(), static_cast<std::size_t>(count)})) {
+    count = ::read(file.get(), piece.data(), piece.size());
+  }
+  return count >= 0;
 }
 
 }  // namespace corvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,9 @@ class ListingCache {
 
   /// Replaces the text. Failures are silent: the listing is shown all the same.
   void WriteListing(std::string_view text);
+
+  /// Hands the text over piece by piece until `take` answers false; false when it cannot be read.
+  bool Read(const std::function<bool(std::string_view)>& take) const;
 
   /// Empty when no directory could be made.
   [[nodiscard]] const std::string& Path() const { return path_; }

@@ -92,9 +92,10 @@ TEST(Control, JudgesReplies) {
                                        {501, 0}, {502, 0},   {550, 0}};
   for (const auto& [code, result] : cases) EXPECT_EQ(s.engine.CheckResult(code), result) << code;
   EXPECT_EQ(s.Warnings(),
-            (std::vector<std::string>{"Service not available, closing control connection!\n",
-                                      "Error in parameters\n", "Command not implemented!\n",
+            (std::vector<std::string>{"Error in parameters\n", "Command not implemented!\n",
                                       "pub: already exists.\n"}));
+  EXPECT_EQ(s.ui->Seen().Texts("LOST"_what, "warning"),
+            std::vector<std::string>{"Service not available, closing control connection!\n"});
   s.ui->listingEnabled = false;
   EXPECT_EQ(s.engine.CheckResult(550), 1);
 }

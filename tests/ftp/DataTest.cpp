@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <future>
@@ -201,7 +202,9 @@ TEST(DeleteDirectory, SendsItsCommandsInOrder) {
   s.server.Tree().AddFile("/d/f", "x");
   s.server.Tree().AddFile("/d/e/g", "x");
   s.LogIn();
-  EXPECT_NE(s.engine.DeleteDirectory("d"), 0);
+  Refusals refused;
+  EXPECT_NE(s.engine.DeleteDirectory("d", refused), 0);
+  EXPECT_EQ(refused.Count(), 0U);
   EXPECT_FALSE(s.server.Tree().Exists("/d"));
   EXPECT_EQ(s.Sent(),
             "CWD d\r\nPORT\r\nTYPE I\r\nLIST -la\r\n"
@@ -210,22 +213,29 @@ TEST(DeleteDirectory, SendsItsCommandsInOrder) {
 }
 
 TEST(DeleteDirectory, StopsWithoutHarm) {
-  const std::pair<const char*, ScriptedAction> cases[] = {
-      {"CWD", {.reply = "550 No\r\n"}},
-      {"LIST", {.reply = "450 No\r\n"}},
-      {"LIST", {.completion = "451 Cut\r\n"}},
-      {"LIST", {.data = "drwx 1 u g 1 Jan 1 10:00 /\r\n"}},
-      {"LIST", {.data = "-rwx 1 u g 1 Jan 1 10:00 ../keep\r\n"}},
-      {"DELE", {.reply = "550 No\r\n"}},
+  const std::tuple<const char*, ScriptedAction, const char*> cases[] = {
+      {"CWD", {.reply = "550 No\r\n"}, "d: No\n"},
+      {"LIST", {.reply = "450 No\r\n"}, "/d/: The listing did not come whole.\n"},
+      {"LIST", {.completion = "451 Cut\r\n"}, "/d/: The listing did not come whole.\n"},
+      {"LIST",
+       {.data = "drwx 1 u g 1 Jan 1 10:00 /\r\n"},
+       "/d//: Left alone, for the name leads elsewhere.\n"},
+      {"LIST",
+       {.data = "-rwx 1 u g 1 Jan 1 10:00 ../keep\r\n"},
+       "/d/../keep: Left alone, for the name leads elsewhere.\n"},
+      {"DELE", {.reply = "550 No\r\n"}, "/d/f: No\n"},
   };
-  for (const auto& [verb, action] : cases) {
+  for (const auto& [verb, action, text] : cases) {
     Session s(true);
     s.server.Tree().AddFile("/keep", "x");
     s.server.Tree().AddFile("/d/f", "x");
     s.server.Tree().AddLink("/d/link", "/");
     s.server.On(verb, action, 1);
     s.LogIn();
-    EXPECT_EQ(s.engine.DeleteDirectory("d"), 0) << verb;
+    s.engine.SetPWD();
+    Refusals refused;
+    EXPECT_EQ(s.engine.DeleteDirectory("d", refused), 0) << verb;
+    EXPECT_EQ(refused.Text(), text);
     EXPECT_TRUE(s.server.Tree().Exists("/keep") && s.server.Tree().Exists("/d/f")) << verb;
     s.engine.SetPWD();
     EXPECT_EQ(s.ui->Seen().path, "/") << verb << s.server.Dialogue();
@@ -240,8 +250,9 @@ TEST(DeleteDirectory, StopsWithoutHarm) {
     s.server.On("PWD", {.reply = pwd});
     s.server.On("LIST", {.data = "drwx 1 u g 1 Jan 1 10:00 d\r\n"});
     s.LogIn();
-    EXPECT_EQ(s.engine.DeleteDirectory("d"), 0);
-    EXPECT_EQ(s.engine.LastFailure(), failure);
+    Refusals refused;
+    EXPECT_EQ(s.engine.DeleteDirectory("d", refused), 0);
+    EXPECT_THAT(refused.Text(), testing::HasSubstr(failure));
   }
 }
 

@@ -114,7 +114,8 @@ TEST_P(SessionTest, DoesWhatAUserDoes) {
   }
 
   EXPECT_NE(engine_->CheckResult(engine_->ChangeDir("..")), 0);
-  EXPECT_NE(engine_->DeleteDirectory("tree"), 0);
+  Refusals refused;
+  EXPECT_NE(engine_->DeleteDirectory("tree", refused), 0) << refused.Text();
   EXPECT_FALSE(fs::exists(tree_));
   EXPECT_EQ(List(), (std::vector<std::string>{".", "..", "pub"}));
   EXPECT_EQ(engine_->SendCommand("QUIT\n"), 221);

@@ -20,6 +20,7 @@ struct BrowserRecord : OwnerRecord {
   std::optional<std::size_t> count;  ///< once the last listing has ended
   std::string viewerTitle;
   std::string viewerText;
+  std::string viewerNote;
 
   [[nodiscard]] std::vector<std::string> Names() const {
     std::vector<std::string> names;
@@ -58,11 +59,34 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
   bool EndListing(std::size_t count) override {
     return Note([&](BrowserRecord& r) { r.count = count; });
   }
+  bool RemoveEntry(std::string_view name) override {
+    return Note([&](BrowserRecord& r) {
+      std::erase_if(r.entries, [&](const fileStruct& entry) { return entry.name == name; });
+    });
+  }
+  bool RenameEntry(std::string_view from, std::string_view to,
+                   std::string_view directory) override {
+    return Note([&](BrowserRecord& r) {
+      for (fileStruct& entry : r.entries) {
+        if (entry.name == from && r.path == directory) entry.name = to;
+      }
+    });
+  }
+  bool ChangeValues(std::string_view name, std::int64_t size) override {
+    return Note([&](BrowserRecord& r) {
+      for (fileStruct& entry : r.entries) {
+        if (entry.name == name) entry.size = size;
+      }
+    });
+  }
   bool IsListingEnabled() override { return listingEnabled && !closing; }
 
   std::shared_ptr<TextSink> OpenViewer(std::string_view title) override {
     const bool open = Note([&](BrowserRecord& r) { r.viewerTitle = title; });
     return open ? shared_from_this() : nullptr;
+  }
+  void End(std::string_view note) override {
+    Note([&](BrowserRecord& r) { r.viewerNote = note; });
   }
   bool Append(std::string_view bytes) override {
     return Note([&](BrowserRecord& r) { r.viewerText += bytes; });

@@ -14,6 +14,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr std::uint32_t kWarning = "GERR"_what;
+constexpr std::uint32_t kLost = "LOST"_what;
+
 /// A browser window on a server of its own. Closing it leaves no thread behind.
 struct Window {
   ScriptedServer server;
@@ -41,8 +44,8 @@ struct Window {
     });
   }
 
-  [[nodiscard]] bool Warned(std::size_t times) const {
-    return WaitFor([&] { return browser->Seen().Texts("GERR"_what, "warning").size() == times; });
+  [[nodiscard]] bool Warned(std::size_t times, std::uint32_t what = kWarning) const {
+    return WaitFor([&] { return browser->Seen().Texts(what, "warning").size() == times; });
   }
 
   [[nodiscard]] bool Downloads(const std::string& name) const {
@@ -124,15 +127,104 @@ TEST(ControlLooper, AsksAWindowsServerForUnixListings) {
   }
 }
 
-TEST(ControlLooper, SaysThatTheConnectionIsLost) {
+// However it was lost: the next request says so, and a new login leads to the same directory.
+TEST(ControlLooper, ConnectsAgainAfterALoss) {
+  const ScriptedAction losses[] = {
+      {.reply = "", .control = ControlEnd::Reset},
+      {.reply = "", .control = ControlEnd::Close},
+      {.reply = "421 Idle for too long.\r\n", .control = ControlEnd::Close},
+  };
+  for (const ScriptedAction& loss : losses) {
+    Window w;
+    w.server.Tree().AddFile("/pub/a", "1");
+    w.Connect("/pub");
+    ASSERT_TRUE(w.Shows("/pub", {"a"}));
+    w.server.On("CWD", loss, 2);
+    w.Post("PCHN"_what, "cwd", "..");
+    ASSERT_TRUE(w.Warned(1, kLost));
+    w.Post("DELE"_what, "name", "a");
+    ASSERT_TRUE(w.Warned(2, kLost));
+    w.server.Tree().AddFile("/pub/b", "1");
+    w.Post("RCNN"_what, "path", "/pub");
+    EXPECT_TRUE(w.Shows("/pub", {"a", "b"})) << w.server.Dialogue();
+    EXPECT_TRUE(w.Warned(2, kLost) && w.Warned(0));
+  }
+}
+
+TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
   Window w;
-  w.server.On("CWD", {.reply = "", .control = ControlEnd::Reset});
-  w.Connect();
-  w.Post("PCHN"_what, "cwd", "a");
-  ASSERT_TRUE(w.Warned(1));
-  EXPECT_EQ(w.browser->Seen().statuses.back(), "Connection lost.");
-  w.Post("PCHN"_what, "cwd", "b");
-  EXPECT_TRUE(w.Warned(2));
+  w.server.Tree().AddFile("/pub/a", "1");
+  w.server.Tree().AddFile("/pub/b", "1");
+  w.server.Tree().AddFile("/pub/d/e", "1");
+  w.server.Tree().AddLink("/pub/l", "/pub/b");
+  w.server.On("RNFR", {.reply = "350 And?\r\n"});
+  w.server.On("RNTO", {.reply = "250 Renamed.\r\n"}, 1);
+  w.server.On("RNTO", {.reply = "553 Not there.\r\n"}, 2);
+  w.Connect("/pub");
+  ASSERT_TRUE(w.Shows("/pub", {"a", "b", "d", "l"}));
+
+  Message entries("DELE"_what);
+  entries.AddString("path", "/pub");
+  const std::pair<const char*, std::int32_t> rows[] = {
+      {"a", kFile}, {"gone", kFile}, {"d", kDirectory}, {"no", kDirectory}, {"l", kLink}};
+  for (const auto& [name, type] : rows) {
+    entries.AddString("name", name);
+    entries.AddInt32("type", type);
+  }
+  ASSERT_TRUE(w.looper->PostMessage(entries));
+  EXPECT_TRUE(w.Warned(1)) << w.server.Dialogue();
+  EXPECT_EQ(w.browser->Seen().Names(), (std::vector<std::string>{".", "..", "b"}));
+  EXPECT_EQ(
+      w.browser->Seen().Texts(kWarning, "warning").front(),
+      "The server did not delete everything:\n\ngone: Cannot do that.\nno: Cannot do that.\n");
+
+  const std::pair<const char*, const char*> renames[] = {
+      {"/pub", "c"}, {"/pub", "x"}, {"/elsewhere", "y"}};
+  for (const auto& [path, to] : renames) {
+    Message rename("RNFL"_what);
+    rename.AddString("path", path);
+    rename.AddString("original", "b");
+    rename.AddString("renameto", to);
+    ASSERT_TRUE(w.looper->PostMessage(rename));
+  }
+  EXPECT_TRUE(w.Warned(3));
+  EXPECT_EQ(w.browser->Seen().Names().back(), "c");
+
+  w.Post("MKDR"_what, "name", "new");
+  EXPECT_TRUE(w.Shows("/pub", {"b", "new"}));
+  w.server.On("MKD", {.reply = "550 It already exists.\r\n"});
+  w.Post("MKDR"_what, "name", "new");
+  EXPECT_TRUE(w.Warned(4));
+  const auto answered = [&w] {
+    return std::ranges::count(w.browser->Seen().messages, Message("ENBL"_what)) == 2;
+  };
+  EXPECT_TRUE(WaitFor(answered));
+}
+
+TEST(ControlLooper, ShowsFilesAndTheListingAsText) {
+  // What stands at "f" on the server, and the note below the text.
+  const std::pair<ScriptedAction, const char*> cases[] = {
+      {{}, ""},
+      {{.dataLimit = 3, .completion = "426 Broken off.\r\n"},
+       "The file is not complete: Broken off."},
+  };
+  for (const auto& [action, note] : cases) {
+    Window w;
+    w.server.Tree().AddFile("/f", "one\r\ntwo\n");
+    w.server.On("RETR", action, 1);
+    w.Connect();
+    ASSERT_TRUE(w.Shows("/", {"f"}));
+    w.Post("VWFL"_what, "file", "f");
+    const std::string text = action.dataLimit == 3 ? "one" : "one\ntwo\n";
+    const std::string expected = note;
+    EXPECT_TRUE(WaitFor([&] {
+      const BrowserRecord seen = w.browser->Seen();
+      return seen.viewerTitle == "f" && seen.viewerText == text && seen.viewerNote == expected;
+    })) << w.browser->Seen().viewerNote;
+    w.Post("VWDR"_what, "", "");
+    ASSERT_TRUE(WaitFor([&] { return w.browser->Seen().viewerTitle == "Listing of: /"; }));
+    EXPECT_TRUE(WaitFor([&] { return w.browser->Seen().viewerText.ends_with(" f\n"); }));
+  }
 }
 
 // Whatever the server holds back.

@@ -1,0 +1,161 @@
+// What a browser window asks of its connection beyond changing the directory: deleting, renaming,
+// making directories, viewing, and connecting again.
+
+#include <utility>
+
+#include "app/Alerts.h"
+#include "app/DirListView.h"
+#include "app/Frames.h"
+#include "app/MWindow.h"
+#include "app/NewDir.h"
+#include "app/RenameWin.h"
+#include "app/SmallView.h"
+#include "app/Text.h"
+#include "app/WindowLog.h"
+#include "app/Windows.h"
+
+namespace corvane {
+namespace {
+
+void ShowBeside(const QWidget& browser, QWidget* window) {
+  if (!window->isVisible()) {
+    const QRect frame = browser.frameGeometry();
+    window->move(
+        Frames::OnScreen(QRect({frame.right() + 10, frame.bottom() / 2}, window->sizeHint()))
+            .topLeft());
+  }
+  BringForward(window);
+}
+
+}  // namespace
+
+// "." and ".." are never deleted, however they came to be selected.
+void MWindow::DeleteRequested() {
+  Message entries("DELE"_what);
+  entries.AddString("path", currentDirectory_);
+  int directories = 0;
+  QString name;
+  for (const int row : listing_->SelectedRows()) {
+    const MWListItem& item = listing_->Rows().At(row);
+    if (item.IsDots()) continue;
+    entries.AddString("name", item.Name());
+    entries.AddInt32("type", item.Type());
+    name = ToText(item.Name());
+    if (item.Type() == kDirectory) ++directories;
+  }
+  const auto count = static_cast<int>(entries.CountValues("name"));
+  if (count == 0) return;
+  QString text;
+  if (count > 1) {
+    text = tr("Delete these %1 entries from the server?").arg(count);
+    if (directories > 0) text += "\n\n" + tr("Directories go with everything in them.");
+  } else if (directories > 0) {
+    text = tr("Delete the directory \"%1\" and everything in it from the server?").arg(name);
+  } else {
+    text = tr("Delete \"%1\" from the server?").arg(name);
+  }
+  Alerts::Show(
+      this,
+      {.title = tr("Alert!"), .text = text, .buttons = {tr("&Delete"), tr("Cancel")}, .preset = 1},
+      [this, entries](int button) {
+        if (button == 0) DeleteEntries(entries);
+      });
+}
+
+void MWindow::DeleteEntries(const Message& entries) {
+  listing_->clearSelection();
+  ShowStatus("Connected.");
+  SendToLooper(entries);
+}
+
+void MWindow::ShowNewDir() {
+  if (newDir_ == nullptr) {
+    newDir_ = new NewDir(this);
+    connect(newDir_, &NewDir::Entered, this, [this] { MessageReceived(Message("CRDR"_what)); });
+  }
+  ShowBeside(*this, newDir_);
+}
+
+// The listing is disabled until the server has answered, which 'ENBL' says.
+void MWindow::CreateDirectory() {
+  if (newDir_ == nullptr || newDir_->Name().isEmpty()) return;
+  Message message("MKDR"_what);
+  message.AddString("name", ToBytes(newDir_->Name()));
+  listing_->DisableAll();
+  if (!SendToLooper(message)) listing_->EnableAll();
+}
+
+void MWindow::ShowRename() {
+  const int row = listing_->FirstSelected();
+  if (row < 0 || listing_->Rows().At(row).IsDots()) return;
+  if (renameWin_ == nullptr) {
+    renameWin_ = new RenameWin(this);
+    connect(renameWin_, &RenameWin::Entered, this,
+            [this] { MessageReceived(Message("RNFL"_what)); });
+  }
+  renaming_ = listing_->Rows().At(row).Name();
+  renameWin_->Fill(ToText(renaming_));
+  ShowBeside(*this, renameWin_);
+}
+
+// Most servers replace an entry of the new name without a word.
+void MWindow::RenameRequested() {
+  if (renameWin_ == nullptr || renameWin_->RenameTo().isEmpty()) return;
+  const std::string to = ToBytes(renameWin_->RenameTo());
+  Message message("RNFL"_what);
+  message.AddString("original", EditedBytes(renameWin_->Original(), renaming_));
+  message.AddString("renameto", to);
+  message.AddString("path", currentDirectory_);
+  if (listing_->Rows().Find(to) < 0) return void(SendToLooper(message));
+  Alerts::Show(this,
+               {.title = tr("Alert!"),
+                .text = tr("\"%1\" exists already, and the server may replace it.").arg(ToText(to)),
+                .buttons = {tr("&Rename"), tr("Cancel")},
+                .preset = 1},
+               [this, message](int button) {
+                 if (button == 0) SendToLooper(message);
+               });
+}
+
+void MWindow::ViewFile() {
+  const int row = listing_->FirstSelected();
+  if (row < 0 || listing_->Rows().At(row).Type() == kDirectory) return;
+  Message message("VWFL"_what);
+  message.AddString("file", listing_->Rows().At(row).Name());
+  SendToLooper(message);
+}
+
+void MWindow::OfferToConnect(const QString& text) {
+  if (std::exchange(offering_, true)) return AppendLog(text.toStdString() + "\n");
+  Alerts::Show(
+      this, {.title = tr("Warning"), .text = text, .buttons = {tr("&Connect Again"), tr("Cancel")}},
+      [this](int button) {
+        offering_ = false;
+        if (button != 0) return;
+        Message message("RCNN"_what);
+        message.AddString("path", currentDirectory_);
+        SendToLooper(message);
+      });
+}
+
+void MWindow::RemoveRow(const std::string& name) {
+  const int row = listing_->Rows().Find(name);
+  if (row < 0) return;
+  listing_->Rows().Remove(row);
+  count_->SetText(count_->Count() - 1);
+}
+
+// A row that had the new name is replaced, as its entry is.
+void MWindow::RenameRow(const std::string& from, const std::string& to,
+                        const std::string& directory) {
+  if (directory != currentDirectory_ || from == to || listing_->Rows().Find(from) < 0) return;
+  RemoveRow(to);
+  listing_->Rows().Rename(listing_->Rows().Find(from), to);
+}
+
+void MWindow::ChangeValues(const std::string& name, std::int64_t size) {
+  const int row = listing_->Rows().Find(name);
+  if (row >= 0 && listing_->Rows().At(row).Type() == kLink) listing_->ChangeValues(row, size);
+}
+
+}  // namespace corvane

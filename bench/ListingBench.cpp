@@ -1,7 +1,11 @@
-// How long a browser window takes to show a directory, and whether it answers meanwhile.
+// How long a browser window takes to show a directory and to work with it, and whether it answers
+// meanwhile.
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QScrollBar>
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
@@ -56,10 +60,68 @@ long ResidentKilobytes() {
   return kilobytes;
 }
 
+double Milliseconds(const std::function<void()>& work) {
+  QElapsedTimer clock;
+  clock.start();
+  work();
+  return static_cast<double>(clock.nsecsElapsed()) / 1e6;
+}
+
+/// What the user does with the rows that are there; the slowest of each kind, painting included.
+struct Handling {
+  double sort = 0;
+  double typing = 0;
+  double menu = 0;
+  double scroll = 0;
+};
+
+Handling Handle(corvane::DirListView& view) {
+  Handling worst;
+  const auto note = [](double& slowest, const std::function<void()>& work) {
+    slowest = std::max(slowest, Milliseconds(work));
+  };
+  for (const int column :
+       {corvane::DirListModel::kSize, corvane::DirListModel::kDate, corvane::DirListModel::kName,
+        corvane::DirListModel::kName, corvane::DirListModel::kName}) {
+    note(worst.sort, [&] {
+      view.SetSortKey(column);
+      view.viewport()->repaint();
+    });
+  }
+  quint64 milliseconds = 1000;
+  for (const char letter : view.Rows().At(view.Rows().Count() - 1).Name()) {
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QString(QChar::fromLatin1(letter)));
+    key.setTimestamp(milliseconds += 100);
+    note(worst.typing, [&] {
+      QCoreApplication::sendEvent(&view, &key);
+      view.viewport()->repaint();
+    });
+  }
+  if (view.FirstSelected() != view.Rows().Count() - 1) std::exit(1);
+  note(worst.menu, [&] {
+    view.selectAll();
+    QMenu* menu = view.SetupPopUpMenu();
+    menu->popup({10, 10});
+    menu->repaint();
+    view.viewport()->repaint();
+    delete menu;
+  });
+  QScrollBar* bar = view.verticalScrollBar();
+  constexpr int kSteps = 500;
+  for (int step = 0; step <= kSteps; ++step) {
+    note(worst.scroll, [&] {
+      bar->setValue(static_cast<int>(static_cast<std::int64_t>(bar->maximum()) * step / kSteps));
+      view.viewport()->repaint();
+    });
+  }
+  return worst;
+}
+
 }  // namespace
 
 // HOST PORT USER PASSWORD FOLDER ENTRIES: prints milliseconds to all rows shown, the longest stall
-// of the event loop in milliseconds, and resident kilobytes before and with the rows.
+// of the event loop in milliseconds, resident kilobytes before and with the rows and once they are
+// gone, and the slowest sort, type-ahead, selection of everything with its menu, and scroll step.
 int main(int argc, char** argv) {
   if (argc != 7) return 2;
   const int entries = std::atoi(argv[6]);
@@ -104,8 +166,16 @@ int main(int argc, char** argv) {
   QElapsedTimer rest;
   rest.start();
   WaitFor([&] { return rest.elapsed() > 300; });  // what follows the paint must not stall either
-  std::printf("%.1f %.1f %ld %ld\n", static_cast<double>(took) / 1e6,
-              static_cast<double>(stall) / 1e6, before, ResidentKilobytes());
+  const long with = ResidentKilobytes();
+  const qint64 longest = stall;
+  const Handling worst = Handle(window.Listing());
+  corvane::Message leave("PCHN"_what);
+  leave.AddString("cwd", "..");
+  window.MessageReceived(leave);
+  WaitFor([&] { return shown->Count() > 0 && shown->Count() < entries; });
+  std::printf("%.1f %.1f %ld %ld %ld %.1f %.1f %.1f %.1f\n", static_cast<double>(took) / 1e6,
+              static_cast<double>(longest) / 1e6, before, with, ResidentKilobytes(), worst.sort,
+              worst.typing, worst.menu, worst.scroll);
   std::fflush(stdout);
   app.Quit();
   corvane::ListingCache::RemoveAll();

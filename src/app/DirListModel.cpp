@@ -1,5 +1,7 @@
 #include "app/DirListModel.h"
 
+#include <malloc.h>
+
 #include <QFontDatabase>
 #include <algorithm>
 #include <span>
@@ -67,11 +69,16 @@ const MWListItem& DirListModel::At(int row) const {
 }
 
 void DirListModel::Clear() {
+  constexpr std::size_t kManyRows = 10'000;
+  const bool many = items_.size() > kManyRows;
   beginResetModel();
   items_.clear();
   items_.shrink_to_fit();
   order_.clear();
+  order_.shrink_to_fit();
   endResetModel();
+  // The rows were made on the connection's thread, whose memory would not be given back otherwise.
+  if (many) ::malloc_trim(0);
 }
 
 void DirListModel::Append(std::vector<MWListItem> items) {

@@ -31,16 +31,22 @@ class RecordingLooper : public Looper {
     MutexLock hold(lock_);
     return directories_;
   }
+  [[nodiscard]] Message Last() {
+    MutexLock hold(lock_);
+    return last_;
+  }
 
  protected:
   void MessageReceived(const Message& message) override {
     MutexLock hold(lock_);
     directories_ += message.FindString("cwd").value_or("") + " ";
+    last_ = message;
   }
 
  private:
   Mutex lock_;
   std::string directories_ GUARDED_BY(lock_);
+  Message last_ GUARDED_BY(lock_);
 };
 
 /// A transfer that moves nothing.
@@ -99,8 +105,9 @@ class AppFixture : public testing::Test {
     const std::string mark = "listing " + std::to_string(++listings_);
     link_->BeginListing();
     link_->AddEntries({File(".", kDirectorySize), File("..", kDirectorySize)});
+    const std::size_t count = entries.size();
     link_->AddEntries(std::move(entries));
-    link_->EndListing(0);
+    link_->EndListing(count);
     link_->SetStatus(mark);
     ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
   }

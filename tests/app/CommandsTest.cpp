@@ -1,0 +1,218 @@
+#include <QApplication>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+
+#include "AppFixture.h"
+#include "app/MViewFile.h"
+#include "app/NewDir.h"
+#include "app/RenameWin.h"
+#include "app/SmallView.h"
+#include "support/ScriptedServer.h"
+
+namespace corvane {
+namespace {
+
+class Commands : public AppFixture {
+ protected:
+  Commands() {
+    link_->SetPath("/pub");
+    List({File("b", 5), File("dir", kDirectorySize), Link("link"), File("\xE4", 5), File("z", 5)});
+  }
+  static fileStruct Link(const std::string& name) {
+    fileStruct entry = File(name, kLinkSize);
+    entry.type = kLink;
+    entry.permissions = "lrwxrwxrwx";
+    return entry;
+  }
+  void Press(Qt::Key key) { QTest::keyClick(window_, key, Qt::ControlModifier); }
+  /// The names, rows of links marked, and the count below them.
+  [[nodiscard]] std::string Rows() {
+    std::string rows;
+    for (int row = 2; row < View().Rows().Count(); ++row) {
+      rows += View().Rows().At(row).Name() + View().Rows().At(row).SizeText() + ",";
+    }
+    return rows + std::to_string(window_->findChild<SmallView*>()->Count());
+  }
+  /// What the connection is asked for, as "CODE field=text ..."; the code alone of one before.
+  [[nodiscard]] std::string Asked() {
+    const Message last = looper_->Last();
+    std::string text;
+    for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(last.what >> shift);
+    for (const std::string& field : last.Names()) {
+      for (std::size_t i = 0; i < last.CountValues(field); ++i) {
+        if (const auto value = last.FindString(field, i)) text += " " + field + "=" + *value;
+      }
+    }
+    return text;
+  }
+  [[nodiscard]] bool Asks(const std::string& request) {
+    return Wait([&] { return Asked() == request; });
+  }
+};
+
+TEST_F(Commands, AreEnabledByTheFirstSelectedRow) {
+  const std::pair<int, QByteArray> cases[] = {
+      {-1, "Upload File,Parent Dir,Create Dir,Refresh Listing,View Dir Listing"},
+      {2,
+       "Download File,Upload File,Delete File,Rename File/Dir,Parent Dir,Create Dir,"
+       "Refresh Listing,View Dir Listing,View File"},
+      {3,
+       "Download File,Upload File,Delete File,Rename File/Dir,Parent Dir,Change Dir,Create Dir,"
+       "Refresh Listing,View Dir Listing"},
+  };
+  for (const auto& [row, items] : cases) {
+    View().clearSelection();
+    if (row >= 0) View().SelectRow(row);
+    QByteArrayList enabled;
+    for (const QAction* action : window_->findChildren<QAction*>()) {
+      const auto* menu = qobject_cast<QMenu*>(action->parent());
+      if (menu == nullptr || menu->title() != "&Commands" || !action->isEnabled()) continue;
+      if (!action->isSeparator() && action->menu() == nullptr)
+        enabled << action->text().remove('&').toUtf8();
+    }
+    EXPECT_EQ(enabled.join(','), items) << row;
+  }
+  for (const auto& [row, usable] : {std::pair(2, true), std::pair(3, false)}) {
+    View().SelectRow(row);
+    EXPECT_EQ(View().SetupPopUpMenu()->actions().at(1)->isEnabled(), usable);
+  }
+}
+
+TEST_F(Commands, DeleteAsksFirstAndSparesTheDots) {
+  button_ = 1;
+  Press(Qt::Key_A);
+  Press(Qt::Key_T);
+  EXPECT_EQ(View().SelectedCount(), 7);
+  button_ = 0;
+  Press(Qt::Key_T);
+  EXPECT_TRUE(Asks("DELE path=/pub name=b name=dir name=link name=z name=\xE4")) << Asked();
+  EXPECT_EQ(View().SelectedCount(), 0);
+  ASSERT_EQ(alerts_.size(), 2U);
+  for (const auto& [row, alerts] : {std::pair(1, 2U), std::pair(3, 3U)}) {
+    View().SelectRow(row);
+    Press(Qt::Key_T);
+    EXPECT_EQ(alerts_.size(), alerts);
+    QApplication::processEvents();
+  }
+  View().SelectRow(6);
+  for (const char* name : {"dir", "b", "gone"}) link_->RemoveEntry(name);
+  EXPECT_TRUE(Wait([&] { return Rows() == "link <link>,z 5 B,\xE4 5 B,3"; })) << Rows();
+  View().SetSortKey(DirListModel::kSize);
+  EXPECT_EQ(View().Rows().At(View().FirstSelected()).Name(), "\xE4");
+}
+
+TEST_F(Commands, RenameKeepsBytesAndAsksBeforeItReplaces) {
+  // The row, the new name, the button pressed, and what the connection is asked.
+  const std::tuple<int, const char*, int, const char*> cases[] = {
+      {6, "", 0, "CNNT"},
+      {6, "\u00FC", 0, "RNFL original=\xE4 renameto=\xC3\xBC path=/pub"},
+      {2, "z", 1, "RNFL original=\xE4 renameto=\xC3\xBC path=/pub"},
+      {2, "z", 0, "RNFL original=b renameto=z path=/pub"},
+  };
+  for (const auto& [row, name, button, request] : cases) {
+    button_ = button;
+    View().SelectRow(row);
+    window_->MessageReceived(Message("RNFW"_what));
+    auto* asking = window_->findChild<RenameWin*>();
+    auto* field = asking->findChild<QLineEdit*>("RenameTo");
+    field->setText(name);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_FALSE(asking->isVisible());
+    EXPECT_TRUE(Wait([&, wanted = request] { return Asked().starts_with(wanted); })) << Asked();
+  }
+  EXPECT_EQ(alerts_.size(), 2U);
+  link_->RenameEntry("link", "b", "/elsewhere");
+  link_->RenameEntry("b", "z", "/pub");
+  EXPECT_TRUE(Wait([&] { return Rows() == "z 5 B,dir <dir>,link <link>,\xE4 5 B,4"; })) << Rows();
+}
+
+TEST_F(Commands, TheListingWaitsForANewDirectory) {
+  for (const char* name : {"", "new"}) {
+    Press(Qt::Key_M);
+    auto* field = window_->findChild<NewDir*>()->findChild<QLineEdit*>();
+    field->setText(name);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(View().IsEnabled(), *name == '\0');
+  }
+  EXPECT_TRUE(Asks("MKDR name=new"));
+  link_->PostMessage(Message("ENBL"_what));
+  EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
+}
+
+TEST_F(Commands, ALinkBecomesTheFileItLeadsTo) {
+  const std::pair<std::int64_t, const char*> cases[] = {
+      {500, "  <link>500 B"}, {2048, " 2.00 KB"}, {3'072'000, " 3.00  MB"}};
+  for (const auto& [size, text] : cases) {
+    List({Link("l")});
+    View().SelectRow(2);
+    link_->ChangeValues("l", size);
+    EXPECT_TRUE(Wait([&, wanted = text] { return View().Rows().At(2).SizeText() == wanted; }));
+    EXPECT_EQ(window_->findChild<QLabel*>("Permissions")->text(), "Perm: -rwxrwxrwx");
+    EXPECT_EQ(View().Rows().At(2).Type(), kFile);
+  }
+}
+
+// Neither a loss nor a failed login afterwards takes the window away.
+TEST_F(Commands, OffersToConnectAgain) {
+  button_ = 1;
+  link_->PostMessage(With("LOST"_what, "warning", "gone"));
+  EXPECT_TRUE(Wait([&] { return alerts_.size() == 1; }));
+  EXPECT_EQ(Asked(), "CNNT host=server.test user=anonymous pass=guest@a.b path=");
+  button_ = 0;
+  link_->PostMessage(With("FERR"_what, "error", "no answer"));
+  EXPECT_TRUE(Asks("RCNN path=/pub"));
+  EXPECT_FALSE(window_.isNull());
+}
+
+TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
+  const auto viewer = link_->OpenViewer("v");
+  ASSERT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));
+  auto* shown = window_->findChild<MViewFile*>();
+  auto* text = shown->findChild<QPlainTextEdit*>();
+  viewer->Append("one\ntw\xC3");
+  QApplication::processEvents();
+  viewer->Append("\xB6\n" + std::string(5000, 'x'));
+  EXPECT_TRUE(Wait([&] { return text->blockCount() == 4; })) << text->blockCount();
+  EXPECT_EQ(text->toPlainText().left(8), "one\ntw\u00F6\n");
+  Press(Qt::Key_F);
+  QTest::keyClick(shown, Qt::Key_F, Qt::ControlModifier);
+  QTest::keyClicks(shown->findChild<QLineEdit*>(), "NE");
+  QTest::keyClick(shown->findChild<QLineEdit*>(), Qt::Key_Return);
+  EXPECT_EQ(text->textCursor().selectedText(), "ne");
+
+  const auto* note = shown->findChild<QLabel*>("Note");
+  viewer->End("The file is not complete: cut");
+  EXPECT_TRUE(Wait([&] { return note->text() == "The file is not complete: cut"; }));
+  const std::string line = std::string(1023, 'y') + '\n';
+  std::size_t bytes = 5008;
+  while (viewer->Append(line)) bytes += line.size();
+  EXPECT_LE(bytes, ViewerLink::kMostBytes);
+  EXPECT_TRUE(Wait([&] { return note->text() == "Only the first 32 MiB are shown."; }));
+  shown->close();
+  EXPECT_FALSE(viewer->Append("late"));
+}
+
+TEST(Windows, ThirtyCloseWhileTheirListingsRun) {
+  ScriptedServer server;
+  for (int i = 0; i < 2000; ++i) server.Tree().AddFile("/f" + std::to_string(i), "");
+  TambleApp app;
+  app.ReadyToRun();
+  for (int round = 0; round < 30; ++round) {
+    Message open("OPNC"_what);
+    open.AddString("host", "127.0.0.1");
+    open.AddInt16("port", static_cast<std::int16_t>(server.Port()));
+    open.AddBool("passive", round % 2 == 0);
+    app.PostMessage(open);
+    const QPointer<MWindow> window = app.WindowList().back();
+    const auto rows = [&] { return window->Listing().Rows().Count(); };
+    // Closed before the login, while rows arrive, and when all are there.
+    const int enough = round % 3 == 0 ? 0 : round % 3 == 1 ? 1 : 2000;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return rows() >= enough; }));
+    window->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
+  }
+}
+
+}  // namespace
+}  // namespace corvane

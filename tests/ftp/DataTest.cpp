@@ -1,15 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <future>
-
 #include "ftp/Session.h"
 #include "support/Files.h"
 #include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
-
-using namespace std::chrono_literals;
 
 // A port below the ones that anybody listens on here.
 constexpr char kDeadPort[] = "227 Entering Passive Mode (127,0,0,1,0,1)\r\n";
@@ -165,22 +161,6 @@ TEST(Download, AsksOnceWhetherAFileShrank) {
     s.server.On("SIZE", {.reply = size});
     EXPECT_EQ(s.Download(300'000), size == "213 1000\r\n" ? 1 : -1) << size;
     EXPECT_EQ(s.Sent(), "PORT\r\nTYPE I\r\nRETR f\r\nSIZE f\r\n");
-  }
-}
-
-TEST(Transfer, CancelEndsItAndKeepsStep) {
-  for (const bool passive : {false, true}) {
-    TransferSession s(passive);
-    s.server.Tree().AddFile("/f", Bytes(100'000));
-    s.server.On("RETR", {.dataLimit = 1000, .dataEnd = DataEnd::Stall});
-    auto done = std::async(std::launch::async, [&] { return s.Download(100'000); });
-    ASSERT_TRUE(WaitFor([&] { return s.ui->Progress().done == 1000; }));
-    s.cancelled = true;
-    s.engine.AbortData();
-    ASSERT_EQ(done.wait_for(5s), std::future_status::ready);
-    EXPECT_EQ(done.get(), -1);
-    EXPECT_EQ(s.engine.LastFailure(), "Cancelled.");
-    EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215) << s.server.Dialogue();
   }
 }
 

@@ -139,6 +139,8 @@ TEST(ControlLooper, SaysThatTheConnectionIsLost) {
 TEST(ControlLooper, QuitsAtOnce) {
   const std::pair<const char*, ScriptedAction> cases[] = {
       {"greeting", {.reply = ""}},
+      {"USER", {.reply = ""}},
+      {"PASS", {.reply = ""}},
       {"PWD", {.reply = "257 half"}},
       {"LIST", {.dataEnd = DataEnd::Never}},
       {"LIST", {.data = "total 1\r\n", .dataLimit = 3, .dataEnd = DataEnd::Stall}},

@@ -67,49 +67,9 @@ TEST_F(Settings, WhatIsMissingOrOfAnotherTypeReadsAsItsDefault) {
   Put("settings", "useproxy", 2);
   StoredSettings::ReadAtStart();
   values = ProcessSettings::Get();
-  EXPECT_EQ(values.buffersize, 8192);
-  EXPECT_EQ(values.proxyPort, "21");
-  EXPECT_EQ(values.DwnldDir, "empty");
+  EXPECT_EQ(values.DwnldDir + values.proxyPort + std::to_string(values.buffersize), "empty218192");
   EXPECT_EQ(StoredSettings::Frame(kMainFrame), kMainFrame.fallback);
   EXPECT_TRUE(values.useProxy);
-}
-
-TEST_F(Settings, WhatIsAppliedIsInForceAtOnceAndAfterTheNextStart) {
-  const SettingsValues entered{.DwnldDir = "",
-                               .DfltPass = "",
-                               .loginSsnd = "/ok.oga",
-                               .loginFsnd = "",
-                               .upldsnd = "/up.oga",
-                               .dwnldsnd = "/down.oga",
-                               .buffersize = 65536,
-                               .useProxy = true,
-                               .proxyAddress = "proxy",
-                               .proxyPort = "",
-                               .useSameConnection = true,
-                               .removeItem = true,
-                               .showwindow = false};
-  StoredSettings::ReadAtStart();
-  EXPECT_EQ(StoredSettings::Apply(entered), "");
-  StoredSettings::SaveFrame(kTransferFrame, {1, 2, 3, 4});
-  // What differs between now and the next start: folder, port of the proxy, transfer window.
-  const std::tuple<const char*, const char*, bool> states[] = {{"empty", "", true},
-                                                               {"", "21", false}};
-  for (const auto& [folder, port, showwindow] : states) {
-    const SettingsValues now = ProcessSettings::Get();
-    EXPECT_EQ(now.DwnldDir, folder);
-    EXPECT_EQ(now.proxyPort, port);
-    EXPECT_EQ(now.showwindow, showwindow);
-    EXPECT_EQ(now.DfltPass.size(), 9U);
-    EXPECT_EQ(now.loginSsnd + now.loginFsnd + now.upldsnd + now.dwnldsnd,
-              "/ok.oganone/up.oga/down.oga");
-    EXPECT_EQ(now.buffersize, 65536);
-    EXPECT_EQ(now.proxyAddress, "proxy");
-    EXPECT_TRUE(now.useProxy && now.useSameConnection && now.removeItem && !now.defaultpass);
-    StoredSettings::ReadAtStart();
-  }
-  EXPECT_FALSE(StoredSettings::ShowsTransferWindow());
-  EXPECT_EQ(StoredSettings::Frame(kTransferFrame), (Rect{1, 2, 3, 4}));
-  EXPECT_EQ(StoredSettings::Frame(kMainFrame), kMainFrame.fallback);
 }
 
 TEST_F(Settings, OldShortcutsAreConvertedOnce) {

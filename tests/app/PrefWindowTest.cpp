@@ -3,7 +3,6 @@
 #include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
-#include <QTabBar>
 #include <QTabWidget>
 
 #include "AppFixture.h"
@@ -74,24 +73,17 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
 TEST_F(Preferences, APanelFillsTheSoundFieldInFocus) {
   QFile sound(folder_.filePath("s.oga"));
   ASSERT_TRUE(sound.open(QFile::WriteOnly));
-  auto* tabs = window_->findChild<QTabWidget*>("tab_view");
-  tabs->tabBar()->setFocus();
-  tabs->setCurrentIndex(1);
-  for (const bool focused : {false, true}) {
-    if (focused) Field("Download Sound").setFocus();
-    Press("SelectUPSound");
-    Press("SelectUPSound");
-    Press("findfolder");
-    const auto panels = window_->findChildren<QFileDialog*>();
-    ASSERT_EQ(panels.size(), 1);
-    panels[0]->setDirectory(folder_.path());
-    auto* name = panels[0]->findChild<QLineEdit*>();
-    name->setText("s.oga");
-    QTest::keyClick(name, Qt::Key_Return);
-    EXPECT_EQ(Field("Download Sound").text(), focused ? sound.fileName() : "none");
-    EXPECT_EQ(Field("LoginSuccess").text(), "none");
-    EXPECT_TRUE(Wait([&] { return window_->findChild<QFileDialog*>() == nullptr; }));
-  }
+  window_->findChild<QTabWidget*>("tab_view")->setCurrentIndex(1);
+  Field("Download Sound").setFocus();
+  for (const char* button : {"SelectUPSound", "SelectUPSound", "findfolder"}) Press(button);
+  const auto panels = window_->findChildren<QFileDialog*>();
+  ASSERT_EQ(panels.size(), 1);
+  panels[0]->setDirectory(folder_.path());
+  auto* name = panels[0]->findChild<QLineEdit*>();
+  name->setText("s.oga");
+  QTest::keyClick(name, Qt::Key_Return);
+  EXPECT_EQ(Field("Download Sound").text(), sound.fileName());
+  EXPECT_EQ(Field("LoginSuccess").text(), "none");
 }
 
 TEST_F(Preferences, SaysWhenNothingCouldBeStored) {

@@ -101,9 +101,6 @@ TEST(Frames, AreFittedToTheScreen) {
   for (const auto& [stored, fitted] : browsers) {
     EXPECT_EQ(Frames::FitBrowser(stored, screen), fitted) << stored.left;
   }
-  const QRect area(0, 20, 1024, 748);
-  EXPECT_EQ(Frames::FitInto(QRect(1000, 700, 300, 200), area), QRect(724, 568, 300, 200));
-  EXPECT_EQ(Frames::FitInto(QRect(-10, -10, 5000, 5000), area), area);
 }
 
 TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {

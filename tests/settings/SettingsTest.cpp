@@ -146,6 +146,17 @@ TEST_F(Settings, SaysWhatWouldNotComeBack) {
   }
 }
 
+TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {
+  Put("settings", "buffersize", 65536);
+  const std::string broken = Contents(File("settings")).replace(4, 4, "????");
+  Write(File("settings"), broken);
+  EXPECT_NE(StoredSettings::ReadAtStart(), "");
+  EXPECT_EQ(ProcessSettings::Get().buffersize, 8192);
+  StoredSettings::SaveFrame(kMainFrame, {1, 2, 3, 4});
+  EXPECT_NE(StoredSettings::Apply(ProcessSettings::Get()), "");
+  EXPECT_EQ(Contents(File("settings")), broken);
+}
+
 TEST_F(Settings, AFileThatIsLockedIsNotTakenForAnEmptyOne) {
   Put("shortcuts", "howmany", 0);
   Put("shortcuts", "0", ShortcutStore::StoredForm(Named("one")));
@@ -158,23 +169,6 @@ TEST_F(Settings, AFileThatIsLockedIsNotTakenForAnEmptyOne) {
   StoredSettings::ReadAtStart();
   EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 900);
   EXPECT_EQ(Contents(File("shortcuts")), before);
-}
-
-TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {
-  Put("settings", "buffersize", 65536);
-  const std::string broken = Contents(File("settings")).replace(4, 4, "????");
-  Write(File("settings"), broken);
-  testing::internal::CaptureStdout();
-  StoredSettings::ReadAtStart();
-  EXPECT_EQ(ProcessSettings::Get().buffersize, 8192);
-  StoredSettings::SaveFrame(kMainFrame, {1, 2, 3, 4});
-  EXPECT_NE(StoredSettings::Apply(ProcessSettings::Get()), "");
-  const std::string said = testing::internal::GetCapturedStdout();
-  for (const char* text :
-       {"Cannot set message\n", "Cannot save settings\n", "Cannot set frame\n"}) {
-    EXPECT_NE(said.find(text), std::string::npos) << text;
-  }
-  EXPECT_EQ(Contents(File("settings")), broken);
 }
 
 }  // namespace

@@ -128,18 +128,6 @@ std::ptrdiff_t OpenDescriptors() {
   return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
 }
 
-/// Works through all tasks, so many at a time.
-void InParallel(std::size_t threads, const std::vector<std::function<void()>>& tasks) {
-  std::atomic<std::size_t> next = 0;
-  std::vector<std::future<void>> running;
-  for (std::size_t i = 0; i < threads; ++i) {
-    running.push_back(std::async(std::launch::async, [&] {
-      for (std::size_t at = next++; at < tasks.size(); at = next++) tasks[at]();
-    }));
-  }
-  for (std::future<void>& thread : running) thread.get();
-}
-
 // Every fault at every step: it ends soon, is finished only when it is whole, leaves neither thread
 // nor descriptor, and a browser's connection can go on.
 TEST(Transfer, SurvivesEveryFaultAtEveryStep) {
@@ -152,7 +140,14 @@ TEST(Transfer, SurvivesEveryFaultAtEveryStep) {
           tasks.emplace_back([=, step = verb, which = number, passive = tasks.size() % 3 == 0] {
             Try(step, which, fault, download, shared, passive);
           });
-  InParallel(80, tasks);
+  std::atomic<std::size_t> next = 0;
+  std::vector<std::future<void>> running(80);
+  for (std::future<void>& thread : running) {
+    thread = std::async(std::launch::async, [&] {
+      for (std::size_t at = next++; at < tasks.size(); at = next++) tasks[at]();
+    });
+  }
+  for (std::future<void>& thread : running) thread.get();
   EXPECT_TRUE(Background::WaitForNone(2000ms));
   EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; })) << OpenDescriptors();
 }

@@ -58,34 +58,34 @@ struct Window {
   }
 };
 
-TEST(ControlLooper, ConnectsEntersAndRefreshes) {
+TEST(ControlLooper, ServesItsWindowUntilTheConnectionIsLost) {
   Window w;
   w.server.Tree().AddFile("/pub/a", "1");
   w.Connect("", false);
   ASSERT_TRUE(w.Shows("/", {"pub"}));
-  w.Post("PCHN"_what, "cwd", "pub");
+  w.Post("HSYM"_what, "sym", "pub/a");
+  w.Post("HSYM"_what, "sym", "pub");
   ASSERT_TRUE(w.Shows("/pub", {"a"}));
+  EXPECT_TRUE(w.Downloads("pub/a"));
   w.Post("PCHN"_what, "cwd", "nowhere");
   ASSERT_TRUE(w.Warned(1));
   EXPECT_TRUE(w.Shows("/pub", {"a"}));
   w.server.Tree().AddFile("/pub/b", "1");
-  w.Post("PCHN"_what, "cwd", ".");
-  EXPECT_TRUE(w.Shows("/pub", {"a", "b"}));
-}
-
-TEST(ControlLooper, ShowsEveryRowOnceHoweverFastTheRequestsCome) {
-  Window w;
-  w.server.Tree().AddFile("/a", "1");
-  w.Connect();
-  ASSERT_TRUE(w.Shows("/", {"a"}));
-  w.Post("PCHN"_what, "cwd", ".");
-  w.Post("PCHN"_what, "cwd", ".");
+  const auto listings = [&w] {
+    return std::ranges::count(w.browser->Seen().statuses, "Getting Dir Listing.");
+  };
+  const auto before = listings();
+  for (int i = 0; i < 3; ++i) w.Post("PCHN"_what, "cwd", ".");
   ASSERT_TRUE(WaitFor([&] {
-    const BrowserRecord seen = w.browser->Seen();
-    return seen.statuses.back() == "Connected." &&
-           std::ranges::count(seen.statuses, "Getting Dir Listing.") == 3;
+    return listings() == before + 3 && w.browser->Seen().statuses.back() == "Connected.";
   }));
-  EXPECT_TRUE(w.Shows("/", {"a"}));
+  EXPECT_TRUE(w.Shows("/pub", {"a", "b"})) << "every row once";
+  w.server.On("CWD", {.reply = "", .control = ControlEnd::Reset});
+  w.Post("PCHN"_what, "cwd", "a");
+  ASSERT_TRUE(w.Warned(2));
+  EXPECT_EQ(w.browser->Seen().statuses.back(), "Connection lost.");
+  w.Post("PCHN"_what, "cwd", "b");
+  EXPECT_TRUE(w.Warned(3));
 }
 
 TEST(ControlLooper, StartsAtAPath) {
@@ -101,16 +101,6 @@ TEST(ControlLooper, StartsAtAPath) {
   }
 }
 
-TEST(ControlLooper, FollowsLinksToFilesAndDirectories) {
-  Window w;
-  w.server.Tree().AddFile("/pub/a", "1");
-  w.Connect();
-  w.Post("HSYM"_what, "sym", "pub/a");
-  w.Post("HSYM"_what, "sym", "pub");
-  EXPECT_TRUE(w.Shows("/pub", {"a"}));
-  EXPECT_TRUE(w.Downloads("pub/a"));
-}
-
 TEST(ControlLooper, AsksAWindowsServerForUnixListings) {
   for (const std::string style : {"off", "on"}) {
     Window w;
@@ -122,17 +112,6 @@ TEST(ControlLooper, AsksAWindowsServerForUnixListings) {
     const auto sent = w.server.Transcript();
     EXPECT_EQ(std::count(sent.begin(), sent.end(), "SITE DIRSTYLE\r\n"), style == "off" ? 1 : 2);
   }
-}
-
-TEST(ControlLooper, SaysThatTheConnectionIsLost) {
-  Window w;
-  w.server.On("CWD", {.reply = "", .control = ControlEnd::Reset});
-  w.Connect();
-  w.Post("PCHN"_what, "cwd", "a");
-  ASSERT_TRUE(w.Warned(1));
-  EXPECT_EQ(w.browser->Seen().statuses.back(), "Connection lost.");
-  w.Post("PCHN"_what, "cwd", "b");
-  EXPECT_TRUE(w.Warned(2));
 }
 
 // Whatever the server holds back.

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "ftp/Session.h"
 #include "support/Files.h"
 #include "support/WaitFor.h"
@@ -174,19 +172,6 @@ TEST(ViewFile, FillsATextWindow) {
   EXPECT_EQ(s.ui->Seen().viewerTitle, "f");
   EXPECT_EQ(s.Warnings(), std::vector<std::string>{"No such file.\n"});
   EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215);
-}
-
-TEST(DeleteDirectory, SendsItsCommandsInOrder) {
-  Session s;
-  s.server.Tree().AddFile("/d/f", "x");
-  s.server.Tree().AddFile("/d/e/g", "x");
-  s.LogIn();
-  EXPECT_NE(s.engine.DeleteDirectory("d"), 0);
-  EXPECT_FALSE(s.server.Tree().Exists("/d"));
-  EXPECT_EQ(s.Sent(),
-            "CWD d\r\nPORT\r\nTYPE I\r\nLIST -la\r\n"
-            "CWD e\r\nPWD\r\nPORT\r\nTYPE I\r\nLIST -la\r\nDELE g\r\nCWD ..\r\nRMD e\r\n"
-            "DELE f\r\nCWD ..\r\nRMD d\r\n");
 }
 
 TEST(DeleteDirectory, StopsWithoutHarm) {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "ftp/Session.h"
 #include "net/NLException.h"
 #include "settings/ProcessSettings.h"

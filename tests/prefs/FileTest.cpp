@@ -5,8 +5,6 @@
 #include <sys/syscall.h>
 
 #include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <functional>
 #include <random>
 

@@ -3,7 +3,6 @@
 #include <sys/file.h>
 
 #include <array>
-#include <cstdlib>
 
 #include "settings/Access.h"
 #include "settings/ShortcutStore.h"

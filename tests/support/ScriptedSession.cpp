@@ -7,10 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <map>
 #include <sstream>
 #include <stdexcept>
-#include <utility>
 
 #include "support/ScriptedServer.h"
 

@@ -32,7 +32,7 @@ class Preferences : public AppFixture {
 
 TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   Field("defaultpass").clear();
-  Field("download path").clear();
+  Field("download path").setText("/d");
   for (const char* sound : {"LoginSuccess", "LoginFailure", "Upload Sound", "Download Sound"}) {
     Field(sound).setText(*sound == 'U' ? "" : sound);
   }
@@ -60,7 +60,7 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   for (const bool restarted : {false, true}) {
     const SettingsValues now = ProcessSettings::Get();
     EXPECT_EQ(now.DfltPass.size(), 9U);
-    EXPECT_EQ(now.DwnldDir, restarted ? "" : "empty");
+    EXPECT_EQ(now.DwnldDir, "/d");
     EXPECT_EQ(now.showwindow, restarted) << "kept, but not in force before the next start";
     EXPECT_EQ(now.loginSsnd + now.loginFsnd + now.upldsnd + now.dwnldsnd,
               "LoginSuccessLoginFailurenoneDownload Sound");

@@ -69,6 +69,12 @@ TEST_F(Settings, WhatIsMissingOrOfAnotherTypeReadsAsItsDefault) {
   EXPECT_EQ(values.DwnldDir + values.proxyPort + std::to_string(values.buffersize), "empty218192");
   EXPECT_EQ(StoredSettings::Frame(kMainFrame), kMainFrame.fallback);
   EXPECT_TRUE(values.useProxy);
+
+  values.DwnldDir = "";  // asked for each download from now on, and after the next start
+  EXPECT_EQ(StoredSettings::Apply(values), "");
+  EXPECT_EQ(ProcessSettings::Get().DwnldDir, "empty");
+  StoredSettings::ReadAtStart();
+  EXPECT_EQ(ProcessSettings::Get().DwnldDir, "");
 }
 
 TEST_F(Settings, OldShortcutsAreConvertedOnce) {

@@ -22,6 +22,10 @@ struct LocalFileTest : testing::Test {
 };
 
 TEST_F(LocalFileTest, DiscardRemovesOnlyWhatOpenMade) {
+  Write(folder / "old", "kept");
+  ASSERT_EQ(file.Open(folder, "old", Mode::Create), 0);
+  file.Discard();
+  EXPECT_EQ(Contents(folder / "old"), "kept");
   for (const bool replaced : {false, true}) {
     ASSERT_EQ(file.Open(folder, "fresh", Mode::Create), 0);
     if (replaced) fs::remove(folder / "fresh");

@@ -2,8 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPointer>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
@@ -13,7 +19,9 @@
 #include "app/Alerts.h"
 #include "app/Connection.h"
 #include "app/DirListView.h"
+#include "app/DownLoadWin.h"
 #include "app/MWindow.h"
+#include "app/StartWin.h"
 #include "app/TambleApp.h"
 #include "kit/Mutex.h"
 #include "net/NLException.h"
@@ -98,6 +106,12 @@ class AppFixture : public testing::Test {
     Alerts::AnswerWith({});
   }
 
+  static void PutInFront(QWidget& window) {
+    window.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+  }
+  /// A command's key in the browser window.
+  void Command(Qt::Key key) { QTest::keyClick(window_, key, Qt::ControlModifier); }
   [[nodiscard]] DirListView& View() const { return window_->Listing(); }
   /// Fills the window's listing, below "." and "..", as its connection would.
   void List(std::vector<fileStruct> entries) {

@@ -1,15 +1,9 @@
-#include <QApplication>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QTreeWidget>
 
 #include "AppFixture.h"
 #include "app/ShortCutEditWindow.h"
 #include "app/ShortCutWindow.h"
 #include "app/ShortcutField.h"
-#include "app/StartWin.h"
 #include "settings/ShortcutStore.h"
 
 namespace corvane {
@@ -28,8 +22,7 @@ class Shortcuts : public AppFixture {
     return {.label = label, .host = "h", .user = "u", .pass = "p", .path = "/d", .port = "2121"};
   }
   void Key(int key, Qt::KeyboardModifiers modifiers = {}) {
-    list_->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(list_));
+    PutInFront(*list_);
     QTest::keyClick(list_, static_cast<Qt::Key>(key), modifiers);
   }
   void Select(int row) {
@@ -121,9 +114,8 @@ TEST_F(Shortcuts, CopiesUrlsWithTheirPortAtTheEnd) {
 TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
   link_->SetPath("/pub/\xFC");
   EXPECT_TRUE(Wait([&] { return window_->CurrentDirectory() == "/pub/\xFC"; }));
-  window_->activateWindow();
-  EXPECT_TRUE(QTest::qWaitForWindowActive(window_));
-  QTest::keyClick(window_, Qt::Key_S, Qt::ControlModifier);
+  PutInFront(*window_);
+  Command(Qt::Key_S);
   ASSERT_FALSE(app_->Editor().isNull());
   Field("Host").clear();
   PressOk();

@@ -1,20 +1,12 @@
 #include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
 #include <QScreen>
 
 #include "AppFixture.h"
-#include "app/DownLoadWin.h"
+#include "app/CommandLine.h"
 #include "app/Frames.h"
 #include "app/Password.h"
 #include "app/PastedUrl.h"
-#include "app/PrefWindow.h"
 #include "app/ShortcutField.h"
-#include "app/StartWin.h"
 #include "app/Text.h"
 #include "settings/ShortcutStore.h"
 
@@ -24,8 +16,7 @@ namespace {
 class Start : public AppFixture {
  protected:
   Start() : start_(app_->ConnectionWindow()), password_(*start_.findChild<Password*>()) {
-    start_.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&start_));
+    PutInFront(start_);
   }
 
   QLineEdit& Field(const char* name) { return *start_.findChild<QLineEdit*>(name); }
@@ -110,9 +101,6 @@ TEST(Frames, AreFittedToTheScreen) {
   for (const auto& [stored, fitted] : browsers) {
     EXPECT_EQ(Frames::FitBrowser(stored, screen), fitted) << stored.left;
   }
-  const QRect area(0, 20, 1024, 748);
-  EXPECT_EQ(Frames::FitInto(QRect(1000, 700, 300, 200), area), QRect(724, 568, 300, 200));
-  EXPECT_EQ(Frames::FitInto(QRect(-10, -10, 5000, 5000), area), area);
 }
 
 TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {
@@ -136,6 +124,24 @@ TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {
   }
 }
 
+TEST_F(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
+  Field("Host").setText("copied");
+  Field("Host").selectAll();
+  Key(Qt::Key_C);
+  EXPECT_EQ(QApplication::clipboard()->text(), "copied");
+  Field("Host").deselect();
+  app_->Transfers().hide();
+  Key(Qt::Key_X);
+  EXPECT_EQ(Field("Host").text(), "copied");
+  EXPECT_TRUE(app_->Transfers().isVisible());
+  PutInFront(start_);
+  Key(Qt::Key_W, Qt::AltModifier);
+  auto* windows = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  ASSERT_NE(windows, nullptr);
+  EXPECT_EQ(windows->actions().back()->text(), "Connected To: server.test");
+  windows->close();
+}
+
 TEST_F(Start, PasswordKeysChangeTheHiddenText) {
   // Keys typed ("<" is Backspace, "D" Delete, "[" selects the last two stars), the hidden text, and
   // how many stars are shown.
@@ -156,24 +162,20 @@ TEST_F(Start, PasswordKeysChangeTheHiddenText) {
     EXPECT_EQ(password_.actualText(), hidden) << keys;
     EXPECT_EQ(password_.text(), QString(stars, u'*')) << keys;
   }
-  const std::string umlaut = "\xC3\xBC";
   password_.SetActualText("");
   QKeyEvent key(QEvent::KeyPress, Qt::Key_Udiaeresis, Qt::NoModifier, QStringLiteral("ü"));
   QApplication::sendEvent(&password_, &key);
   QApplication::clipboard()->setText("ü!\nnext line");
   password_.setFocus();
   Key(Qt::Key_V);
-  EXPECT_EQ(password_.actualText(), umlaut + umlaut + "!");
+  EXPECT_EQ(password_.actualText(), "\xC3\xBC\xC3\xBC!");
   EXPECT_EQ(password_.text(), "***");
   Key(Qt::Key_Backspace);  // a command's key, to the line's beginning
   EXPECT_EQ(password_.text() + ToText(password_.actualText()), "");
 }
 
 TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
-  std::vector<Shortcut> list;
-  for (int i = 0; i < 11; ++i) {
-    list.push_back({.label = std::to_string(i), .host = "h" + std::to_string(i), .path = "/\xFC"});
-  }
+  std::vector<Shortcut> list(11, {.label = "l", .host = "h9", .path = "/\xFC"});
   list[1] = {.label = "a&b", .host = "h1", .user = "u", .pass = "p", .port = "2", .passive = true};
   ASSERT_EQ(ShortcutStore::SaveAll(list), "");
   start_.MessageReceived(Message("REDO"_what));
@@ -187,48 +189,42 @@ TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
   start_.findChild<QPushButton*>("connect")->click();
   EXPECT_EQ(connections_.back().path, "/\xFC");
   EXPECT_EQ(start_.findChild<QMenu*>("CutMenu")->actions()[10]->shortcut(), QKeySequence());
-  start_.MessageReceived([] {
-    Message message("ZBOX"_what);
-    message.AddInt32("index", 99);
-    return message;
-  }());
+  Message beyond("ZBOX"_what);
+  beyond.AddInt32("index", 99);
+  start_.MessageReceived(beyond);
   EXPECT_EQ(Fields(), "|||21|");
 }
 
-TEST_F(Start, MenusFollowFocusAndWindows) {
-  const auto openMenu = [&](int key) {
-    start_.activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&start_));
-    Key(key, Qt::AltModifier);
-    return qobject_cast<QMenu*>(QApplication::activePopupWidget());
-  };
-  for (const bool open : {true, false}) {
-    QMenu* windows = openMenu(Qt::Key_W);
-    ASSERT_NE(windows, nullptr) << open;
-    EXPECT_EQ(windows->actions().back()->text(),
-              open ? "Connected To: server.test" : "&Transfer List");
-    windows->close();
-    if (open) window_->close();
-    EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
+std::string Summary(const std::vector<std::string>& arguments) {
+  const CommandLine line = CommandLine::Read(arguments);
+  if (line.usage) return "usage";
+  if (!line.open.has_value()) return "";
+  std::string text;
+  for (const char* name : {"user", "pass", "host", "path"}) {
+    if (const auto value = line.open->FindString(name)) text += name + ("=" + *value) + " ";
   }
-  QMenu* edit = openMenu(Qt::Key_E);
-  ASSERT_NE(edit, nullptr);
-  QTest::keyClick(edit, Qt::Key_R);
-  EXPECT_FALSE(app_->Preferences().isNull());
-  app_->Preferences()->close();
-  start_.activateWindow();
-  EXPECT_TRUE(QTest::qWaitForWindowActive(&start_));
+  const auto port = line.open->FindInt16("port");
+  return port ? text + "port=" + std::to_string(static_cast<std::uint16_t>(*port)) : text;
+}
 
-  Field("Host").setText("copied");
-  Field("Host").selectAll();
-  Field("Host").setFocus();
-  Key(Qt::Key_C);
-  EXPECT_EQ(QApplication::clipboard()->text(), "copied");
-  Field("Host").deselect();
-  app_->Transfers().hide();
-  Key(Qt::Key_X);
-  EXPECT_EQ(Field("Host").text(), "copied");
-  EXPECT_TRUE(app_->Transfers().isVisible());
+TEST(CommandLine, IsReadAsWritten) {
+  const std::pair<std::vector<std::string>, const char*> cases[] = {
+      {{}, ""},
+      {{"ftp://h/pub/"}, "host=h path=/pub/ "},
+      {{"ftp://h/"}, "host=h "},
+      {{"ftp://p@h/x"}, "pass=p host=h path=/x "},
+      {{"ftp://h:2121/"}, "user=h host=2121 "},
+      {{"ftp://u:p@h:65535/a:b@c"}, "user=u pass=p host=h path=/a:b@c port=65535"},
+      {{"ftp://u:p@h:0/"}, "usage"},
+      {{"ftp://u:p@h:99999/"}, "usage"},
+      {{"ftp://"}, ""},
+      {{"h/pub"}, ""},
+      {{"-deskbar"}, "usage"},
+      {{"ftp://h", "ftp://i"}, "usage"},
+  };
+  for (const auto& [arguments, result] : cases) {
+    EXPECT_EQ(Summary(arguments), result) << testing::PrintToString(arguments);
+  }
 }
 
 }  // namespace

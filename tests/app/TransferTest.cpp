@@ -1,10 +1,8 @@
 #include <QContextMenuEvent>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <thread>
 
 #include "AppFixture.h"
-#include "app/DownLoadWin.h"
 #include "app/Reveal.h"
 
 namespace corvane {
@@ -13,9 +11,8 @@ namespace {
 class Transfers : public AppFixture {
  protected:
   Transfers() : transferWindow_(app_->Transfers()), list_(transferWindow_.List()) {
-    transferWindow_.activateWindow();
     list_.setFocus();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(&transferWindow_));
+    PutInFront(transferWindow_);
   }
 
   TransferItem& Start(const std::string& host = "server.test") {
@@ -26,7 +23,12 @@ class Transfers : public AppFixture {
     transferWindow_.AddDownload(std::move(request));
     return list_.Items().At(list_.Items().Count() - 1);
   }
-  void Select(int row) { list_.setCurrentIndex(list_.Items().index(row)); }
+  void Select(std::initializer_list<int> rows) {
+    list_.clearSelection();
+    for (const int row : rows) {
+      list_.selectionModel()->select(list_.Items().index(row), QItemSelectionModel::Select);
+    }
+  }
   void End(std::size_t transfer, TransferEnd state, const char* why = "") {
     transfers_[transfer]->row->SetEndState(state, why);
     ASSERT_TRUE(Wait([&] { return !list_.Items().At(static_cast<int>(transfer)).Running(); }));
@@ -69,44 +71,22 @@ TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
   EXPECT_FALSE(list_.Ticking());
 }
 
-TEST_F(Transfers, CancelStopsTheWorkerAndDeselects) {
-  const TransferItem& item = Start();
-  Select(0);
-  QTest::keyClick(&transferWindow_, Qt::Key_Period, Qt::ControlModifier);
-  EXPECT_TRUE(transfers_[0]->Cancelled());
-  EXPECT_TRUE(item.Failed());
-  EXPECT_TRUE(list_.SelectedRows().empty());
-  End(0, TransferEnd::Finished);  // the worker knows better: everything had arrived
-  EXPECT_TRUE(Wait([&] { return item.Finished(); }));
-}
-
-TEST_F(Transfers, RemovesWhatHasEndedAndRefusesWhatRuns) {
-  for (const char* host : {"0", "1", "2"}) Start(host);
-  End(1, TransferEnd::Finished);
-  Select(0);
+TEST_F(Transfers, CancelsWhatRunsAndRemovesWhatHasEnded) {
+  for (const char* host : {"0", "1", "2", "3", "4", "5"}) Start(host);
+  for (const std::size_t row : {1U, 3U, 5U}) End(row, TransferEnd::Finished);
+  Select({2, 3, 4});
   QTest::keyClick(&list_, Qt::Key_Backspace);
   ASSERT_EQ(alerts_.size(), 1U);
   EXPECT_EQ(alerts_[0].text, "You need to cancel the transfer to remove this item.");
-  EXPECT_EQ(list_.Items().Count(), 3);
-  Select(1);
-  QTest::keyClick(&list_, Qt::Key_Backspace);
-  ASSERT_EQ(list_.Items().Count(), 2);
-  EXPECT_EQ(list_.Items().At(1).ServerLine(), "Server: 2");
-  EXPECT_EQ(list_.SelectedRows(), std::vector<int>{1});
-}
-
-TEST_F(Transfers, SeveralRowsAreCancelledAndRemovedTogether) {
-  const auto add = [&](std::initializer_list<int> rows) {
-    for (const int row : rows) {
-      list_.selectionModel()->select(list_.Items().index(row), QItemSelectionModel::Select);
-    }
-  };
-  for (const char* host : {"0", "1", "2", "3", "4", "5"}) Start(host);
-  for (const std::size_t row : {1U, 3U, 5U}) End(row, TransferEnd::Finished);
-  add({0, 1, 3, 5});
+  Select({0, 1, 3, 5});
   QTest::keyClick(&transferWindow_, Qt::Key_Period, Qt::ControlModifier);
+  EXPECT_TRUE(transfers_[0]->Cancelled() && !transfers_[2]->Cancelled());
+  EXPECT_TRUE(list_.Items().At(0).Failed() && list_.SelectedRows().empty());
   EXPECT_EQ(list_.Items().RunningCount(), 2);
-  add({0, 1, 3});
+  ASSERT_EQ(list_.Items().Count(), 6);
+  transfers_[0]->row->SetEndState(TransferEnd::Finished, "");  // the worker knows better
+  EXPECT_TRUE(Wait([&] { return list_.Items().At(0).Finished(); }));
+  Select({0, 1, 3});
   QTest::keyClick(&list_, Qt::Key_Backspace);
   ASSERT_EQ(list_.Items().Count(), 3);
   EXPECT_EQ(list_.Items().At(0).ServerLine(), "Server: 2");
@@ -115,31 +95,29 @@ TEST_F(Transfers, SeveralRowsAreCancelledAndRemovedTogether) {
 }
 
 TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
-  for (const TransferEnd end : {TransferEnd::Failed, TransferEnd::Finished}) {
-    DownloadRequest request;
-    request.window = window_;
-    request.items.push_back(File("tree", kDirectorySize));
-    transferWindow_.AddDownload(request);
-    TransferUi& row = *transfers_.back()->row;
-    row.BeginFile("last");
-    for (int note = 1; note <= 25; ++note) row.NoteEntry("<b>" + std::to_string(note) + ": left");
-    row.Progress().files = 12;
-    End(transfers_.size() - 1, end, end == TransferEnd::Failed ? "25 entries failed." : "");
-  }
-  const auto text = [&](int row, int role) {
-    return list_.Items().data(list_.Items().index(row), role).toString();
+  const auto text = [&](int role) {
+    return list_.Items().data(list_.Items().index(0), role).toString().toStdString();
   };
-  const QString failed = text(0, Qt::ToolTipRole);
-  EXPECT_TRUE(failed.contains("25 entries failed.\n&lt;b&gt;1: left\n"));
-  EXPECT_TRUE(failed.contains("20: left\nand 5 more")) << failed.toStdString();
-  EXPECT_EQ(text(0, Qt::DisplayRole), "File: last (12 done)");
-  EXPECT_EQ(text(1, Qt::DisplayRole), "File: last (12 done, 25 left out)");
+  DownloadRequest request;
+  request.window = window_;
+  request.items.push_back(File("tree", kDirectorySize));
+  transferWindow_.AddDownload(request);
+  TransferUi& row = *transfers_[0]->row;
+  row.BeginFile("last");
+  for (int note = 1; note <= 25; ++note) row.NoteEntry("<b>" + std::to_string(note) + ": left");
+  row.Progress().files = 12;
+  End(0, TransferEnd::Failed, "25 entries failed.");
+  EXPECT_NE(text(Qt::ToolTipRole).find("25 entries failed.\n&lt;b&gt;1: left\n"),
+            std::string::npos);
+  EXPECT_NE(text(Qt::ToolTipRole).find("20: left\nand 5 more"), std::string::npos);
+  EXPECT_EQ(text(Qt::DisplayRole), "File: last (12 done)");
+  row.SetEndState(TransferEnd::Finished, "");
+  EXPECT_TRUE(Wait([&] { return text(Qt::DisplayRole) == "File: last (12 done, 25 left out)"; }));
   const auto* log = window_->findChild<QPlainTextEdit*>("TextLog");
-  EXPECT_TRUE(Wait([&] { return log->toPlainText().count(": left") == 50; }));
+  EXPECT_TRUE(Wait([&] { return log->toPlainText().count(": left") == 25; }));
 }
 
 TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
-  transferWindow_.AddUpload({});
   DownloadRequest request;
   request.where = "/d";
   request.items.push_back(File("remote"));
@@ -147,7 +125,6 @@ TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
   transferWindow_.AddDownload(request);
   request.items.push_back(File("second"));
   transferWindow_.AddDownload(request);
-  End(2, TransferEnd::Finished);
   std::string working;
   QByteArray asked;
   Reveal::Use({[&](const QUrl& entry, const auto& then) {
@@ -158,33 +135,22 @@ TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
                  asked += " " + folder.toEncoded();
                  return working == "folder";
                }});
-  const auto menuAt = [&](const QPoint& place) {
-    QContextMenuEvent event(QContextMenuEvent::Mouse, place, {});
-    QApplication::sendEvent(list_.viewport(), &event);
-    return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  // The row, what answers, and what was asked by the last item of its menu.
+  const std::tuple<int, const char*, const char*> cases[] = {
+      {0, "manager", "file:///d/a%20%FC"},
+      {0, "folder", "file:///d/a%20%FC file:///d"},
+      {1, "", "file:///d/ file:///d"},
   };
-  EXPECT_EQ(menuAt(list_.viewport()->rect().bottomLeft()), nullptr);
-  // The row, its items ("-": disabled), what answers, and what was asked by the last item.
-  const std::tuple<int, const char*, const char*, const char*> cases[] = {
-      {0, "Cancel Transfer|-Remove Item", "", ""},
-      {1, "Cancel Transfer|-Remove Item||Reveal in Tracker", "manager", "file:///d/a%20%FC"},
-      {1, "Cancel Transfer|-Remove Item||Reveal in Tracker", "folder",
-       "file:///d/a%20%FC file:///d"},
-      {2, "-Cancel Transfer|Remove Item||Reveal in Tracker", "", "file:///d/ file:///d"},
-  };
-  for (const auto& [row, items, answers, requests] : cases) {
+  for (const auto& [row, answers, requests] : cases) {
     working = answers;
     asked.clear();
-    QMenu* menu = menuAt(list_.visualRect(list_.Items().index(row)).center());
+    const QPoint place = list_.visualRect(list_.Items().index(row)).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, {});
+    QApplication::sendEvent(list_.viewport(), &event);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
     EXPECT_EQ(list_.SelectedRows(), std::vector<int>{row});
-    QStringList texts;
-    for (const QAction* action : menu->actions()) {
-      const bool grey = !action->isEnabled() && !action->isSeparator();
-      texts << (grey ? "-" : "") + action->text().section('\t', 0, 0);
-    }
-    EXPECT_EQ(texts.join('|').toStdString(), items);
-    menu->actions().last()->trigger();  // a disabled one does nothing
+    menu->actions().last()->trigger();
     EXPECT_EQ(asked.toStdString(), requests);
     menu->close();
   }

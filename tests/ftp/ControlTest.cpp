@@ -1,11 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <future>
-
 #include "ftp/Session.h"
 #include "net/NLException.h"
 #include "settings/ProcessSettings.h"
-#include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
@@ -194,19 +189,6 @@ TEST(Login, LearnsTheServerAndItsDirectory) {
       EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
       EXPECT_TRUE(s.Sent().ends_with("\n" + list + "\r\n")) << s.Sent();
     }
-  }
-}
-
-TEST(Login, StopsAtOnceWhenClosed) {
-  for (const char* verb : {"greeting", "USER", "PASS"}) {
-    Session s;
-    std::atomic<bool> arrived = false;
-    s.server.On(verb, {.arrived = [&] { arrived = true; }, .reply = ""});
-    auto done = std::async(std::launch::async, [&] { return s.engine.Login(); });
-    ASSERT_TRUE(WaitFor([&] { return arrived.load(); }));
-    s.engine.Close();
-    EXPECT_EQ(done.wait_for(5s), std::future_status::ready) << verb;
-    EXPECT_TRUE(s.ui->Seen().messages.empty());
   }
 }
 

@@ -1,7 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <future>
 
 #include "ftp/Session.h"
 #include "support/Files.h"
@@ -9,8 +6,6 @@
 
 namespace corvane {
 namespace {
-
-using namespace std::chrono_literals;
 
 // A port below the ones that anybody listens on here.
 constexpr char kDeadPort[] = "227 Entering Passive Mode (127,0,0,1,0,1)\r\n";
@@ -169,22 +164,6 @@ TEST(Download, AsksOnceWhetherAFileShrank) {
   }
 }
 
-TEST(Transfer, CancelEndsItAndKeepsStep) {
-  for (const bool passive : {false, true}) {
-    TransferSession s(passive);
-    s.server.Tree().AddFile("/f", Bytes(100'000));
-    s.server.On("RETR", {.dataLimit = 1000, .dataEnd = DataEnd::Stall});
-    auto done = std::async(std::launch::async, [&] { return s.Download(100'000); });
-    ASSERT_TRUE(WaitFor([&] { return s.ui->Progress().done == 1000; }));
-    s.cancelled = true;
-    s.engine.AbortData();
-    ASSERT_EQ(done.wait_for(5s), std::future_status::ready);
-    EXPECT_EQ(done.get(), -1);
-    EXPECT_EQ(s.engine.LastFailure(), "Cancelled.");
-    EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215) << s.server.Dialogue();
-  }
-}
-
 TEST(ViewFile, FillsATextWindow) {
   Session s(true);
   s.server.Tree().AddFile("/f", "one\r\ntwo\n");
@@ -195,21 +174,6 @@ TEST(ViewFile, FillsATextWindow) {
   EXPECT_EQ(s.ui->Seen().viewerTitle, "f");
   EXPECT_EQ(s.Warnings(), std::vector<std::string>{"No such file.\n"});
   EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215);
-}
-
-TEST(DeleteDirectory, SendsItsCommandsInOrder) {
-  Session s;
-  s.server.Tree().AddFile("/d/f", "x");
-  s.server.Tree().AddFile("/d/e/g", "x");
-  s.LogIn();
-  Refusals refused;
-  EXPECT_NE(s.engine.DeleteDirectory("d", refused), 0);
-  EXPECT_EQ(refused.Count(), 0U);
-  EXPECT_FALSE(s.server.Tree().Exists("/d"));
-  EXPECT_EQ(s.Sent(),
-            "CWD d\r\nPORT\r\nTYPE I\r\nLIST -la\r\n"
-            "CWD e\r\nPWD\r\nPORT\r\nTYPE I\r\nLIST -la\r\nDELE g\r\nCWD ..\r\nRMD e\r\n"
-            "DELE f\r\nCWD ..\r\nRMD d\r\n");
 }
 
 TEST(DeleteDirectory, StopsWithoutHarm) {

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <future>
-#include <thread>
 
 #include "kit/Background.h"
 #include "support/WaitFor.h"

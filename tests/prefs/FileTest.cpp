@@ -5,8 +5,6 @@
 #include <sys/syscall.h>
 
 #include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <functional>
 #include <random>
 
@@ -80,15 +78,11 @@ TEST_F(PrefsTest, WhatCannotBeASetIsRefused) {
   Write(directory / "file", "");
   fs::create_directory(directory / "directory");
   ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
-  const std::pair<std::string, PREFStatus> cases[] = {{"directory", -EISDIR},
-                                                      {"fifo", -EINVAL},
-                                                      {"file/set", -ENOTDIR},
-                                                      {"", -EINVAL},
-                                                      {"../set", -EINVAL},
-                                                      {"a//b", -EINVAL},
-                                                      {"/set", -EINVAL},
-                                                      {".saving-XyZ123", -EINVAL},
-                                                      {std::string(1024, 'n'), kPrefPathTooLong}};
+  std::vector<std::pair<std::string, PREFStatus>> cases = {
+      {"directory", -EISDIR}, {"file/set", -ENOTDIR}, {std::string(1024, 'n'), kPrefPathTooLong}};
+  for (const char* name : {"fifo", "", "../set", "a//b", "/set", ".saving-XyZ123"}) {
+    cases.emplace_back(name, -EINVAL);
+  }
   for (const auto& [name, status] : cases) {
     PREFSet* set = nullptr;
     EXPECT_EQ(PREFLoadSet(app, name.c_str(), true, &set), status) << name;

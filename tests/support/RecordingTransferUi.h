@@ -11,9 +11,7 @@
 namespace corvane {
 
 struct TransferRecord : OwnerRecord {
-  std::vector<std::string> files;
   std::vector<std::string> labels;
-  std::vector<std::string> trailings;
   std::vector<std::string> notes;
   std::optional<TransferEnd> end;  ///< once the transfer has ended
   std::string why;
@@ -24,15 +22,11 @@ class RecordingTransferUi : public Recorder<TransferUi, TransferRecord> {
  public:
   TransferProgress& Progress() override { return progress_; }
 
-  bool BeginFile(std::string_view name) override {
-    return Note([&](TransferRecord& r) { r.files.emplace_back(name); });
-  }
+  bool BeginFile(std::string_view) override { return !closing; }
   bool SetLabel(std::string_view text) override {
     return Note([&](TransferRecord& r) { r.labels.emplace_back(text); });
   }
-  bool SetTrailing(std::string_view text) override {
-    return Note([&](TransferRecord& r) { r.trailings.emplace_back(text); });
-  }
+  bool SetTrailing(std::string_view) override { return !closing; }
   bool NoteEntry(std::string_view text) override {
     return Note([&](TransferRecord& r) { r.notes.emplace_back(text); });
   }

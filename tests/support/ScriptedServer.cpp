@@ -1,15 +1,29 @@
 #include "support/ScriptedServer.h"
 
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
 #include <array>
+#include <stdexcept>
 #include <tuple>
 
-#include "support/ScriptedSession.h"
-
 namespace corvane {
+
+std::pair<UniqueFd, std::uint16_t> ScriptedServer::ListenOnLoopback() {
+  UniqueFd listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  auto* const plain = reinterpret_cast<sockaddr*>(&address);
+  if (::bind(listener.get(), plain, length) != 0 || ::listen(listener.get(), 16) != 0 ||
+      ::getsockname(listener.get(), plain, &length) != 0) {
+    throw std::runtime_error("cannot listen on the loopback interface");
+  }
+  return {std::move(listener), ntohs(address.sin_port)};
+}
 
 ScriptedServer::ScriptedServer() : stop_(::eventfd(0, EFD_CLOEXEC)) {
   std::tie(listener_, port_) = ListenOnLoopback();
@@ -27,9 +41,7 @@ void ScriptedServer::Listen() {
   while (::poll(waits.data(), waits.size(), -1) >= 0 && waits[1].revents == 0) {
     UniqueFd control(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!control) continue;
-    sessions.emplace_back([this, socket = std::move(control)]() mutable {
-      ScriptedSession(*this, std::move(socket)).Run();
-    });
+    sessions.emplace_back(&ScriptedServer::Serve, this, std::move(control));
   }
   for (std::thread& session : sessions) session.join();
 }

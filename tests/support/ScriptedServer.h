@@ -70,7 +70,11 @@ class ScriptedServer {
  private:
   friend class ScriptedSession;
 
+  /// A listening socket on a free loopback port, and that port.
+  [[nodiscard]] static std::pair<UniqueFd, std::uint16_t> ListenOnLoopback();
   void Listen();
+  /// One control connection, on a thread of its own.
+  void Serve(UniqueFd control);
   [[nodiscard]] ScriptedAction Next(const std::string& verb);
   void NoteCommand(const std::string& line);
   void NoteReply(const std::string& text);

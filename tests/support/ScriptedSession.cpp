@@ -1,6 +1,5 @@
-#include "support/ScriptedSession.h"
-
 #include <arpa/inet.h>
+#include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -8,10 +7,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <map>
 #include <sstream>
 #include <stdexcept>
-#include <tuple>
+
+#include "support/ScriptedServer.h"
 
 namespace corvane {
 
@@ -25,26 +24,55 @@ const std::map<std::string_view, const char*> kFixedReplies = {
     {"TYPE", "200 Type set.\r\n"},   {"PASV", "227 Entering Passive Mode (127,0,0,1,{port}).\r\n"},
     {"NOOP", "200 Still here.\r\n"}, {"QUIT", "221 Bye.\r\n"}};
 
-}  // namespace
-
+/// Makes the coming close of a socket a reset.
 void MakeCloseReset(int fd) {
   const linger now = {1, 0};
   ::setsockopt(fd, SOL_SOCKET, SO_LINGER, &now, sizeof now);
 }
 
-std::pair<UniqueFd, std::uint16_t> ListenOnLoopback() {
-  UniqueFd listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  auto* const plain = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(listener.get(), plain, length) != 0 || ::listen(listener.get(), 16) != 0 ||
-      ::getsockname(listener.get(), plain, &length) != 0) {
-    throw std::runtime_error("cannot listen on the loopback interface");
+}  // namespace
+
+/// One control connection of the scripted server, on its own thread.
+class ScriptedSession {
+ public:
+  ScriptedSession(ScriptedServer& server, UniqueFd control);
+  void Run();
+
+ private:
+  /// A command with its line end; "" when there is none any more.
+  [[nodiscard]] std::string ReadLine() const;
+  void Perform(const std::string& verb, const std::string& argument);
+  void Say(std::string text);
+  /// Says `success`, or that it cannot be done.
+  void Judge(bool done, const std::string& success) {
+    Say(done ? success : "550 Cannot do that.\r\n");
   }
-  return {std::move(listener), ntohs(address.sin_port)};
-}
+  bool Write(int fd, std::string_view bytes) const;
+  /// False when the server stops, the client is gone or a long time passes first.
+  bool Wait(int fd, short events) const;
+
+  void Dispatch(const std::string& verb, const std::string& argument);
+  void Port(std::string argument);
+  /// Verbs about the file or directory at `path`.
+  void AboutPath(const std::string& verb, const std::string& path);
+  void SendData(const std::string& bytes);
+  void ReceiveData(const std::string& path);
+  /// Opens the data connection and says the preliminary reply; none when nothing more is to be
+  /// done.
+  [[nodiscard]] UniqueFd BeginData();
+  void EndData(UniqueFd data, bool whole);
+  [[nodiscard]] UniqueFd Connect(std::uint32_t from) const;
+
+  ScriptedServer& server_;
+  UniqueFd control_;
+  ScriptedAction action_;
+  std::string held_;  // replies that are late
+  std::string directory_ = "/";
+  std::size_t restart_ = 0;
+  UniqueFd passive_;
+  std::uint16_t passivePort_ = 0;
+  sockaddr_in active_{};
+};
 
 ScriptedSession::ScriptedSession(ScriptedServer& server, UniqueFd control)
     : server_(server), control_(std::move(control)) {
@@ -78,7 +106,7 @@ std::string ScriptedSession::ReadLine() const {
 void ScriptedSession::Perform(const std::string& verb, const std::string& argument) {
   action_ = server_.Next(verb);
   if (action_.arrived) action_.arrived();
-  if (verb == "PASV") std::tie(passive_, passivePort_) = ListenOnLoopback();
+  if (verb == "PASV") std::tie(passive_, passivePort_) = ScriptedServer::ListenOnLoopback();
   if (action_.reply) {
     Say(*action_.reply);
   } else {
@@ -103,10 +131,6 @@ void ScriptedSession::Say(std::string text) {
   for (std::size_t at = 0; at < text.size(); at += step) {
     if (!Write(control_.get(), std::string_view(text).substr(at, step))) return;
   }
-}
-
-void ScriptedSession::Judge(bool done, const std::string& success) {
-  Say(done ? success : "550 Cannot do that.\r\n");
 }
 
 bool ScriptedSession::Write(int fd, std::string_view bytes) const {
@@ -245,6 +269,10 @@ void ScriptedSession::ReceiveData(const std::string& path) {
   }
   server_.Tree().AddFile(path, bytes);
   EndData(std::move(data), count >= 0);
+}
+
+void ScriptedServer::Serve(UniqueFd control) {
+  ScriptedSession(*this, std::move(control)).Run();
 }
 
 }  // namespace corvane

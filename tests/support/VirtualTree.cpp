@@ -1,20 +1,13 @@
 #include "support/VirtualTree.h"
 
 #include <cstddef>
-#include <sstream>
+#include <filesystem>
 
 namespace corvane {
 
 namespace {
 
-std::string Parent(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-std::string Below(const std::string& directory) {
-  return directory == "/" ? directory : directory + "/";
-}
+namespace fs = std::filesystem;
 
 std::string Line(char type, std::size_t size, const std::string& name) {
   return type + ("rwxr-xr-x 1 ftp ftp " + std::to_string(size)) + " Jan 12 12:34 " + name + "\r\n";
@@ -23,18 +16,13 @@ std::string Line(char type, std::size_t size, const std::string& name) {
 }  // namespace
 
 std::string VirtualTree::Join(const std::string& directory, const std::string& path) {
-  std::string at = path.starts_with('/') ? "/" : directory;
-  std::istringstream parts(path);
-  for (std::string part; std::getline(parts, part, '/');) {
-    if (part.empty() || part == ".") continue;
-    at = part == ".." ? Parent(at) : Below(at).append(part);
-  }
-  return at;
+  const std::string at = (fs::path(directory) / path).lexically_normal();
+  return at.size() > 1 && at.ends_with('/') ? at.substr(0, at.size() - 1) : at;
 }
 
 void VirtualTree::Add(const std::string& path, const Node& node) {
   const MutexLock hold(lock_);
-  for (std::string above = Parent(path); above != "/"; above = Parent(above)) {
+  for (fs::path above = fs::path(path).parent_path(); above != "/"; above = above.parent_path()) {
     nodes_.try_emplace(above, Node{'d', ""});
   }
   nodes_.insert_or_assign(path, node);
@@ -61,8 +49,8 @@ std::string VirtualTree::Listing(const std::string& directory) const {
   const MutexLock hold(lock_);
   std::string lines = "total 8\r\n" + Line('d', 0, ".") + Line('d', 0, "..");
   for (const auto& [path, node] : nodes_) {
-    if (path == "/" || Parent(path) != directory) continue;
-    const std::string name = path.substr(Below(directory).size());
+    if (path == "/" || fs::path(path).parent_path() != directory) continue;
+    const std::string name = fs::path(path).filename();
     lines += Line(node.type, node.text.size(), node.type == 'l' ? name + " -> " + node.text : name);
   }
   return lines;

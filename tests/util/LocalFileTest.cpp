@@ -1,11 +1,9 @@
 #include "util/LocalFile.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <csignal>
 
 #include "support/Files.h"
 #include "support/TemporaryDirectory.h"
@@ -23,19 +21,11 @@ struct LocalFileTest : testing::Test {
   LocalFile file;
 };
 
-TEST_F(LocalFileTest, AnExistingFileIsEmptiedOnlyByTruncate) {
-  Write(folder / "old", "0123456789");
-  ASSERT_EQ(file.Open(folder, "old", Mode::Create), 0);
-  EXPECT_EQ(file.InitialSize(), 10);
-  EXPECT_EQ(Contents(folder / "old"), "0123456789");
-  ASSERT_EQ(file.Truncate(), 0);
-  ASSERT_EQ(file.Write(std::string("new")), 0);
-  EXPECT_EQ(Contents(folder / "old"), "new");
-  file.Discard();
-  EXPECT_TRUE(fs::exists(folder / "old"));
-}
-
 TEST_F(LocalFileTest, DiscardRemovesOnlyWhatOpenMade) {
+  Write(folder / "old", "kept");
+  ASSERT_EQ(file.Open(folder, "old", Mode::Create), 0);
+  file.Discard();
+  EXPECT_EQ(Contents(folder / "old"), "kept");
   for (const bool replaced : {false, true}) {
     ASSERT_EQ(file.Open(folder, "fresh", Mode::Create), 0);
     if (replaced) fs::remove(folder / "fresh");
@@ -43,16 +33,6 @@ TEST_F(LocalFileTest, DiscardRemovesOnlyWhatOpenMade) {
     file.Discard();
     EXPECT_EQ(fs::exists(folder / "fresh"), replaced);
   }
-}
-
-TEST_F(LocalFileTest, ResumeWritesAtTheEndAndSeekElsewhere) {
-  EXPECT_EQ(file.Open(folder, "part", Mode::Resume), ENOENT);
-  Write(folder / "part", "abc");
-  ASSERT_EQ(file.Open(folder, "part", Mode::Resume), 0);
-  ASSERT_EQ(file.Write(std::string("def")), 0);
-  ASSERT_EQ(file.Seek(1), 0);
-  ASSERT_EQ(file.Write(std::string("B")), 0);
-  EXPECT_EQ(Contents(folder / "part"), "aBcdef");
 }
 
 TEST_F(LocalFileTest, OneWriterAtATime) {
@@ -115,20 +95,6 @@ TEST_F(LocalFileTest, AFolderIsEnteredAndNeverFollowed) {
   EXPECT_EQ(file.Open(inside, "f", Mode::Create), 0);
   EXPECT_TRUE(fs::exists(folder / "moved" / "f"));
   EXPECT_TRUE(fs::is_empty(outside.Path()));
-}
-
-TEST_F(LocalFileTest, AWriteThatDoesNotFitSaysWhy) {
-  rlimit before{};
-  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  ASSERT_EQ(file.Open(folder, "big", Mode::Create), 0);
-  const rlimit small{1000, before.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  const int error = file.Write(std::string(1500, 'x'));
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, handler);
-  EXPECT_EQ(error, EFBIG);
-  EXPECT_EQ(fs::file_size(folder / "big"), 1000U) << "what fits is kept";
 }
 
 }  // namespace

@@ -83,14 +83,20 @@ TEST(FileTransfer, DoesNotWorkInAnotherDirectoryOfItsWindow) {
 }
 
 TEST(FileTransfer, KeepsWhatCameBeforeACancel) {
-  Job job;
-  job.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall});
-  job.Fetch("f");
-  job.Start();
-  ASSERT_TRUE(WaitFor([&] { return job.row->Progress().done == 3; }));
-  job.worker->Cancel();
-  EXPECT_EQ(job.Wait(), TransferEnd::Cancelled);
-  EXPECT_EQ(Contents(job.folder.Path() / "f"), "012");
+  for (const bool shared : {false, true}) {
+    for (const bool passive : {false, true}) {
+      Job job(passive, shared);
+      job.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall});
+      job.Fetch("f");
+      job.Start();
+      ASSERT_TRUE(WaitFor([&] { return job.row->Progress().done == 3; }));
+      job.worker->Cancel();
+      EXPECT_EQ(job.Wait(), TransferEnd::Cancelled);
+      EXPECT_EQ(Contents(job.folder.Path() / "f"), "012");
+      const EngineLease lease(*job.description.engine);
+      EXPECT_TRUE(!shared || job.description.engine->SendCommand("SYST\n") == 215);
+    }
+  }
 }
 
 TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {
@@ -107,20 +113,24 @@ TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {
 }
 
 TEST(FileTransfer, StopsWhenTheDiskIsFull) {
-  Job job;
-  job.server.Tree().AddFile("/pub/big", Bytes(3000));
-  for (const char* name : {"f", "big", "none"}) job.Fetch(name);
-  rlimit before{};
-  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small{1000, before.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-  const TransferEnd end = job.Run();
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, handler);
-  EXPECT_EQ(end, TransferEnd::Failed);
-  EXPECT_EQ(job.Notes(), "big: Could not write the file: File too large\n");
-  EXPECT_TRUE(Contents(job.folder.Path() / "big") == Bytes(3000).substr(0, 1000));
+  for (const bool shared : {false, true}) {
+    Job job(true, shared);
+    job.server.Tree().AddFile("/pub/big", Bytes(3000));
+    for (const char* name : {"f", "big", "none"}) job.Fetch(name);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{1000, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const TransferEnd end = job.Run();
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(end, TransferEnd::Failed);
+    EXPECT_EQ(job.Notes(), "big: Could not write the file: File too large\n");
+    EXPECT_TRUE(Contents(job.folder.Path() / "big") == Bytes(3000).substr(0, 1000));
+    const EngineLease lease(*job.description.engine);
+    EXPECT_TRUE(!shared || job.description.engine->SendCommand("SYST\n") == 215);
+  }
 }
 
 TEST(FileTransfer, UploadsWhatAFileHolds) {

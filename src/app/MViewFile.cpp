@@ -21,10 +21,10 @@
 namespace corvane {
 namespace {
 
-/// How much one turn of the event loop puts into the window.
-constexpr std::size_t kPiece = std::size_t{32} * 1024;
-/// A longer line takes the window too long to lay out.
-constexpr qsizetype kLongestLine = 4096;
+/// How much one turn of the event loop puts into the window: what it lays out in some milliseconds.
+constexpr std::size_t kPiece = std::size_t{8} * 1024;
+/// Longer lines are broken: the window lays a line out again whenever something is added to it.
+constexpr qsizetype kLongestLine = 1000;
 
 /// How many bytes at the end begin a UTF-8 character that is not complete yet.
 std::size_t IncompleteTail(std::string_view bytes) {
@@ -78,16 +78,22 @@ void ViewerLink::Attach(MViewFile& window) {
 
 // The cut goes to a line's end where there is one; a character is not torn apart.
 std::string ViewerLink::NextPiece() {
-  std::size_t length = std::min(text_.size(), kPiece);
-  const std::size_t line = text_.rfind('\n', length);
-  if (length < text_.size() && line != std::string::npos && line != 0) {
-    length = line;
-  } else if (length < text_.size() || !ended_) {
-    length -= IncompleteTail(std::string_view(text_).substr(0, length));
+  std::string_view piece = std::string_view(text_).substr(taken_);
+  const bool last = piece.size() <= kPiece;
+  piece = piece.substr(0, kPiece);
+  const std::size_t line = piece.rfind('\n');
+  if (!last && line != std::string::npos && line != 0) {
+    piece = piece.substr(0, line);
+  } else if (!last || !ended_) {
+    piece.remove_suffix(IncompleteTail(piece));
   }
-  std::string piece = text_.substr(0, length);
-  text_.erase(0, length);
-  return piece;
+  std::string text(piece);
+  taken_ += text.size();
+  if (taken_ == text_.size()) {
+    text_ = std::string();
+    taken_ = 0;
+  }
+  return text;
 }
 
 void ViewerLink::Drain() {
@@ -99,7 +105,7 @@ void ViewerLink::Drain() {
     hopPending_ = false;
     if (closing_ || window_.isNull()) return;
     piece = NextPiece();
-    more = hopPending_ = !piece.empty() && !text_.empty();
+    more = hopPending_ = !piece.empty() && taken_ < text_.size();
     if (cut_) {
       note = MViewFile::tr("Only the first %1 MiB are shown.").arg(kMostBytes >> 20);
     } else if (ended_ && !more) {
@@ -126,6 +132,10 @@ MViewFile::MViewFile(QWidget* browser, const QString& title, std::shared_ptr<Vie
   text_->setUndoRedoEnabled(false);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  // What is added at the end does not take the cursor along.
+  QTextCursor start = text_->textCursor();
+  start.setKeepPositionOnInsert(true);
+  text_->setTextCursor(start);
   text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   note_->setObjectName("Note");
   note_->setTextFormat(Qt::PlainText);
@@ -191,7 +201,7 @@ void MViewFile::Find(bool backward) {
   const QTextDocument::FindFlags flags =
       backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
   QTextCursor found = text_->document()->find(wanted_->text(), text_->textCursor(), flags);
-  if (found.isNull()) {
+  if (found.isNull() && (backward || text_->textCursor().position() > 0)) {
     QTextCursor start(text_->document());
     if (backward) start.movePosition(QTextCursor::End);
     found = text_->document()->find(wanted_->text(), start, flags);

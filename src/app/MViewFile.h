@@ -22,7 +22,7 @@ class MViewFile;
 class ViewerLink final : public TextSink, public std::enable_shared_from_this<ViewerLink> {
  public:
   /// What a window holds; it says so where there would be more.
-  static constexpr std::size_t kMostBytes = std::size_t{32} << 20;
+  static constexpr std::size_t kMostBytes = std::size_t{8} << 20;
 
   bool Append(std::string_view bytes) override;
   void End(std::string_view note) override;
@@ -41,6 +41,7 @@ class ViewerLink final : public TextSink, public std::enable_shared_from_this<Vi
   std::atomic<bool> closing_{false};
   Mutex lock_;
   std::string text_ GUARDED_BY(lock_);
+  std::size_t taken_ GUARDED_BY(lock_) = 0;  // bytes at its beginning that are in the window
   bool ended_ GUARDED_BY(lock_) = false;
   bool cut_ GUARDED_BY(lock_) = false;
   std::string note_ GUARDED_BY(lock_);

@@ -172,7 +172,7 @@ TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
   auto* text = shown->findChild<QPlainTextEdit*>();
   viewer->Append("one\ntw\xC3");
   QApplication::processEvents();
-  viewer->Append("\xB6\n" + std::string(5000, 'x'));
+  viewer->Append("\xB6\n" + std::string(1500, 'x'));
   EXPECT_TRUE(Wait([&] { return text->blockCount() == 4; })) << text->blockCount();
   EXPECT_EQ(text->toPlainText().left(8), "one\ntw\u00F6\n");
   Press(Qt::Key_F);
@@ -185,10 +185,10 @@ TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
   viewer->End("The file is not complete: cut");
   EXPECT_TRUE(Wait([&] { return note->text() == "The file is not complete: cut"; }));
   const std::string line = std::string(1023, 'y') + '\n';
-  std::size_t bytes = 5008;
+  std::size_t bytes = 1508;
   while (viewer->Append(line)) bytes += line.size();
   EXPECT_LE(bytes, ViewerLink::kMostBytes);
-  EXPECT_TRUE(Wait([&] { return note->text() == "Only the first 32 MiB are shown."; }));
+  EXPECT_TRUE(Wait([&] { return note->text() == "Only the first 8 MiB are shown."; }));
   shown->close();
   EXPECT_FALSE(viewer->Append("late"));
 }

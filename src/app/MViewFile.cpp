@@ -132,10 +132,6 @@ MViewFile::MViewFile(QWidget* browser, const QString& title, std::shared_ptr<Vie
   text_->setUndoRedoEnabled(false);
   text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
-  // What is added at the end does not take the cursor along.
-  QTextCursor start = text_->textCursor();
-  start.setKeepPositionOnInsert(true);
-  text_->setTextCursor(start);
   text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   note_->setObjectName("Note");
   note_->setTextFormat(Qt::PlainText);
@@ -236,9 +232,12 @@ void MViewFile::AppendText(std::string_view bytes) {
     text += character;
   }
   const int place = text_->verticalScrollBar()->value();
+  const bool first = text_->document()->isEmpty();
   QTextCursor cursor(text_->document());
   cursor.movePosition(QTextCursor::End);
   cursor.insertText(text);
+  // The first text takes the window's own cursor along.
+  if (first) text_->moveCursor(QTextCursor::Start);
   text_->verticalScrollBar()->setValue(place);
 }
 

@@ -13,6 +13,7 @@
 #include "support/TemporaryDirectory.h"
 #include "support/WaitFor.h"
 #include "util/LocalFile.h"
+#include "workers/ControlLooper.h"
 #include "workers/FileTransfer.h"
 
 namespace corvane {
@@ -153,6 +154,56 @@ TEST_P(SessionTest, TransfersTreesBothWays) {
     EXPECT_EQ(row->End(), TransferEnd::Finished) << row->Seen().why;
     EXPECT_TRUE(TreeOf(download ? local_.Path() / "back" / "d" : pub_ / "d") == expected);
   }
+}
+
+TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
+  fs::create_directory_symlink("../tree", pub_ / "to tree");
+  fs::create_symlink(kKorean, pub_ / "to file");
+  const auto& ui = browser_;
+  const auto looper =
+      std::make_shared<ControlLooper>("127.0.0.1", server_->port, server_->user, server_->password,
+                                      "pub", std::get<1>(GetParam()), ui);
+  ASSERT_TRUE(looper->Run());
+  const auto post = [&](std::uint32_t what,
+                        std::vector<std::pair<const char*, std::string>> fields) {
+    Message message(what);
+    for (const auto& [name, text] : fields) message.AddString(name, text);
+    EXPECT_TRUE(looper->PostMessage(std::move(message)));
+  };
+  const auto shows = [&](std::vector<std::string> names) {
+    std::sort(names.begin(), names.end());
+    const auto listed = [&] {
+      auto shown = ui->Seen().Names();
+      std::sort(shown.begin(), shown.end());
+      return shown == names;
+    };
+    return WaitFor([&] { return ui->Seen().count.has_value() && listed(); });
+  };
+  post("CNNT"_what, {});
+  ASSERT_TRUE(shows({".", "..", "a b", "empty", kKorean, "to file", "to tree"}));
+  const std::string path = ui->Seen().path;
+  post("MKDR"_what, {{"name", "n \xC3\xB6"}});
+  ASSERT_TRUE(shows({".", "..", "a b", "empty", kKorean, "n \xC3\xB6", "to file", "to tree"}));
+  post("RNFL"_what, {{"path", path}, {"original", "a b"}, {"renameto", "x -> y"}});
+  ASSERT_TRUE(WaitFor([&] { return fs::exists(pub_ / "x -> y"); }));
+  post("PCHN"_what, {{"cwd", "."}});
+  ASSERT_TRUE(shows({".", "..", "x -> y", "empty", kKorean, "n \xC3\xB6", "to file", "to tree"}));
+  Message entries("DELE"_what);
+  entries.AddString("path", path);
+  for (const char* name : {"empty", "x -> y", "n \xC3\xB6"}) {
+    entries.AddString("name", name);
+    entries.AddInt32("type", *name == 'n' ? kDirectory : kFile);
+  }
+  EXPECT_TRUE(looper->PostMessage(entries));
+  ASSERT_TRUE(shows({".", "..", kKorean, "to file", "to tree"}));
+  post("VWFL"_what, {{"file", kKorean}});
+  EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerText == "utf-8\n"; }));
+  post("HSYM"_what, {{"sym", "to file"}});
+  post("HSYM"_what, {{"sym", "to tree"}});
+  EXPECT_TRUE(shows({".", "..", "one", "void"}));
+  EXPECT_EQ(ui->Seen().Texts("DWLD"_what, "FileName"), std::vector<std::string>{"to file"});
+  EXPECT_EQ(ui->Seen().Texts("GERR"_what, "warning"), std::vector<std::string>{});
+  looper->Quit();
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, SessionTest,

@@ -4,6 +4,7 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
@@ -43,6 +44,7 @@ DirListView::DirListView(QWidget* parent) : QTreeView(parent), model_(new DirLis
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setDragEnabled(true);
   setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
   SetColumnWidths();
   // The tree would sort by the picture column too, so clicks are handled here.
@@ -201,6 +203,18 @@ void DirListView::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid()) {
     Invoke();
   }
+}
+
+// The pressed row is the current one; a click with Ctrl may have deselected it.
+void DirListView::startDrag(Qt::DropActions /*actions*/) {
+  const QModelIndex pressed = currentIndex();
+  const bool otherButton =
+      QGuiApplication::mouseButtons().testAnyFlags(Qt::RightButton | Qt::MiddleButton);
+  if (otherButton || !pressed.flags().testFlag(Qt::ItemIsDragEnabled) ||
+      !selectionModel()->isRowSelected(pressed.row(), {})) {
+    return;
+  }
+  Q_EMIT DragBegins(pressed.row());
 }
 
 void DirListView::contextMenuEvent(QContextMenuEvent* event) {

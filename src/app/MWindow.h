@@ -72,6 +72,10 @@ class MWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
   // MWindowLayout.cpp
@@ -100,17 +104,27 @@ class MWindow : public QMainWindow {
 
   // MWindowTransfers.cpp
   void DownloadRequested(const Message& message);
-  /// What is selected now, as a request without a target.
-  [[nodiscard]] DownloadRequest RequestForSelection();
+  /// What is selected now, as a request without a target. Of several, names that cannot be local
+  /// ones are left out and go to `refused`.
+  [[nodiscard]] DownloadRequest RequestForSelection(QStringList& refused);
+  void WarnOfNames(const QStringList& refused);
   /// Asks for the target of a request.
   void SaveDialogBox(DownloadRequest request);
   void ChooseUploads();
   void Upload(const QStringList& paths);
+  void Upload(std::vector<std::string> paths);
   /// To the transfer window or, where the box is ticked, to this window's own connection.
   void HandOver(DownloadRequest request);
   void HandOver(UploadRequest request);
   void TransferHere(transferStruct description);
   void TransferSettled(const TransferItem& item);
+
+  // MWindowDrag.cpp
+  /// Begins a drag of what is selected.
+  void DragRows(int pressed);
+  /// Asks where to when `folder` is empty.
+  void DownloadInto(const std::string& folder, DownloadRequest request);
+  [[nodiscard]] bool Takes(const QDropEvent& drop) const;
 
   // MWindowExisting.cpp
   void DownloadOne(DownloadRequest request, const std::string& localName);

@@ -65,6 +65,10 @@ class MWindow : public QMainWindow {
   /// Appends to the log a bounded piece at a time, however much it is.
   void LogLater(std::string_view text);
 
+  /// Downloads into `folder`, raw bytes, once it is known to be there; asks where to when it is
+  /// empty.
+  void DownloadInto(const std::string& folder, DownloadRequest request);
+
   [[nodiscard]] DirListView& Listing() { return *listing_; }
   /// Whether a transfer runs on this window's own connection.
   [[nodiscard]] bool IsTransferring() const;
@@ -122,8 +126,6 @@ class MWindow : public QMainWindow {
   // MWindowDrag.cpp
   /// Begins a drag of what is selected.
   void DragRows(int pressed);
-  /// Asks where to when `folder` is empty.
-  void DownloadInto(const std::string& folder, DownloadRequest request);
   [[nodiscard]] bool Takes(const QDropEvent& drop) const;
 
   // MWindowExisting.cpp

@@ -1,7 +1,9 @@
 #include "app/RowDrag.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QDBusConnection>
+#include <QDialog>
 #include <QDrag>
 #include <QIcon>
 #include <QKeyEvent>
@@ -9,6 +11,7 @@
 #include <QPainterPath>
 #include <QTimer>
 #include <QWidget>
+#include <algorithm>
 #include <utility>
 
 #include "app/DirectSave.h"
@@ -23,6 +26,21 @@ constexpr int kIconSize = 16;
 constexpr int kMostTextWidth = 300;
 constexpr int kAnswerMilliseconds = 5000;  // for the target to tell its folder after the drop
 constexpr int kLateMilliseconds = 300;     // the same once it says that it is done
+
+/// Whether the pointer is on a window of this program that hears of no drag there: on its frame, or
+/// on a window that an alert blocks.
+bool OverDeafWindow() {
+  const QPoint pointer = QCursor::pos();
+  const auto deaf = [pointer](const QWidget* window) {
+    if (!window->isVisible() || !window->frameGeometry().contains(pointer)) return false;
+    const QList<QDialog*> dialogs = window->findChildren<QDialog*>();
+    return !window->geometry().contains(pointer) ||
+           std::ranges::any_of(dialogs, [](const QDialog* dialog) {
+             return dialog->isVisible() && dialog->isModal();
+           });
+  };
+  return std::ranges::any_of(QApplication::topLevelWidgets(), deaf);
+}
 
 }  // namespace
 
@@ -53,10 +71,13 @@ void RowDrag::Run(const QPixmap& picture) {
   drag->setPixmap(picture);
   drag->setHotSpot(kPointer);
   // The property's window, and the toolkit's own filter, exist once the drag runs.
-  QTimer::singleShot(0, this, [this] {
+  QTimer running;
+  running.setSingleShot(true);
+  running.callOnTimeout(this, [this] {
     DirectSave::Propose(name_);
     qApp->installEventFilter(this);
   });
+  running.start(0);
   connect(data, &QObject::destroyed, this, [this] {
     QTimer::singleShot(kLateMilliseconds, this, [this] {
       Settle();
@@ -67,7 +88,7 @@ void RowDrag::Run(const QPixmap& picture) {
   qApp->removeEventFilter(this);
   if (!dropped_) {
     folder_.clear();
-    if (cancelled_ || overOwnWindow_) then_ = {};
+    if (cancelled_ || overOwnWindow_ || OverDeafWindow()) then_ = {};
   }
   if (!dropped_ || !folder_.empty()) return Settle();
   QTimer::singleShot(kAnswerMilliseconds, this, &RowDrag::Settle);

@@ -1,12 +1,8 @@
-#include <sys/stat.h>
-
-#include <QCheckBox>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusServer>
 #include <QDragEnterEvent>
 #include <QFileDialog>
-#include <QLineEdit>
 #include <QMimeData>
 
 #include "AppFixture.h"
@@ -15,8 +11,6 @@
 
 namespace corvane {
 namespace {
-
-using Paths = std::vector<std::string>;
 
 class Drag : public AppFixture {
  protected:
@@ -78,21 +72,14 @@ TEST(DragData, BelievesOnlyUrlsOfThisMachine) {
   const std::string host = QSysInfo::machineHostName().toStdString();
   const std::tuple<std::string, const char*, const char*> cases[] = {
       {"name", "", ""},
-      {"", "", ""},
       {"file:///tmp/a%20b/%C3%A9%ff/name", "S", "/tmp/a b/\xc3\xa9\xff"},
-      {"FILE://localhost/name", "S", "/"},
       {"file://" + host + "/a/name", "S", "/a"},
-      {"file:/a/name", "S", "/a"},
+      {"FILE://localhost/name", "S", "/"},
       {"file://elsewhere.test/a/name", "E", ""},
-      {"sftp://localhost/a/name", "E", ""},
-      {"file:a/name", "E", ""},
       {"file://", "E", ""},
-      {"/a/name", "E", ""},
       {"file:///a%00/name", "E", ""},
       {"file:///a%0a/name", "E", ""},
-      {"file:///a/name\r\n", "E", ""},
       {std::string("file:///a\0/name", 15), "E", ""},
-      {"file:///a%/name", "E", ""},
       {"file:///a%+1/name", "E", ""},
       {"file:///a/name%2", "E", ""},
       {"file:///a/name?query", "E", ""},
@@ -138,55 +125,47 @@ TEST(ExtractService, ListensAsLongAsItLives) {
 }
 
 TEST_F(Drag, TakesLocalFilesAndNothingElse) {
-  struct Case {
-    const char* urls;
-    Qt::DropActions offered;
-    bool entered;
-    Paths uploads;
-    std::size_t alerts;
-  };
-  const Case cases[] = {
+  using Paths = std::vector<std::string>;
+  constexpr bool kRows = true;
+  const std::tuple<const char*, Qt::DropActions, bool, bool, Paths, std::size_t> cases[] = {
       {"# note\r\nfile:///a%20%C3%BC\r\nfile:///d/\r\n",
        Qt::MoveAction | Qt::CopyAction,
+       !kRows,
        true,
        {"/a \xc3\xbc", "/d/"},
        0},
-      {"file:///a\nhttp://host/b\nfile://elsewhere.test/c", Qt::CopyAction, true, {"/a"}, 1},
-      {"http://host/b", Qt::CopyAction, true, {}, 1},
-      {"file:///a", Qt::MoveAction | Qt::LinkAction, false, {}, 0},
-      {nullptr, Qt::CopyAction, false, {}, 0},
+      {"file:///a\nhttp://host/b\nfile://elsewhere.test/c",
+       Qt::CopyAction,
+       !kRows,
+       true,
+       {"/a"},
+       1},
+      {"http://host/b", Qt::CopyAction, !kRows, true, {}, 1},
+      {"file:///a", Qt::MoveAction | Qt::LinkAction, !kRows, false, {}, 0},
+      {"file:///a", Qt::CopyAction, kRows, false, {}, 0},
   };
-  auto* path = window_->findChild<QLineEdit*>("Path");
-  const auto drop = [&](const QMimeData& data, Qt::DropActions offered, const Paths& uploads) {
-    alerts_.clear();
-    transfers_.clear();
-    bool entered = true;
-    for (QWidget* over : {View().viewport(), static_cast<QWidget*>(path)}) {
-      QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, {});
-      QApplication::sendEvent(over, &enter);
-      entered = entered && enter.isAccepted() && enter.dropAction() == Qt::CopyAction;
+  for (const bool enabled : {true, false}) {
+    if (!enabled) View().DisableAll();
+    for (const auto& [urls, offered, rows, welcome, uploads, alerts] : cases) {
+      QMimeData data;
+      data.setData("text/uri-list", urls);
+      if (rows) data.setData(DragData::kRows, "");
+      alerts_.clear();
+      transfers_.clear();
+      for (QWidget* over : {View().viewport(), window_->findChild<QWidget*>("Path")}) {
+        QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(over, &enter);
+        EXPECT_EQ(enter.isAccepted(), welcome && enabled) << urls;
+        EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction) << urls;
+      }
+      QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
+      QApplication::sendEvent(window_, &drop);
+      EXPECT_TRUE(!drop.isAccepted() || drop.dropAction() == Qt::CopyAction) << urls;
+      const Paths uploaded = transfers_.empty() ? Paths() : transfers_[0]->description.localItems;
+      EXPECT_EQ(uploaded, enabled ? uploads : Paths()) << urls;
+      EXPECT_EQ(alerts_.size(), enabled ? alerts : 0) << urls;
     }
-    QDropEvent event({5, 5}, offered, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(window_, &event);
-    EXPECT_EQ(event.isAccepted(), !uploads.empty());
-    EXPECT_TRUE(!event.isAccepted() || event.dropAction() == Qt::CopyAction);
-    EXPECT_EQ(transfers_.empty() ? Paths() : transfers_[0]->description.localItems, uploads);
-    return entered;
-  };
-  for (const Case& each : cases) {
-    QMimeData data;
-    if (each.urls != nullptr) data.setData("text/uri-list", each.urls);
-    EXPECT_EQ(drop(data, each.offered, each.uploads), each.entered) << each.urls;
-    EXPECT_EQ(alerts_.size(), each.alerts) << each.urls;
   }
-  QMimeData data;
-  data.setData("text/uri-list", "file:///a");
-  View().DisableAll();
-  EXPECT_FALSE(drop(data, Qt::CopyAction, {}));
-  View().EnableAll();
-  EXPECT_TRUE(drop(data, Qt::CopyAction, {"/a"}));
-  data.setData(DragData::kRows, "");
-  EXPECT_FALSE(drop(data, Qt::CopyAction, {}));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGroupBox>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
@@ -208,9 +207,7 @@ void DirListView::mouseDoubleClickEvent(QMouseEvent* event) {
 // The pressed row is the current one; a click with Ctrl may have deselected it.
 void DirListView::startDrag(Qt::DropActions /*actions*/) {
   const QModelIndex pressed = currentIndex();
-  const bool otherButton =
-      QGuiApplication::mouseButtons().testAnyFlags(Qt::RightButton | Qt::MiddleButton);
-  if (otherButton || !pressed.flags().testFlag(Qt::ItemIsDragEnabled) ||
+  if (!pressed.flags().testFlag(Qt::ItemIsDragEnabled) ||
       !selectionModel()->isRowSelected(pressed.row(), {})) {
     return;
   }

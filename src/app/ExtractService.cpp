@@ -14,10 +14,6 @@ ExtractService::ExtractService(const QDBusConnection& bus,
       registered_(bus_.isConnected() &&
                   bus_.registerObject(path_, this, QDBusConnection::ExportScriptableSlots)) {}
 
-ExtractService::~ExtractService() {
-  if (registered_) bus_.unregisterObject(path_);
-}
-
 QString ExtractService::Service() const {
   return registered_ ? bus_.baseService() : QString();
 }

@@ -17,7 +17,6 @@ class ExtractService : public QObject {
  public:
   /// `told` gets the folder, raw bytes; it is an absolute path and not looked at.
   ExtractService(const QDBusConnection& bus, std::function<void(const std::string& folder)> told);
-  ~ExtractService() override;
 
   /// The name and the path of the object; the name is empty where there is no bus.
   [[nodiscard]] QString Service() const;

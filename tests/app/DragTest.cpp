@@ -149,6 +149,7 @@ TEST_F(Drag, TakesLocalFilesAndNothingElse) {
     for (const auto& [urls, offered, rows, welcome, uploads, alerts] : cases) {
       QMimeData data;
       data.setData("text/uri-list", urls);
+      data.setText(urls);
       if (rows) data.setData(DragData::kRows, "");
       alerts_.clear();
       transfers_.clear();

@@ -73,9 +73,9 @@ void MWindow::DownloadInto(const std::string& folder, DownloadRequest request) {
 }
 
 bool MWindow::Takes(const QDropEvent& drop) const {
-  const QMimeData& data = *drop.mimeData();
+  const QMimeData& offer = *drop.mimeData();
   return listing_->IsEnabled() && looper_ != nullptr && drop.source() == nullptr &&
-         !data.hasFormat(DragData::kRows) && data.hasUrls() &&
+         !offer.hasFormat(DragData::kRows) && offer.hasUrls() &&
          drop.possibleActions().testFlag(Qt::CopyAction);
 }
 

@@ -236,7 +236,9 @@ bool DirListModel::hasChildren(const QModelIndex& parent) const {
 Qt::ItemFlags DirListModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) return Qt::NoItemFlags;
   const Qt::ItemFlags fixed = Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-  return enabled_ ? fixed | Qt::ItemIsEnabled : fixed;
+  if (!enabled_) return fixed;
+  const bool canBeDragged = !At(index.row()).IsDots();
+  return fixed | Qt::ItemIsEnabled | (canBeDragged ? Qt::ItemIsDragEnabled : Qt::NoItemFlags);
 }
 
 QVariant DirListModel::data(const QModelIndex& index, int role) const {

@@ -43,6 +43,7 @@ DirListView::DirListView(QWidget* parent) : QTreeView(parent), model_(new DirLis
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setSelectionBehavior(QAbstractItemView::SelectRows);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setDragEnabled(true);
   setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
   SetColumnWidths();
   // The tree would sort by the picture column too, so clicks are handled here.
@@ -206,6 +207,16 @@ void DirListView::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && indexAt(event->position().toPoint()).isValid()) {
     Invoke();
   }
+}
+
+// The pressed row is the current one; a click with Ctrl may have deselected it.
+void DirListView::startDrag(Qt::DropActions /*actions*/) {
+  const QModelIndex pressed = currentIndex();
+  if (!pressed.flags().testFlag(Qt::ItemIsDragEnabled) ||
+      !selectionModel()->isRowSelected(pressed.row(), {})) {
+    return;
+  }
+  Q_EMIT DragBegins(pressed.row());
 }
 
 void DirListView::contextMenuEvent(QContextMenuEvent* event) {

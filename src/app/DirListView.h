@@ -64,10 +64,13 @@ class DirListView : public QTreeView {
   /// `usable`: the first selected row is an entry that can be downloaded.
   void SelectionChanged(bool usable);
   void EnabledChanged(bool enabled);
+  /// The selected rows are being pulled, with the pointer on `row`, which is one of them.
+  void DragBegins(int row);
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void startDrag(Qt::DropActions actions) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;

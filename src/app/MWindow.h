@@ -70,6 +70,10 @@ class MWindow : public QMainWindow {
   /// Appends to the log a bounded piece at a time, however much it is.
   void LogLater(std::string_view text);
 
+  /// Downloads into `folder`, raw bytes, once it is known to be there; asks where to when it is
+  /// empty.
+  void DownloadInto(const std::string& folder, DownloadRequest request);
+
   [[nodiscard]] DirListView& Listing() { return *listing_; }
   /// Whether a transfer runs on this window's own connection.
   [[nodiscard]] bool IsTransferring() const;
@@ -77,6 +81,10 @@ class MWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
   // MWindowLayout.cpp
@@ -116,17 +124,25 @@ class MWindow : public QMainWindow {
 
   // MWindowTransfers.cpp
   void DownloadRequested(const Message& message);
-  /// What is selected now, as a request without a target.
-  [[nodiscard]] DownloadRequest RequestForSelection();
+  /// What is selected now, as a request without a target. Of several, names that cannot be local
+  /// ones are left out and go to `refused`.
+  [[nodiscard]] DownloadRequest RequestForSelection(QStringList& refused);
+  void WarnOfNames(const QStringList& refused);
   /// Asks for the target of a request.
   void SaveDialogBox(DownloadRequest request);
   void ChooseUploads();
   void Upload(const QStringList& paths);
+  void Upload(std::vector<std::string> paths);
   /// To the transfer window or, where the box is ticked, to this window's own connection.
   void HandOver(DownloadRequest request);
   void HandOver(UploadRequest request);
   void TransferHere(transferStruct description);
   void TransferSettled(const TransferItem& item);
+
+  // MWindowDrag.cpp
+  /// Begins a drag of what is selected.
+  void DragRows(int pressed);
+  [[nodiscard]] bool Takes(const QDropEvent& drop) const;
 
   // MWindowExisting.cpp
   void DownloadOne(DownloadRequest request, const std::string& localName);

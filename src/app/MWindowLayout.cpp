@@ -92,6 +92,9 @@ void MWindow::MakeViews() {
     MenusBeginning();
   });
   connect(listing_, &DirListView::EnabledChanged, this, &MWindow::ListingEnabled);
+  connect(listing_, &DirListView::DragBegins, this, &MWindow::DragRows);
+  path_->installEventFilter(this);
+  setAcceptDrops(true);
   connect(pane_, &TransferPane::Settled, this, &MWindow::TransferSettled);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (now != path_ && now != listing_) return;

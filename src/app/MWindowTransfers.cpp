@@ -49,7 +49,9 @@ void MWindow::DownloadRequested(const Message& message) {
   }
   const int first = listing_->FirstSelected();
   if (first <= 0) return;
-  DownloadRequest request = RequestForSelection();
+  QStringList refused;
+  DownloadRequest request = RequestForSelection(refused);
+  WarnOfNames(refused);
   if (request.items.empty()) return;
   const std::optional<std::string> folder = DownloadFolder();
   if (!folder.has_value()) {
@@ -65,15 +67,13 @@ void MWindow::DownloadRequested(const Message& message) {
   }
 }
 
-// Names that cannot be local ones are left out here, and the user told. One alone may still get
-// another name in the panel.
-DownloadRequest MWindow::RequestForSelection() {
+// A name that cannot be a local one may still get another in the panel where it is alone.
+DownloadRequest MWindow::RequestForSelection(QStringList& refused) {
   DownloadRequest request;
   request.connection = connection_;
   request.remoteDirectory = currentDirectory_;
   request.window = this;
   const std::vector<int> rows = listing_->SelectedRows();
-  QStringList refused;
   for (const int row : rows) {
     const MWListItem& item = listing_->Rows().At(row);
     if (rows.size() > 1 && (row < 2 || item.IsDots())) continue;
@@ -84,11 +84,13 @@ DownloadRequest MWindow::RequestForSelection() {
     request.items.push_back(item.GetFileInfo());
     request.size = item.Size();
   }
-  if (!refused.isEmpty()) {
-    Warn(tr("These names cannot be names of local files and are left out:") + "\n\n" +
-         refused.join('\n'));
-  }
   return request;
+}
+
+void MWindow::WarnOfNames(const QStringList& refused) {
+  if (refused.isEmpty()) return;
+  Warn(tr("These names cannot be names of local files and are left out:") + "\n\n" +
+       refused.join('\n'));
 }
 
 // The panels do not block the window: what they are about is settled when they open.
@@ -126,17 +128,25 @@ void MWindow::ChooseUploads() {
   openPanel_ = new QFileDialog(this, tr("Upload"));
   openPanel_->setFileMode(QFileDialog::ExistingFiles);
   openPanel_->setLabelText(QFileDialog::Accept, tr("Select"));
-  connect(openPanel_, &QFileDialog::filesSelected, this, &MWindow::Upload);
+  connect(openPanel_, &QFileDialog::filesSelected, this,
+          qOverload<const QStringList&>(&MWindow::Upload));
   ShowPanel(openPanel_);
 }
 
 void MWindow::Upload(const QStringList& paths) {
+  std::vector<std::string> raw;
+  for (const QString& path : paths) raw.push_back(LocalPath(path));
+  Upload(std::move(raw));
+}
+
+void MWindow::Upload(std::vector<std::string> paths) {
+  if (paths.empty()) return;
   UploadRequest request;
   request.connection = connection_;
   request.remoteDirectory = currentDirectory_;
   request.window = this;
-  for (const QString& path : paths) request.localItems.push_back(LocalPath(path));
-  if (!request.localItems.empty()) HandOver(std::move(request));
+  request.localItems = std::move(paths);
+  HandOver(std::move(request));
 }
 
 void MWindow::HandOver(DownloadRequest request) {

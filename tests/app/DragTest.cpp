@@ -1,0 +1,164 @@
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusServer>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QMimeData>
+
+#include "AppFixture.h"
+#include "app/DragData.h"
+#include "app/ExtractService.h"
+
+namespace corvane {
+namespace {
+
+class Drag : public AppFixture {
+ protected:
+  Drag() { List({File("one"), File("two"), File("dir", kDirectorySize)}); }
+  /// Presses on a row and pulls it; the platform of these tests drags nothing, so that every drag
+  /// ends outside at once. Whether the window then asked where to save.
+  bool Pull(int row, Qt::MouseButton button = Qt::LeftButton) {
+    QWindow* window = window_->windowHandle();
+    const QPoint from = View().viewport()->mapTo(
+        window_, View().visualRect(View().Rows().index(row, DirListModel::kName)).center());
+    QTest::mousePress(window, button, {}, from);
+    QTest::mouseMove(window, from + QPoint(0, 5));
+    QTest::mouseMove(window, from + QPoint(0, 40));
+    for (int turn = 0; turn < 5; ++turn) QCoreApplication::processEvents();
+    QTest::mouseRelease(window, button, {}, from);
+    return !Panel().isNull();
+  }
+  [[nodiscard]] QPointer<QFileDialog> Panel() const { return window_->findChild<QFileDialog*>(); }
+};
+
+TEST_F(Drag, RowsButTheDotsCanBePulledWithTheLeftButton) {
+  EXPECT_FALSE(Pull(0) || Pull(1));
+  EXPECT_FALSE(Pull(2, Qt::RightButton) || Pull(2, Qt::MiddleButton));
+  View().DisableAll();
+  EXPECT_FALSE(Pull(2));
+  View().EnableAll();
+  View().selectAll();
+  ASSERT_TRUE(Pull(3));
+  List({File("new")});  // too late to change what is dragged
+  Q_EMIT Panel()->fileSelected(folder_.path());
+  ASSERT_EQ(transfers_.size(), 1U);
+  std::string names;
+  for (const fileStruct& item : transfers_[0]->description.items) names += item.name + " ";
+  EXPECT_EQ(names, "dir one two ");
+}
+
+TEST_F(Drag, AFolderIsDownloadedIntoOnlyWhenItIsThere) {
+  DownloadRequest request;
+  request.window = window_;
+  request.items.push_back(File("one"));
+  const std::string folder = folder_.path().toStdString();
+  ASSERT_TRUE(QFile(folder_.filePath("file")).open(QFile::WriteOnly));
+  for (const char* wrong : {"/missing", "/file"}) {
+    const std::size_t alerts = alerts_.size();
+    window_->DownloadInto(folder + wrong, request);
+    EXPECT_TRUE(Wait([&] { return alerts_.size() == alerts + 1; })) << wrong;
+  }
+  EXPECT_TRUE(transfers_.empty());
+  window_->DownloadInto(folder, request);
+  ASSERT_TRUE(Wait([&] { return transfers_.size() == 1; }));
+  EXPECT_EQ(transfers_[0]->description.targetFolder, folder);
+  ASSERT_TRUE(Panel().isNull());
+  request.items[0].name = "a/b";  // the panel can give it another name
+  window_->DownloadInto(folder, request);
+  EXPECT_FALSE(Panel().isNull());
+}
+
+TEST(DragData, BelievesOnlyUrlsOfThisMachine) {
+  const std::string host = QSysInfo::machineHostName().toStdString();
+  const std::tuple<std::string, const char*, const char*> cases[] = {
+      {"name", "", ""},
+      {"file:///tmp/a%20b/%C3%A9%ff/name", "S", "/tmp/a b/\xc3\xa9\xff"},
+      {"file://" + host + "/a/name", "S", "/a"},
+      {"FILE://localhost/name", "S", "/"},
+      {"file://elsewhere.test/a/name", "E", ""},
+      {"file://", "E", ""},
+      {"file:///a%00/name", "E", ""},
+      {"file:///a%0a/name", "E", ""},
+      {std::string("file:///a\0/name", 15), "E", ""},
+      {"file:///a%+1/name", "E", ""},
+      {"file:///a/name%2", "E", ""},
+      {"file:///a/name?query", "E", ""},
+  };
+  for (const auto& [property, answer, folder] : cases) {
+    std::string told;
+    const DragData data({.property = [&text = property] { return text; }, .name = "name"},
+                        [&](const std::string& where) { told = where; });
+    EXPECT_EQ(data.data("XdndDirectSave0"), answer) << property;
+    EXPECT_EQ(told, folder) << property;
+    EXPECT_FALSE(data.hasUrls() || data.hasText());
+  }
+  const DragData nowhere({}, {});
+  EXPECT_EQ(nowhere.formats(), QStringList(DragData::kRows));
+}
+
+TEST(ExtractService, ListensAsLongAsItLives) {
+  QDBusServer server("unix:tmpdir=" + QDir::tempPath());
+  server.setAnonymousAuthenticationAllowed(true);
+  std::optional<QDBusConnection> bus;
+  QObject::connect(&server, &QDBusServer::newConnection, &server,
+                   [&](const QDBusConnection& connection) { bus = connection; });
+  QDBusConnection caller = QDBusConnection::connectToPeer(server.address(), "caller");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return bus.has_value(); }));
+  std::string told;
+  auto service = std::make_unique<ExtractService>(
+      *bus, [&](const std::string& folder) { told += folder + ";"; });
+  const QString path = service->Path();
+  EXPECT_NE(path, ExtractService(*bus, {}).Path());
+  const auto call = [&](const QString& folder) {
+    auto message = QDBusMessage::createMethodCall({}, path, "org.kde.ark.DndExtract",
+                                                  "extractSelectedFilesTo");
+    message << folder;
+    const QDBusPendingCall answer = caller.asyncCall(message);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return answer.isFinished(); }));
+    return !answer.isError();
+  };
+  EXPECT_TRUE(call("relative") && call("") && call("/a\xcc\x88 b"));
+  EXPECT_EQ(told, "/a\xcc\x88 b;");
+  service.reset();
+  EXPECT_FALSE(call("/late"));
+  QDBusConnection::disconnectFromPeer("caller");
+}
+
+TEST_F(Drag, TakesLocalFilesAndNothingElse) {
+  using Paths = std::vector<std::string>;
+  const Qt::DropActions copy = Qt::CopyAction;
+  const Qt::DropActions move = Qt::MoveAction;
+  const std::tuple<const char*, Qt::DropActions, bool, Paths, std::size_t> cases[] = {
+      {"# x\r\nfile:///%C3%BC%20\r\nfile:///d/\r\n", copy | move, true, {"/\xc3\xbc ", "/d/"}, 0},
+      {"file:///a\nhttp://host/b\nfile://elsewhere.test/c", copy, true, {"/a"}, 1},
+      {"http://host/b", copy, true, {}, 1},
+      {"file:///a", move, false, {}, 0},
+      {"file:///of%20rows", copy, false, {}, 0},
+  };
+  for (const bool enabled : {true, false}) {
+    if (!enabled) View().DisableAll();
+    for (const auto& [urls, offered, welcome, uploads, alerts] : cases) {
+      QMimeData data;
+      data.setData("text/uri-list", urls);
+      data.setText(urls);
+      if (data.text().contains("rows")) data.setData(DragData::kRows, "");
+      alerts_.clear();
+      transfers_.clear();
+      for (QWidget* over : {View().viewport(), window_->findChild<QWidget*>("Path")}) {
+        QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(over, &enter);
+        EXPECT_EQ(enter.isAccepted(), welcome && enabled) << urls;
+        EXPECT_TRUE(!enter.isAccepted() || enter.dropAction() == Qt::CopyAction) << urls;
+      }
+      QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
+      QApplication::sendEvent(window_, &drop);
+      EXPECT_TRUE(!drop.isAccepted() || drop.dropAction() == Qt::CopyAction) << urls;
+      const Paths uploaded = transfers_.empty() ? Paths() : transfers_[0]->description.localItems;
+      EXPECT_EQ(uploaded, enabled ? uploads : Paths()) << urls;
+      EXPECT_EQ(alerts_.size(), enabled ? alerts : 0) << urls;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace corvane

@@ -15,6 +15,7 @@
 #include "app/TambleApp.h"
 #include "app/Text.h"
 #include "app/TransferPane.h"
+#include "app/UploadPanel.h"
 #include "app/Windows.h"
 #include "settings/ProcessSettings.h"
 #include "util/LocalFile.h"
@@ -125,12 +126,10 @@ void MWindow::SaveDialogBox(DownloadRequest request) {
 
 void MWindow::ChooseUploads() {
   if (!openPanel_.isNull()) return BringForward(openPanel_);
-  openPanel_ = new QFileDialog(this, tr("Upload"));
-  openPanel_->setFileMode(QFileDialog::ExistingFiles);
-  openPanel_->setLabelText(QFileDialog::Accept, tr("Select"));
-  connect(openPanel_, &QFileDialog::filesSelected, this,
-          qOverload<const QStringList&>(&MWindow::Upload));
-  ShowPanel(openPanel_);
+  auto* panel = new UploadPanel(this);
+  connect(panel, &UploadPanel::Chosen, this, qOverload<const QStringList&>(&MWindow::Upload));
+  openPanel_ = panel;
+  ShowPanel(panel);
 }
 
 void MWindow::Upload(const QStringList& paths) {

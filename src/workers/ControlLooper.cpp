@@ -57,7 +57,7 @@ void ControlLooper::Handle(const Message& message) {
     case "MKDR"_what: CreateDirectory(text("name")); break;
     case "VWFL"_what: ViewFile(text("file")); break;
     case "VWDR"_what: ViewListing(); break;
-    case "FRTR"_what: break;
+    case "FRTR"_what:
     default: break;
   }
 }

@@ -1,13 +1,16 @@
 #include <QApplication>
+#include <QDir>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 #include "AppFixture.h"
 #include "app/MViewFile.h"
 #include "app/NewDir.h"
 #include "app/RenameWin.h"
 #include "app/SmallView.h"
+#include "app/UploadPanel.h"
 #include "support/ScriptedServer.h"
 
 namespace corvane {
@@ -138,6 +141,24 @@ TEST_F(Commands, TheListingWaitsForANewDirectory) {
   EXPECT_TRUE(Asks("MKDR name=new"));
   link_->PostMessage(Message("ENBL"_what));
   EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
+}
+
+TEST_F(Commands, FilesAndFoldersAreChosenTogetherForUpload) {
+  const QDir folder(folder_.path());
+  ASSERT_TRUE(QFile(folder.filePath("a b")).open(QFile::WriteOnly) && folder.mkdir("d"));
+  // What is selected in the panel, and how many items of it are uploaded.
+  for (const auto& [names, count] : {std::pair("\"a b\" \"d\"", 2U), std::pair("d", 1U)}) {
+    transfers_.clear();
+    Press(Qt::Key_U);
+    auto* panel = window_->findChild<UploadPanel*>();
+    ASSERT_NE(panel, nullptr);
+    panel->setDirectory(folder_.path());
+    panel->findChild<QLineEdit*>()->setText(names);
+    panel->findChild<QPushButton*>()->setFocus();
+    panel->accept();
+    EXPECT_EQ(transfers_.empty() ? 0U : transfers_[0]->description.localItems.size(), count);
+    delete panel;
+  }
 }
 
 TEST_F(Commands, ALinkBecomesTheFileItLeadsTo) {

@@ -1,5 +1,7 @@
 #include "app/DirListHeader.h"
 
+#include <algorithm>
+
 #include "app/DirListModel.h"
 
 namespace corvane {
@@ -12,10 +14,10 @@ DirListHeader::DirListHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, pare
 }
 
 void DirListHeader::paintSection(QPainter* painter, const QRect& rect, int section) const {
-  if (section == DirListModel::kIcon) return;
   QRect merged = rect;
+  if (section == DirListModel::kIcon) merged.adjust(0, 0, sectionSize(DirListModel::kName), 0);
   if (section == DirListModel::kName) merged.adjust(-sectionSize(DirListModel::kIcon), 0, 0, 0);
-  QHeaderView::paintSection(painter, merged, section);
+  QHeaderView::paintSection(painter, merged, std::max<int>(section, DirListModel::kName));
 }
 
 }  // namespace corvane

@@ -25,7 +25,7 @@ void UploadPanel::accept() {
   if (paths.isEmpty() || !std::ranges::all_of(paths, there) || (typed && folder)) {
     return QFileDialog::accept();
   }
-  QDialog::accept();
+  done(QDialog::Accepted);
   Q_EMIT Chosen(paths);
 }
 

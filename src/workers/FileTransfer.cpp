@@ -163,7 +163,7 @@ void FileTransfer::Finish() {
   if (!sameConnection_)
     engine_.Close();
   else if (engine_.Lost())
-    engine_.ReportLost(NLException("FileTransfer::Finish", lostWhy_));
+    engine_.ReportLost(NLException("FileTransfer::Finish", lostWhy_.empty() ? why_ : lostWhy_));
 }
 
 // Leaves the browser's connection as it was found: in its directory and in step.

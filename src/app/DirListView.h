@@ -38,8 +38,7 @@ class DirListView : public QTreeView {
   /// Selects the first row whose name begins so; without one nothing stays selected.
   void SelectName(std::string_view prefix);
 
-  /// The selected link has turned out to lead to a file: its row becomes a file's and stays
-  /// selected.
+  /// A link has turned out to lead to a file: its row becomes a file's.
   void ChangeValues(int row, std::int64_t size);
   /// Adds a row in name order.
   void InsertItem(const fileStruct& entry, const std::string& name);

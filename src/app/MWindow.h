@@ -121,6 +121,8 @@ class MWindow : public QMainWindow {
   void RenameRequested();
   void ViewFile();
   void OfferToConnect(const QString& text);
+  /// Warns when a transfer runs on this connection.
+  [[nodiscard]] bool IsBusy();
 
   // MWindowTransfers.cpp
   void DownloadRequested(const Message& message);
@@ -156,7 +158,8 @@ class MWindow : public QMainWindow {
   std::string currentDirectory_;
   int openWarnings_ = 0;
   bool closingForError_ = false;
-  std::string renaming_;  // the name in the rename window, as the server has it
+  std::string renaming_;    // the name in the rename window, as the server has it
+  std::string renamingIn_;  // the directory of that entry
   bool connectedOnce_ = false;
   bool offering_ = false;  // to connect again
 

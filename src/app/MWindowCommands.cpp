@@ -78,8 +78,9 @@ void MWindow::ShowNewDir() {
 
 // The listing is disabled until the server has answered, which 'ENBL' says.
 void MWindow::CreateDirectory() {
-  if (newDir_ == nullptr || newDir_->Name().isEmpty()) return;
+  if (newDir_ == nullptr || newDir_->Name().isEmpty() || IsBusy()) return;
   Message message("MKDR"_what);
+  message.AddString("path", currentDirectory_);
   message.AddString("name", ToBytes(newDir_->Name()));
   listing_->DisableAll();
   if (!SendToLooper(message)) listing_->EnableAll();
@@ -94,22 +95,29 @@ void MWindow::ShowRename() {
             [this] { MessageReceived(Message("RNFL"_what)); });
   }
   renaming_ = listing_->Rows().At(row).Name();
+  renamingIn_ = currentDirectory_;
   renameWin_->Fill(ToText(renaming_));
   ShowBeside(*this, renameWin_);
 }
 
 // Most servers replace an entry of the new name without a word.
 void MWindow::RenameRequested() {
-  if (renameWin_ == nullptr || renameWin_->RenameTo().isEmpty()) return;
+  if (renameWin_ == nullptr || renameWin_->RenameTo().isEmpty() || IsBusy()) return;
+  const std::string from = EditedBytes(renameWin_->Original(), renaming_);
   const std::string to = ToBytes(renameWin_->RenameTo());
+  if (from == to) return;
   Message message("RNFL"_what);
-  message.AddString("original", EditedBytes(renameWin_->Original(), renaming_));
+  message.AddString("original", from);
   message.AddString("renameto", to);
-  message.AddString("path", currentDirectory_);
-  if (listing_->Rows().Find(to) < 0) return void(SendToLooper(message));
+  message.AddString("path", renamingIn_);
+  const bool elsewhere = to.find('/') != std::string::npos;
+  if (!elsewhere && listing_->Rows().Find(to) < 0) return void(SendToLooper(message));
+  const QString text =
+      elsewhere ? tr("This moves the entry to \"%1\"; the server may replace what is there.")
+                : tr("\"%1\" exists already, and the server may replace it.");
   Alerts::Show(this,
                {.title = tr("Alert!"),
-                .text = tr("\"%1\" exists already, and the server may replace it.").arg(ToText(to)),
+                .text = text.arg(ToText(to)),
                 .buttons = {tr("&Rename"), tr("Cancel")},
                 .preset = 1},
                [this, message](int button) {
@@ -121,8 +129,14 @@ void MWindow::ViewFile() {
   const int row = listing_->FirstSelected();
   if (row < 0 || listing_->Rows().At(row).Type() == kDirectory) return;
   Message message("VWFL"_what);
+  message.AddString("path", currentDirectory_);
   message.AddString("file", listing_->Rows().At(row).Name());
   SendToLooper(message);
+}
+
+bool MWindow::IsBusy() {
+  if (IsTransferring()) Warn(tr("This connection is busy with another transfer."));
+  return IsTransferring();
 }
 
 void MWindow::OfferToConnect(const QString& text) {
@@ -149,6 +163,8 @@ void MWindow::RemoveRow(const std::string& name) {
 void MWindow::RenameRow(const std::string& from, const std::string& to,
                         const std::string& directory) {
   if (directory != currentDirectory_ || from == to || listing_->Rows().Find(from) < 0) return;
+  // A name with a way in it has moved the entry out of this directory.
+  if (to.find('/') != std::string::npos) return RemoveRow(from);
   RemoveRow(to);
   listing_->Rows().Rename(listing_->Rows().Find(from), to);
 }

@@ -96,9 +96,9 @@ class MFtp {
   /// The same where every refusal has to be said: what CheckResult passes over in silence becomes a
   /// warning of `failed` and the server's words.
   bool Accepted(int code, std::string_view failed);
-  /// Whether the server has done what it was asked, or asks for the rest of it (2yz, 3yz); else the
-  /// user is warned of `failed`, with the server's words beneath.
-  bool Succeeded(int code, std::string_view failed);
+  /// Whether a reply is of the kind wanted, 2yz (done) or 3yz (the rest, please); else the user is
+  /// warned of `failed`, with the server's words beneath.
+  bool Succeeded(int code, std::string_view failed, int kind = 2);
   void UpdateLog(std::string_view text);
   /// False only when the browser window is closing: the caller stops.
   bool UpdateStatus(std::string_view text);
@@ -110,7 +110,7 @@ class MFtp {
   // --- the session: MFtpLogin.cpp
 
   /// Resolves, connects and logs in: 1; 0 failed or the window is closing; -1 failed on a transfer
-  /// after its row was told. Never throws.
+  /// after its row was told. The connection is lost then. Never throws.
   std::int32_t Login();
   void GetServerType();
   [[nodiscard]] std::int32_t ReturnServerType() const { return serverType_; }
@@ -237,6 +237,7 @@ class MFtp {
   [[nodiscard]] OwnerUi& Owner() const;
 
   // login
+  std::int32_t TryLogin();
   bool Resolve();
   std::int32_t Identify();
   std::int32_t RefusedLogin(std::string_view text, bool tellOwner);
@@ -275,7 +276,9 @@ class MFtp {
   bool DeleteFile(const std::string& name, const std::string& shown, Refusals& refused);
   int DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused);
   bool MayWalk(const Walk& walk);
-  int DeleteEntries(Walk& walk, Refusals& refused);
+  bool StandsBelow(const Walk& walk, const std::string& name, const std::string& shown,
+                   Refusals& refused);
+  bool DeleteEntries(Walk& walk, const std::string& shown, Refusals& refused);
 
   const std::string host_;
   const std::uint16_t port_;

@@ -215,8 +215,8 @@ int MFtp::CheckResult(int code) {
     case 530:
     case 532:
     case 550:
-      // While the listing is disabled a transfer makes its directories, and one that is there
-      // already is as good as made.
+      // A transfer on this connection, which disables the listing, makes its directories; one that
+      // is there already is as good as made.
       if (browser_ && lastReplyText_.find("already exists.") != std::string::npos &&
           !browser_->IsListingEnabled())
         return 1;
@@ -237,8 +237,8 @@ bool MFtp::Accepted(int code, std::string_view failed) {
   return false;
 }
 
-bool MFtp::Succeeded(int code, std::string_view failed) {
-  if (code >= 200 && code < 400) return true;
+bool MFtp::Succeeded(int code, std::string_view failed, int kind) {
+  if (code / 100 == kind) return true;
   if (code == 421) {
     ReportGone();
   } else if (code != 0) {
@@ -286,7 +286,6 @@ void MFtp::ReportLost(const NLException& error) {
   if (aborted_) return;
   FailFrom(error);
   lostWhy_ = failure_;
-  UpdateStatus("Connection lost.");
   ReportGone();
 }
 
@@ -300,6 +299,7 @@ void MFtp::ReportGone() {
 
 void MFtp::PostLost(std::string_view text) {
   if (!browser_) return;
+  UpdateStatus("Connection lost.");
   Message lost("LOST"_what);
   lost.AddString("warning", text);
   browser_->PostMessage(std::move(lost));

@@ -1,6 +1,14 @@
 #include "ftp/MFtp.h"
 
 namespace corvane {
+namespace {
+
+std::string WithoutTrailingSlash(std::string path) {
+  if (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
+}  // namespace
 
 bool MFtp::DeleteFile(const std::string& name, Refusals& refused) {
   return DeleteFile(name, name, refused);
@@ -23,11 +31,11 @@ int MFtp::DeleteDirectory(const std::string& name, Refusals& refused) {
 int MFtp::DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused) {
   const std::string shown =
       walk.paths.size() < 2 || walk.paths.back().empty() ? name : walk.paths.back() + "/" + name;
-  // The first one is the user's own choice and is not asked for.
-  if (!EnterDirectory(walk, name, walk.paths.size() > 1)) {
+  if (!EnterDirectory(walk, name, true)) {
     refused.Add(shown, failure_);
   } else {
-    const int emptied = DeleteEntries(walk, refused);
+    const int emptied =
+        StandsBelow(walk, name, shown, refused) && DeleteEntries(walk, shown, refused);
     if (!walk.lost && !LeaveDirectory(walk)) refused.Add(shown, failure_);
     if (!walk.lost && emptied != 0) {
       const int code = SendCommand("RMD " + name + "\n");
@@ -41,34 +49,51 @@ int MFtp::DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused
   return 0;
 }
 
-// Deletes what stands in the working directory; 0 when the directory cannot be removed after it.
-int MFtp::DeleteEntries(Walk& walk, Refusals& refused) {
-  const std::string directory = walk.paths.back();
-  const auto shown = [&directory](const std::string& name) {
-    return directory.empty() ? name : directory + "/" + name;
-  };
-  if (!SetUpData()) return 0;
-  int result = CheckResult(SendCommand(BINARY));
+// What was listed as a directory may be a link by now, or in a listing that hides links: it is not
+// to be emptied where it leads. A server that does not tell, or tells in another way, is believed.
+bool MFtp::StandsBelow(const Walk& walk, const std::string& name, const std::string& shown,
+                       Refusals& refused) {
+  const std::string& above = walk.paths[walk.paths.size() - 2];
+  const std::string& here = walk.paths.back();
+  if (!above.starts_with('/') || !here.starts_with('/')) return true;
+  const std::string below = above.ends_with('/') ? above + name : above + "/" + name;
+  if (WithoutTrailingSlash(here) == below) return true;
+  refused.Add(shown, "Left alone, for it leads to " + here);
+  return false;
+}
+
+// Deletes what stands in the working directory, `shown` to the user so; false when the directory
+// cannot be removed after it.
+bool MFtp::DeleteEntries(Walk& walk, const std::string& shown, Refusals& refused) {
+  const std::string directory = walk.paths.back().empty() ? shown : walk.paths.back();
+  if (!SetUpData()) {
+    refused.Add(directory, "No data connection for the listing.");
+    return false;
+  }
+  const int code = SendCommand(BINARY);
+  bool result = code >= 200 && code < 300;
+  if (!result) refused.Add(directory, lastReplyText_);
   const Listing listing = GetListing();
   if (!listing.whole) {
-    refused.Add(shown(""), "The listing did not come whole.");
-    return 0;
+    refused.Add(directory, "The listing did not come whole.");
+    return false;
   }
   for (const WalkEntry& entry : Parse(listing.text)) {
-    // Links stay, and their targets are part of the name here.
+    const std::string path = directory + "/" + entry.name;
     const bool goes = entry.type == kDirectory || entry.type == kFile;
-    if (goes && entry.name.find('/') != std::string::npos) {
-      refused.Add(shown(entry.name), "Left alone, for the name leads elsewhere.");
-      return 0;
-    }
-    if (entry.type == kDirectory) {
-      if (!UpdateStatus("Deleting Directory.")) return 0;
-      result = DeleteDirectory(entry.name, walk, refused);
-      if (result == 0) return 0;
-    } else if (entry.type == kFile) {
-      if (!UpdateStatus("Deleting File.")) return 0;
+    if (!goes) {
+      refused.Add(path, "Left alone, for it is a link.");
+    } else if (entry.name.find('/') != std::string::npos) {
+      refused.Add(path, "Left alone, for the name leads elsewhere.");
+      return false;
+    } else if (entry.type == kDirectory) {
+      if (!UpdateStatus("Deleting Directory.")) return false;
+      result = DeleteDirectory(entry.name, walk, refused) != 0;
+      if (!result) return false;
+    } else {
+      if (!UpdateStatus("Deleting File.")) return false;
       // A refused delete does not keep the others; the last one decides whether RMD is tried.
-      result = DeleteFile(entry.name, shown(entry.name), refused) ? 1 : 0;
+      result = DeleteFile(entry.name, path, refused);
     }
   }
   return result;

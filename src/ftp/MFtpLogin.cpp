@@ -20,7 +20,17 @@ std::uint16_t PortFrom(const std::string& text) {
 }  // namespace
 
 std::int32_t MFtp::Login() {
+  const std::int32_t result = TryLogin();
+  if (result != 1) {
+    lost_ = true;
+    controlEndpoint_.close();
+  }
+  return result;
+}
+
+std::int32_t MFtp::TryLogin() {
   lost_ = false;
+  path_.clear();
   lostWhy_.clear();
   owedReplies_ = 0;
   returnOwed_ = false;

@@ -192,20 +192,33 @@ int MFtp::ViewFile(const std::string& name) {
     } catch (const NLException& error) {
       missing = Reason(error);
     }
-    if (!FinishData() && missing.empty()) missing = failure_;
-    if (viewer) viewer->End(missing.empty() ? "" : "The file is not complete: " + missing);
+    const auto end = [&viewer](const std::string& why) {
+      if (viewer) viewer->End(why.empty() ? "" : "The file is not complete: " + why);
+    };
+    try {
+      if (!FinishData() && missing.empty()) missing = failure_;
+    } catch (const NLException& error) {
+      end(missing.empty() ? Reason(error) : missing);
+      throw;
+    }
+    end(missing);
     return 1;
   }
-  Warn("Passive connection failed.\n", "Error");
+  Warn("\"" + name + "\" cannot be shown: " + failure_ + "\n");
   FinishData();
   return 1;
 }
 
-// Until the data ends, or the text window has enough.
+// Until the data ends, or the text window has enough or is closed.
 void MFtp::FillViewer(TextSink& viewer) {
+  constexpr long kStep = 250;  // milliseconds
   NLEndpoint* endpoint = DataEndpoint();
   std::vector<char> buffer(std::size_t{64} * 1024);
   while (endpoint != nullptr) {
+    for (long waited = 0; waited < silenceLimit && !endpoint->isDataPending(kStep);
+         waited += kStep) {
+      if (!viewer.Append({})) return;
+    }
     const long count = endpoint->recv(buffer.data(), buffer.size());
     if (count <= 0) return;
     const auto end = std::remove(buffer.begin(), buffer.begin() + count, '\r');

@@ -24,7 +24,7 @@ bool MFtp::EnterDirectory(Walk& walk, const std::string& name, bool ask) {
   if (walk.paths.empty())
     walk.paths.push_back(path_.empty() && ask ? AskPath().value_or("") : path_);
   const int code = ChangeDir(name);
-  if (code < 200 || code >= 400) {
+  if (code < 200 || code >= 300) {
     if (code != 0) Fail(lastReplyText_);
     return false;
   }

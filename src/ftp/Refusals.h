@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -12,7 +11,6 @@ namespace corvane {
 class Refusals {
  public:
   void Add(std::string_view name, std::string_view why) {
-    constexpr std::size_t kMostLines = 10;
     if (++count_ > kMostLines) return;
     while (why.ends_with('\n')) why.remove_suffix(1);
     lines_.append(name).append(": ").append(why).append("\n");
@@ -20,12 +18,13 @@ class Refusals {
   [[nodiscard]] std::size_t Count() const { return count_; }
   /// A line for each, and how many more there are.
   [[nodiscard]] std::string Text() const {
-    const auto shown = static_cast<std::size_t>(std::count(lines_.begin(), lines_.end(), '\n'));
-    if (shown == count_) return lines_;
-    return lines_ + "and " + std::to_string(count_ - shown) + " more\n";
+    if (count_ <= kMostLines) return lines_;
+    return lines_ + "and " + std::to_string(count_ - kMostLines) + " more\n";
   }
 
  private:
+  static constexpr std::size_t kMostLines = 10;
+
   std::size_t count_ = 0;
   std::string lines_;
 };

@@ -54,8 +54,8 @@ void ControlLooper::Handle(const Message& message) {
     case "HSYM"_what: FollowLink(text("sym")); break;
     case "DELE"_what: Delete(message); break;
     case "RNFL"_what: Rename(message); break;
-    case "MKDR"_what: CreateDirectory(text("name")); break;
-    case "VWFL"_what: ViewFile(text("file")); break;
+    case "MKDR"_what: CreateDirectory(message); break;
+    case "VWFL"_what: ViewFile(message); break;
     case "VWDR"_what: ViewListing(); break;
     case "FRTR"_what:
     default: break;
@@ -65,33 +65,36 @@ void ControlLooper::Handle(const Message& message) {
 void ControlLooper::Connect() {
   cache_ = std::make_shared<ListingCache>();
   if (!Begin()) return;
+  engine_->SetPWD();
+  engine_->SendCommand(MFtp::BINARY);
   const std::string file = EnterStartPath();
   engine_->SetPWD();
   ListDirectory(*engine_, *cache_);
   if (!file.empty()) AskForDownload(file);
 }
 
+// The rows go before the window learns where the new connection stands: nothing is done to entries
+// of the same names elsewhere.
 void ControlLooper::ConnectAgain(const std::string& directory) {
   if (!cache_ || !engine_->Lost()) return;
   if (!Begin()) {
     engine_->UpdateStatus("Connection lost.");
     return;
   }
+  engine_->SendCommand(MFtp::BINARY);
+  window_->BeginListing();
   if (!directory.empty()) {
     engine_->Succeeded(engine_->ChangeDir(directory), "The directory cannot be opened.");
-    engine_->SetPWD();
   }
-  window_->BeginListing();
+  engine_->SetPWD();
   ListDirectory(*engine_, *cache_);
 }
 
-// Everything between the connection and the first directory; false when the login failed.
+// Logs in and gets to know the server; false when the login failed.
 bool ControlLooper::Begin() {
   if (engine_->Login() != 1) return false;
   engine_->GetServerType();
   if (engine_->ReturnServerType() == MFtp::kWindowsNT) AskForUnixListings();
-  engine_->SetPWD();
-  engine_->SendCommand(MFtp::BINARY);
   return true;
 }
 
@@ -148,7 +151,7 @@ void ControlLooper::ChangeDirectory(const std::string& directory) {
   const bool entered = engine_->Accepted(code, "The directory cannot be opened.");
   if (entered) window_->BeginListing();
   if (!engine_->Lost() && !engine_->SetPWD() && entered) engine_->AssumePWD(directory);
-  engine_->UpdateStatus(engine_->Lost() ? "Connection lost." : "Connected.");
+  if (!engine_->Lost()) engine_->UpdateStatus("Connected.");
   if (!entered) return;
   const auto lister = std::make_shared<DirLister>(cache_, engine_);
   if (!lister->Run()) engine_->Warn("The system has no thread left to fetch the listing.\n");
@@ -157,30 +160,34 @@ void ControlLooper::ChangeDirectory(const std::string& directory) {
 void ControlLooper::Delete(const Message& entries) {
   if (NeedsConnection() || HasMoved(entries)) return;
   Refusals refused;
-  const std::size_t count = entries.CountValues("name");
-  for (std::size_t i = 0; i < count && !Quitting() && !engine_->Lost(); ++i) {
-    const std::string name = entries.FindString("name", i).value_or("");
-    if (DeleteEntry(name, entries.FindInt32("type", i).value_or(kFile), refused) &&
-        !window_->RemoveEntry(name)) {
-      return;
-    }
-  }
-  if (refused.Count() > 0) {
+  const auto tell = [&] {
+    if (refused.Count() == 0) return;
     engine_->Warn("The server did not delete everything:\n\n" + refused.Text());
+  };
+  try {
+    DeleteAll(entries, refused);
+  } catch (const NLException&) {
+    tell();
+    throw;
   }
+  tell();
   if (engine_->Lost()) engine_->ReportGone();
 }
 
-bool ControlLooper::DeleteEntry(const std::string& name, std::int32_t type, Refusals& refused) {
-  if (type == kDirectory) {
-    const bool deleted = engine_->DeleteDirectory(name, refused) != 0;
-    if (deleted) engine_->UpdateStatus("Deletion Success.");
-    return deleted;
+void ControlLooper::DeleteAll(const Message& entries, Refusals& refused) {
+  const std::size_t count = entries.CountValues("name");
+  for (std::size_t i = 0; i < count && !Quitting() && !engine_->Lost(); ++i) {
+    const std::string name = entries.FindString("name", i).value_or("");
+    bool deleted = false;
+    if (entries.FindInt32("type", i).value_or(kFile) == kDirectory) {
+      deleted = engine_->DeleteDirectory(name, refused) != 0;
+    } else {
+      engine_->UpdateStatus("Deleting File..");
+      deleted = engine_->DeleteFile(name, refused);
+    }
+    engine_->UpdateStatus(deleted ? "Deletion Success." : "Deletion Failed.");
+    if (deleted && !window_->RemoveEntry(name)) return;
   }
-  engine_->UpdateStatus("Deleting File..");
-  const bool deleted = engine_->DeleteFile(name, refused);
-  engine_->UpdateStatus(deleted ? "Deletion Success." : "Deletion Failed.");
-  return deleted;
 }
 
 void ControlLooper::Rename(const Message& entry) {
@@ -188,14 +195,15 @@ void ControlLooper::Rename(const Message& entry) {
   const std::string from = entry.FindString("original").value_or("");
   const std::string to = entry.FindString("renameto").value_or("");
   const std::string failed = "\"" + from + "\" was not renamed.";
-  if (engine_->Succeeded(engine_->SendCommand("RNFR " + from + "\n"), failed) &&
+  if (engine_->Succeeded(engine_->SendCommand("RNFR " + from + "\n"), failed, 3) &&
       engine_->Succeeded(engine_->SendCommand("RNTO " + to + "\n"), failed)) {
     window_->RenameEntry(from, to, engine_->Path());
   }
 }
 
-void ControlLooper::CreateDirectory(const std::string& name) {
-  if (NeedsConnection()) return;
+void ControlLooper::CreateDirectory(const Message& entry) {
+  if (NeedsConnection() || HasMoved(entry)) return;
+  const std::string name = entry.FindString("name").value_or("");
   if (engine_->Succeeded(engine_->SendCommand("MKD " + name + "\n"),
                          "The directory \"" + name + "\" was not created.")) {
     window_->BeginListing();
@@ -203,8 +211,9 @@ void ControlLooper::CreateDirectory(const std::string& name) {
   }
 }
 
-void ControlLooper::ViewFile(const std::string& name) {
-  if (!NeedsConnection()) engine_->ViewFile(name);
+void ControlLooper::ViewFile(const Message& entry) {
+  if (NeedsConnection() || HasMoved(entry)) return;
+  engine_->ViewFile(entry.FindString("file").value_or(""));
 }
 
 void ControlLooper::ViewListing() {

@@ -18,9 +18,10 @@ class Refusals;
 /// 'CNNT' connects, enters the start path and lists; 'RCNN' ("path") connects again after a loss.
 /// 'PCHN' ("cwd") changes the directory and lists; 'CRDR' lists again; 'HSYM' ("sym") finds out
 /// where a link leads. 'DELE' ("path", and one "name" and "type" per entry), 'RNFL' ("path",
-/// "original", "renameto") and 'MKDR' ("name", answered with 'ENBL' whatever came of it) change the
-/// directory. 'VWFL' ("file") shows a remote file as text, 'VWDR' the latest listing as it came.
-/// 'FRTR' is reserved. Quit closes the connection and ends the looper soon, whatever it waits for.
+/// "original", "renameto") and 'MKDR' ("path", "name", answered with 'ENBL' whatever came of it)
+/// change the directory. 'VWFL' ("path", "file") shows a remote file as text, 'VWDR' the latest
+/// listing as it came. 'FRTR' is reserved. Quit closes the connection and ends the looper soon,
+/// whatever it waits for.
 class ControlLooper : public Looper {
  public:
   ControlLooper(std::string host, std::uint16_t port, const std::string& user,
@@ -47,10 +48,10 @@ class ControlLooper : public Looper {
   void FollowLink(const std::string& name);
   void AskForDownload(const std::string& name);
   void Delete(const Message& entries);
-  bool DeleteEntry(const std::string& name, std::int32_t type, Refusals& refused);
+  void DeleteAll(const Message& entries, Refusals& refused);
   void Rename(const Message& entry);
-  void CreateDirectory(const std::string& name);
-  void ViewFile(const std::string& name);
+  void CreateDirectory(const Message& entry);
+  void ViewFile(const Message& entry);
   void ViewListing();
   [[nodiscard]] bool HasMoved(const Message& request);
   [[nodiscard]] bool NeedsConnection();

@@ -112,6 +112,8 @@ TEST_F(Commands, RenameKeepsBytesAndAsksBeforeItReplaces) {
       {6, "\u00FC", 0, "RNFL original=\xE4 renameto=\xC3\xBC path=/pub"},
       {2, "z", 1, "RNFL original=\xE4 renameto=\xC3\xBC path=/pub"},
       {2, "z", 0, "RNFL original=b renameto=z path=/pub"},
+      {2, "b", 0, "RNFL original=b renameto=z path=/pub"},
+      {2, "../b", 0, "RNFL original=b renameto=../b path=/pub"},
   };
   for (const auto& [row, name, button, request] : cases) {
     button_ = button;
@@ -124,10 +126,11 @@ TEST_F(Commands, RenameKeepsBytesAndAsksBeforeItReplaces) {
     EXPECT_FALSE(asking->isVisible());
     EXPECT_TRUE(Wait([&, wanted = request] { return Asked().starts_with(wanted); })) << Asked();
   }
-  EXPECT_EQ(alerts_.size(), 2U);
+  EXPECT_EQ(alerts_.size(), 3U);
   link_->RenameEntry("link", "b", "/elsewhere");
   link_->RenameEntry("b", "z", "/pub");
-  EXPECT_TRUE(Wait([&] { return Rows() == "z 5 B,dir <dir>,link <link>,\xE4 5 B,4"; })) << Rows();
+  link_->RenameEntry("link", "../l", "/pub");
+  EXPECT_TRUE(Wait([&] { return Rows() == "z 5 B,dir <dir>,\xE4 5 B,3"; })) << Rows();
 }
 
 TEST_F(Commands, TheListingWaitsForANewDirectory) {
@@ -138,7 +141,7 @@ TEST_F(Commands, TheListingWaitsForANewDirectory) {
     QTest::keyClick(field, Qt::Key_Return);
     EXPECT_EQ(View().IsEnabled(), *name == '\0');
   }
-  EXPECT_TRUE(Asks("MKDR name=new"));
+  EXPECT_TRUE(Asks("MKDR path=/pub name=new"));
   link_->PostMessage(Message("ENBL"_what));
   EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
 }

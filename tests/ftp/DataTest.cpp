@@ -179,15 +179,15 @@ TEST(ViewFile, FillsATextWindow) {
 TEST(DeleteDirectory, StopsWithoutHarm) {
   const std::tuple<const char*, ScriptedAction, const char*> cases[] = {
       {"CWD", {.reply = "550 No\r\n"}, "d: No\n"},
-      {"LIST", {.reply = "450 No\r\n"}, "/d/: The listing did not come whole.\n"},
-      {"LIST", {.completion = "451 Cut\r\n"}, "/d/: The listing did not come whole.\n"},
+      {"LIST", {.reply = "450 No\r\n"}, "/d: The listing did not come whole.\n"},
+      {"LIST", {.completion = "451 Cut\r\n"}, "/d: The listing did not come whole.\n"},
       {"LIST",
        {.data = "drwx 1 u g 1 Jan 1 10:00 /\r\n"},
        "/d//: Left alone, for the name leads elsewhere.\n"},
       {"LIST",
        {.data = "-rwx 1 u g 1 Jan 1 10:00 ../keep\r\n"},
        "/d/../keep: Left alone, for the name leads elsewhere.\n"},
-      {"DELE", {.reply = "550 No\r\n"}, "/d/f: No\n"},
+      {"DELE", {.reply = "550 No\r\n"}, "/d/f: No\n/d/link -> /: Left alone, for it is a link.\n"},
   };
   for (const auto& [verb, action, text] : cases) {
     Session s(true);
@@ -204,6 +204,18 @@ TEST(DeleteDirectory, StopsWithoutHarm) {
     s.engine.SetPWD();
     EXPECT_EQ(s.ui->Seen().path, "/") << verb << s.server.Dialogue();
   }
+  // A link by now, or in a listing that hides links.
+  Session swapped;
+  swapped.server.Tree().AddFile("/other/f", "x");
+  swapped.server.Tree().AddLink("/d", "/other");
+  swapped.LogIn();
+  swapped.engine.SetPWD();
+  Refusals left;
+  EXPECT_EQ(swapped.engine.DeleteDirectory("d", left), 0);
+  EXPECT_EQ(left.Text(), "d: Left alone, for it leads to /other\n");
+  EXPECT_TRUE(swapped.server.Tree().Exists("/other/f"));
+  swapped.engine.SetPWD();
+  EXPECT_EQ(swapped.ui->Seen().path, "/");
   // A tree without end: every directory holds itself.
   const std::pair<const char*, const char*> endless[] = {
       {"257 \"/d\"\r\n", "The server lists a directory inside itself: /d"},

@@ -182,7 +182,7 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   post("CNNT"_what, {});
   ASSERT_TRUE(shows({".", "..", "a b", "empty", kKorean, "to file", "to tree"}));
   const std::string path = ui->Seen().path;
-  post("MKDR"_what, {{"name", "n \xC3\xB6"}});
+  post("MKDR"_what, {{"path", path}, {"name", "n \xC3\xB6"}});
   ASSERT_TRUE(shows({".", "..", "a b", "empty", kKorean, "n \xC3\xB6", "to file", "to tree"}));
   post("RNFL"_what, {{"path", path}, {"original", "a b"}, {"renameto", "x -> y"}});
   ASSERT_TRUE(WaitFor([&] { return fs::exists(pub_ / "x -> y"); }));
@@ -196,7 +196,7 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   }
   EXPECT_TRUE(looper->PostMessage(entries));
   ASSERT_TRUE(shows({".", "..", kKorean, "to file", "to tree"}));
-  post("VWFL"_what, {{"file", kKorean}});
+  post("VWFL"_what, {{"path", path}, {"file", kKorean}});
   EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerText == "utf-8\n"; }));
   post("HSYM"_what, {{"sym", "to file"}});
   post("HSYM"_what, {{"sym", "to tree"}});

@@ -30,9 +30,11 @@ struct Window {
     Post("CNNT"_what, "", "");
   }
 
-  void Post(std::uint32_t what, const std::string& field, const std::string& text) const {
+  void Post(std::uint32_t what, const std::string& field, const std::string& text,
+            const std::string& path = "") const {
     Message message(what);
     message.AddString(field, text);
+    message.AddString("path", path);
     EXPECT_TRUE(looper->PostMessage(std::move(message)));
   }
 
@@ -126,12 +128,14 @@ TEST(ControlLooper, ConnectsAgainAfterALoss) {
     w.server.On("CWD", loss, 2);
     w.Post("PCHN"_what, "cwd", "..");
     ASSERT_TRUE(w.Warned(1, kLost));
-    EXPECT_NE(w.browser->Seen().statuses.back(), "Connected.");
+    EXPECT_EQ(w.browser->Seen().statuses.back(), "Connection lost.");
     w.Post("DELE"_what, "name", "a");
     ASSERT_TRUE(w.Warned(2, kLost));
     w.server.Tree().AddFile("/pub/b", "1");
-    w.Post("RCNN"_what, "path", "/pub");
+    w.server.On("PASS", {.reply = "530 Too many users.\r\n"}, 2);
+    for (int i = 0; i < 2; ++i) w.Post("RCNN"_what, "", "", "/pub");
     EXPECT_TRUE(w.Shows("/pub", {"a", "b"})) << w.server.Dialogue();
+    EXPECT_EQ(w.browser->Seen().Texts("FERR"_what, "error").size(), 1U);
     EXPECT_TRUE(w.Warned(2, kLost) && w.Warned(0));
   }
 }
@@ -175,10 +179,10 @@ TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
   EXPECT_TRUE(w.Warned(3));
   EXPECT_EQ(w.browser->Seen().Names().back(), "c");
 
-  w.Post("MKDR"_what, "name", "new");
+  w.Post("MKDR"_what, "name", "new", "/pub");
   EXPECT_TRUE(w.Shows("/pub", {"b", "new"}));
   w.server.On("MKD", {.reply = "550 It already exists.\r\n"});
-  w.Post("MKDR"_what, "name", "new");
+  w.Post("MKDR"_what, "name", "new", "/pub");
   EXPECT_TRUE(w.Warned(4));
   const auto answered = [&w] {
     return std::ranges::count(w.browser->Seen().messages, Message("ENBL"_what)) == 2;
@@ -199,7 +203,7 @@ TEST(ControlLooper, ShowsFilesAndTheListingAsText) {
     w.server.On("RETR", action, 1);
     w.Connect();
     ASSERT_TRUE(w.Shows("/", {"f"}));
-    w.Post("VWFL"_what, "file", "f");
+    w.Post("VWFL"_what, "file", "f", "/");
     const std::string text = action.dataLimit == 3 ? "one" : "one\ntwo\n";
     const std::string expected = note;
     EXPECT_TRUE(WaitFor([&] {

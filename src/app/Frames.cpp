@@ -1,7 +1,8 @@
 #include "app/Frames.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QScreen>
+#include <QStyle>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
@@ -29,16 +30,22 @@ Rect FromQt(const QRect& frame) {
           static_cast<float>(frame.right()), static_cast<float>(frame.bottom())};
 }
 
-// The screen that shows most of the frame, else the main one.
+// Where windows may lie: frames are kept without the title bar, which is to be in reach too.
+QRect RoomOn(const QScreen& screen) {
+  const int title = QApplication::style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  return screen.availableGeometry().adjusted(0, title, 0, 0);
+}
+
+// The room on the screen that shows most of the frame, else the main one.
 QRect ScreenOf(const QRect& frame) {
   QRect best(0, 0, 1024, 768);
-  if (const QScreen* main = QGuiApplication::primaryScreen()) best = main->availableGeometry();
+  if (const QScreen* main = QGuiApplication::primaryScreen()) best = RoomOn(*main);
   int most = 0;
   for (const QScreen* screen : QGuiApplication::screens()) {
     const QRect seen = screen->availableGeometry() & frame;
     if (seen.width() * seen.height() <= most) continue;
     most = seen.width() * seen.height();
-    best = screen->availableGeometry();
+    best = RoomOn(*screen);
   }
   return best;
 }

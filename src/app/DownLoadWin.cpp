@@ -89,6 +89,7 @@ void DownLoadWin::Add(const Connection& connection, transferStruct description, 
 
 // A row that has something to say about entries that were left out stays.
 void DownLoadWin::ItemSettled(TransferItem* item) {
+  app_.Notifications().Ended(*item);
   if (!item->Finished() || item->HasNotes() || !ProcessSettings::Get().removeItem) return;
   for (int row = 0; row < list_->Items().Count(); ++row) {
     if (&list_->Items().At(row) == item) return list_->Items().Remove(row);

@@ -172,6 +172,7 @@ void MWindow::TransferHere(transferStruct description) {
 
 void MWindow::TransferSettled(const TransferItem& item) {
   listing_->EnableAll();
+  app_.Notifications().Ended(item);
   if (item.Failed()) LogLater(item.FailureLine().toStdString() + "\n");
 }
 

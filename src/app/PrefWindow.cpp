@@ -104,6 +104,8 @@ QWidget* PrefWindow::MakeMisc() {
   showTransfers_->setToolTip(tr("In force from the next start on."));
   removeItem_ = AddBox(form, "RemoveItem", tr("&Remove transfer item after transfer is done."),
                        shown_.removeItem);
+  notify_ = AddBox(form, "Notify", tr("Show a &notification when transfers end."), shown_.notify);
+  notify_->setToolTip(tr("Only while no window of Corvane is active."));
   sameConnection_ =
       AddBox(form, "UseSameConnection", tr("&Always use same connection to transfer files."),
              shown_.useSameConnection);
@@ -221,6 +223,7 @@ SettingsValues PrefWindow::Entered() const {
   take(folder_, entered.DwnldDir);
   entered.showwindow = showTransfers_->isChecked();
   entered.removeItem = removeItem_->isChecked();
+  entered.notify = notify_->isChecked();
   entered.useSameConnection = sameConnection_->isChecked();
   entered.buffersize = bufferSize_->currentData().toInt();
   take(loginSuccess_, entered.loginSsnd);

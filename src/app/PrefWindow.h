@@ -54,6 +54,7 @@ class PrefWindow : public QWidget {
   QLineEdit* folder_ = nullptr;
   QCheckBox* showTransfers_ = nullptr;
   QCheckBox* removeItem_ = nullptr;
+  QCheckBox* notify_ = nullptr;
   QCheckBox* sameConnection_ = nullptr;
   QComboBox* bufferSize_ = nullptr;
   QLineEdit* loginSuccess_ = nullptr;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/Notifier.h"
 #include "app/WorkerFactory.h"
 #include "kit/Message.h"
 
@@ -55,6 +56,7 @@ class TambleApp : public QObject {
   [[nodiscard]] const QPointer<ShortCutWindow>& Shortcuts() const { return shortcuts_; }
   [[nodiscard]] const QPointer<PrefWindow>& Preferences() const { return preferences_; }
   [[nodiscard]] const QPointer<ShortCutEditWindow>& Editor() const { return editor_; }
+  [[nodiscard]] Notifier& Notifications() { return notifier_; }
   [[nodiscard]] const WorkerFactory& Workers() const { return workers_; }
 
   /// The open browser windows, oldest first.
@@ -69,6 +71,7 @@ class TambleApp : public QObject {
   void AskAboutShortcuts();
 
   WorkerFactory workers_;
+  Notifier notifier_;
   std::vector<MWindow*> windowList_;
   std::unique_ptr<StartWin> start_;
   std::unique_ptr<DownLoadWin> transfers_;

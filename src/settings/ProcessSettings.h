@@ -20,6 +20,7 @@ struct SettingsValues {
   bool useSameConnection = false;
   bool removeItem = false;   ///< take finished transfers off the list
   bool defaultpass = false;  ///< never set
+  bool notify = true;        ///< tell the desktop of transfers that end behind the user's back
   bool showwindow = true;    ///< show the transfer window when a transfer is queued
 };
 

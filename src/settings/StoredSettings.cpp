@@ -51,6 +51,7 @@ SettingsValues Read(const PreferenceSet& set) {
   values.proxyPort = GetString(set, "ftpproxyport", "");
   if (values.proxyPort.empty()) values.proxyPort = "21";
   flag("shwtranwin", values.showwindow);
+  flag("notify", values.notify);
   flag("useproxy", values.useProxy);
   flag("removeitem", values.removeItem);
   // Stored as a text under the same key, so the number is never there and the flag stays false.
@@ -87,6 +88,7 @@ std::string StoredSettings::Apply(const SettingsValues& entered) {
   SaveString(set, "defaultpass", now.DfltPass);
   SaveInt32(set, "shwtranwin", entered.showwindow ? 1 : 0);
   SaveInt32(set, "removeitem", entered.removeItem ? 1 : 0);
+  SaveInt32(set, "notify", entered.notify ? 1 : 0);
   // An emptied field stays empty on the disk: who emptied it wants to be asked, where one who never
   // chose gets the desktop's folder.
   now.DwnldDir = OrElse(entered.DwnldDir, "empty");

@@ -36,7 +36,7 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   for (const char* sound : {"LoginSuccess", "LoginFailure", "Upload Sound", "Download Sound"}) {
     Field(sound).setText(*sound == 'U' ? "" : sound);
   }
-  for (const char* box : {"ShowTranWin", "RemoveItem", "UseSameConnection", "ProxyCheckBox"}) {
+  for (const char* box : {"ShowTranWin", "RemoveItem", "Notify", "UseSameConnection", "ProxyCheckBox"}) {
     Box(box).toggle();
   }
   window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);
@@ -66,6 +66,7 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
               "LoginSuccessLoginFailurenoneDownload Sound");
     EXPECT_EQ(now.proxyAddress + now.proxyPort + std::to_string(now.buffersize), "p8021131072");
     EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy && !now.defaultpass);
+    EXPECT_FALSE(now.notify);
     StoredSettings::ReadAtStart();
   }
 }

@@ -44,6 +44,33 @@ class Transfers : public AppFixture {
   TransferListView& list_;
 };
 
+TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
+  QStringList shown;
+  Notifier notifier(
+      {[&](const QString& summary, const QString& body) { shown << summary + "|" + body; },
+       [&] { shown << "taken"; }});
+  const auto end = [&](std::initializer_list<TransferEnd> ends) {
+    for (const TransferEnd each : ends) {
+      const TransferItem& item = Start();
+      transfers_.back()->row->BeginFile("<b>file");
+      transfers_.back()->row->SetEndState(each, "550 No.");
+      ASSERT_TRUE(Wait([&] { return item.IsSettled(); }));
+      notifier.Ended(item);
+    }
+  };
+  using enum TransferEnd;
+  end({Finished});
+  for (QWidget* window : QApplication::topLevelWidgets()) window->hide();
+  end({Cancelled, Failed});
+  EXPECT_TRUE(Wait([&] { return shown == QStringList("Download failed|<b>file: 550 No."); }))
+      << shown.join(' ').toStdString();
+  end({Finished, Cancelled, Finished});
+  EXPECT_TRUE(Wait([&] { return shown.last() == "3 transfers ended|2 finished, 1 failed."; }));
+  transferWindow_.show();
+  Q_EMIT qGuiApp->focusWindowChanged(transferWindow_.windowHandle());
+  EXPECT_EQ(shown.size(), 3);
+}
+
 TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
   const QColor good(0, 0, 154);
   const QColor bad(228, 0, 0);

@@ -11,7 +11,7 @@
 namespace corvane {
 namespace {
 
-constexpr QLatin1String kVersion("1.2");
+constexpr QLatin1String kVersion(CORVANE_VERSION);
 constexpr QSize kSize{364, 185};
 constexpr QPoint kPlace{120, 120};
 

@@ -1,6 +1,7 @@
 #include "app/RunningProgram.h"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -151,6 +152,7 @@ class Starts : public testing::Test {
     environment.insert("QT_QPA_PLATFORM", platform);
     auto& process = *processes_.emplace_back(std::make_unique<QProcess>());
     process.setProcessEnvironment(environment);
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     process.start(CORVANE_PROGRAM,
                   {"ftp://" + user + ":p@127.0.0.1:" + QString::number(server_.Port())});
     return process;

@@ -228,10 +228,14 @@ def alone(program, folder):
 
 
 def watched(program, folder):
+    # Elsewhere a client that runs already would take the request, and the demo would be over.
+    environment = {**os.environ, "XDG_RUNTIME_DIR": str(folder)}
+    if wayland := os.environ.get("WAYLAND_DISPLAY"):
+        environment["WAYLAND_DISPLAY"] = os.path.join(os.environ.get("XDG_RUNTIME_DIR", ""), wayland)
     server = Server(folder)
     print(f"corvane: the sample server is {server.url}, it ends with the client")
     try:
-        return start([program, server.url]).wait()
+        return start([program, server.url], env=environment).wait()
     except KeyboardInterrupt:
         return 0
     finally:

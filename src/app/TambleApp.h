@@ -43,6 +43,7 @@ class TambleApp : public QObject {
   void QuitRequested();
   /// Hides everything, tells all work to end, and ends the event loop.
   void Quit();
+  [[nodiscard]] bool Quitting() const { return quitting_; }
 
   void ShowShortcuts();
   void ShowPreferences();

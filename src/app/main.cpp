@@ -5,11 +5,14 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/CommandLine.h"
 #include "app/QuitSignals.h"
+#include "app/RequestServer.h"
+#include "app/RunningProgram.h"
 #include "app/TambleApp.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
@@ -22,17 +25,41 @@ int Usage() {
   return 0;
 }
 
-// Whether the arguments are wrong whatever the toolkit may take out of them: known without a
-// display.
-bool PlainlyWrong(const std::vector<std::string>& arguments) {
-  const auto isOption = [](const std::string& argument) { return argument.starts_with('-'); };
-  return std::ranges::none_of(arguments, isOption) && corvane::CommandLine::Read(arguments).usage;
+// What the toolkit may take out of the arguments is known only once there is a display.
+bool HasOptions(const std::vector<std::string>& arguments) {
+  return std::ranges::any_of(arguments, [](const auto& text) { return text.starts_with('-'); });
+}
+
+// The exit status, where this start ends here: its arguments are wrong, or another program runs.
+std::optional<int> EndedAtStart(corvane::RunningProgram& running,
+                                const std::vector<std::string>& arguments) {
+  using corvane::RunningProgram;
+  if (corvane::CommandLine::Read(arguments).usage) return Usage();
+  QString problem;
+  switch (running.Begin(arguments)) {
+    case RunningProgram::Start::First: return {};
+    case RunningProgram::Start::HandedOver: return 0;
+    case RunningProgram::Start::Refused:
+      problem =
+          QCoreApplication::translate("Start", "Corvane runs already and refuses this address.");
+      break;
+    case RunningProgram::Start::NoAnswer:
+      problem = QCoreApplication::translate("Start", "Corvane runs already but does not answer.");
+      break;
+  }
+  std::fprintf(stderr, "%s\n", qPrintable(problem));
+  return 1;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (PlainlyWrong({argv + 1, argv + argc})) return Usage();
+  corvane::RunningProgram running;
+  const std::vector<std::string> given(argv + 1, argv + argc);
+  const bool plain = !HasOptions(given);
+  if (plain) {
+    if (const auto status = EndedAtStart(running, given)) return *status;
+  }
   corvane::NLDebug::switchOnFromEnvironment();
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
       Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
@@ -43,14 +70,24 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName("Corvane");
     QApplication::setDesktopFileName("corvane");
     const std::vector<std::string> arguments(argv + 1, argv + argc);
-    const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
-    if (line.usage) return Usage();
+    if (!plain) {
+      if (const auto status = EndedAtStart(running, arguments)) return *status;
+    }
     {
       corvane::TambleApp app;
       const corvane::QuitSignals signals([&app] { app.Quit(); });
-      app.ReadyToRun(line.open);
+      app.ReadyToRun(corvane::CommandLine::Read(arguments).open);
+      std::optional<corvane::RequestServer> requests;
+      if (running.Listener() >= 0) {
+        requests.emplace(running.Listener(), [&app](const corvane::Message& request) {
+          if (app.Quitting()) return false;
+          app.PostMessage(request);
+          return true;
+        });
+      }
       result = QApplication::exec();
     }
+    running.End();
     // Work that does not end in time is left to the end of the process: all that it wrote to disk
     // stands, and its windows are gone.
     if (!corvane::Background::WaitForNone(std::chrono::milliseconds(1500))) {

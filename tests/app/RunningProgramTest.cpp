@@ -1,0 +1,213 @@
+#include "app/RunningProgram.h"
+
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "app/RequestServer.h"
+#include "support/ScriptedServer.h"
+
+namespace corvane {
+namespace {
+
+using Start = RunningProgram::Start;
+
+/// A user's runtime directory, in which the first program runs already.
+class Running : public testing::Test {
+ protected:
+  Running() {
+    qputenv("XDG_RUNTIME_DIR", folder_.path().toUtf8());
+    first_ = std::make_unique<RunningProgram>();
+    EXPECT_EQ(first_->Begin({}), Start::First);
+    server_ = std::make_unique<RequestServer>(first_->Listener(), [this](const Message& request) {
+      taken_.push_back(request);
+      return !quitting_;
+    });
+  }
+
+  UniqueFd Connect() {
+    UniqueFd peer(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    (folder_.path() + "/corvane/requests").toStdString().copy(address.sun_path, 107);
+    EXPECT_EQ(::connect(peer.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    return peer;
+  }
+  /// All that is answered to `bytes`, until the server hangs up.
+  std::string Answer(const std::string& bytes) {
+    const UniqueFd peer = Connect();
+    EXPECT_EQ(::send(peer.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL), std::ssize(bytes));
+    std::string text;
+    char byte = 0;
+    ssize_t got = 0;
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+      while ((got = ::recv(peer.get(), &byte, 1, 0)) == 1) text += byte;
+      return got == 0 || errno != EAGAIN;
+    }));
+    return text;
+  }
+  /// How a start ends while this thread serves; `meanwhile` is called first.
+  Start Another(const std::vector<std::string>& arguments, std::function<void()> meanwhile = {}) {
+    std::atomic<bool> done = false;
+    Start result{};
+    std::thread start([&] {
+      result = RunningProgram().Begin(arguments);
+      done = true;
+    });
+    if (meanwhile) meanwhile();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done.load(); }, 20000));
+    start.join();
+    return result;
+  }
+
+  QTemporaryDir folder_;
+  bool quitting_ = false;
+  std::vector<Message> taken_;
+  std::unique_ptr<RunningProgram> first_;
+  std::unique_ptr<RequestServer> server_;
+};
+
+TEST_F(Running, TakesNothingButWholeRequests) {
+  const std::string open = "open ftp://h/";
+  const std::string longest = open + std::string(RequestServer::kLongest - open.size(), 'x');
+  const std::pair<std::string, const char*> cases[] = {{"show\n", "ok\n"},
+                                                       {open + "\xFC\n", "ok\n"},
+                                                       {longest + "\n", "ok\n"},
+                                                       {longest + "x\n", "no\n"},
+                                                       {longest + longest, "no\n"},
+                                                       {open + '\0' + "\n", "no\n"},
+                                                       {"show\nshow\n", "no\n"},
+                                                       {"show\r\n", "no\n"},
+                                                       {"open h\n", "no\n"},
+                                                       {"open http://h\n", "no\n"},
+                                                       {"open -deskbar\n", "no\n"},
+                                                       {"shows\n", "no\n"},
+                                                       {"\n", "no\n"},
+                                                       {"open ftp://u:p@h:0\n", "no\n"},
+                                                       {"show", ""},
+                                                       {"", ""}};
+  std::size_t taken = 0;
+  for (const auto& [bytes, answer] : cases) {
+    EXPECT_EQ(Answer(bytes), answer) << bytes.substr(0, 40);
+    if (answer == std::string("ok\n")) ++taken;
+    EXPECT_EQ(taken_.size(), taken) << bytes.substr(0, 40);
+  }
+  EXPECT_EQ(taken_[0].what, "SHMN"_what);
+  EXPECT_EQ(taken_[1].FindString("path"), "/\xFC");
+}
+
+TEST_F(Running, LaterStartsHandOverWhateverOthersDo) {
+  std::vector<UniqueFd> silent;
+  for (int i = 0; i < RequestServer::kMostPeers; ++i) silent.push_back(Connect());
+  EXPECT_EQ(Another({"ftp://u:p@h:2121/x"}), Start::HandedOver);
+  ASSERT_EQ(taken_.size(), 1U);
+  EXPECT_EQ(taken_[0].FindInt16("port"), 2121);
+  EXPECT_EQ(Another({"ftp://h/a\nb"}), Start::Refused);
+  EXPECT_EQ(taken_.size(), 1U);
+}
+
+TEST_F(Running, MakesRoomWhenItQuits) {
+  quitting_ = true;
+  EXPECT_EQ(Another({},
+                    [this] {
+                      EXPECT_TRUE(QTest::qWaitFor([this] { return !taken_.empty(); }));
+                      server_.reset();
+                      first_.reset();
+                    }),
+            Start::First);
+}
+
+TEST_F(Running, IsNotLookedForWhereOthersCanEnter) {
+  QFile::setPermissions(folder_.path() + "/corvane", QFile::Permissions(0x7755));
+  qputenv("XDG_CACHE_HOME", folder_.filePath("cache").toUtf8());
+  EXPECT_EQ(Another({}), Start::First);
+}
+
+/// Starts of the real program by one user.
+class Starts : public testing::Test {
+ protected:
+  ~Starts() override {
+    for (const auto& process : processes_) {
+      process->kill();
+      process->waitForFinished();
+    }
+  }
+
+  QProcess& Run(const QString& user, const char* platform = "offscreen") {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "HOME", "TMPDIR"}) {
+      environment.insert(name, folder_.path());
+    }
+    environment.insert("QT_QPA_PLATFORM", platform);
+    auto& process = *processes_.emplace_back(std::make_unique<QProcess>());
+    process.setProcessEnvironment(environment);
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    process.start(CORVANE_PROGRAM,
+                  {"ftp://" + user + ":p@127.0.0.1:" + QString::number(server_.Port())});
+    return process;
+  }
+  /// Whether these users, in the order of the alphabet, have logged in, each once.
+  [[nodiscard]] bool Served(const std::string& users) const {
+    return QTest::qWaitFor(
+        [&] {
+          std::string names;
+          for (const std::string& line : server_.Transcript()) {
+            if (line.starts_with("USER ")) names += line.substr(5, 1);
+          }
+          std::ranges::sort(names);
+          return names == users;
+        },
+        30000);
+  }
+  /// The exit status of a start that is not to be the running program.
+  int Status(QProcess& process) {
+    EXPECT_TRUE(process.waitForFinished());
+    return process.exitCode();
+  }
+
+  QTemporaryDir folder_;
+  ScriptedServer server_;
+  std::vector<std::unique_ptr<QProcess>> processes_;
+};
+
+TEST_F(Starts, AreOneProgramAlsoAfterAKill) {
+  for (const char* user : {"a", "b", "c", "d", "e", "f"}) Run(user);
+  ASSERT_TRUE(Served("abcdef")) << server_.Dialogue();
+  const auto handedOver = [](const auto& process) {
+    return process->state() == QProcess::NotRunning && process->exitCode() == 0;
+  };
+  EXPECT_TRUE(QTest::qWaitFor([&] { return std::ranges::count_if(processes_, handedOver) == 5; }));
+  const auto first = std::ranges::find_if_not(processes_, handedOver);
+  (*first)->kill();
+  EXPECT_TRUE((*first)->waitForFinished());
+
+  const QProcess& second = Run("g");
+  ASSERT_TRUE(Served("abcdefg")) << server_.Dialogue();
+  QProcess& third = Run("h", "none");  // handing over needs no display
+  EXPECT_EQ(Status(third), 0);
+  EXPECT_EQ(third.readAllStandardError(), "");
+  EXPECT_TRUE(Served("abcdefgh")) << server_.Dialogue();
+
+  const auto pid = static_cast<pid_t>(second.processId());
+  ::kill(pid, SIGSTOP);
+  QProcess& fourth = Run("i");
+  EXPECT_EQ(Status(fourth), 1);
+  EXPECT_EQ(fourth.readAllStandardError(), "Corvane runs already but does not answer.\n");
+  ::kill(pid, SIGCONT);
+  EXPECT_EQ(Status(Run("j")), 0);
+  EXPECT_TRUE(Served("abcdefghj")) << server_.Dialogue();  // what was given up is not done later
+}
+
+}  // namespace
+}  // namespace corvane

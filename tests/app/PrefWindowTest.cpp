@@ -36,7 +36,8 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   for (const char* sound : {"LoginSuccess", "LoginFailure", "Upload Sound", "Download Sound"}) {
     Field(sound).setText(*sound == 'U' ? "" : sound);
   }
-  for (const char* box : {"ShowTranWin", "RemoveItem", "Notify", "UseSameConnection", "ProxyCheckBox"}) {
+  for (const char* box :
+       {"ShowTranWin", "RemoveItem", "Notify", "UseSameConnection", "ProxyCheckBox"}) {
     Box(box).toggle();
   }
   window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);

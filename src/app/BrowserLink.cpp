@@ -141,7 +141,7 @@ void BrowserLink::Hop() {
 void BrowserLink::Drain() {
   QElapsedTimer turn;
   turn.start();
-  while (!closing_ && !window_.isNull()) {
+  for (bool first = true; !closing_ && !window_.isNull(); first = false) {
     Event event;
     {
       MutexLock hold(lock_);
@@ -149,7 +149,9 @@ void BrowserLink::Drain() {
         hopPending_ = false;
         return;
       }
-      if (turn.hasExpired(kTurnMilliseconds)) break;
+      // The end of a listing sorts it, which takes a turn of its own.
+      const bool sorts = std::holds_alternative<End>(events_.front());
+      if (turn.hasExpired(kTurnMilliseconds) || (sorts && !first)) break;
       event = std::move(events_.front());
       events_.pop_front();
     }

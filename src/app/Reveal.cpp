@@ -12,6 +12,7 @@
 
 #include "app/Alerts.h"
 #include "app/Text.h"
+#include "util/LocalUrl.h"
 
 namespace corvane {
 namespace {
@@ -22,11 +23,6 @@ constexpr int kAnswerMilliseconds = 3000;
 QUrl FileUrl(const std::string& path) {
   const QByteArray bytes = QByteArray::fromStdString(path);
   return QUrl::fromEncoded("file://" + bytes.toPercentEncoding("/"));
-}
-
-std::string FolderOf(const std::string& path) {
-  const std::size_t slash = path.find_last_of('/');
-  return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
 void AskFileManager(const QUrl& entry, std::function<void(bool)> then) {

@@ -276,8 +276,7 @@ class MFtp {
   bool DeleteFile(const std::string& name, const std::string& shown, Refusals& refused);
   int DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused);
   bool MayWalk(const Walk& walk);
-  bool StandsBelow(const Walk& walk, const std::string& name, const std::string& shown,
-                   Refusals& refused);
+  [[nodiscard]] static bool StandsBelow(const Walk& walk, const std::string& name);
   bool DeleteEntries(Walk& walk, const std::string& shown, Refusals& refused);
 
   const std::string host_;

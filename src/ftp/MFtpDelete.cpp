@@ -1,14 +1,6 @@
 #include "ftp/MFtp.h"
 
 namespace corvane {
-namespace {
-
-std::string WithoutTrailingSlash(std::string path) {
-  if (path.size() > 1 && path.ends_with('/')) path.pop_back();
-  return path;
-}
-
-}  // namespace
 
 bool MFtp::DeleteFile(const std::string& name, Refusals& refused) {
   return DeleteFile(name, name, refused);
@@ -34,10 +26,16 @@ int MFtp::DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused
   if (!EnterDirectory(walk, name, true)) {
     refused.Add(shown, failure_);
   } else {
-    const int emptied =
-        StandsBelow(walk, name, shown, refused) && DeleteEntries(walk, shown, refused);
+    // What was listed as a directory may be a link by now, or in a listing that hides links: it is
+    // not to be emptied where it leads.
+    bool emptied = false;
+    if (StandsBelow(walk, name)) {
+      emptied = DeleteEntries(walk, shown, refused);
+    } else {
+      refused.Add(shown, "Left alone, for it leads to " + walk.paths.back());
+    }
     if (!walk.lost && !LeaveDirectory(walk)) refused.Add(shown, failure_);
-    if (!walk.lost && emptied != 0) {
+    if (!walk.lost && emptied) {
       const int code = SendCommand("RMD " + name + "\n");
       const bool removed = code >= 200 && code < 300;
       if (!removed) refused.Add(shown, code == 0 ? failure_ : lastReplyText_);
@@ -47,19 +45,6 @@ int MFtp::DeleteDirectory(const std::string& name, Walk& walk, Refusals& refused
   }
   UpdateStatus("Deletion Failed.");
   return 0;
-}
-
-// What was listed as a directory may be a link by now, or in a listing that hides links: it is not
-// to be emptied where it leads. A server that does not tell, or tells in another way, is believed.
-bool MFtp::StandsBelow(const Walk& walk, const std::string& name, const std::string& shown,
-                       Refusals& refused) {
-  const std::string& above = walk.paths[walk.paths.size() - 2];
-  const std::string& here = walk.paths.back();
-  if (!above.starts_with('/') || !here.starts_with('/')) return true;
-  const std::string below = above.ends_with('/') ? above + name : above + "/" + name;
-  if (WithoutTrailingSlash(here) == below) return true;
-  refused.Add(shown, "Left alone, for it leads to " + here);
-  return false;
 }
 
 // Deletes what stands in the working directory, `shown` to the user so; false when the directory

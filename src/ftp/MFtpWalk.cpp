@@ -39,6 +39,16 @@ bool MFtp::EnterDirectory(Walk& walk, const std::string& name, bool ask) {
   return false;
 }
 
+// Whether the last step led where the name says. A server that does not tell where it stands, or
+// tells it in another way, is believed.
+bool MFtp::StandsBelow(const Walk& walk, const std::string& name) {
+  const std::string& above = walk.paths[walk.paths.size() - 2];
+  const std::string& here = walk.paths.back();
+  if (!above.starts_with('/') || !here.starts_with('/')) return true;
+  const std::string below = Below(above, name);
+  return here == below || here == below + "/";
+}
+
 bool MFtp::MayWalk(const Walk& walk) {
   const std::string& path = walk.paths.back();
   const auto last = walk.paths.end() - 1;

@@ -1,5 +1,6 @@
 #include "support/ScriptedServer.h"
 
+#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -11,11 +12,11 @@
 
 namespace corvane {
 
-std::pair<UniqueFd, std::uint16_t> ScriptedServer::ListenOnLoopback() {
+std::pair<UniqueFd, std::uint16_t> ScriptedServer::ListenOnHost() const {
   UniqueFd listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_in address{};
   address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_addr.s_addr = htonl(host_);
   socklen_t length = sizeof address;
   auto* const plain = reinterpret_cast<sockaddr*>(&address);
   if (::bind(listener.get(), plain, length) != 0 || ::listen(listener.get(), 16) != 0 ||
@@ -25,14 +26,20 @@ std::pair<UniqueFd, std::uint16_t> ScriptedServer::ListenOnLoopback() {
   return {std::move(listener), ntohs(address.sin_port)};
 }
 
-ScriptedServer::ScriptedServer() : stop_(::eventfd(0, EFD_CLOEXEC)) {
-  std::tie(listener_, port_) = ListenOnLoopback();
+ScriptedServer::ScriptedServer(std::uint32_t host) : host_(host), stop_(::eventfd(0, EFD_CLOEXEC)) {
+  std::tie(listener_, port_) = ListenOnHost();
   thread_ = std::thread([this] { Listen(); });
 }
 
 ScriptedServer::~ScriptedServer() {
   ::eventfd_write(stop_.get(), 1);
   thread_.join();
+}
+
+std::string ScriptedServer::Host() const {
+  const in_addr address = {htonl(host_)};
+  std::array<char, INET_ADDRSTRLEN> text{};
+  return ::inet_ntop(AF_INET, &address, text.data(), text.size());
 }
 
 void ScriptedServer::Listen() {

@@ -49,12 +49,16 @@ struct ScriptedAction {
 /// Every control connection has its own thread; every wait is bounded. All calls from any thread.
 class ScriptedServer {
  public:
-  ScriptedServer();
+  /// `host`, in host order, is the address that it listens on and connects from. Where many run at
+  /// once and break off, each has one of its own: a port that one client has let go of may be the
+  /// next one's, and a late connection to it is then a stranger's.
+  explicit ScriptedServer(std::uint32_t host = 0x7F000001);
   /// Hangs up everywhere and waits for the threads.
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
+  [[nodiscard]] std::string Host() const;
   [[nodiscard]] std::uint16_t Port() const { return port_; }
   [[nodiscard]] VirtualTree& Tree() { return tree_; }
 
@@ -70,8 +74,8 @@ class ScriptedServer {
  private:
   friend class ScriptedSession;
 
-  /// A listening socket on a free loopback port, and that port.
-  [[nodiscard]] static std::pair<UniqueFd, std::uint16_t> ListenOnLoopback();
+  /// A listening socket on a free port of its address, and that port.
+  [[nodiscard]] std::pair<UniqueFd, std::uint16_t> ListenOnHost() const;
   void Listen();
   /// One control connection, on a thread of its own.
   void Serve(UniqueFd control);
@@ -79,6 +83,7 @@ class ScriptedServer {
   void NoteCommand(const std::string& line);
   void NoteReply(const std::string& text);
 
+  const std::uint32_t host_;
   VirtualTree tree_;
   UniqueFd listener_;
   UniqueFd stop_;  ///< readable once the server stops

@@ -106,7 +106,7 @@ std::string ScriptedSession::ReadLine() const {
 void ScriptedSession::Perform(const std::string& verb, const std::string& argument) {
   action_ = server_.Next(verb);
   if (action_.arrived) action_.arrived();
-  if (verb == "PASV") std::tie(passive_, passivePort_) = ScriptedServer::ListenOnLoopback();
+  if (verb == "PASV") std::tie(passive_, passivePort_) = server_.ListenOnHost();
   if (action_.reply) {
     Say(*action_.reply);
   } else {
@@ -229,7 +229,7 @@ UniqueFd ScriptedSession::BeginData() {
   UniqueFd data;
   if (!passive_) {
     if (action_.strangerFirst) Write(Connect(kStranger).get(), "rubbish");
-    data = Connect(INADDR_LOOPBACK);
+    data = Connect(server_.host_);
   } else if (Wait(passive_.get(), POLLIN)) {
     data.reset(::accept4(passive_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     passive_.reset();

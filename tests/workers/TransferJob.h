@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -22,9 +24,15 @@ namespace corvane {
 
 namespace fs = std::filesystem;
 
+/// A loopback address that no other server of this process has.
+inline std::uint32_t NextHost() {
+  static std::atomic<std::uint32_t> last = 0x7F010000;
+  return ++last;
+}
+
 /// One transfer between a local folder and "/pub", on its own connection or on a browser's.
 struct Job {
-  ScriptedServer server;
+  ScriptedServer server{NextHost()};
   TemporaryDirectory folder;
   std::shared_ptr<RecordingTransferUi> row = std::make_shared<RecordingTransferUi>();
   std::shared_ptr<RecordingBrowserUi> browser = std::make_shared<RecordingBrowserUi>();
@@ -36,7 +44,7 @@ struct Job {
     description.remoteDirectory = "/pub";
     description.targetFolder = folder.Path();
     auto make = [&](auto owner) {
-      auto engine = std::make_shared<MFtp>("127.0.0.1", server.Port(), "u", "p", passive, owner);
+      auto engine = std::make_shared<MFtp>(server.Host(), server.Port(), "u", "p", passive, owner);
       engine->silenceLimit = 10'000;
       return engine;
     };

@@ -64,7 +64,9 @@ CommandLine CommandLine::Read(std::span<const std::string> arguments) {
   constexpr std::string_view kScheme = "ftp://";
   CommandLine line;
   if (arguments.empty()) return line;
-  if (arguments.size() > 1 || arguments.front().starts_with('-')) {
+  if (arguments.size() == 1 && arguments.front() == "-deskbar") {
+    line.deskbar = true;
+  } else if (arguments.size() > 1 || arguments.front().starts_with('-')) {
     line.usage = true;
   } else if (arguments.front().starts_with(kScheme)) {
     line = ReadUrl(std::string_view(arguments.front()).substr(kScheme.size()));

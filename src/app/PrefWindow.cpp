@@ -14,6 +14,7 @@
 #include <array>
 
 #include "app/Alerts.h"
+#include "app/Autostart.h"
 #include "app/Frames.h"
 #include "app/Text.h"
 #include "app/Windows.h"
@@ -106,6 +107,8 @@ QWidget* PrefWindow::MakeMisc() {
                        shown_.removeItem);
   notify_ = AddBox(form, "Notify", tr("Show a &notification when transfers end."), shown_.notify);
   notify_->setToolTip(tr("Only while no window of Corvane is active."));
+  tray_ = AddBox(form, "ShowInTray", tr("Show &in the tray at login."), Autostart::IsSet());
+  tray_->setToolTip(tr("An icon whose menu opens your shortcuts."));
   sameConnection_ =
       AddBox(form, "UseSameConnection", tr("&Always use same connection to transfer files."),
              shown_.useSameConnection);
@@ -250,15 +253,17 @@ bool PrefWindow::CheckProxy() {
 
 void PrefWindow::Save() {
   if (!CheckProxy()) return;
-  const std::string failure = StoredSettings::Apply(Entered());
+  QString problem = tr("The preferences are in force but could not be saved for the next start.");
+  std::string failure = StoredSettings::Apply(Entered());
+  if (const bool tray = tray_->isChecked(); failure.empty() && tray != Autostart::IsSet()) {
+    problem = tr("The preferences are saved, all but what is shown in the tray at login.");
+    failure = Autostart::Set(tray);
+  }
   if (failure.empty()) {
     close();
     return;
   }
-  Alerts::Show(this, {.title = tr("Warning!"),
-                      .text = tr("The preferences are in force but could not be saved for the next "
-                                 "start."),
-                      .detail = ToText(failure)});
+  Alerts::Show(this, {.title = tr("Warning!"), .text = problem, .detail = ToText(failure)});
 }
 
 }  // namespace corvane

@@ -55,6 +55,7 @@ class PrefWindow : public QWidget {
   QCheckBox* showTransfers_ = nullptr;
   QCheckBox* removeItem_ = nullptr;
   QCheckBox* notify_ = nullptr;
+  QCheckBox* tray_ = nullptr;
   QCheckBox* sameConnection_ = nullptr;
   QComboBox* bufferSize_ = nullptr;
   QLineEdit* loginSuccess_ = nullptr;

@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <QByteArray>
 #include <QTimer>
 #include <algorithm>
 #include <array>
@@ -18,12 +19,24 @@ namespace corvane {
 namespace {
 
 constexpr std::chrono::seconds kSilence{1};
+constexpr std::string_view kMessage = "message ";
 
 bool IsSameUser(const UniqueFd& peer) {
   ucred who{};
   socklen_t size = sizeof who;
   return ::getsockopt(peer.get(), SOL_SOCKET, SO_PEERCRED, &who, &size) == 0 &&
          who.uid == ::geteuid();
+}
+
+/// An 'OPNC' with a host, in its flattened form as base64.
+std::optional<Message> Unwrapped(std::string_view text) {
+  const auto bytes = QByteArray::fromBase64Encoding(QByteArray(text.data(), std::ssize(text)),
+                                                    QByteArray::AbortOnBase64DecodingErrors);
+  if (!bytes) return {};
+  auto message = Message::Unflatten(bytes.decoded.toStdString());
+  const bool opens = message.has_value() && message->what == "OPNC"_what &&
+                     !message->FindString("host").value_or("").empty();
+  return opens ? message : std::nullopt;
 }
 
 }  // namespace
@@ -99,11 +112,16 @@ void RequestServer::Accept() {
           [this] { arrival_.setEnabled(--peers_ < kMostPeers); });
 }
 
+std::string RequestServer::Line(const Message& open) {
+  return std::string(kMessage) + QByteArray::fromStdString(open.Flatten()).toBase64().toStdString();
+}
+
 std::optional<Message> RequestServer::Read(std::string_view line) {
   constexpr std::string_view kOpen = "open ";
   const auto isControl = [](unsigned char byte) { return byte < ' ' || byte == 0x7F; };
   if (line.size() > kLongest || std::ranges::any_of(line, isControl)) return {};
   if (line == "show") return Message("SHMN"_what);
+  if (line.starts_with(kMessage)) return Unwrapped(line.substr(kMessage.size()));
   if (!line.starts_with(kOpen)) return {};
   return CommandLine::Read(std::vector{std::string(line.substr(kOpen.size()))}).open;
 }

@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "kit/Message.h"
@@ -25,8 +26,11 @@ class RequestServer : public QObject {
   /// `listener` stays the caller's and outlives the server.
   RequestServer(int listener, std::function<bool(const Message&)> take);
 
-  /// "show", or "open" and a URL as on the command line; nothing for any other text.
+  /// "show", "open" and a URL as on the command line, or what Line wrote; nothing for any other
+  /// text.
   [[nodiscard]] static std::optional<Message> Read(std::string_view line);
+  /// The request, without its line end, that brings an 'OPNC' over as it is.
+  [[nodiscard]] static std::string Line(const Message& open);
 
  private:
   class Peer;

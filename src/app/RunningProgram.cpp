@@ -96,15 +96,31 @@ RunningProgram::RunningProgram() : folder_(FolderIn(Named("XDG_RUNTIME_DIR"))) {
 
 RunningProgram::Start RunningProgram::Begin(const std::vector<std::string>& arguments,
                                             std::chrono::milliseconds patience) {
-  if (!folder_) return Start::First;
   const bool open = CommandLine::Read(arguments).open.has_value();
-  const std::string request = open ? "open " + arguments.front() : "show";
+  const Start start = Settle(open ? "open " + arguments.front() : "show", patience);
+  if (start == Start::First && folder_) Listen();
+  return start;
+}
+
+RunningProgram::Start RunningProgram::Offer(const std::string& request,
+                                            std::chrono::milliseconds patience) const {
+  const Start start = Settle(request, patience);
+  if (start == Start::First && folder_) ::flock(folder_.get(), LOCK_UN);
+  return start;
+}
+
+bool RunningProgram::TakeLock(const char* name) {
+  if (!folder_) return true;
+  lock_.reset(::openat(folder_.get(), name, O_RDONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  return ::flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+RunningProgram::Start RunningProgram::Settle(const std::string& request,
+                                             std::chrono::milliseconds patience) const {
+  if (!folder_) return Start::First;
   const auto until = Clock::now() + patience;
   do {
-    if (::flock(folder_.get(), LOCK_EX | LOCK_NB) == 0) {
-      Listen();
-      return Start::First;
-    }
+    if (::flock(folder_.get(), LOCK_EX | LOCK_NB) == 0) return Start::First;
     if (errno != EWOULDBLOCK) return Start::First;  // a file system without locks
     if (!RequestServer::Read(request).has_value()) return Start::Refused;
     const std::string answer = Ask(folder_, request + "\n", until);

@@ -14,7 +14,7 @@ namespace corvane {
 class RunningProgram {
  public:
   enum class Start {
-    First,       ///< this is the running program
+    First,       ///< this is the running program, or could be
     HandedOver,  ///< the running program has taken the request
     Refused,     ///< the running program does not take this request
     NoAnswer     ///< there is one, but it did not answer in time
@@ -33,6 +33,14 @@ class RunningProgram {
   [[nodiscard]] Start Begin(const std::vector<std::string>& arguments,
                             std::chrono::milliseconds patience = kPatience);
 
+  /// Gives a request to the running program, if there is one, and never becomes it. Waits at most
+  /// `patience`.
+  [[nodiscard]] Start Offer(const std::string& request,
+                            std::chrono::milliseconds patience = kPatience) const;
+
+  /// Whether no other process of the user holds the lock of that name. It ends with the process.
+  [[nodiscard]] bool TakeLock(const char* name);
+
   /// Where the requests of later starts arrive; -1 when none can.
   [[nodiscard]] int Listener() const { return listener_.get(); }
 
@@ -40,9 +48,12 @@ class RunningProgram {
   void End();
 
  private:
+  /// Takes the lock of the running program or, while another one has it, hands over.
+  [[nodiscard]] Start Settle(const std::string& request, std::chrono::milliseconds patience) const;
   void Listen();
 
   UniqueFd folder_;
+  UniqueFd lock_;  // a further one than the running program's
   UniqueFd listener_;
 };
 

@@ -39,7 +39,7 @@ void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts) {
   qDeleteAll(items_->actions());
   std::int32_t index = 0;
   for (const Shortcut& shortcut : shortcuts) {
-    Add(shortcut.label.empty() ? shortcut.host : shortcut.label, index, index < 10);
+    Add(NameOf(shortcut), index, index < 10);
     ++index;
   }
   ShowMarked();
@@ -49,11 +49,15 @@ void ShortcutField::Append(const std::string& label, std::int32_t index) {
   Add(label, index, Count() < 9);
 }
 
-void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
+QString ShortcutField::ItemText(const std::string& label) {
   constexpr qsizetype kLongest = 100;
   QString shown = ToText(std::string_view(label).substr(0, 4 * kLongest));
   if (shown.size() > kLongest) shown = shown.first(kLongest) + QChar(0x2026);
-  QAction* item = cutMenu_->addAction(Label(shown));
+  return Label(shown);
+}
+
+void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
+  QAction* item = cutMenu_->addAction(ItemText(label));
   item->setCheckable(true);
   item->setData(index);
   if (withKey) item->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(Count())));

@@ -5,13 +5,12 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QLineEdit>
-#include <cstdlib>
-#include <limits>
-#include <optional>
+#include <utility>
 
 #include "app/Alerts.h"
 #include "app/ConnectionForm.h"
 #include "app/Frames.h"
+#include "app/OpenMessage.h"
 #include "app/Password.h"
 #include "app/PastedUrl.h"
 #include "app/ShortcutField.h"
@@ -22,17 +21,6 @@
 #include "util/Shortcut.h"
 
 namespace corvane {
-namespace {
-
-/// The number at the front of a text, 0 when there is none; nothing for one that is no port.
-std::optional<std::uint16_t> PortIn(const std::string& text) {
-  const long long number = std::strtoll(text.c_str(), nullptr, 10);
-  if (number < 0 || number > std::numeric_limits<std::uint16_t>::max()) return {};
-  return static_cast<std::uint16_t>(number);
-}
-
-}  // namespace
-
 StartWin::StartWin(TambleApp& app, const QRect& frame) : app_(app) {
   setWindowTitle(tr("Corvane"));
   MakeViews();
@@ -70,8 +58,7 @@ void StartWin::Connect() {
                  {.title = tr("Warning!"), .text = tr("Please enter the address of the server.")});
     return;
   }
-  const auto port = PortIn(form_->Entered().port);
-  if (!port.has_value()) {
+  if (!OpenMessage(form_->Entered()).has_value()) {
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("The port has to be a number from 1 to 65535.")});
     form_->port->setFocus();
@@ -81,15 +68,9 @@ void StartWin::Connect() {
   if (form_->password->text().isEmpty()) {
     form_->password->SetActualText(ProcessSettings::Get().DfltPass, 1);
   }
-  const Shortcut to = form_->Entered();
-  Message message("OPNC"_what);
-  message.AddString("host", to.host);
-  message.AddString("user", to.user);
-  message.AddString("pass", to.pass);
-  message.AddString("path", to.path);
-  message.AddBool("passive", passive_);
-  message.AddInt16("port", static_cast<std::int16_t>(*port));
-  app_.PostMessage(message);
+  Shortcut to = form_->Entered();
+  to.passive = passive_;
+  if (const auto message = OpenMessage(to)) app_.PostMessage(*message);
 }
 
 void StartWin::ReadShortcuts() {

@@ -14,6 +14,7 @@
 #include "app/RequestServer.h"
 #include "app/RunningProgram.h"
 #include "app/TambleApp.h"
+#include "app/TrayProgram.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
 #include "workers/ListingCache.h"
@@ -34,7 +35,9 @@ bool HasOptions(const std::vector<std::string>& arguments) {
 std::optional<int> EndedAtStart(corvane::RunningProgram& running,
                                 const std::vector<std::string>& arguments) {
   using corvane::RunningProgram;
-  if (corvane::CommandLine::Read(arguments).usage) return Usage();
+  const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
+  if (line.usage) return Usage();
+  if (line.deskbar) return {};
   QString problem;
   switch (running.Begin(arguments)) {
     case RunningProgram::Start::First: return {};
@@ -73,10 +76,15 @@ int main(int argc, char** argv) {
     if (!plain) {
       if (const auto status = EndedAtStart(running, arguments)) return *status;
     }
-    {
+    const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
+    if (line.deskbar) {
+      corvane::TrayProgram tray;
+      const corvane::QuitSignals signals(QCoreApplication::quit);
+      result = tray.Run();
+    } else {
       corvane::TambleApp app;
       const corvane::QuitSignals signals([&app] { app.Quit(); });
-      app.ReadyToRun(corvane::CommandLine::Read(arguments).open);
+      app.ReadyToRun(line.open);
       std::optional<corvane::RequestServer> requests;
       if (running.Listener() >= 0) {
         requests.emplace(running.Listener(), [&app](const corvane::Message& request) {

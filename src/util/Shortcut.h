@@ -17,4 +17,9 @@ struct Shortcut {
   friend bool operator==(const Shortcut&, const Shortcut&) = default;
 };
 
+/// What a connection goes by: its label or, without one, its host.
+[[nodiscard]] inline const std::string& NameOf(const Shortcut& shortcut) {
+  return shortcut.label.empty() ? shortcut.host : shortcut.label;
+}
+
 }  // namespace corvane

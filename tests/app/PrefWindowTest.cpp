@@ -36,8 +36,8 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   for (const char* sound : {"LoginSuccess", "LoginFailure", "Upload Sound", "Download Sound"}) {
     Field(sound).setText(*sound == 'U' ? "" : sound);
   }
-  for (const char* box :
-       {"ShowTranWin", "RemoveItem", "Notify", "UseSameConnection", "ProxyCheckBox"}) {
+  for (const char* box : {"ShowTranWin", "RemoveItem", "Notify", "ShowInTray", "UseSameConnection",
+                          "ProxyCheckBox"}) {
     Box(box).toggle();
   }
   window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);
@@ -53,6 +53,10 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   EXPECT_TRUE(Closed());
   Open();
   EXPECT_TRUE(Box("ShowTranWin").isChecked());
+  QFile atLogin(config_.filePath("autostart/corvane-tray.desktop"));
+  EXPECT_TRUE(atLogin.open(QIODevice::ReadOnly));
+  EXPECT_TRUE(atLogin.readAll().contains("\" -deskbar\n"));
+  EXPECT_TRUE(Box("ShowInTray").isChecked());
   EXPECT_EQ(window_->findChild<QComboBox*>("BufferSize")->currentIndex(), 3);
   Box("RemoveItem").toggle();
   window_->findChild<QPushButton*>("cancel")->setFocus();

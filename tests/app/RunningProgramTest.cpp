@@ -81,6 +81,10 @@ class Running : public testing::Test {
 TEST_F(Running, TakesNothingButWholeRequests) {
   const std::string open = "open ftp://h/";
   const std::string longest = open + std::string(RequestServer::kLongest - open.size(), 'x');
+  Message to("OPNC"_what);
+  to.AddString("host", "h\n");
+  Message other = to;
+  other.what = "SHPF"_what;
   const std::pair<std::string, const char*> cases[] = {{"show\n", "ok\n"},
                                                        {open + "\xFC\n", "ok\n"},
                                                        {longest + "\n", "ok\n"},
@@ -92,6 +96,10 @@ TEST_F(Running, TakesNothingButWholeRequests) {
                                                        {"open h\n", "no\n"},
                                                        {"open http://h\n", "no\n"},
                                                        {"open -deskbar\n", "no\n"},
+                                                       {RequestServer::Line(other) + "\n", "no\n"},
+                                                       {RequestServer::Line(to) + "\n", "ok\n"},
+                                                       {RequestServer::Line(to) + "!\n", "no\n"},
+                                                       {"message AAAA\n", "no\n"},
                                                        {"shows\n", "no\n"},
                                                        {"\n", "no\n"},
                                                        {"open ftp://u:p@h:0\n", "no\n"},
@@ -105,6 +113,7 @@ TEST_F(Running, TakesNothingButWholeRequests) {
   }
   EXPECT_EQ(taken_[0].what, "SHMN"_what);
   EXPECT_EQ(taken_[1].FindString("path"), "/\xFC");
+  EXPECT_EQ(taken_[3], to);
 }
 
 TEST_F(Running, LaterStartsHandOverWhateverOthersDo) {

@@ -1,6 +1,8 @@
 #include <QTreeWidget>
 
 #include "AppFixture.h"
+#include "app/ReplicantView.h"
+#include "app/RequestServer.h"
 #include "app/ShortCutEditWindow.h"
 #include "app/ShortCutWindow.h"
 #include "app/ShortcutField.h"
@@ -142,6 +144,38 @@ TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
   EXPECT_EQ(ShortcutStore::Read(3)->path, "/pub/\xFC");
   EXPECT_EQ(app_->ConnectionWindow().CutMenu().Count(), 4);
   EXPECT_EQ(list_->List().topLevelItem(3)->text(1), "server.test");
+}
+
+TEST_F(Shortcuts, AreOpenedFromTheTray) {
+  std::vector<Message> launched;
+  ReplicantView tray([&](const Message& message) { launched.push_back(message); });
+  Shortcut odd = Named("");  // shown by its host
+  odd.user.clear();
+  odd.passive = true;
+  Shortcut wrong = Named("a & b");
+  wrong.port = "70000";
+  EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), odd, wrong}), "");
+  Q_EMIT tray.PopUpMenu().aboutToShow();
+  QStringList texts;
+  for (QAction* item : tray.PopUpMenu().actions()) {
+    texts += item->text();
+    if (texts.size() < 7) item->trigger();
+  }
+  EXPECT_EQ(texts.join('|').toStdString(), "&Launch Corvane||one|h|a && b||&Remove from the tray");
+  ASSERT_EQ(launched.size(), 3U);
+  EXPECT_EQ(launched[0], Message("RUNN"_what));
+  for (std::size_t i = 1; i < launched.size(); ++i) {
+    app_->PostMessage(*RequestServer::Read(RequestServer::Line(launched[i])));
+    const Connection& to = connections_.back();
+    EXPECT_EQ(to.port, 2121);
+    EXPECT_EQ(to.passive, i == 2);
+    EXPECT_EQ(to.user + to.pass + to.host + to.path, i == 2 ? "anonymousph/d" : "uph/d");
+  }
+  // The list of a new user has one entry, which is stored then.
+  QFile::remove(config_.filePath("_LP_x-ovak-Corvane/shortcuts"));
+  Q_EMIT tray.PopUpMenu().aboutToShow();
+  EXPECT_EQ(tray.PopUpMenu().actions().size(), 5);
+  EXPECT_TRUE(ShortcutStore::Read(0).has_value());
 }
 
 }  // namespace

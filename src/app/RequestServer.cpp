@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "app/CommandLine.h"
+#include "app/StartupNotice.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {
@@ -20,6 +21,7 @@ namespace {
 
 constexpr std::chrono::seconds kSilence{1};
 constexpr std::string_view kMessage = "message ";
+constexpr std::string_view kStartup = "startup ";
 
 bool IsSameUser(const UniqueFd& peer) {
   ucred who{};
@@ -28,15 +30,36 @@ bool IsSameUser(const UniqueFd& peer) {
          who.uid == ::geteuid();
 }
 
-/// An 'OPNC' with a host, in its flattened form as base64.
-std::optional<Message> Unwrapped(std::string_view text) {
+std::string Encoded(const std::string& bytes) {
+  return QByteArray::fromStdString(bytes).toBase64().toStdString();
+}
+
+std::optional<std::string> Decoded(std::string_view text) {
   const auto bytes = QByteArray::fromBase64Encoding(QByteArray(text.data(), std::ssize(text)),
                                                     QByteArray::AbortOnBase64DecodingErrors);
   if (!bytes) return {};
-  auto message = Message::Unflatten(bytes.decoded.toStdString());
+  return bytes.decoded.toStdString();
+}
+
+/// A flattened 'OPNC' with a host.
+std::optional<Message> Unwrapped(std::string_view text) {
+  auto message = Message::Unflatten(Decoded(text).value_or(""));
   const bool opens = message.has_value() && message->what == "OPNC"_what &&
                      !message->FindString("host").value_or("").empty();
   return opens ? message : std::nullopt;
+}
+
+/// A name, a blank, and a request of another kind.
+std::optional<Message> WithStartup(std::string_view text) {
+  const std::size_t blank = std::min(text.find(' '), text.size());
+  const auto name = Decoded(text.substr(0, blank));
+  text.remove_prefix(std::min(blank + 1, text.size()));
+  if (!name.has_value() || name->size() > StartupNotice::kLongest || text.starts_with(kStartup)) {
+    return {};
+  }
+  auto request = RequestServer::Read(text);
+  if (request.has_value()) request->AddString("startup", *name);
+  return request;
 }
 
 }  // namespace
@@ -113,7 +136,11 @@ void RequestServer::Accept() {
 }
 
 std::string RequestServer::Line(const Message& open) {
-  return std::string(kMessage) + QByteArray::fromStdString(open.Flatten()).toBase64().toStdString();
+  return std::string(kMessage) + Encoded(open.Flatten());
+}
+
+std::string RequestServer::Named(const std::string& startup, const std::string& request) {
+  return startup.empty() ? request : std::string(kStartup) + Encoded(startup) + " " + request;
 }
 
 std::optional<Message> RequestServer::Read(std::string_view line) {
@@ -121,6 +148,7 @@ std::optional<Message> RequestServer::Read(std::string_view line) {
   const auto isControl = [](unsigned char byte) { return byte < ' ' || byte == 0x7F; };
   if (line.size() > kLongest || std::ranges::any_of(line, isControl)) return {};
   if (line == "show") return Message("SHMN"_what);
+  if (line.starts_with(kStartup)) return WithStartup(line.substr(kStartup.size()));
   if (line.starts_with(kMessage)) return Unwrapped(line.substr(kMessage.size()));
   if (!line.starts_with(kOpen)) return {};
   return CommandLine::Read(std::vector{std::string(line.substr(kOpen.size()))}).open;

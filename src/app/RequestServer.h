@@ -27,10 +27,12 @@ class RequestServer : public QObject {
   RequestServer(int listener, std::function<bool(const Message&)> take);
 
   /// "show", "open" and a URL as on the command line, or what Line wrote; nothing for any other
-  /// text.
+  /// text. The name of the start, where there is one, is the field "startup".
   [[nodiscard]] static std::optional<Message> Read(std::string_view line);
   /// The request, without its line end, that brings an 'OPNC' over as it is.
   [[nodiscard]] static std::string Line(const Message& open);
+  /// A request with the name of the start that it is for.
+  [[nodiscard]] static std::string Named(const std::string& startup, const std::string& request);
 
  private:
   class Peer;

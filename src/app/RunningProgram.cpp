@@ -15,6 +15,7 @@
 
 #include "app/CommandLine.h"
 #include "app/RequestServer.h"
+#include "app/StartupNotice.h"
 
 namespace corvane {
 namespace {
@@ -97,7 +98,8 @@ RunningProgram::RunningProgram() : folder_(FolderIn(Named("XDG_RUNTIME_DIR"))) {
 RunningProgram::Start RunningProgram::Begin(const std::vector<std::string>& arguments,
                                             std::chrono::milliseconds patience) {
   const bool open = CommandLine::Read(arguments).open.has_value();
-  const Start start = Settle(open ? "open " + arguments.front() : "show", patience);
+  const std::string request = open ? "open " + arguments.front() : "show";
+  const Start start = Settle(RequestServer::Named(StartupNotice::Id(), request), patience);
   if (start == Start::First && folder_) Listen();
   return start;
 }

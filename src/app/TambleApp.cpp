@@ -18,6 +18,7 @@
 #include "app/ShortCutWindow.h"
 #include "app/ShortcutField.h"
 #include "app/StartWin.h"
+#include "app/StartupNotice.h"
 #include "app/Text.h"
 #include "app/Windows.h"
 #include "settings/ProcessSettings.h"
@@ -76,7 +77,7 @@ void TambleApp::PostMessage(const Message& message) {
                                message.FindInt32("index").value_or(-1));
       break;
     case "SHLG"_what: BringForward(transfers_.get()); break;
-    case "SHMN"_what: BringForward(start_.get()); break;
+    case "SHMN"_what: Answer(message, start_.get()); break;
     default: break;
   }
 }
@@ -95,7 +96,12 @@ void TambleApp::OpenBrowser(const Message& message) {
   if (StoredSettings::Frame(kConnectionFrame) == kConnectionFrame.fallback) {
     window->resize(window->size().expandedTo(window->sizeHint()));
   }
+  Answer(message, window);
+}
+
+void TambleApp::Answer(const Message& message, QWidget* window) {
   BringForward(window);
+  StartupNotice::Complete(message.FindString("startup").value_or(""), window);
 }
 
 void TambleApp::AboutRequested() {

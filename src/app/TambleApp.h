@@ -35,7 +35,8 @@ class TambleApp : public QObject {
   void ReadyToRun(const std::optional<Message>& open = {});
 
   /// 'OPNC' opens a browser window, 'NWST' adds a shortcut ("label", "index") to the menu of the
-  /// connection window, 'SHLG' and 'SHMN' bring transfer and connection window forward.
+  /// connection window, 'SHLG' and 'SHMN' bring transfer and connection window forward. "startup"
+  /// in 'OPNC' and 'SHMN' names the start that asked for it (StartupNotice).
   void PostMessage(const Message& message);
   void AboutRequested();
 
@@ -67,6 +68,8 @@ class TambleApp : public QObject {
 
  private:
   void OpenBrowser(const Message& message);
+  /// Brings forward what a message asked for.
+  static void Answer(const Message& message, QWidget* window);
   void ReadSettings();
   [[nodiscard]] int RunningTransfers() const;
   void AskAboutShortcuts();

@@ -85,6 +85,7 @@ TEST_F(Running, TakesNothingButWholeRequests) {
   to.AddString("host", "h\n");
   Message other = to;
   other.what = "SHPF"_what;
+  const std::string named = RequestServer::Named("a b_TIME1", "show");
   const std::pair<std::string, const char*> cases[] = {{"show\n", "ok\n"},
                                                        {open + "\xFC\n", "ok\n"},
                                                        {longest + "\n", "ok\n"},
@@ -100,6 +101,10 @@ TEST_F(Running, TakesNothingButWholeRequests) {
                                                        {RequestServer::Line(to) + "\n", "ok\n"},
                                                        {RequestServer::Line(to) + "!\n", "no\n"},
                                                        {"message AAAA\n", "no\n"},
+                                                       {named + "\n", "ok\n"},
+                                                       {"startup !! show\n", "no\n"},
+                                                       {"startup AAAA\n", "no\n"},
+                                                       {"startup AAAA " + named + "\n", "no\n"},
                                                        {"shows\n", "no\n"},
                                                        {"\n", "no\n"},
                                                        {"open ftp://u:p@h:0\n", "no\n"},
@@ -114,6 +119,7 @@ TEST_F(Running, TakesNothingButWholeRequests) {
   EXPECT_EQ(taken_[0].what, "SHMN"_what);
   EXPECT_EQ(taken_[1].FindString("path"), "/\xFC");
   EXPECT_EQ(taken_[3], to);
+  EXPECT_EQ(taken_[4].FindString("startup"), "a b_TIME1");
 }
 
 TEST_F(Running, LaterStartsHandOverWhateverOthersDo) {

@@ -219,7 +219,7 @@ TEST(CommandLine, IsReadAsWritten) {
       {{"ftp://u:p@h:99999/"}, "usage"},
       {{"ftp://"}, ""},
       {{"h/pub"}, ""},
-      {{"-deskbar"}, "usage"},
+      {{"--deskbar"}, "usage"},
       {{"ftp://h", "ftp://i"}, "usage"},
   };
   for (const auto& [arguments, result] : cases) {

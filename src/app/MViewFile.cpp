@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/EngineTexts.h"
 #include "app/GuiThread.h"
 #include "app/Text.h"
 #include "app/Windows.h"
@@ -109,7 +110,7 @@ void ViewerLink::Drain() {
     if (cut_) {
       note = MViewFile::tr("Only the first %1 MiB are shown.").arg(kMostBytes >> 20);
     } else if (ended_ && !more) {
-      note = ToText(note_);
+      note = Translated(ToText(note_));
     }
   }
   window_->AppendText(piece);

@@ -14,6 +14,7 @@
 #include <array>
 
 #include "app/Alerts.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/Text.h"
 #include "app/Windows.h"
@@ -27,8 +28,11 @@ struct BufferSize {
   std::int32_t bytes;
 };
 
-constexpr std::array kBufferSizes{BufferSize{"   8 KB", 8192}, BufferSize{" 32 KB", 32768},
-                                  BufferSize{" 64 KB", 65536}, BufferSize{"128 KB", 131072}};
+constexpr std::array kBufferSizes{
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", "   8 KB"), 8192},
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", " 32 KB"), 32768},
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", " 64 KB"), 65536},
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", "128 KB"), 131072}};
 
 /// The settings in force, but what is stored of the one that waits for the next start.
 SettingsValues Current() {
@@ -258,7 +262,7 @@ void PrefWindow::Save() {
   Alerts::Show(this, {.title = tr("Warning!"),
                       .text = tr("The preferences are in force but could not be saved for the next "
                                  "start."),
-                      .detail = ToText(failure)});
+                      .detail = Translated(ToText(failure))});
 }
 
 }  // namespace corvane

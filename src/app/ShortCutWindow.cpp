@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "app/Alerts.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/ShortCutItem.h"
 #include "app/StartWin.h"
@@ -31,10 +32,11 @@ struct Column {
   int least;
 };
 
-constexpr Column kColumns[] = {{QT_TRANSLATE_NOOP("ShortCutWindow", "Label"), 140, 50},
-                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Host"), 150, 100},
-                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Path"), 160, 80},
-                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Connection Type"), 100, 70}};
+constexpr Column kColumns[] = {
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Label"), 140, 50},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Host"), 150, 100},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Path"), 160, 80},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 100, 70}};
 
 }  // namespace
 
@@ -206,7 +208,7 @@ bool ShortCutWindow::Save() {
   if (!failure.empty()) {
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("The shortcuts could not be saved."),
-                        .detail = ToText(failure)});
+                        .detail = Translated(ToText(failure))});
     return false;
   }
   SetChanged(false);

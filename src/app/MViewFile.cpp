@@ -125,9 +125,9 @@ MViewFile::MViewFile(QWidget* browser, const QString& title, std::shared_ptr<Vie
       note_(new QLabel(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(title);
-  setMinimumSize(200, 200);
   resize(640, 480);
   text_->setObjectName("TextLog");
+  text_->setMinimumSize(200, 200);  // note and search come on top of it
   text_->setAccessibleName(tr("Text"));
   text_->setReadOnly(true);
   text_->setUndoRedoEnabled(false);

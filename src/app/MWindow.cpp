@@ -45,12 +45,12 @@ MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
     : app_(app), connection_(std::move(connection)), link_(std::make_shared<BrowserLink>(*this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Connected To: %1").arg(ToText(connection_.host)));
-  setMinimumSize(420, 440);
   setMaximumSize(4000, 4000);
   setGeometry(frame);
   log_ = new WindowLog(this, tr("Log Window: %1").arg(ToText(connection_.host)));
   MakeViews();
   MakeMenus();
+  SetLeastSize();
   app_.AddWindow(this);
   StartLooper();
 }

@@ -44,6 +44,7 @@ ShortCutWindow::ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shor
     : app_(app), list_(new QTreeWidget(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Shortcuts[*]"));
+  setMinimumSize(270, 200);
   MakeList(shortcuts);
   // Wide enough for the columns as they are at first.
   QRect frame(QPoint(290, 110), QPoint(800, 350));
@@ -70,9 +71,15 @@ void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   list_->setHeaderLabels(titles);
   QHeaderView* header = list_->header();
   header->setStretchLastSection(true);
-  for (int i = 0; i < titles.size(); ++i) header->resizeSection(i, kColumns[i].width);
-  connect(header, &QHeaderView::sectionResized, this, [header](int column, int, int width) {
-    if (width < kColumns[column].least) header->resizeSection(column, kColumns[column].least);
+  header->setSortIndicatorShown(true);  // takes room in a title
+  const auto least = [header](int column) {
+    return std::max(kColumns[column].least, header->sectionSizeHint(column));
+  };
+  for (int i = 0; i < titles.size(); ++i) {
+    header->resizeSection(i, std::max(kColumns[i].width, least(i)));
+  }
+  connect(header, &QHeaderView::sectionResized, this, [header, least](int column, int, int width) {
+    if (width < least(column)) header->resizeSection(column, least(column));
   });
   for (const Shortcut& shortcut : shortcuts) list_->addTopLevelItem(new ShortCutItem(shortcut));
   Select(Row(0));

@@ -62,6 +62,20 @@ void SortByName(SortRange all, const std::deque<MWListItem>& items, bool ascendi
   }
 }
 
+QString ShownSize(const MWListItem& item) {
+  return QString::fromStdString(item.SizeText())
+      .replace(QStringLiteral("<dir>"), DirListModel::tr("<dir>"))
+      .replace(QStringLiteral("<link>"), DirListModel::tr("<link>"))
+      .replace('.', DirListModel::tr(".", "the decimal point of a size"));
+}
+
+QString ShownDate(const MWListItem& item) {
+  QString text = QString::fromStdString(item.DateText());
+  const QStringList parts = text.split('/');
+  if (parts.size() != 3) return text;
+  return DirListModel::tr("%1/%2/%3", "month, day, year").arg(parts[0], parts[1], parts[2]);
+}
+
 }  // namespace
 
 const MWListItem& DirListModel::At(int row) const {
@@ -251,8 +265,8 @@ QVariant DirListModel::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleTextRole:
       switch (index.column()) {
         case kName: return ToText(item.Name());
-        case kSize: return QString::fromStdString(item.SizeText());
-        case kDate: return QString::fromStdString(item.DateText());
+        case kSize: return ShownSize(item);
+        case kDate: return ShownDate(item);
         default: return {};
       }
     case Qt::ToolTipRole:

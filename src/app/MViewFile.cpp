@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/EngineTexts.h"
 #include "app/GuiThread.h"
 #include "app/Text.h"
 #include "app/Windows.h"
@@ -109,7 +110,7 @@ void ViewerLink::Drain() {
     if (cut_) {
       note = MViewFile::tr("Only the first %1 MiB are shown.").arg(kMostBytes >> 20);
     } else if (ended_ && !more) {
-      note = ToText(note_);
+      note = Translated(ToText(note_));
     }
   }
   window_->AppendText(piece);
@@ -124,9 +125,9 @@ MViewFile::MViewFile(QWidget* browser, const QString& title, std::shared_ptr<Vie
       note_(new QLabel(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(title);
-  setMinimumSize(200, 200);
   resize(640, 480);
   text_->setObjectName("TextLog");
+  text_->setMinimumSize(200, 200);  // note and search come on top of it
   text_->setAccessibleName(tr("Text"));
   text_->setReadOnly(true);
   text_->setUndoRedoEnabled(false);

@@ -11,6 +11,7 @@
 #include "app/Alerts.h"
 #include "app/BrowserLink.h"
 #include "app/DirListView.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/MViewFile.h"
 #include "app/SmallView.h"
@@ -43,13 +44,13 @@ std::tm LocalTimeNow() {
 MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
     : app_(app), connection_(std::move(connection)), link_(std::make_shared<BrowserLink>(*this)) {
   setAttribute(Qt::WA_DeleteOnClose);
-  setWindowTitle(tr("Connected To: ") + ToText(connection_.host));
-  setMinimumSize(420, 440);
+  setWindowTitle(tr("Connected To: %1").arg(ToText(connection_.host)));
   setMaximumSize(4000, 4000);
   setGeometry(frame);
-  log_ = new WindowLog(this, tr("Log Window: ") + ToText(connection_.host));
+  log_ = new WindowLog(this, tr("Log Window: %1").arg(ToText(connection_.host)));
   MakeViews();
   MakeMenus();
+  SetLeastSize();
   app_.AddWindow(this);
   StartLooper();
 }
@@ -67,7 +68,7 @@ void MWindow::StartLooper() {
   try {
     looper_ = app_.Workers().looper(connection_, link_);
   } catch (const NLException& error) {
-    FailToStart(ToText(Reason(error)));
+    FailToStart(Translated(ToText(Reason(error))));
     return;
   }
   Message connect("CNNT"_what);
@@ -137,10 +138,12 @@ void MWindow::MessageReceived(const Message& message) {
     case "ADDI"_what: FinishedUpload(message); break;
     case "FERR"_what: FatalError(message); break;
     case "GERR"_what:
-      Warn(ToLines(message.FindString("warning").value_or("")),
-           ToText(message.FindString("title").value_or(tr("Warning").toStdString())));
+      Warn(Translated(ToLines(message.FindString("warning").value_or(""))),
+           Translated(ToText(message.FindString("title").value_or(tr("Warning").toStdString()))));
       break;
-    case "LOST"_what: OfferToConnect(ToLines(message.FindString("warning").value_or(""))); break;
+    case "LOST"_what:
+      OfferToConnect(Translated(ToLines(message.FindString("warning").value_or(""))));
+      break;
     case "TMOT"_what:
       closingForError_ = true;
       close();
@@ -152,17 +155,15 @@ void MWindow::MessageReceived(const Message& message) {
 }
 
 void MWindow::FatalError(const Message& message) {
+  const QString text = Translated(ToLines(message.FindString("error").value_or("")));
+  const QString detail = Translated(ToLines(message.FindString("detail").value_or("")));
   if (connectedOnce_) {
-    const std::string detail = message.FindString("detail").value_or("");
-    return OfferToConnect(ToLines(message.FindString("error").value_or("") + "\n" + detail));
+    return OfferToConnect(detail.isEmpty() ? text : text + '\n' + detail);
   }
   if (std::exchange(closingForError_, true)) return;
-  Alerts::Show(this,
-               {.icon = QMessageBox::Critical,
-                .title = tr("Error"),
-                .text = ToLines(message.FindString("error").value_or("")),
-                .detail = ToLines(message.FindString("detail").value_or(""))},
-               [this](int) { close(); });
+  Alerts::Show(
+      this, {.icon = QMessageBox::Critical, .title = tr("Error"), .text = text, .detail = detail},
+      [this](int) { close(); });
 }
 
 // A server that is refused much is not to fill the screen: what comes while some alerts wait for an
@@ -178,7 +179,7 @@ void MWindow::Warn(const QString& text, const QString& title) {
 }
 
 void MWindow::ShowStatus(std::string_view text) {
-  status_->setText(ToText(text));
+  status_->setText(Translated(ToText(text)));
   status_->setToolTip(Harmless(status_->text()));
   // A label's accessible name stands in for its text, so it holds the text too.
   status_->setAccessibleName(tr("Status: %1").arg(status_->text()));
@@ -219,7 +220,7 @@ void MWindow::ListingEnded(std::size_t count) {
 }
 
 void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) {
-  auto* viewer = new MViewFile(this, ToText(title), link);
+  auto* viewer = new MViewFile(this, Translated(ToText(title)), link);
   viewer->move(frameGeometry().topLeft() + QPoint(-20, 40));
   viewer->show();
 }

@@ -90,6 +90,7 @@ class MWindow : public QMainWindow {
   // MWindowLayout.cpp
   void MakeViews();
   void MakeMenus();
+  void SetLeastSize();
   QWidget* MakeStatusBox();
   QAction* AddCommand(QMenu* menu, const QString& text, const char* key, const Message& message);
   void MakeWindowsMenu();

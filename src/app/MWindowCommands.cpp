@@ -47,7 +47,7 @@ void MWindow::DeleteRequested() {
   if (count == 0) return;
   QString text;
   if (count > 1) {
-    text = tr("Delete these %1 entries from the server?").arg(count);
+    text = tr("Delete these %n entries from the server?", "", count);
     if (directories > 0) text += "\n\n" + tr("Directories go with everything in them.");
   } else if (directories > 0) {
     text = tr("Delete the directory \"%1\" and everything in it from the server?").arg(name);

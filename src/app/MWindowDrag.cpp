@@ -41,7 +41,7 @@ void MWindow::DragRows(int pressed) {
   const MWListItem& row = listing_->Rows().At(pressed);
   const auto others = static_cast<int>(request.items.size()) - 1;
   const QString name = ToText(row.Name());
-  const QString text = others == 0 ? name : tr("%1 and %2 more").arg(name).arg(others);
+  const QString text = others == 0 ? name : tr("%1 and %n more", "", others).arg(name);
   const std::string proposed = IsSafeLocalName(row.Name()) ? row.Name() : "download";
   RowDrag::Begin(RowDrag::Picture(*listing_, ListIcon(row.Icon()), text), proposed,
                  [window = QPointer(this), request = std::move(request),
@@ -109,10 +109,10 @@ void MWindow::dropEvent(QDropEvent* event) {
   }
   Upload(std::move(paths));
   if (foreign.isEmpty()) return;
-  const qsizetype unnamed = foreign.size() - kMostNamed;
+  const auto unnamed = static_cast<int>(foreign.size() - kMostNamed);
   QString text = tr("These are no files of this machine and are left out:") + "\n\n" +
                  foreign.mid(0, kMostNamed).join('\n');
-  if (unnamed > 0) text += '\n' + tr("and %1 more").arg(unnamed);
+  if (unnamed > 0) text += '\n' + tr("and %n more", "", unnamed);
   Warn(text);
 }
 

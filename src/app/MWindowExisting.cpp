@@ -48,11 +48,11 @@ void MWindow::AskAndHandOver(DownloadRequest request, std::int64_t localSize) {
   question.title = tr("Alert!");
   const bool whole = localSize == request.size;
   if (whole) {
-    question.text = tr("You have already downloaded the file ") + name + ".\n\n" +
+    question.text = tr("You have already downloaded the file %1.").arg(name) + "\n\n" +
                     tr("Would you like to download the file again?");
     question.buttons = {tr("&Download"), tr("Cancel")};
   } else {
-    question.text = tr("Part of the file ") + name + tr(" already exists.\n\n") +
+    question.text = tr("Part of the file %1 already exists.").arg(name) + "\n\n" +
                     tr("Would you like to overwrite or reget the file?");
     question.buttons = {tr("&Reget"), tr("&Overwrite"), tr("Cancel")};
   }
@@ -72,7 +72,7 @@ void MWindow::DownloadSeveral(DownloadRequest request) {
     return there.has_value() && !S_ISDIR(there->st_mode);
   };
   std::vector<fileStruct> fresh = request.items;
-  const std::size_t existing = std::erase_if(fresh, exists);
+  const auto existing = static_cast<int>(std::erase_if(fresh, exists));
   if (existing == 0) return HandOver(std::move(request));
   constexpr int kSkip = 1;
   constexpr int kCancel = 2;
@@ -80,7 +80,7 @@ void MWindow::DownloadSeveral(DownloadRequest request) {
       this,
       {.title = tr("Alert!"),
        .text = existing == 1 ? tr("1 of these files exists already. Overwrite it?")
-                             : tr("%1 of these files exist already. Overwrite them?").arg(existing),
+                             : tr("%n of these files exist already. Overwrite them?", "", existing),
        .buttons = {tr("&Overwrite"), existing == 1 ? tr("&Skip it") : tr("&Skip them"),
                    tr("Cancel")},
        .preset = kSkip},

@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "app/BrowserLink.h"
 #include "app/DirListView.h"
@@ -121,6 +122,17 @@ QWidget* MWindow::MakeStatusBox() {
   auto* layout = new QVBoxLayout(box);
   layout->addWidget(status_);
   return box;
+}
+
+// The height is the layout's, for a transfer that is shown may need more than this.
+void MWindow::SetLeastSize() {
+  auto* layout = static_cast<QGridLayout*>(centralWidget()->layout());
+  const auto height = [layout](int column) {
+    return layout->itemAtPosition(1, column)->minimumSize().height();
+  };
+  const int others = layout->minimumSize().height() - std::max(height(0), height(1));
+  setMinimumWidth(420);
+  layout->setRowMinimumHeight(1, 440 - menuBar()->sizeHint().height() - others);
 }
 
 QAction* MWindow::AddCommand(QMenu* menu, const QString& text, const char* key,

@@ -84,7 +84,7 @@ void Notifier::Ended(const TransferItem& item) {
 void Notifier::Show() {
   const int all = finished_ + failed_;
   if (all == 1) return ways_.show(summary_, body_);
-  ways_.show(tr("%1 transfers ended").arg(all),
+  ways_.show(tr("%n transfers ended", "", all),
              failed_ == 0 ? tr("All of them finished.")
                           : tr("%1 finished, %2 failed.").arg(finished_).arg(failed_));
 }

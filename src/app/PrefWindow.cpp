@@ -15,6 +15,7 @@
 
 #include "app/Alerts.h"
 #include "app/Autostart.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/Text.h"
 #include "app/Windows.h"
@@ -28,8 +29,11 @@ struct BufferSize {
   std::int32_t bytes;
 };
 
-constexpr std::array kBufferSizes{BufferSize{"   8 KB", 8192}, BufferSize{" 32 KB", 32768},
-                                  BufferSize{" 64 KB", 65536}, BufferSize{"128 KB", 131072}};
+constexpr std::array kBufferSizes{
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", "   8 KB"), 8192},
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", " 32 KB"), 32768},
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", " 64 KB"), 65536},
+    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", "128 KB"), 131072}};
 
 /// The settings in force, but what is stored of the one that waits for the next start.
 SettingsValues Current() {
@@ -263,7 +267,8 @@ void PrefWindow::Save() {
     close();
     return;
   }
-  Alerts::Show(this, {.title = tr("Warning!"), .text = problem, .detail = ToText(failure)});
+  Alerts::Show(this,
+               {.title = tr("Warning!"), .text = problem, .detail = Translated(ToText(failure))});
 }
 
 }  // namespace corvane

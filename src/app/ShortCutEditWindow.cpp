@@ -8,6 +8,7 @@
 
 #include "app/Alerts.h"
 #include "app/ConnectionForm.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/ShortCutWindow.h"
 #include "app/StartWin.h"
@@ -121,7 +122,7 @@ void ShortCutEditWindow::Store(const Shortcut& entered) {
 void ShortCutEditWindow::Add(const Shortcut& entered) {
   const ShortcutStore::Added added = ShortcutStore::Add(entered);
   if (!added.failure.empty()) {
-    return Warn(tr("The shortcut could not be saved."), ToText(added.failure));
+    return Warn(tr("The shortcut could not be saved."), Translated(ToText(added.failure)));
   }
   if (added.within) {
     app_.ConnectionWindow().MessageReceived(Message("REDO"_what));

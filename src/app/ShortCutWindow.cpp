@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "app/Alerts.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/ShortCutItem.h"
 #include "app/StartWin.h"
@@ -31,10 +32,11 @@ struct Column {
   int least;
 };
 
-constexpr Column kColumns[] = {{QT_TRANSLATE_NOOP("ShortCutWindow", "Label"), 140, 50},
-                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Host"), 150, 100},
-                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Path"), 160, 80},
-                               {QT_TRANSLATE_NOOP("ShortCutWindow", "Connection Type"), 100, 70}};
+constexpr Column kColumns[] = {
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Label"), 140, 50},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Host"), 150, 100},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Path"), 160, 80},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 100, 70}};
 
 }  // namespace
 
@@ -42,6 +44,7 @@ ShortCutWindow::ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shor
     : app_(app), list_(new QTreeWidget(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Shortcuts[*]"));
+  setMinimumSize(270, 200);
   MakeList(shortcuts);
   // Wide enough for the columns as they are at first.
   QRect frame(QPoint(290, 110), QPoint(800, 350));
@@ -68,9 +71,15 @@ void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   list_->setHeaderLabels(titles);
   QHeaderView* header = list_->header();
   header->setStretchLastSection(true);
-  for (int i = 0; i < titles.size(); ++i) header->resizeSection(i, kColumns[i].width);
-  connect(header, &QHeaderView::sectionResized, this, [header](int column, int, int width) {
-    if (width < kColumns[column].least) header->resizeSection(column, kColumns[column].least);
+  header->setSortIndicatorShown(true);  // takes room in a title
+  const auto least = [header](int column) {
+    return std::max(kColumns[column].least, header->sectionSizeHint(column));
+  };
+  for (int i = 0; i < titles.size(); ++i) {
+    header->resizeSection(i, std::max(kColumns[i].width, least(i)));
+  }
+  connect(header, &QHeaderView::sectionResized, this, [header, least](int column, int, int width) {
+    if (width < least(column)) header->resizeSection(column, least(column));
   });
   for (const Shortcut& shortcut : shortcuts) list_->addTopLevelItem(new ShortCutItem(shortcut));
   Select(Row(0));
@@ -206,7 +215,7 @@ bool ShortCutWindow::Save() {
   if (!failure.empty()) {
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("The shortcuts could not be saved."),
-                        .detail = ToText(failure)});
+                        .detail = Translated(ToText(failure))});
     return false;
   }
   SetChanged(false);

@@ -75,7 +75,7 @@ void ShortcutField::ShowMarked() {
                             : fontMetrics().elidedText(marked->text(), Qt::ElideMiddle, room,
                                                        Qt::TextShowMnemonic));
   // Whatever the button shows, its key is the same.
-  setShortcut(QKeySequence("Alt+S"));
+  setShortcut(QKeySequence::mnemonic(tr("&Shortcuts")));
 }
 
 void ShortcutField::resizeEvent(QResizeEvent* event) {

@@ -33,7 +33,7 @@ SmallView::SmallView(QWidget* parent) : QLabel(parent) {
 
 void SmallView::SetText(int count) {
   count_ = count;
-  SetText(count == 1 ? tr("%1 Item").arg(count) : tr("%1 Items").arg(count));
+  SetText(count == 1 ? tr("1 Item") : tr("%n Items", "", count));
 }
 
 void SmallView::SetText(const QString& text) {

@@ -10,6 +10,7 @@
 #include "app/About.h"
 #include "app/Alerts.h"
 #include "app/DownLoadWin.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/Icons.h"
 #include "app/MWindow.h"
@@ -116,7 +117,7 @@ void TambleApp::ShowShortcuts() {
     if (!list.failure.empty()) {
       return Alerts::Show(start_.get(), {.title = tr("Warning!"),
                                          .text = tr("The shortcuts could not be read."),
-                                         .detail = ToText(list.failure)});
+                                         .detail = Translated(ToText(list.failure))});
     }
     shortcuts_ = new ShortCutWindow(*this, list.shortcuts);
   }
@@ -132,7 +133,7 @@ void TambleApp::ShowPreferences() {
   Alerts::Show(preferences_,
                {.title = tr("Warning!"),
                 .text = tr("Your preferences could not be read. What you see are the defaults."),
-                .detail = ToText(unread_)});
+                .detail = Translated(ToText(unread_))});
 }
 
 void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,
@@ -162,7 +163,7 @@ void TambleApp::QuitRequested() {
   Alerts::Show(start_.get(),
                {.title = tr("Alert!"),
                 .text = running == 1 ? tr("Quit and stop 1 transfer?")
-                                     : tr("Quit and stop %1 transfers?").arg(running),
+                                     : tr("Quit and stop %n transfers?", "", running),
                 .buttons = {tr("&Quit"), tr("&Keep running")},
                 .preset = 1},
                [this](int button) {

@@ -2,6 +2,8 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QStyleOptionFocusRect>
+#include <QWidget>
 #include <algorithm>
 
 #include "app/Icons.h"
@@ -24,6 +26,14 @@ void DrawBackground(QPainter& painter, const QStyleOptionViewItem& option) {
   }
   painter.setPen(option.palette.color(QPalette::Mid));
   painter.drawLine(frame.left(), frame.bottom(), frame.right(), frame.bottom());
+}
+
+void DrawFocus(QPainter& painter, const QStyleOptionViewItem& option) {
+  if (!option.state.testFlag(QStyle::State_HasFocus) || option.widget == nullptr) return;
+  QStyleOptionFocusRect focus;
+  focus.QStyleOption::operator=(option);
+  focus.state |= QStyle::State_KeyboardFocusChange | QStyle::State_Item;
+  option.widget->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, option.widget);
 }
 
 /// Draws left and right text on one line; the right one and the left one's tail are whole, the rest
@@ -84,6 +94,7 @@ void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
   texts.setBottom(bar.top() - 2);
   if (region_.intersects(texts)) PaintTexts(*painter, option, texts, item);
   MyStatusBar::Draw(*painter, option.palette, bar, item);
+  DrawFocus(*painter, option);
   painter->restore();
 }
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "app/EngineTexts.h"
 #include "app/MWindow.h"
 #include "app/Text.h"
 #include "app/TransferRequest.h"
@@ -18,7 +19,7 @@ constexpr qsizetype kNoteLength = 200;
 
 /// One note as one short line.
 QString NoteLine(const std::string& note) {
-  const QString line = ToLines(note).replace('\n', ' ');
+  const QString line = Translated(ToLines(note)).replace('\n', ' ');
   return line.size() <= kNoteLength ? line : line.first(kNoteLength) + QChar(0x2026);
 }
 
@@ -96,7 +97,7 @@ void TransferItem::MessageReceived(const Message& message) {
 }
 
 QString TransferItem::ServerLine() const {
-  return tr("Server: ") + ToText(connection_.host);
+  return tr("Server: %1").arg(ToText(connection_.host));
 }
 
 QString TransferItem::TargetTitle() const {
@@ -118,16 +119,17 @@ QString TransferItem::FileName() const {
 }
 
 QString TransferItem::Label() const {
-  if (Running() && !report_.label.empty()) return ToText(report_.label);
-  if (!report_.file.empty()) return tr("File: ") + FileName();
+  if (Running() && !report_.label.empty()) return Translated(ToText(report_.label));
+  if (!report_.file.empty()) return tr("File: %1").arg(FileName());
   return {};
 }
 
 QString TransferItem::CountText() const {
   QStringList counts;
   const std::int64_t files = link_->Progress().files;
-  if (files > 0) counts.append(tr("%1 done").arg(files));
-  if (Finished() && HasNotes()) counts.append(tr("%1 left out").arg(notes_.size()));
+  if (files > 0) counts.append(tr("%n done", "", static_cast<int>(files)));
+  if (Finished() && HasNotes())
+    counts.append(tr("%n left out", "", static_cast<int>(notes_.size())));
   return counts.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(counts.join(", "));
 }
 
@@ -139,7 +141,7 @@ QString TransferItem::RateText() const {
 }
 
 QString TransferItem::TotalText() const {
-  if (!report_.trailing.empty()) return ToText(report_.trailing);
+  if (!report_.trailing.empty()) return Translated(ToText(report_.trailing));
   const TransferProgress& progress = link_->Progress();
   const std::int64_t there = progress.start + progress.done;
   if (progress.total <= 0) return there > 0 ? QString::number(there) : QString();
@@ -148,7 +150,7 @@ QString TransferItem::TotalText() const {
 
 QString TransferItem::FailureText() const {
   if (!Failed()) return {};
-  if (!report_.reason.empty()) return ToLines(report_.reason);
+  if (!report_.reason.empty()) return Translated(ToLines(report_.reason));
   return *report_.end == TransferEnd::Cancelled ? tr("Cancelled.") : tr("The transfer failed.");
 }
 
@@ -164,7 +166,8 @@ QString TransferItem::Details() const {
   QStringList lines{Failed() ? FailureText() : TargetTitle() + TargetPath()};
   const std::size_t shown = std::min(notes_.size(), kNotesShown);
   for (std::size_t note = 0; note < shown; ++note) lines.append(NoteLine(notes_[note]));
-  if (notes_.size() > shown) lines.append(tr("and %1 more").arg(notes_.size() - shown));
+  if (notes_.size() > shown)
+    lines.append(tr("and %n more", "", static_cast<int>(notes_.size() - shown)));
   return lines.join('\n');
 }
 

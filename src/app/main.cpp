@@ -14,6 +14,7 @@
 #include "app/RequestServer.h"
 #include "app/RunningProgram.h"
 #include "app/TambleApp.h"
+#include "app/Translations.h"
 #include "app/TrayProgram.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
@@ -33,24 +34,24 @@ bool HasOptions(const std::vector<std::string>& arguments) {
 
 // The exit status, where this start ends here: its arguments are wrong, or another program runs.
 std::optional<int> EndedAtStart(corvane::RunningProgram& running,
+                                const corvane::Translations& texts,
                                 const std::vector<std::string>& arguments) {
   using corvane::RunningProgram;
   const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
   if (line.usage) return Usage();
   if (line.deskbar) return {};
-  QString problem;
+  const char* problem = nullptr;
   switch (running.Begin(arguments)) {
     case RunningProgram::Start::First: return {};
     case RunningProgram::Start::HandedOver: return 0;
     case RunningProgram::Start::Refused:
-      problem =
-          QCoreApplication::translate("Start", "Corvane runs already and refuses this address.");
+      problem = QT_TRANSLATE_NOOP("Start", "Corvane runs already and refuses this address.");
       break;
     case RunningProgram::Start::NoAnswer:
-      problem = QCoreApplication::translate("Start", "Corvane runs already but does not answer.");
+      problem = QT_TRANSLATE_NOOP("Start", "Corvane runs already but does not answer.");
       break;
   }
-  std::fprintf(stderr, "%s\n", qPrintable(problem));
+  std::fprintf(stderr, "%s\n", qPrintable(texts.Text("Start", problem)));
   return 1;
 }
 
@@ -58,10 +59,11 @@ std::optional<int> EndedAtStart(corvane::RunningProgram& running,
 
 int main(int argc, char** argv) {
   corvane::RunningProgram running;
+  corvane::Translations translations;
   const std::vector<std::string> given(argv + 1, argv + argc);
   const bool plain = !HasOptions(given);
   if (plain) {
-    if (const auto status = EndedAtStart(running, given)) return *status;
+    if (const auto status = EndedAtStart(running, translations, given)) return *status;
   }
   corvane::NLDebug::switchOnFromEnvironment();
   QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
@@ -72,9 +74,10 @@ int main(int argc, char** argv) {
     QApplication qt(argc, argv);
     QApplication::setApplicationName("Corvane");
     QApplication::setDesktopFileName("corvane");
+    translations.Install();
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (!plain) {
-      if (const auto status = EndedAtStart(running, arguments)) return *status;
+      if (const auto status = EndedAtStart(running, translations, arguments)) return *status;
     }
     const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
     if (line.deskbar) {

@@ -1,0 +1,246 @@
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QHeaderView>
+#include <QMenuBar>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTabBar>
+#include <QTabWidget>
+#include <algorithm>
+
+#include "AppFixture.h"
+#include "app/EngineTexts.h"
+#include "app/MViewFile.h"
+#include "app/Translations.h"
+#include "util/Shortcut.h"
+
+namespace corvane {
+namespace {
+
+/// Opens every window there is and looks at each control in it. What the windows are about is
+/// called by numbers, so that texts with letters are the program's.
+class WindowWalk : public AppFixture {
+ public:
+  /// Every text that was met, in an order that does not depend on the language.
+  QStringList Run() {
+    OpenAll();
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([](QWidget* each) { return !each->isVisible(); });
+    std::ranges::sort(windows, {}, [](QWidget* each) { return Name(*each); });
+    EXPECT_EQ(windows.size(), 11);
+    for (QWidget* window : windows) WalkPages(*window);
+    Alerts::AnswerWith({});
+    window_->MessageReceived(Message("DELE"_what));
+    WalkPages(*window_->findChild<QMessageBox*>());
+    return texts_;
+  }
+
+ private:
+  void TestBody() override {}
+
+  void OpenAll() {
+    List({File("1", kDirectorySize), File("2", kLinkSize), File("3", 1536)});
+    View().SelectRow(4);
+    link_->SetStatus("Connected.");
+    for (const std::uint32_t what : {"SHLG"_what, "MKDR"_what, "RNFW"_what}) {
+      window_->MessageReceived(Message(what));
+    }
+    const auto text = std::make_shared<ViewerLink>();
+    window_->OpenViewer(text, "Listing of: /1");
+    text->End("The file is not complete: The server does not answer");
+    window_->findChild<MViewFile*>()->findChild<QLineEdit*>("Find")->parentWidget()->show();
+    app_->ShowShortcuts();
+    app_->ShowEditor({}, *window_);
+    app_->ShowPreferences();
+    app_->AboutRequested();
+    for (const std::optional end :
+         {std::optional(TransferEnd::Failed), {TransferEnd::Finished}, {}}) {
+      DownloadRequest request;
+      request.items = {File("3", 1000)};
+      app_->Transfers().AddDownload(std::move(request));
+      transfers_.back()->row->NoteEntry("Left out: 4 (a special file)");
+      if (end.has_value()) transfers_.back()->row->SetEndState(*end, "No data connection: 5");
+    }
+    window_->findChild<QCheckBox*>("SameCon")->setChecked(true);
+    Command(Qt::Key_D);
+    here_.back()->row->SetEndState(TransferEnd::Failed, "Cancelled.");
+    const auto& running = app_->Transfers();
+    EXPECT_TRUE(Wait([&] { return running.RunningCount() == 1 && View().IsEnabled(); }));
+  }
+
+  static std::string Name(const QObject& of) {
+    return of.metaObject()->className() + (" " + of.objectName()).toStdString();
+  }
+
+  static QWidgetList Seen(const QWidget& window) {
+    QWidgetList seen = window.findChildren<QWidget*>();
+    seen.removeIf([&](QWidget* each) { return !each->isVisible() || each->window() != &window; });
+    return seen;
+  }
+
+  static bool TakesInput(const QWidget& one) {
+    const bool list = one.inherits("QAbstractItemView") && !one.inherits("QHeaderView");
+    return list || one.inherits("QAbstractButton") || one.inherits("QLineEdit") ||
+           one.inherits("QComboBox") || one.inherits("QPlainTextEdit") || one.inherits("QTabBar");
+  }
+
+  void WalkPages(QWidget& window) {
+    auto* tabs = window.findChild<QTabWidget*>();
+    for (int page = 0; page < (tabs != nullptr ? tabs->count() : 1); ++page) {
+      if (tabs != nullptr) tabs->setCurrentIndex(page);
+      SCOPED_TRACE(Name(window) + " " + std::to_string(page));
+      QStringList keys;
+      Note(window.windowTitle());
+      for (QWidget* each : Seen(window)) {
+        SCOPED_TRACE(Name(*each));
+        if (TakesInput(*each)) CheckAccess(*each);
+        NoteTexts(*each, keys);
+      }
+      CheckKeys(keys);
+      CheckTabs(window);
+      CheckSizes(window);
+      window.resize(1, 1);  // the least that it takes
+      QTest::qWait(1);
+      CheckSizes(window);
+    }
+  }
+
+  /// What may be cut says so by its policy.
+  static void CheckSizes(const QWidget& window) {
+    for (const QWidget* each : Seen(window)) {
+      if (each->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored) continue;
+      SCOPED_TRACE(Name(*each));
+      QSize least = each->minimumSizeHint();
+      if (const auto* header = qobject_cast<const QHeaderView*>(each)) {
+        least = {};
+        for (int i = 0; i < header->count(); ++i) {
+          EXPECT_LE(header->sectionSizeHint(i), header->sectionSize(i)) << i;
+        }
+      } else if (const auto* bar = qobject_cast<const QMenuBar*>(each)) {
+        least.setWidth(bar->actionGeometry(bar->actions().last()).right());
+      } else if (const auto* tabs = qobject_cast<const QTabBar*>(each)) {
+        least.setWidth(tabs->tabRect(tabs->count() - 1).right());
+      }
+      EXPECT_LE(least.width(), each->width());
+      EXPECT_LE(std::max(least.height(), each->heightForWidth(each->width())), each->height());
+      const QRect room = each->parentWidget()->rect();
+      EXPECT_TRUE(each->parent()->inherits("QAbstractScrollArea") ||
+                  room.contains(each->geometry()));
+    }
+  }
+
+  static void CheckAccess(QWidget& one) {
+    QAccessibleInterface* known = QAccessible::queryAccessibleInterface(&one);
+    EXPECT_FALSE(known->text(QAccessible::Name).isEmpty() && !one.inherits("QTabBar"));
+    EXPECT_EQ(known->state().disabled, !one.isEnabled());
+    EXPECT_EQ(known->state().checked, one.property("checked").toBool());
+  }
+
+  void NoteTexts(QWidget& one, QStringList& keys) {
+    const auto* label = qobject_cast<QLabel*>(&one);
+    const bool entered = one.inherits("QLineEdit");
+    for (const char* each : {"text", "title", "toolTip", "placeholderText", "accessibleName"}) {
+      const QString text = entered && *each == 't' ? "" : one.property(each).toString();
+      Note(text);
+      if (label == nullptr || label->buddy() != nullptr)
+        keys << QKeySequence::mnemonic(text).toString();
+    }
+    if (const auto* tabs = qobject_cast<QTabBar*>(&one)) {
+      for (int i = 0; i < tabs->count(); ++i) keys << Note(tabs->tabText(i));
+    } else if (const auto* bar = qobject_cast<QMenuBar*>(&one)) {
+      keys << NoteMenu(bar);
+      for (const QAction* menu : bar->actions()) CheckKeys(NoteMenu(menu->menu()));
+    } else if (const auto* view = qobject_cast<QAbstractItemView*>(&one)) {
+      for (int i = 0; i < 4 * view->model()->rowCount(); ++i) {
+        const QModelIndex cell = view->model()->index(i / 4, i % 4);
+        Note(view->model()->headerData(i % 4, Qt::Horizontal).toString());
+        for (const int role : {0, 3, 11}) Note(cell.data(role).toString());
+      }
+      if (auto* list = qobject_cast<DirListView*>(&one)) NoteMenu(list->SetupPopUpMenu());
+      if (auto* list = qobject_cast<TransferListView*>(&one)) NoteMenu(list->SetupPopUpMenu());
+    }
+  }
+
+  QStringList NoteMenu(const QWidget* menu) {
+    QStringList keys;
+    for (const QAction* item : menu->actions()) keys << Note(item->text().section('\t', 0, 0));
+    return keys;
+  }
+
+  /// Answers the key that the text marks.
+  QString Note(QString text) {
+    static const QRegularExpression markup("<p[^>]*>|</p>");
+    texts_ << text.remove(markup);
+    return QKeySequence::mnemonic(text).toString();
+  }
+
+  static void CheckKeys(QStringList keys) {
+    keys.removeAll(QString());
+    EXPECT_EQ(keys.removeDuplicates(), 0) << keys.join(' ').toStdString();
+  }
+
+  /// Tab goes to everything that takes input, and what has the focus looks different.
+  static void CheckTabs(QWidget& window) {
+    window.activateWindow();
+    EXPECT_TRUE(Wait([&] { return QGuiApplication::focusWindow() == window.windowHandle(); }));
+    const auto look = [&window](QWidget* one) {
+      return window.grab(QRect(one->mapTo(&window, QPoint()), one->size())).toImage();
+    };
+    QSet<QWidget*> reached;
+    for (QWidget* now = window.focusWidget(); now != nullptr && !reached.contains(now);) {
+      reached.insert(now);
+      const QImage with = look(now);
+      QTest::keyClick(now, Qt::Key_Tab);
+      QWidget* next = window.focusWidget();
+      const bool framed = now->property("default").toBool();  // with and without the focus
+      EXPECT_TRUE(next == now || framed || !TakesInput(*now) || look(now) != with)
+          << Name(*now) << " shows no focus";
+      now = next;
+    }
+    for (QWidget* each : Seen(window)) {
+      EXPECT_TRUE(!TakesInput(*each) || !each->isEnabled() || reached.contains(each))
+          << "Tab does not reach " << Name(*each);
+    }
+  }
+
+  QStringList texts_;
+};
+
+TEST(EveryWindow, IsWholeAndInReachInBothLanguages) {
+  const QRegularExpression alike(
+      "^([^a-z]*|Corvane|&?Host:?|Po&?rt:?|&?Name:?|Pro&xy|Status|Text|Be "
+      "Inc\\.|ftp\\..*|/pub/.*)$");
+  QApplication::setCursorFlashTime(0);
+  const QStringList english = WindowWalk().Run();
+  Translations translations({"de-AT", "fr"});
+  translations.Install();
+  const QPalette light = QApplication::palette();
+  QApplication::setPalette(QPalette(Qt::black));
+  const QStringList german = WindowWalk().Run();
+  QApplication::setPalette(light);
+  ASSERT_EQ(english.size(), german.size());
+  for (qsizetype i = 0; i < english.size(); ++i) {
+    const std::string text = english[i].toStdString();
+    EXPECT_TRUE(english[i] != german[i] || alike.match(english[i]).hasMatch()) << text;
+  }
+  const std::pair<const char*, const char*> said[] = {
+      {"2 of 3 entries failed; stopped at a: b: Could not open %1: c: Out of memory.",
+       "2 von 3 Einträgen fehlgeschlagen; angehalten bei a: b: %1 ließ sich nicht öffnen: c: Der "
+       "Speicher reicht nicht."},
+      {"The listing could not be read.\n\nx: 550 No.\ny: The name leads elsewhere.\nand 3 more",
+       "Die Auflistung konnte nicht gelesen werden.\n\nx: 550 No.\ny: Der Name führt "
+       "woandershin.\nund 3 weitere"},
+      {"550 Connected", "550 Connected"}};
+  for (const auto& [text, wanted] : said) EXPECT_EQ(Translated(text).toStdString(), wanted);
+}
+
+TEST(Language, IsTheFirstThatThereIs) {
+  const std::pair<QStringList, const char*> cases[] = {
+      {{"en-US", "de"}, "&Cancel"}, {{"C"}, "&Cancel"}, {{"fr-FR", "de"}, "&Abbrechen"}};
+  for (const auto& [languages, cancel] : cases) {
+    EXPECT_EQ(Translations(languages).Text("QObject", "&Cancel"), cancel);
+  }
+}
+
+}  // namespace
+}  // namespace corvane

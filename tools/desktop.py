@@ -76,18 +76,19 @@ class Server:
         return not left
 
 
-def private_environment(folder):
+def private_environment(folder, home=None):
     """A home of its own, so that nothing of the user's is read or written."""
+    home = home or folder / "home"
     environment = {name: value for name, value in os.environ.items()
                    if name not in ("WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "QT_QPA_PLATFORM")}
-    places = {"HOME": "home", "XDG_CONFIG_HOME": "home/config", "XDG_DATA_HOME": "home/data",
-              "XDG_CACHE_HOME": "home/cache", "XDG_RUNTIME_DIR": "run"}
+    places = {"HOME": home, "XDG_CONFIG_HOME": home / "config", "XDG_DATA_HOME": home / "data",
+              "XDG_CACHE_HOME": home / "cache", "XDG_RUNTIME_DIR": folder / "run"}
     for name, place in places.items():
-        (folder / place).mkdir(mode=0o700, parents=True, exist_ok=True)
-        environment[name] = str(folder / place)
-    downloads = folder / "home" / "Downloads"
+        place.mkdir(mode=0o700, parents=True, exist_ok=True)
+        environment[name] = str(place)
+    downloads = home / "Downloads"
     downloads.mkdir()
-    (folder / "home/config/user-dirs.dirs").write_text(f'XDG_DOWNLOAD_DIR="{downloads}"\n')
+    (home / "config/user-dirs.dirs").write_text(f'XDG_DOWNLOAD_DIR="{downloads}"\n')
     environment.update(LC_ALL="C.UTF-8", QT_QPA_PLATFORM="xcb",
                        DBUS_SESSION_BUS_ADDRESS=f"unix:path={folder}/none")
     return environment, downloads
@@ -131,7 +132,8 @@ class Screen:
         """Types into a window as a hand would: the letters, then the keys."""
         self.run("xdotool", "windowactivate", "--sync", window)
         self.run("xdotool", "type", "--delay", 40, text)
-        self.run("xdotool", "key", "--delay", 40, *keys)
+        if keys:
+            self.run("xdotool", "key", "--delay", 40, *keys)
 
     def picture(self, path):
         """Saves the screen once it has come to rest."""

@@ -18,8 +18,8 @@ QString Entry() {
   return Folder() + "/corvane-tray.desktop";
 }
 
-/// A path as the first word of an entry's "Exec" (freedesktop.org, desktop entries, the Exec key): quoted,
-/// and what the quotes and the file's own escapes would take is escaped for both.
+/// A path as the first word of an entry's "Exec" (freedesktop.org, desktop entries, the Exec key):
+/// quoted, and what the quotes and the file's own escapes would take is escaped for both.
 QByteArray ExecWord(const QByteArray& path) {
   QByteArray word = "\"";
   for (const char byte : path) {

@@ -34,6 +34,17 @@ void MWindow::DownloadOne(DownloadRequest request, const std::string& localName)
     HandOver(std::move(request));
   } else if (S_ISREG(there->st_mode)) {
     AskAndHandOver(std::move(request), there->st_size);
+  } else if (S_ISDIR(there->st_mode) && request.items.front().type == kDirectory) {
+    Alerts::Show(this,
+                 {.title = tr("Alert!"),
+                  .text = tr("The folder \"%1\" exists already.\n\nFiles in it that have the same "
+                             "names as those on the server are replaced.")
+                              .arg(ToText(localName)),
+                  .buttons = {tr("&Download"), tr("Cancel")},
+                  .preset = 1},
+                 [this, request](int button) mutable {
+                   if (button == 0) HandOver(std::move(request));
+                 });
   } else {
     const QString kind = S_ISDIR(there->st_mode)   ? tr("a folder")
                          : S_ISLNK(there->st_mode) ? tr("a link")

@@ -98,12 +98,12 @@ TEST_F(Browser, AFinishedUploadIsRenewedOrAddedInNameOrder) {
 }
 
 TEST_F(Browser, AsksBeforeAnExistingFileIsTouched) {
-  // The local size (-1: no file), the button pressed, and whether the transfer overwrites what is
-  // there; nothing where none starts.
+  // The local size (-1: no file, -2: folders here and there), the button pressed, and whether the
+  // transfer overwrites what is there; nothing where none starts.
   const std::tuple<const char*, qsizetype, int, std::optional<bool>> cases[] = {
       {"new", -1, 0, true},     {"same", 10, 0, true},    {"samecancel", 10, 1, {}},
       {"reget", 4, 0, false},   {"longer", 40, 0, false}, {"overwrite", 4, 1, true},
-      {"partcancel", 4, 2, {}},
+      {"partcancel", 4, 2, {}}, {"filled", -2, 0, true},  {"left", -2, 1, {}},
   };
   for (const auto& [name, localSize, button, overwrite] : cases) {
     transfers_.clear();
@@ -111,10 +111,11 @@ TEST_F(Browser, AsksBeforeAnExistingFileIsTouched) {
     button_ = button;
     QFile local(folder_.filePath(name));
     ASSERT_TRUE(localSize < 0 || (local.open(QFile::WriteOnly) && local.resize(localSize)));
-    List({File("other"), File(name, 10)});
+    ASSERT_TRUE(localSize != -2 || QDir(folder_.path()).mkdir(name));
+    List({File("other"), File(name, localSize == -2 ? kDirectorySize : 10)});
     window_->MessageReceived(With("DWLD"_what, "FileName", name));
     QApplication::processEvents();
-    EXPECT_EQ(alerts_.size(), localSize < 0 ? 0U : 1U) << name;
+    EXPECT_EQ(alerts_.size(), localSize == -1 ? 0U : 1U) << name;
     ASSERT_EQ(transfers_.size(), overwrite.has_value() ? 1U : 0U) << name;
     if (!overwrite.has_value()) continue;
     EXPECT_EQ(transfers_[0]->description.overwrite, *overwrite) << name;

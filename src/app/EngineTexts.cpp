@@ -37,6 +37,7 @@ constexpr const char* kTexts[] = {
     QT_TRANSLATE_NOOP("Engine", "Error"),
     QT_TRANSLATE_NOOP("Engine", "Listing of: %1"),
     // Login and connection
+    QT_TRANSLATE_NOOP("Engine", "Active connection failed."),
     QT_TRANSLATE_NOOP("Engine", "A line of the server's reply is too long"),
     QT_TRANSLATE_NOOP("Engine", "Connection aborted"),
     QT_TRANSLATE_NOOP("Engine", "Connection to:  %1 FAILED!"),

@@ -240,7 +240,7 @@ class MFtp {
   std::int32_t TryLogin();
   bool Resolve();
   std::int32_t Identify();
-  std::int32_t RefusedLogin(std::string_view text, bool tellOwner);
+  std::int32_t RefusedLogin(const std::string& text, const std::string& words, bool tellOwner);
   std::int32_t FailConnection();
   void PostError(std::string_view text, std::string_view detail = {});
   std::optional<std::string> AskPath();

@@ -83,7 +83,8 @@ bool MFtp::ReadListing(Listing& listing) {
   if (state == DataState::Refused) return false;
   if (state == DataState::Failed) {
     FinishData();
-    Warn("Passive connection failed.\n", "Error");
+    const std::string mode = passive_ ? "Passive" : "Active";
+    Warn(mode + " connection failed.\n\n" + failure_ + "\n", "Error");
     return true;
   }
   bool clean = false;

@@ -89,35 +89,38 @@ std::int32_t MFtp::Identify() {
                         : userCommand_;
   code = SendCommand(user);
   if (code == 530) {
-    RefusedLogin("Login to: " + host_ + " failed.\n\nUsername is invalid", false);
-    PostError("Login to: " + host_ + " failed.\n\nUsername is invalid");
+    const std::string text = "Login to: " + host_ + " failed.\n\nUsername is invalid";
+    RefusedLogin(text, lastReplyText_, false);
+    PostError(text, lastReplyText_);
     return 0;
   }
   if (code == 0 || code >= 400)
-    return RefusedLogin("Login to: " + host_ + " failed.\n\n" + lastReplyText_, true);
+    return RefusedLogin("Login to: " + host_ + " failed.\n\n" + lastReplyText_, {}, true);
 
   if (!UpdateStatus("Sending Password.")) return 0;
   code = SendPassword(passCommand_);
   if (code == 530) {
     const std::string text = "Login to: " + host_ + " failed.\nInvalid Username or Password.";
-    RefusedLogin(text, false);
-    if (browser_) PostError(text);
+    RefusedLogin(text, lastReplyText_, false);
+    if (browser_) PostError(text, lastReplyText_);
     return 0;
   }
-  if (code == 550) return RefusedLogin("Login to: " + host_ + " as anonymous failed.", true);
+  if (code == 550)
+    return RefusedLogin("Login to: " + host_ + " as anonymous failed.", lastReplyText_, true);
   if (code == 0 || code >= 400)
-    return RefusedLogin("Login to: " + host_ + " failed.\n\n" + lastReplyText_, true);
+    return RefusedLogin("Login to: " + host_ + " failed.\n\n" + lastReplyText_, {}, true);
   Owner().PlaySound(settings.loginSsnd);
   return 1;
 }
 
-// The failure sound, the text kept as the failure and, with `tellOwner`, shown.
-std::int32_t MFtp::RefusedLogin(std::string_view text, bool tellOwner) {
-  Fail(text);
+// The failure sound, the text and the server's words kept as the failure and, with `tellOwner`,
+// shown.
+std::int32_t MFtp::RefusedLogin(const std::string& text, const std::string& words, bool tellOwner) {
+  Fail(words.empty() ? text : text + "\n" + words);
   Owner().PlaySound(ProcessSettings::Get().loginFsnd);
   if (!tellOwner) return 0;
   if (browser_) {
-    PostError(text);
+    PostError(text, words);
     return 0;
   }
   UpdateStatus("Login failed.");

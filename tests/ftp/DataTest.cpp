@@ -50,7 +50,7 @@ TEST(Listing, EndsWholeOrSaysWhatIsMissing) {
       {{.completion = "451 Cut\r\n"}, "", false, "The listing is not complete: Cut\n"},
       {{.data = line, .completion = "451 Cut\r\n"}, plain, false, ""},
       {{.data = line, .dataLimit = 4, .dataEnd = DataEnd::Reset}, "", false, ""},
-      {{.reply = "150 Wait\r\n425 No\r\n"}, "", false, "Passive connection failed.\n"},
+      {{.reply = "150 Wait\r\n425 No\r\n"}, "", false, " connection failed.\n\nNo\n"},
   };
   for (const bool passive : {false, true}) {
     for (const auto& [action, text, whole, warning] : cases) {
@@ -65,7 +65,8 @@ TEST(Listing, EndsWholeOrSaysWhatIsMissing) {
       EXPECT_TRUE((!whole && text.empty()) || listing.text == text) << listing.text;
       const std::vector<std::string> warnings = s.Warnings();
       EXPECT_EQ(warnings.empty(), whole);
-      EXPECT_TRUE(warning.empty() || warnings == std::vector{warning}) << s.server.Dialogue();
+      const std::string mode = warning[0] != ' ' ? "" : passive ? "Passive" : "Active";
+      EXPECT_TRUE(warning.empty() || warnings == std::vector{mode + warning}) << warnings.front();
     }
   }
 }

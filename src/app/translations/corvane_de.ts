@@ -455,6 +455,10 @@
         <source>There is no list of shortcuts to add it to.</source>
         <translation>Es gibt keine Liste von Verknüpfungen, in die sie könnte.</translation>
     </message>
+    <message>
+        <source>Active connection failed.</source>
+        <translation>Die aktive Verbindung ist fehlgeschlagen.</translation>
+    </message>
 </context>
 <context>
     <name>QObject</name>
@@ -1032,6 +1036,14 @@
     <message>
         <source>Select</source>
         <translation>Auswählen</translation>
+    </message>
+    <message>
+        <source>The folder &quot;%1&quot; exists already.
+
+Files in it that have the same names as those on the server are replaced.</source>
+        <translation>Den Ordner „%1“ gibt es schon.
+
+Dateien darin, die so heißen wie welche auf dem Server, werden ersetzt.</translation>
     </message>
 </context>
 <context>

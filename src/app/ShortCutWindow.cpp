@@ -202,7 +202,6 @@ void ShortCutWindow::AddRow(std::string_view url) {
   auto* item = new ShortCutItem(std::move(*shortcut));
   list_->addTopLevelItem(item);
   Select(item);
-  SetChanged(true);
 }
 
 bool ShortCutWindow::Save() {

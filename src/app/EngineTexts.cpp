@@ -34,7 +34,6 @@ constexpr const char* kTexts[] = {
     QT_TRANSLATE_NOOP("Engine", "Transfer Interupted."),
     QT_TRANSLATE_NOOP("Engine", "Uploading File."),
     // Titles
-    QT_TRANSLATE_NOOP("Engine", "Error"),
     QT_TRANSLATE_NOOP("Engine", "Listing of: %1"),
     // Login and connection
     QT_TRANSLATE_NOOP("Engine", "Active connection failed."),

@@ -138,8 +138,11 @@ void MWindow::MessageReceived(const Message& message) {
     case "ADDI"_what: FinishedUpload(message); break;
     case "FERR"_what: FatalError(message); break;
     case "GERR"_what:
-      Warn(Translated(ToLines(message.FindString("warning").value_or(""))),
-           Translated(ToText(message.FindString("title").value_or(tr("Warning").toStdString()))));
+      if (const auto passive = message.FindBool("passive")) {
+        OfferOtherMode(message, *passive);
+      } else {
+        Warn(Translated(ToLines(message.FindString("warning").value_or(""))), tr("Warning"));
+      }
       break;
     case "LOST"_what:
       OfferToConnect(Translated(ToLines(message.FindString("warning").value_or(""))));

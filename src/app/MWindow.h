@@ -122,6 +122,8 @@ class MWindow : public QMainWindow {
   void RenameRequested();
   void ViewFile();
   void OfferToConnect(const QString& text);
+  /// Says why no data connection came about, and offers a new login that makes them the other way.
+  void OfferOtherMode(const Message& warning, bool passive);
   /// Warns when a transfer runs on this connection.
   [[nodiscard]] bool IsBusy();
 
@@ -162,7 +164,7 @@ class MWindow : public QMainWindow {
   std::string renaming_;    // the name in the rename window, as the server has it
   std::string renamingIn_;  // the directory of that entry
   bool connectedOnce_ = false;
-  bool offering_ = false;  // to connect again
+  bool offering_ = false;  // to connect again, in this mode or the other
 
   QLineEdit* path_ = nullptr;
   QLabel* status_ = nullptr;

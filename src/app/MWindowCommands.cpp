@@ -5,11 +5,14 @@
 
 #include "app/Alerts.h"
 #include "app/DirListView.h"
+#include "app/EngineTexts.h"
 #include "app/Frames.h"
 #include "app/MWindow.h"
 #include "app/NewDir.h"
+#include "app/OpenMessage.h"
 #include "app/RenameWin.h"
 #include "app/SmallView.h"
+#include "app/TambleApp.h"
 #include "app/Text.h"
 #include "app/WindowLog.h"
 #include "app/Windows.h"
@@ -150,6 +153,33 @@ void MWindow::OfferToConnect(const QString& text) {
         message.AddString("path", currentDirectory_);
         SendToLooper(message);
       });
+}
+
+void MWindow::OfferOtherMode(const Message& warning, bool passive) {
+  const QString text = Translated(ToLines(warning.FindString("warning").value_or("")));
+  if (std::exchange(offering_, true)) return AppendLog(text.toStdString() + "\n");
+  Alerts::Question question{.title = tr("Error"), .text = text};
+  if (passive) {
+    question.detail = tr("Some servers only work with active connections.");
+    question.buttons = {tr("&Try Active Connections"), tr("Cancel")};
+  } else {
+    question.detail = tr("Behind a router or a firewall, passive connections mostly work.");
+    question.buttons = {tr("&Try Passive Connections"), tr("Cancel")};
+  }
+  Alerts::Show(this, question, [this, passive](int button) {
+    offering_ = false;
+    if (button != 0) return;
+    const auto open =
+        OpenMessage({.host = connection_.host,
+                     .user = connection_.user,
+                     .pass = connection_.pass,
+                     .path = currentDirectory_.empty() ? connection_.path : currentDirectory_,
+                     .port = std::to_string(connection_.port),
+                     .passive = !passive});
+    TambleApp& app = app_;
+    close();  // the new window stands where this one stood
+    if (open.has_value()) app.PostMessage(*open);
+  });
 }
 
 void MWindow::RemoveRow(const std::string& name) {

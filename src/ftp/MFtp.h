@@ -105,7 +105,7 @@ class MFtp {
   /// Whether the server says something within 700 milliseconds.
   bool isDataPending();
   /// Warns the browser's user; a transfer keeps the text as its failure only.
-  void Warn(std::string_view text, std::string_view title = {});
+  void Warn(std::string_view text);
 
   // --- the session: MFtpLogin.cpp
 
@@ -257,6 +257,7 @@ class MFtp {
   bool JudgePreliminary(int code);
   bool FinishData();
   void DropRefused();
+  void WarnOfMode(std::string_view text);
   NLEndpoint* DataEndpoint();
   bool ReadListing(Listing& listing);
   bool ReadListingData(std::string& text);

@@ -247,12 +247,11 @@ bool MFtp::Succeeded(int code, std::string_view failed, int kind) {
   return false;
 }
 
-void MFtp::Warn(std::string_view text, std::string_view title) {
+void MFtp::Warn(std::string_view text) {
   warned_ = true;
   if (!browser_) return;
   Message warning("GERR"_what);
   warning.AddString("warning", text);
-  if (!title.empty()) warning.AddString("title", title);
   browser_->PostMessage(std::move(warning));
 }
 

@@ -108,9 +108,14 @@ bool MFtp::SetUpActive() {
   std::uint16_t port = 0;
   dataAddress_.get(here, &port);
   const int code = SendCommand(PortCommand(ntohl(here.s_addr), port));
-  if (Accepted(code, "The server refuses active connections.")) return true;
+  if (code >= 200 && code < 400) return true;
   Fail(lastReplyText_);
   DataCommClose();
+  if (lost_) {
+    Accepted(code, {});
+  } else {
+    WarnOfMode("The server refuses active connections.\n\n" + failure_);
+  }
   return false;
 }
 
@@ -126,12 +131,21 @@ int MFtp::SetUpPassive() {
   const auto port = ReplyCode(reply, 0) < 400 ? PassivePort(reply) : std::nullopt;
   if (!port) {
     Fail("The server gave no port for the data connection: " + reply);
-    Warn(failure_ + "\n");
+    WarnOfMode(failure_);
     return 0;
   }
   passivePort_ = *port;
   SetDataEndpoint(std::make_unique<NLEndpoint>(NLEndpoint::stream));
   return 1;
+}
+
+// What is said of a data connection that did not come about: the other mode may do better.
+void MFtp::WarnOfMode(std::string_view text) {
+  if (!browser_) return;
+  Message warning("GERR"_what);
+  warning.AddString("warning", text);
+  warning.AddBool("passive", passive_);
+  browser_->PostMessage(std::move(warning));
 }
 
 // Sends a command that moves data and opens the data connection for it. After Open and Failed the
@@ -224,7 +238,12 @@ bool MFtp::AcceptData(const std::atomic<bool>& cancelled) {
 
 // A refused command is over: no reply is owed, and nobody will use its data connection.
 void MFtp::DropRefused() {
-  if (lastCode_ != 0) Accepted(lastCode_, "The server refused the request.");
+  constexpr int kNoDataConnection = 425;  // RFC 959, 4.2
+  if (lastCode_ == kNoDataConnection) {
+    WarnOfMode("The server refused the request.\n\n" + lastReplyText_);
+  } else if (lastCode_ != 0) {
+    Accepted(lastCode_, "The server refused the request.");
+  }
   DataCommClose();
 }
 

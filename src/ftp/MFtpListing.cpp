@@ -84,7 +84,7 @@ bool MFtp::ReadListing(Listing& listing) {
   if (state == DataState::Failed) {
     FinishData();
     const std::string mode = passive_ ? "Passive" : "Active";
-    Warn(mode + " connection failed.\n\n" + failure_ + "\n", "Error");
+    WarnOfMode(mode + " connection failed.\n\n" + failure_);
     return true;
   }
   bool clean = false;

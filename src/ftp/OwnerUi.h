@@ -12,9 +12,9 @@ class OwnerUi {
  public:
   virtual ~OwnerUi() = default;
 
-  /// Hands the owner a message: 'FERR' (fatal, "error"), 'GERR' (warning, "warning" and perhaps
-  /// "title"), 'LOST' (the connection is gone, "warning"), 'DWLD', 'ADDI', 'ENBL' (the directory
-  /// that was asked for is made, or is not).
+  /// Hands the owner a message: 'FERR' (fatal, "error"), 'GERR' (warning, "warning", and "passive"
+  /// when no data connection came about in that mode), 'LOST' (the connection is gone, "warning"),
+  /// 'DWLD', 'ADDI', 'ENBL' (the directory that was asked for is made, or is not).
   virtual bool PostMessage(Message message) = 0;
 
   /// Plays a sound file by path; "none", an empty path and a missing file play nothing.

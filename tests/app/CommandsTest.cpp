@@ -189,6 +189,16 @@ TEST_F(Commands, OffersToConnectAgain) {
   EXPECT_FALSE(window_.isNull());
 }
 
+TEST_F(Commands, OffersTheOtherKindOfDataConnection) {
+  Message warning = With("GERR"_what, "warning", "no way");
+  warning.AddBool("passive", false);
+  link_->PostMessage(warning);
+  EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
+  ASSERT_EQ(connections_.size(), 2U);
+  EXPECT_TRUE(connections_[1].passive);
+  EXPECT_EQ(connections_[1].host + connections_[1].path, "server.test/pub");
+}
+
 TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
   const auto viewer = link_->OpenViewer("v");
   ASSERT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));

@@ -50,7 +50,7 @@ TEST(Listing, EndsWholeOrSaysWhatIsMissing) {
       {{.completion = "451 Cut\r\n"}, "", false, "The listing is not complete: Cut\n"},
       {{.data = line, .completion = "451 Cut\r\n"}, plain, false, ""},
       {{.data = line, .dataLimit = 4, .dataEnd = DataEnd::Reset}, "", false, ""},
-      {{.reply = "150 Wait\r\n425 No\r\n"}, "", false, " connection failed.\n\nNo\n"},
+      {{.reply = "150 Wait\r\n425 No\r\n"}, "", false, " connection failed.\n\nNo"},
   };
   for (const bool passive : {false, true}) {
     for (const auto& [action, text, whole, warning] : cases) {

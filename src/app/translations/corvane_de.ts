@@ -84,10 +84,6 @@
         <translation>Datei wird hochgeladen.</translation>
     </message>
     <message>
-        <source>Error</source>
-        <translation>Fehler</translation>
-    </message>
-    <message>
         <source>Listing of: %1</source>
         <translation>Auflistung von: %1</translation>
     </message>
@@ -1044,6 +1040,22 @@ Files in it that have the same names as those on the server are replaced.</sourc
         <translation>Den Ordner „%1“ gibt es schon.
 
 Dateien darin, die so heißen wie welche auf dem Server, werden ersetzt.</translation>
+    </message>
+    <message>
+        <source>Some servers only work with active connections.</source>
+        <translation>Manche Server können nur aktive Verbindungen.</translation>
+    </message>
+    <message>
+        <source>&amp;Try Active Connections</source>
+        <translation>&amp;Aktive Verbindungen versuchen</translation>
+    </message>
+    <message>
+        <source>Behind a router or a firewall, passive connections mostly work.</source>
+        <translation>Hinter einem Router oder einer Firewall gelingen meist passive Verbindungen.</translation>
+    </message>
+    <message>
+        <source>&amp;Try Passive Connections</source>
+        <translation>&amp;Passive Verbindungen versuchen</translation>
     </message>
 </context>
 <context>

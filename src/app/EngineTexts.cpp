@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QRegularExpression>
 #include <QStringList>
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace corvane {
@@ -10,7 +12,10 @@ namespace {
 
 constexpr const char* kContext = "Engine";
 
-// "%1" and so on stand for names, numbers and reasons; the last one may be a text of this table.
+// "%1" and so on stand for names, numbers and the server's words, in their order, which stay as
+// they are. The last place may be a reason, "%9", which is looked up in turn, or an entry and its
+// reason,
+// "%8".
 constexpr const char* kTexts[] = {
     // Status
     QT_TRANSLATE_NOOP("Engine", "Changing Dir.."),
@@ -46,13 +51,13 @@ constexpr const char* kTexts[] = {
     QT_TRANSLATE_NOOP("Engine", "Login to: %1 failed."),
     QT_TRANSLATE_NOOP("Engine", "Lookup cancelled"),
     QT_TRANSLATE_NOOP("Engine", "No data connection was set up"),
-    QT_TRANSLATE_NOOP("Engine", "No data connection: %1"),
+    QT_TRANSLATE_NOOP("Engine", "No data connection: %9"),
     QT_TRANSLATE_NOOP("Engine", "Out of memory"),
     QT_TRANSLATE_NOOP("Engine", "Passive connection failed."),
     QT_TRANSLATE_NOOP("Engine", "Service not available, closing control connection!"),
     QT_TRANSLATE_NOOP("Engine", "The connection is closed"),
     QT_TRANSLATE_NOOP("Engine", "The connection to %1 was lost."),
-    QT_TRANSLATE_NOOP("Engine", "The connection was lost: %1"),
+    QT_TRANSLATE_NOOP("Engine", "The connection was lost: %9"),
     QT_TRANSLATE_NOOP("Engine", "The server closed the connection"),
     QT_TRANSLATE_NOOP("Engine", "The server did not open the data connection."),
     QT_TRANSLATE_NOOP("Engine", "The server does not answer"),
@@ -63,7 +68,7 @@ constexpr const char* kTexts[] = {
     QT_TRANSLATE_NOOP("Engine", "The server's reply is too long"),
     QT_TRANSLATE_NOOP("Engine", "Username is invalid"),
     // Commands
-    QT_TRANSLATE_NOOP("Engine", "\"%1\" cannot be shown: %2"),
+    QT_TRANSLATE_NOOP("Engine", "\"%1\" cannot be shown: %9"),
     QT_TRANSLATE_NOOP("Engine", "\"%1\" was not renamed."),
     QT_TRANSLATE_NOOP("Engine", "A name or text with a line break cannot be sent to the server."),
     QT_TRANSLATE_NOOP("Engine", "Bad sequence of commands!"),
@@ -78,12 +83,12 @@ constexpr const char* kTexts[] = {
     QT_TRANSLATE_NOOP("Engine", "The directory \"%1\" was not created."),
     QT_TRANSLATE_NOOP("Engine", "The directory cannot be opened."),
     QT_TRANSLATE_NOOP("Engine", "The directory has changed meanwhile. Nothing was done."),
-    QT_TRANSLATE_NOOP("Engine", "The file is not complete: %1"),
+    QT_TRANSLATE_NOOP("Engine", "The file is not complete: %9"),
     QT_TRANSLATE_NOOP("Engine", "The listing could not be read."),
-    QT_TRANSLATE_NOOP("Engine", "The listing could not be shown: %1"),
+    QT_TRANSLATE_NOOP("Engine", "The listing could not be shown: %9"),
     QT_TRANSLATE_NOOP("Engine", "The listing did not come whole."),
-    QT_TRANSLATE_NOOP("Engine", "The listing is not complete: %1"),
-    QT_TRANSLATE_NOOP("Engine", "The request could not be carried out: %1"),
+    QT_TRANSLATE_NOOP("Engine", "The listing is not complete: %9"),
+    QT_TRANSLATE_NOOP("Engine", "The request could not be carried out: %9"),
     QT_TRANSLATE_NOOP("Engine", "The server did not delete everything:"),
     QT_TRANSLATE_NOOP("Engine", "The server does not lead back to the directory above: %1"),
     QT_TRANSLATE_NOOP("Engine", "The server has no directory or file %1."),
@@ -96,17 +101,17 @@ constexpr const char* kTexts[] = {
     // Transfers
     QT_TRANSLATE_NOOP("Engine", "  *Could not open file for reading!*"),
     QT_TRANSLATE_NOOP("Engine", "%1 of %2 entries failed."),
-    QT_TRANSLATE_NOOP("Engine", "%1 of %2 entries failed; stopped at %3"),
-    QT_TRANSLATE_NOOP("Engine", "%1 of %2 entries failed: %3"),
+    QT_TRANSLATE_NOOP("Engine", "%1 of %2 entries failed; stopped at %8"),
+    QT_TRANSLATE_NOOP("Engine", "%1 of %2 entries failed: %8"),
     QT_TRANSLATE_NOOP("Engine", "Another transfer is writing %1 already."),
     QT_TRANSLATE_NOOP("Engine", "Cancelled."),
-    QT_TRANSLATE_NOOP("Engine", "Could not make the folder: %1"),
-    QT_TRANSLATE_NOOP("Engine", "Could not open %1: %2"),
-    QT_TRANSLATE_NOOP("Engine", "Could not read the file: %1"),
-    QT_TRANSLATE_NOOP("Engine", "Could not read the folder: %1"),
-    QT_TRANSLATE_NOOP("Engine", "Could not read %1: %2"),
-    QT_TRANSLATE_NOOP("Engine", "Could not write the file: %1"),
-    QT_TRANSLATE_NOOP("Engine", "Left out: %1 (%2)"),
+    QT_TRANSLATE_NOOP("Engine", "Could not make the folder: %9"),
+    QT_TRANSLATE_NOOP("Engine", "Could not open %1: %9"),
+    QT_TRANSLATE_NOOP("Engine", "Could not read the file: %9"),
+    QT_TRANSLATE_NOOP("Engine", "Could not read the folder: %9"),
+    QT_TRANSLATE_NOOP("Engine", "Could not read %1: %9"),
+    QT_TRANSLATE_NOOP("Engine", "Could not write the file: %9"),
+    QT_TRANSLATE_NOOP("Engine", "Left out: %1 (%9)"),
     QT_TRANSLATE_NOOP("Engine", "Only %1 of %2 bytes came."),
     QT_TRANSLATE_NOOP("Engine", "The file became shorter while it was being sent."),
     QT_TRANSLATE_NOOP("Engine", "The folder has no name of its own."),
@@ -116,7 +121,7 @@ constexpr const char* kTexts[] = {
     QT_TRANSLATE_NOOP("Engine", "The name leads elsewhere."),
     QT_TRANSLATE_NOOP("Engine", "The rest of this folder was not sent."),
     QT_TRANSLATE_NOOP("Engine", "The server does not resume."),
-    QT_TRANSLATE_NOOP("Engine", "The transfer could not be carried out: %1"),
+    QT_TRANSLATE_NOOP("Engine", "The transfer could not be carried out: %9"),
     QT_TRANSLATE_NOOP("Engine", "The window has gone to another directory meanwhile."),
     QT_TRANSLATE_NOOP("Engine", "The window is closing."),
     QT_TRANSLATE_NOOP("Engine", "What follows is not listed any more."),
@@ -162,45 +167,58 @@ QString Fixed(const QString& english) {
 QString Filled(const QString& text, const QStringList& parts) {
   QString filled;
   for (qsizetype i = 0; i < text.size(); ++i) {
-    const int place = text[i] == '%' && i + 1 < text.size() ? text[i + 1].digitValue() : 0;
-    if (place > 0 && place < parts.size()) {
-      filled += parts[place];
-      ++i;
-    } else {
-      filled += text[i];
-    }
+    const qsizetype place = text[i] == '%' && i + 1 < text.size() ? text[i + 1].digitValue() : 0;
+    if (place > 0) filled += parts.value(std::min(place, parts.size() - 1));
+    if (place > 0) ++i;
+    if (place <= 0) filled += text[i];
   }
   return filled;
 }
 
-QString Line(const QString& english) {
+// Deeper than any text of ours; each step costs a search.
+constexpr int kDeepest = 5;
+
+QString Line(const QString& english, int depth);
+
+/// "name: reason", the name as it is.
+QString Entry(const QString& english, int depth) {
+  const qsizetype reason = english.indexOf(": ") + 2;
+  if (reason < 2 || depth == kDeepest) return english;
+  return english.first(reason) + Line(english.mid(reason), depth + 1);
+}
+
+QString Line(const QString& english, int depth) {
   if (QString fixed = Fixed(english); fixed != english) return fixed;
   for (const auto& [text, form] : Patterns()) {
     const QRegularExpressionMatch match = form.match(english);
     if (!match.hasMatch()) continue;
     QStringList parts = match.capturedTexts();
-    parts.last() = Line(parts.last());
+    const std::string_view known = text;
+    if (known.find("%9") != known.npos && depth < kDeepest) {
+      parts.last() = Line(parts.last(), depth + 1);
+    } else if (known.find("%8") != known.npos) {
+      parts.last() = Entry(parts.last(), depth);
+    }
     return Filled(QCoreApplication::translate(kContext, text), parts);
   }
-  // A reason may have got its full stop later, or stand behind the name that it is about.
+  // A reason may have got its full stop later.
   if (english.endsWith('.')) {
     const QString fixed = Fixed(english.chopped(1));
     if (fixed != english.chopped(1)) return fixed + '.';
   }
-  const qsizetype name = english.indexOf(": ") + 2;
-  return name < 2 ? english : english.first(name) + Line(english.mid(name));
+  return Entry(english, depth);
 }
 
 }  // namespace
 
 QString Translated(const QString& english) {
-  constexpr qsizetype kLongest = 1000;
+  constexpr qsizetype kLongest = 300;
   const QString known = QString::fromUtf8(kTexts[0]);
   if (Fixed(known) == known) return english;  // no catalogue
   QStringList lines = english.split('\n');
   if (lines.size() > kLongest) return english;
   for (QString& line : lines) {
-    if (line.size() <= kLongest) line = Line(line);
+    if (line.size() <= kLongest) line = Line(line, 0);
   }
   return lines.join('\n');
 }

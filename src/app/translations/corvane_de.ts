@@ -124,8 +124,8 @@
         <translation>Es wurde keine Datenverbindung eingerichtet</translation>
     </message>
     <message>
-        <source>No data connection: %1</source>
-        <translation>Keine Datenverbindung: %1</translation>
+        <source>No data connection: %9</source>
+        <translation>Keine Datenverbindung: %9</translation>
     </message>
     <message>
         <source>Out of memory</source>
@@ -148,8 +148,8 @@
         <translation>Die Verbindung mit %1 ist abgebrochen.</translation>
     </message>
     <message>
-        <source>The connection was lost: %1</source>
-        <translation>Die Verbindung ist abgebrochen: %1</translation>
+        <source>The connection was lost: %9</source>
+        <translation>Die Verbindung ist abgebrochen: %9</translation>
     </message>
     <message>
         <source>The server closed the connection</source>
@@ -165,7 +165,7 @@
     </message>
     <message>
         <source>The server does not lead back to its directory</source>
-        <translation>Der Server führt nicht in seinen Ordner zurück</translation>
+        <translation>Der Server kehrt nicht in den vorherigen Ordner zurück</translation>
     </message>
     <message>
         <source>The server does not speak FTP</source>
@@ -188,8 +188,8 @@
         <translation>Der Benutzername ist ungültig</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; cannot be shown: %2</source>
-        <translation>„%1“ kann nicht angezeigt werden: %2</translation>
+        <source>&quot;%1&quot; cannot be shown: %9</source>
+        <translation>„%1“ kann nicht angezeigt werden: %9</translation>
     </message>
     <message>
         <source>&quot;%1&quot; was not renamed.</source>
@@ -248,28 +248,28 @@
         <translation>Der Ordner wurde inzwischen gewechselt. Es wurde nichts getan.</translation>
     </message>
     <message>
-        <source>The file is not complete: %1</source>
-        <translation>Die Datei ist nicht vollständig: %1</translation>
+        <source>The file is not complete: %9</source>
+        <translation>Die Datei ist nicht vollständig: %9</translation>
     </message>
     <message>
         <source>The listing could not be read.</source>
         <translation>Die Auflistung konnte nicht gelesen werden.</translation>
     </message>
     <message>
-        <source>The listing could not be shown: %1</source>
-        <translation>Die Auflistung konnte nicht angezeigt werden: %1</translation>
+        <source>The listing could not be shown: %9</source>
+        <translation>Die Auflistung konnte nicht angezeigt werden: %9</translation>
     </message>
     <message>
         <source>The listing did not come whole.</source>
         <translation>Die Auflistung kam nicht vollständig an.</translation>
     </message>
     <message>
-        <source>The listing is not complete: %1</source>
-        <translation>Die Auflistung ist nicht vollständig: %1</translation>
+        <source>The listing is not complete: %9</source>
+        <translation>Die Auflistung ist nicht vollständig: %9</translation>
     </message>
     <message>
-        <source>The request could not be carried out: %1</source>
-        <translation>Die Anfrage konnte nicht ausgeführt werden: %1</translation>
+        <source>The request could not be carried out: %9</source>
+        <translation>Die Anfrage konnte nicht ausgeführt werden: %9</translation>
     </message>
     <message>
         <source>The server did not delete everything:</source>
@@ -316,12 +316,12 @@
         <translation>%1 von %2 Einträgen fehlgeschlagen.</translation>
     </message>
     <message>
-        <source>%1 of %2 entries failed; stopped at %3</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen; angehalten bei %3</translation>
+        <source>%1 of %2 entries failed; stopped at %8</source>
+        <translation>%1 von %2 Einträgen fehlgeschlagen; angehalten bei %8</translation>
     </message>
     <message>
-        <source>%1 of %2 entries failed: %3</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen: %3</translation>
+        <source>%1 of %2 entries failed: %8</source>
+        <translation>%1 von %2 Einträgen fehlgeschlagen: %8</translation>
     </message>
     <message>
         <source>Another transfer is writing %1 already.</source>
@@ -332,32 +332,32 @@
         <translation>Abgebrochen.</translation>
     </message>
     <message>
-        <source>Could not make the folder: %1</source>
-        <translation>Der Ordner konnte nicht erstellt werden: %1</translation>
+        <source>Could not make the folder: %9</source>
+        <translation>Der Ordner konnte nicht erstellt werden: %9</translation>
     </message>
     <message>
-        <source>Could not open %1: %2</source>
-        <translation>%1 ließ sich nicht öffnen: %2</translation>
+        <source>Could not open %1: %9</source>
+        <translation>%1 ließ sich nicht öffnen: %9</translation>
     </message>
     <message>
-        <source>Could not read the file: %1</source>
-        <translation>Die Datei ließ sich nicht lesen: %1</translation>
+        <source>Could not read the file: %9</source>
+        <translation>Die Datei ließ sich nicht lesen: %9</translation>
     </message>
     <message>
-        <source>Could not read the folder: %1</source>
-        <translation>Der Ordner ließ sich nicht lesen: %1</translation>
+        <source>Could not read the folder: %9</source>
+        <translation>Der Ordner ließ sich nicht lesen: %9</translation>
     </message>
     <message>
-        <source>Could not read %1: %2</source>
-        <translation>%1 ließ sich nicht lesen: %2</translation>
+        <source>Could not read %1: %9</source>
+        <translation>%1 ließ sich nicht lesen: %9</translation>
     </message>
     <message>
-        <source>Could not write the file: %1</source>
-        <translation>Die Datei ließ sich nicht schreiben: %1</translation>
+        <source>Could not write the file: %9</source>
+        <translation>Die Datei ließ sich nicht schreiben: %9</translation>
     </message>
     <message>
-        <source>Left out: %1 (%2)</source>
-        <translation>Ausgelassen: %1 (%2)</translation>
+        <source>Left out: %1 (%9)</source>
+        <translation>Ausgelassen: %1 (%9)</translation>
     </message>
     <message>
         <source>Only %1 of %2 bytes came.</source>
@@ -396,8 +396,8 @@
         <translation>Der Server setzt keine Übertragungen fort.</translation>
     </message>
     <message>
-        <source>The transfer could not be carried out: %1</source>
-        <translation>Die Übertragung konnte nicht ausgeführt werden: %1</translation>
+        <source>The transfer could not be carried out: %9</source>
+        <translation>Die Übertragung konnte nicht ausgeführt werden: %9</translation>
     </message>
     <message>
         <source>The window has gone to another directory meanwhile.</source>
@@ -433,7 +433,7 @@
     </message>
     <message>
         <source>The file is damaged. Move it away to begin with a new one.</source>
-        <translation>Die Datei ist beschädigt. Nach dem Verschieben der Datei wird eine neue angelegt.</translation>
+        <translation>Die Datei ist beschädigt. Verschieben Sie sie, um mit einer neuen zu beginnen.</translation>
     </message>
     <message>
         <source>The list is full.</source>
@@ -449,7 +449,7 @@
     </message>
     <message>
         <source>There is no list of shortcuts to add it to.</source>
-        <translation>Es gibt keine Liste von Verknüpfungen, in die sie könnte.</translation>
+        <translation>Es gibt keine Liste von Verknüpfungen, zu der sie hinzugefügt werden könnte.</translation>
     </message>
     <message>
         <source>Active connection failed.</source>
@@ -823,8 +823,8 @@
     <message numerus="yes">
         <source>%1 and %n more</source>
         <translation>
-            <numerusform>%1 und %n weiterer</numerusform>
-            <numerusform>%1 und %n weitere</numerusform>
+            <numerusform>%1 und noch %n</numerusform>
+            <numerusform>%1 und noch %n</numerusform>
         </translation>
     </message>
     <message>
@@ -838,8 +838,8 @@
     <message numerus="yes">
         <source>and %n more</source>
         <translation>
-            <numerusform>und %n weiterer</numerusform>
-            <numerusform>und %n weitere</numerusform>
+            <numerusform>und noch %n</numerusform>
+            <numerusform>und noch %n</numerusform>
         </translation>
     </message>
     <message>
@@ -1039,7 +1039,7 @@
 Files in it that have the same names as those on the server are replaced.</source>
         <translation>Den Ordner „%1“ gibt es schon.
 
-Dateien darin, die so heißen wie welche auf dem Server, werden ersetzt.</translation>
+Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     </message>
     <message>
         <source>Some servers only work with active connections.</source>
@@ -1217,11 +1217,11 @@ Dateien darin, die so heißen wie welche auf dem Server, werden ersetzt.</transl
     </message>
     <message>
         <source>U&amp;pload Sound:</source>
-        <translation>Ho&amp;chladen beendet:</translation>
+        <translation>Ho&amp;chladen abgeschlossen:</translation>
     </message>
     <message>
         <source>&amp;Download Sound:</source>
-        <translation>&amp;Herunterladen beendet:</translation>
+        <translation>&amp;Herunterladen abgeschlossen:</translation>
     </message>
     <message>
         <source>S&amp;elect Sound</source>
@@ -1289,7 +1289,7 @@ Dateien darin, die so heißen wie welche auf dem Server, werden ersetzt.</transl
     </message>
     <message>
         <source>The preferences are saved, all but what is shown in the tray at login.</source>
-        <translation>Die Einstellungen sind gespeichert, nur das Symbol beim Anmelden nicht.</translation>
+        <translation>Die Einstellungen sind gespeichert, nur nicht, ob das Symbol beim Anmelden gezeigt wird.</translation>
     </message>
 </context>
 <context>
@@ -1653,8 +1653,8 @@ Dateien darin, die so heißen wie welche auf dem Server, werden ersetzt.</transl
     <message numerus="yes">
         <source>and %n more</source>
         <translation>
-            <numerusform>und %n weiterer</numerusform>
-            <numerusform>und %n weitere</numerusform>
+            <numerusform>und noch %n</numerusform>
+            <numerusform>und noch %n</numerusform>
         </translation>
     </message>
     <message>

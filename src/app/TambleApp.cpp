@@ -102,7 +102,7 @@ void TambleApp::OpenBrowser(const Message& message) {
 
 void TambleApp::Answer(const Message& message, QWidget* window) {
   BringForward(window);
-  StartupNotice::Complete(message.FindString("startup").value_or(""), window);
+  StartupNotice::Complete(message.FindString("startup").value_or(""), Usable(window));
 }
 
 void TambleApp::AboutRequested() {

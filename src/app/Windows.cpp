@@ -1,6 +1,7 @@
 #include "app/Windows.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMenu>
@@ -13,6 +14,13 @@
 
 namespace corvane {
 
+QWidget* Usable(QWidget* window) {
+  for (QDialog* question : window->findChildren<QDialog*>()) {
+    if (question->isVisible() && question->isModal()) return Usable(question);
+  }
+  return window;
+}
+
 void BringForward(QWidget* window) {
   if (window->isMinimized()) {
     window->showNormal();
@@ -20,7 +28,9 @@ void BringForward(QWidget* window) {
     window->show();
   }
   window->raise();
-  window->activateWindow();
+  QWidget* usable = Usable(window);
+  usable->raise();
+  usable->activateWindow();
 }
 
 void AddCloseKey(QWidget* window) {

@@ -13,8 +13,11 @@ namespace corvane {
 
 class MWindow;
 
-/// Shows a hidden or minimised window, or activates it. GUI thread.
+/// Shows a hidden or minimised window, or activates it. Where a question stands over it, that one
+/// gets the keyboard. GUI thread.
 void BringForward(QWidget* window);
+/// The question that has to be answered before the window can be used, or the window itself.
+[[nodiscard]] QWidget* Usable(QWidget* window);
 
 /// Ctrl+W closes `window`.
 void AddCloseKey(QWidget* window);

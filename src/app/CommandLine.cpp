@@ -64,8 +64,10 @@ CommandLine CommandLine::Read(std::span<const std::string> arguments) {
   constexpr std::string_view kScheme = "ftp://";
   CommandLine line;
   if (arguments.empty()) return line;
-  if (arguments.size() == 1 && arguments.front() == "-deskbar") {
+  const bool login = arguments.size() == 2 && arguments.back() == "login";
+  if (arguments.front() == "-deskbar" && (arguments.size() == 1 || login)) {
     line.deskbar = true;
+    line.login = login;
   } else if (arguments.size() > 1 || arguments.front().starts_with('-')) {
     line.usage = true;
   } else if (arguments.front().starts_with(kScheme)) {

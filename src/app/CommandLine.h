@@ -12,6 +12,7 @@ namespace corvane {
 struct CommandLine {
   bool usage = false;           ///< the arguments were wrong: say how to use the program, and quit
   bool deskbar = false;         ///< put the icon into the tray, and nothing else
+  bool login = false;           ///< the session is just beginning: the tray may come late
   std::optional<Message> open;  ///< 'OPNC' for a URL; nothing for a plain start
 
   /// Reads what is left after the toolkit's own options and without the program's name.

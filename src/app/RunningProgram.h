@@ -38,6 +38,9 @@ class RunningProgram {
   [[nodiscard]] Start Offer(const std::string& request,
                             std::chrono::milliseconds patience = kPatience) const;
 
+  /// Whether a running program could be found at all.
+  [[nodiscard]] bool HasFolder() const { return static_cast<bool>(folder_); }
+
   /// Whether no other process of the user holds the lock of that name. It ends with the process.
   [[nodiscard]] bool TakeLock(const char* name);
 

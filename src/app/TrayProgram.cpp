@@ -22,6 +22,8 @@ namespace {
 
 using Start = RunningProgram::Start;
 
+constexpr const char* kShow = "show";
+
 /// Whether a tray of the kind that is reached over the session bus is on its way: the toolkit
 /// looks for one only once, and later would not find it.
 bool IsComing() {
@@ -42,9 +44,10 @@ Start Ask(const QString& program, const std::string& request) {
   const RunningProgram running;
   Start result = running.Offer(request);
   if (result != Start::First) return result;
+  if (request != kShow && !running.HasFolder()) return Start::NoAnswer;  // it could not be reached
   if (!QProcess::startDetached(program, {}, QDir::homePath())) return Start::First;
-  if (request == "show") return Start::HandedOver;
-  for (int i = 0; i < 200 && result == Start::First; ++i) {
+  if (request == kShow) return Start::HandedOver;
+  for (int i = 0; i < 600 && result == Start::First; ++i) {
     std::this_thread::sleep_for(50ms);
     result = running.Offer(request);
   }
@@ -53,7 +56,8 @@ Start Ask(const QString& program, const std::string& request) {
 
 }  // namespace
 
-TrayProgram::TrayProgram() : program_(QCoreApplication::applicationFilePath()) {
+TrayProgram::TrayProgram(std::chrono::seconds patience)
+    : patience_(patience), program_(QCoreApplication::applicationFilePath()) {
   looking_.setInterval(200);
   connect(&looking_, &QTimer::timeout, this, &TrayProgram::LookForTray);
 }
@@ -71,7 +75,7 @@ int TrayProgram::Run() {
 }
 
 void TrayProgram::LookForTray() {
-  const bool late = waited_.hasExpired(std::chrono::milliseconds(kTrayPatience).count());
+  const bool late = waited_.hasExpired(patience_.count());
   if ((late || !IsComing()) && QSystemTrayIcon::isSystemTrayAvailable()) {
     looking_.stop();
     view_ = std::make_unique<ReplicantView>([this](const Message& message) { Launch(message); });
@@ -84,7 +88,7 @@ void TrayProgram::LookForTray() {
 }
 
 void TrayProgram::Launch(const Message& message) {
-  const std::string request = message.what == "OPNC"_what ? RequestServer::Line(message) : "show";
+  const std::string request = message.what == "OPNC"_what ? RequestServer::Line(message) : kShow;
   const bool started =
       Background::Start("launch", [view = QPointer(view_.get()), program = program_, request] {
         const Start result = Ask(program, request);

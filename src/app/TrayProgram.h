@@ -19,10 +19,11 @@ class TrayProgram : public QObject {
   Q_OBJECT
 
  public:
-  /// At login the tray may come after its icons.
-  static constexpr std::chrono::seconds kTrayPatience{5};
+  /// How long the tray is waited for; at login it may come long after its icons.
+  static constexpr std::chrono::seconds kPatience{5};
+  static constexpr std::chrono::seconds kLoginPatience{120};
 
-  TrayProgram();
+  explicit TrayProgram(std::chrono::seconds patience);
 
   /// Until the icon is removed or the process told to end. The exit status: 1, with a word on
   /// standard error, when the desktop has no tray.
@@ -32,6 +33,7 @@ class TrayProgram : public QObject {
   void LookForTray();
   void Launch(const Message& message);
 
+  const std::chrono::milliseconds patience_;
   const QString program_;  // this file, even when another one takes its place
   RunningProgram only_;
   QElapsedTimer waited_;

@@ -1,7 +1,9 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QMessageBox>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +15,7 @@
 #include "app/QuitSignals.h"
 #include "app/RequestServer.h"
 #include "app/RunningProgram.h"
+#include "app/StartupNotice.h"
 #include "app/TambleApp.h"
 #include "app/Translations.h"
 #include "app/TrayProgram.h"
@@ -30,6 +33,16 @@ int Usage() {
 // What the toolkit may take out of the arguments is known only once there is a display.
 bool HasOptions(const std::vector<std::string>& arguments) {
   return std::ranges::any_of(arguments, [](const auto& text) { return text.starts_with('-'); });
+}
+
+// Whoever clicks in a menu sees no standard error.
+void ShowProblem(const QString& text) {
+  int count = 1;
+  std::string name = "corvane";
+  std::array<char*, 2> arguments = {name.data(), nullptr};
+  std::optional<QApplication> toolkit;
+  if (QCoreApplication::instance() == nullptr) toolkit.emplace(count, arguments.data());
+  QMessageBox(QMessageBox::Warning, "Corvane", text).exec();
 }
 
 // The exit status, where this start ends here: its arguments are wrong, or another program runs.
@@ -51,7 +64,9 @@ std::optional<int> EndedAtStart(corvane::RunningProgram& running,
       problem = QT_TRANSLATE_NOOP("Start", "Corvane runs already but does not answer.");
       break;
   }
-  std::fprintf(stderr, "%s\n", qPrintable(texts.Text("Start", problem)));
+  const QString text = texts.Text("Start", problem);
+  std::fprintf(stderr, "%s\n", qPrintable(text));
+  if (!corvane::StartupNotice::Id().empty()) ShowProblem(text);
   return 1;
 }
 
@@ -81,7 +96,8 @@ int main(int argc, char** argv) {
     }
     const corvane::CommandLine line = corvane::CommandLine::Read(arguments);
     if (line.deskbar) {
-      corvane::TrayProgram tray;
+      corvane::TrayProgram tray(line.login ? corvane::TrayProgram::kLoginPatience
+                                           : corvane::TrayProgram::kPatience);
       const corvane::QuitSignals signals(QCoreApplication::quit);
       result = tray.Run();
     } else {

@@ -61,6 +61,7 @@ void ShortCutEditWindow::Edit(const Shortcut& record, Change change) {
   form_->FillTexts(record);
   form_->FillMode(record);
   form_->label->setFocus();
+  form_->label->selectAll();
   filled_ = form_->Entered();
 }
 

@@ -1,5 +1,6 @@
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 
 #include "workers/TransferJob.h"
@@ -61,6 +62,23 @@ TEST(FileTransfer, FailsWithAReason) {
       {"f", "Could not read", [](Job& j) { j.Send("gone"); }},
       {"f", "Could not open", [](Job& j) { fs::create_symlink("gone", j.folder.Path() / "f"); }},
       {"f", "was lost", [](Job& j) { j.server.On("CWD", {.control = ControlEnd::Close}); }},
+      {"f", "Denied",
+       [](Job& j) {
+         Write(j.folder.Path() / "f", "kept until the server agrees");
+         j.server.On("RETR", {.reply = "550 Denied\r\n"});
+       }},
+      {"f", "Only 3 of 10",
+       [](Job& j) { j.server.On("RETR", {.dataLimit = 3, .completion = "226 Done\r\n"}); }},
+      {"f", "Gone",
+       [](Job& j) {
+         j.server.On("RETR",
+                     {.dataLimit = 3, .dataEnd = DataEnd::Reset, .completion = "426 Gone\r\n"});
+       }},
+      {"f", "does not answer",
+       [](Job& j) {
+         j.description.engine->silenceLimit = 700;
+         j.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall, .completion = ""});
+       }},
   };
   for (const auto& [name, why, prepare] : cases) {
     Job job;
@@ -70,6 +88,17 @@ TEST(FileTransfer, FailsWithAReason) {
     EXPECT_EQ(job.Notes(), "") << "the reason says it all";
     EXPECT_NE(job.row->Seen().why.find(why), std::string::npos) << why << job.row->Seen().why;
     EXPECT_FALSE(fs::exists(job.folder.Path() / "g") || fs::exists(job.folder.Path() / "gone"));
+    EXPECT_TRUE(why != "Denied" || Contents(job.folder.Path() / "f").starts_with("kept"));
+  }
+}
+
+TEST(FileTransfer, AsksOnceWhetherAFileShrank) {
+  for (const std::string size : {"213 10\r\n", "213 300000\r\n", "550 No\r\n", "213 x\r\n"}) {
+    Job job;
+    job.server.On("SIZE", {.reply = size});
+    job.Fetch("f", kFile, 300'000);
+    EXPECT_EQ(job.Run() == TransferEnd::Finished, size == "213 10\r\n") << size;
+    EXPECT_EQ(std::ranges::count(job.server.Transcript(), "SIZE f\r\n"), 1);
   }
 }
 

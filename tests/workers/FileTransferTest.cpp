@@ -9,15 +9,9 @@ namespace corvane {
 namespace {
 
 TEST(FileTransfer, DownloadsResumesOrStartsAgain) {
-  struct Case {
-    const char* part;
-    const char* verb;
-    ScriptedAction action;
-    std::int64_t start;
-    const char* result;
-  };
   const std::string whole = "0123456789";
-  const Case cases[] = {
+  // What is there, what the server does, where the transfer begins, and what is there afterwards.
+  const std::tuple<const char*, const char*, ScriptedAction, std::int64_t, const char*> cases[] = {
       {"", "REST", {}, 0, "0123456789"},
       {"012", "REST", {}, 3, "0123456789"},
       {"0123456789", "REST", {}, 10, "0123456789"},
@@ -88,7 +82,11 @@ TEST(FileTransfer, FailsWithAReason) {
     EXPECT_EQ(job.Notes(), "") << "the reason says it all";
     EXPECT_NE(job.row->Seen().why.find(why), std::string::npos) << why << job.row->Seen().why;
     EXPECT_FALSE(fs::exists(job.folder.Path() / "g") || fs::exists(job.folder.Path() / "gone"));
-    EXPECT_TRUE(why != "Denied" || Contents(job.folder.Path() / "f").starts_with("kept"));
+    if (why == "Gone") continue;  // a reset may overtake the bytes before it
+    const bool begun = why == "Only 3 of 10" || why == "does not answer";
+    EXPECT_EQ(Contents(job.folder.Path() / "f"), why == "Denied" ? "kept until the server agrees"
+                                                 : begun         ? "012"
+                                                                 : "");
   }
 }
 
@@ -109,23 +107,6 @@ TEST(FileTransfer, DoesNotWorkInAnotherDirectoryOfItsWindow) {
   job.description.remoteDirectory = "/elsewhere";
   EXPECT_EQ(job.Run(), TransferEnd::Failed);
   EXPECT_FALSE(job.server.Tree().Exists("/pub/g"));
-}
-
-TEST(FileTransfer, KeepsWhatCameBeforeACancel) {
-  for (const bool shared : {false, true}) {
-    for (const bool passive : {false, true}) {
-      Job job(passive, shared);
-      job.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall});
-      job.Fetch("f");
-      job.Start();
-      ASSERT_TRUE(WaitFor([&] { return job.row->Progress().done == 3; }));
-      job.worker->Cancel();
-      EXPECT_EQ(job.Wait(), TransferEnd::Cancelled);
-      EXPECT_EQ(Contents(job.folder.Path() / "f"), "012");
-      const EngineLease lease(*job.description.engine);
-      EXPECT_TRUE(!shared || job.description.engine->SendCommand("SYST\n") == 215);
-    }
-  }
 }
 
 TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <atomic>
 #include <future>
 #include <iterator>
 #include <vector>

@@ -146,13 +146,6 @@ TEST_F(Running, IsNotLookedForWhereOthersCanEnter) {
 /// Starts of the real program by one user.
 class Starts : public testing::Test {
  protected:
-  ~Starts() override {
-    for (const auto& process : processes_) {
-      process->kill();
-      process->waitForFinished();
-    }
-  }
-
   QProcess& Run(const QString& user, const char* platform = "offscreen") {
     auto environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "HOME", "TMPDIR"}) {
@@ -168,16 +161,15 @@ class Starts : public testing::Test {
   }
   /// Whether these users, in the order of the alphabet, have logged in, each once.
   [[nodiscard]] bool Served(const std::string& users) const {
-    return QTest::qWaitFor(
-        [&] {
-          std::string names;
-          for (const std::string& line : server_.Transcript()) {
-            if (line.starts_with("USER ")) names += line.substr(5, 1);
-          }
-          std::ranges::sort(names);
-          return names == users;
-        },
-        30000);
+    const auto all = [&] {
+      std::string names;
+      for (const std::string& line : server_.Transcript()) {
+        if (line.starts_with("USER ")) names += line.substr(5, 1);
+      }
+      std::ranges::sort(names);
+      return names == users;
+    };
+    return QTest::qWaitFor(all, 30000);
   }
   /// The exit status of a start that is not to be the running program.
   int Status(QProcess& process) {
@@ -187,7 +179,7 @@ class Starts : public testing::Test {
 
   QTemporaryDir folder_;
   ScriptedServer server_;
-  std::vector<std::unique_ptr<QProcess>> processes_;
+  std::vector<std::unique_ptr<QProcess>> processes_;  // killed at the end
 };
 
 TEST_F(Starts, AreOneProgramAlsoAfterAKill) {

@@ -52,12 +52,12 @@ TEST(GetTruncatedString, EndsInDotsThatFitAndCutsWholeCharacters) {
       {"abcdef", 6, "abcdef"}, {"ab   cd", 6, "ab..."}, {"abcdef", 3, "a.."}, {" bcdef", 0, "."}};
   for (const auto& [text, width, expected] : dots)
     EXPECT_EQ(GetTruncatedString(text, characters, width), expected);
-  const std::tuple<const char*, Truncation, const char*> cases[] = {
-      {"äöüß", Truncation::Beginning, "…üß"},
-      {"äöüßx", Truncation::End, "äö…"},
-      {"äöüßx", Truncation::Middle, "ä…x"}};
-  for (const auto& [text, mode, expected] : cases)
-    EXPECT_EQ(GetTruncatedString(text, characters, 3, mode), expected);
+  const std::tuple<const char*, float, Truncation, const char*> cases[] = {
+      {"äöüß", 3, Truncation::Beginning, "…üß"},
+      {"äöüßx", 3, Truncation::End, "äö…"},
+      {"äöüßxyz", 4, Truncation::Middle, "äö…z"}};
+  for (const auto& [text, width, mode, expected] : cases)
+    EXPECT_EQ(GetTruncatedString(text, characters, width, mode), expected);
 }
 
 TEST(Encodings, OnlyWellFormedUtf8IsUtf8) {

@@ -147,7 +147,7 @@ TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
   w.server.Tree().AddFile("/pub/d/e", "1");
   w.server.Tree().AddLink("/pub/l", "/pub/b");
   w.server.On("RNFR", {.reply = "350 And?\r\n"});
-  w.server.On("RNTO", {.reply = "250 Renamed.\r\n"}, 1);
+  w.server.On("RNTO", {.reply = "250 Renamed.\r\n"});
   w.server.On("RNTO", {.reply = "553 Not there.\r\n"}, 2);
   w.Connect("/pub");
   ASSERT_TRUE(w.Shows("/pub", {"a", "b", "d", "l"}));

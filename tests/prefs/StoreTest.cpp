@@ -123,6 +123,9 @@ TEST_F(PrefsTest, AListenerHearsASaveElsewhereAndMayDropItsSet) {
   PREFApp* same = nullptr;
   ASSERT_EQ(PREFInit("test", &same), 0);
   const PREFListener never = [](PREFSet*, void*) { std::abort(); };
+  PREFSet* quiet = nullptr;
+  ASSERT_EQ(PREFLoadSet(app, "quiet", true, &quiet), 0);
+  ASSERT_EQ(PREFListen(quiet, never, nullptr), 0) << "nothing changes";
   PREFSet* const set = Load();
   ASSERT_EQ(PREFListen(set, never, nullptr), 0);
   ASSERT_EQ(PREFListen(set, listener, &heard), 0) << "in place of the first";
@@ -130,7 +133,7 @@ TEST_F(PrefsTest, AListenerHearsASaveElsewhereAndMayDropItsSet) {
   EXPECT_TRUE(WaitFor([&] { return heard.calls != 0; }));
   EXPECT_EQ(heard.text, "news");
   EXPECT_EQ(PREFSaveSet(set), kPrefNotFound) << "dropped";
-  EXPECT_EQ(PREFListen(Load(), never, nullptr), 0) << "nothing changes; ends with its application";
+  EXPECT_EQ(PREFListen(Load(), listener, &heard), 0) << "ends with its application";
   EXPECT_EQ(PREFShutdown(same), 0);
 }
 

@@ -29,32 +29,37 @@
 
 namespace corvane {
 
-/// Keeps where a browser window asks its connection to go.
+/// "CODE field=value ..." of a message's strings, and its port.
+inline std::string Text(const Message& message) {
+  std::string text;
+  for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(message.what >> shift);
+  for (const std::string& name : message.Names()) {
+    for (std::size_t i = 0; i < message.CountValues(name); ++i) {
+      if (const auto value = message.FindString(name, i)) text += " " + name + "=" + *value;
+    }
+  }
+  const auto port = message.FindInt16("port");
+  return port ? text + " port=" + std::to_string(static_cast<std::uint16_t>(*port)) : text;
+}
+
+/// Keeps what a browser window asks of its connection, a line for each request.
 class RecordingLooper : public Looper {
  public:
   RecordingLooper() : Looper("recording") {}
-  /// The directory of every request so far, each with a blank behind it; the first request, which
-  /// connects, has none.
-  [[nodiscard]] std::string Directories() {
+  [[nodiscard]] std::string Asked() {
     MutexLock hold(lock_);
-    return directories_;
-  }
-  [[nodiscard]] Message Last() {
-    MutexLock hold(lock_);
-    return last_;
+    return asked_;
   }
 
  protected:
   void MessageReceived(const Message& message) override {
     MutexLock hold(lock_);
-    directories_ += message.FindString("cwd").value_or("") + " ";
-    last_ = message;
+    asked_ += Text(message) + "\n";
   }
 
  private:
   Mutex lock_;
-  std::string directories_ GUARDED_BY(lock_);
-  Message last_ GUARDED_BY(lock_);
+  std::string asked_ GUARDED_BY(lock_);
 };
 
 /// A transfer that moves nothing.
@@ -126,6 +131,10 @@ class AppFixture : public testing::Test {
     ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
   }
   static bool Wait(const auto& until) { return QTest::qWaitFor(until, 5000); }
+  /// Whether `requests`, each on a line, are the last that the connection is asked for.
+  [[nodiscard]] bool Asks(const std::string& requests) {
+    return Wait([&] { return looper_->Asked().ends_with("\n" + requests + "\n"); });
+  }
   static Message With(std::uint32_t what, const std::string& name, const std::string& text) {
     Message message(what);
     message.AddString(name, text);

@@ -55,7 +55,7 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   EXPECT_TRUE(Box("ShowTranWin").isChecked());
   QFile atLogin(config_.filePath("autostart/corvane-tray.desktop"));
   EXPECT_TRUE(atLogin.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(atLogin.readAll().contains("\" -deskbar\n"));
+  EXPECT_TRUE(atLogin.readAll().contains("\" -deskbar login\n"));
   EXPECT_TRUE(Box("ShowInTray").isChecked());
   EXPECT_EQ(window_->findChild<QComboBox*>("BufferSize")->currentIndex(), 3);
   Box("RemoveItem").toggle();

@@ -195,26 +195,14 @@ TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
   EXPECT_EQ(Fields(), "|||21|");
 }
 
-std::string Summary(const std::vector<std::string>& arguments) {
-  const CommandLine line = CommandLine::Read(arguments);
-  if (line.usage) return "usage";
-  if (!line.open.has_value()) return "";
-  std::string text;
-  for (const char* name : {"user", "pass", "host", "path"}) {
-    if (const auto value = line.open->FindString(name)) text += name + ("=" + *value) + " ";
-  }
-  const auto port = line.open->FindInt16("port");
-  return port ? text + "port=" + std::to_string(static_cast<std::uint16_t>(*port)) : text;
-}
-
 TEST(CommandLine, IsReadAsWritten) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{}, ""},
-      {{"ftp://h/pub/"}, "host=h path=/pub/ "},
-      {{"ftp://h/"}, "host=h "},
-      {{"ftp://p@h/x"}, "pass=p host=h path=/x "},
-      {{"ftp://h:2121/"}, "user=h host=2121 "},
-      {{"ftp://u:p@h:65535/a:b@c"}, "user=u pass=p host=h path=/a:b@c port=65535"},
+      {{"ftp://h/pub/"}, "OPNC host=h path=/pub/"},
+      {{"ftp://h/"}, "OPNC host=h"},
+      {{"ftp://p@h/x"}, "OPNC pass=p host=h path=/x"},
+      {{"ftp://h:2121/"}, "OPNC user=h host=2121"},
+      {{"ftp://u:p@h:65535/a:b@c"}, "OPNC user=u pass=p host=h path=/a:b@c port=65535"},
       {{"ftp://u:p@h:0/"}, "usage"},
       {{"ftp://u:p@h:99999/"}, "usage"},
       {{"ftp://"}, ""},
@@ -223,7 +211,9 @@ TEST(CommandLine, IsReadAsWritten) {
       {{"ftp://h", "ftp://i"}, "usage"},
   };
   for (const auto& [arguments, result] : cases) {
-    EXPECT_EQ(Summary(arguments), result) << testing::PrintToString(arguments);
+    const CommandLine line = CommandLine::Read(arguments);
+    const std::string read = line.open.has_value() ? Text(*line.open) : line.usage ? "usage" : "";
+    EXPECT_EQ(read, result) << testing::PrintToString(arguments);
   }
 }
 

@@ -15,11 +15,14 @@ class Transfers : public AppFixture {
     PutInFront(transferWindow_);
   }
 
-  TransferItem& Start(const std::string& host = "server.test") {
+  TransferItem& Start(const std::string& host = "server.test", const std::string& name = "file") {
     DownloadRequest request;
+    request.window = window_;
     request.connection.host = host;
+    request.where = "/d";
     request.size = 1000;
-    request.items.push_back(File("file", 1000));
+    request.items.push_back(File("remote", 1000));
+    request.items[0].displayName = name;
     transferWindow_.AddDownload(std::move(request));
     return list_.Items().At(list_.Items().Count() - 1);
   }
@@ -125,10 +128,7 @@ TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
   const auto text = [&](int role) {
     return list_.Items().data(list_.Items().index(0), role).toString().toStdString();
   };
-  DownloadRequest request;
-  request.window = window_;
-  request.items.push_back(File("tree", kDirectorySize));
-  transferWindow_.AddDownload(request);
+  Start();
   TransferUi& row = *transfers_[0]->row;
   row.BeginFile("last");
   for (int note = 1; note <= 25; ++note) row.NoteEntry("<b>" + std::to_string(note) + ": left");
@@ -145,13 +145,11 @@ TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
 }
 
 TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
-  DownloadRequest request;
-  request.where = "/d";
-  request.items.push_back(File("remote"));
-  request.items[0].displayName = "a \xFC";
-  transferWindow_.AddDownload(request);
-  request.items.push_back(File("second"));
-  transferWindow_.AddDownload(request);
+  Start("server.test", "a \xFC");
+  DownloadRequest several;
+  several.where = "/d";
+  several.items = {File("first"), File("second")};
+  transferWindow_.AddDownload(several);
   std::string working;
   QByteArray asked;
   Reveal::Use({[&](const QUrl& entry, const auto& then) {

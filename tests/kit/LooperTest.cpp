@@ -32,33 +32,25 @@ struct CountingLooper : Looper {
   std::atomic<std::uint32_t> handled = 0;
 };
 
-TEST(Looper, HandlesInOrderAndRefusesWhatDoesNotFit) {
-  const auto looper = std::make_shared<CountingLooper>();
-  ASSERT_TRUE(looper->PostMessage(Message(0)));  // waits until the looper runs
-  ASSERT_TRUE(looper->Run());
-  ASSERT_TRUE(looper->HasHandled(1));
-  std::uint32_t posted = 1;
-  while (looper->PostMessage(Message(posted))) ++posted;
-  EXPECT_EQ(posted, 1 + Looper::kQueueLength);
-  looper->Interrupt();
-  EXPECT_TRUE(looper->HasHandled(posted));
-  looper->Quit();
-  EXPECT_FALSE(looper->PostMessage(Message(posted)));
-  EXPECT_TRUE(Background::WaitForNone(5s));
-}
-
-TEST(Looper, QuitDropsTheQueueInterruptsTheHandlerAndFreesTheLooper) {
-  auto looper = std::make_shared<CountingLooper>();
-  const std::weak_ptr<CountingLooper> seen = looper;
-  ASSERT_TRUE(looper->Run());
-  ASSERT_TRUE(looper->PostMessage(Message(0)));
-  ASSERT_TRUE(looper->HasHandled(1));
-  ASSERT_TRUE(looper->PostMessage(Message(1)));
-  looper->Quit();
-  ASSERT_TRUE(Background::WaitForNone(5s));
-  EXPECT_EQ(looper->handled, 1U);
-  looper.reset();
-  EXPECT_TRUE(seen.expired());
+TEST(Looper, HandlesInOrderRefusesWhatDoesNotFitAndIsFreedWhenItQuits) {
+  for (const bool interrupted : {true, false}) {
+    auto looper = std::make_shared<CountingLooper>();
+    const std::weak_ptr<CountingLooper> seen = looper;
+    ASSERT_TRUE(looper->PostMessage(Message(0)));  // waits until the looper runs
+    ASSERT_TRUE(looper->Run());
+    ASSERT_TRUE(looper->HasHandled(1));
+    std::uint32_t posted = 1;
+    while (looper->PostMessage(Message(posted))) ++posted;
+    EXPECT_EQ(posted, 1 + Looper::kQueueLength);
+    if (interrupted) looper->Interrupt();
+    if (interrupted) EXPECT_TRUE(looper->HasHandled(posted));
+    looper->Quit();  // drops the queue, and interrupts the handler
+    EXPECT_FALSE(looper->PostMessage(Message(posted)));
+    ASSERT_TRUE(Background::WaitForNone(5s));
+    EXPECT_EQ(looper->handled, interrupted ? posted : 1U);
+    looper.reset();
+    EXPECT_TRUE(seen.expired());
+  }
 }
 
 TEST(Background, CountsUntilTheWorkAndAllThatItOwnsAreGone) {

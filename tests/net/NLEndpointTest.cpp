@@ -81,7 +81,6 @@ TEST_F(NLEndpointTest, CarriesBytesUntilTheEndOfTheStream) {
   NLPacket received;
   while (received.size() < 6) ASSERT_GT(served->recv(received, 4), 0);
   EXPECT_STREQ(received.data(), "hello");
-
   served->close();
   EXPECT_EQ(client.recv(&byte, 1), 0);
   client.throwOnSendError = false;  // no signal ends the program

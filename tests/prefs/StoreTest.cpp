@@ -100,16 +100,12 @@ TEST_F(PrefsTest, ListingsNameWhatThereIs) {
 }
 
 TEST(PollInterval, IsInSecondsMillisecondsOrMicroseconds) {
-  const std::pair<const char*, std::int64_t> cases[] = {
-      {"5", 5'000'000},        {"3999", 3'999'000'000}, {"4000", 4'000'000},
-      {"499999", 499'999'000}, {"500000", 500'000},     {"5000000", 5'000'000},
-  };
-  for (const auto& [text, expected] : cases) {
-    EXPECT_EQ(ParsePollInterval(text), std::chrono::microseconds(expected)) << text;
+  std::string read;
+  for (const char* text : {"5", "3999", "4000", "499999", "500000", "0", "-5", "5s", "", "1e99"}) {
+    const auto interval = ParsePollInterval(text);
+    read += std::to_string(interval ? interval->count() : -1) + " ";
   }
-  for (const char* bad : {"9223372036854775808", "", "0", "-5", "5s"}) {
-    EXPECT_FALSE(ParsePollInterval(bad)) << bad;
-  }
+  EXPECT_EQ(read, "5000000 3999000000 4000000 499999000 500000 -1 -1 -1 -1 -1 ");
 }
 
 TEST_F(PrefsTest, AListenerHearsASaveElsewhereAndMayDropItsSet) {

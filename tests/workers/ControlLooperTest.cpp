@@ -104,7 +104,7 @@ TEST(ControlLooper, AsksAWindowsServerForUnixListings) {
   for (const std::string style : {"off", "on"}) {
     Window w;
     w.server.On("SYST", {.reply = "215 Windows_NT\r\n"});
-    w.server.On("LIST", {.data = ""});
+    w.server.On("LIST", {.data = "crw 1 u g 1, 3 Jan 1 10:00 null\r\n"});  // not shown
     w.server.On("SITE", {.reply = "200 MSDOS-like directory output is " + style + "\r\n"});
     w.Connect();
     ASSERT_TRUE(w.Shows("/", {}));
@@ -147,7 +147,7 @@ TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
   w.server.Tree().AddFile("/pub/d/e", "1");
   w.server.Tree().AddLink("/pub/l", "/pub/b");
   w.server.On("RNFR", {.reply = "350 And?\r\n"});
-  w.server.On("RNTO", {.reply = "250 Renamed.\r\n"}, 1);
+  w.server.On("RNTO", {.reply = "250 Renamed.\r\n"});
   w.server.On("RNTO", {.reply = "553 Not there.\r\n"}, 2);
   w.Connect("/pub");
   ASSERT_TRUE(w.Shows("/pub", {"a", "b", "d", "l"}));
@@ -200,9 +200,11 @@ TEST(ControlLooper, ShowsFilesAndTheListingAsText) {
   for (const auto& [action, note] : cases) {
     Window w;
     w.server.Tree().AddFile("/f", "one\r\ntwo\n");
-    w.server.On("RETR", action, 1);
+    w.server.On("RETR", action, 2);
     w.Connect();
     ASSERT_TRUE(w.Shows("/", {"f"}));
+    w.Post("VWFL"_what, "file", "none", "/");
+    EXPECT_TRUE(w.Warned(1));
     w.Post("VWFL"_what, "file", "f", "/");
     const std::string text = action.dataLimit == 3 ? "one" : "one\ntwo\n";
     const std::string expected = note;

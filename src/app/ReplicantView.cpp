@@ -3,6 +3,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <utility>
+#include <vector>
 
 #include "app/Icons.h"
 #include "app/OpenMessage.h"
@@ -33,7 +34,9 @@ void ReplicantView::SetupPopUpMenu() {
 }
 
 void ReplicantView::SetupShortcuts(QMenu* menu) {
-  for (const Shortcut& shortcut : ShortcutStore::ReadForMenu()) {
+  const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForMenu();
+  if (shortcuts.empty()) menu->addAction(tr("The shortcuts could not be read."))->setEnabled(false);
+  for (const Shortcut& shortcut : shortcuts) {
     connect(menu->addAction(ShortcutField::ItemText(NameOf(shortcut))), &QAction::triggered, this,
             [this, shortcut] { Open(shortcut); });
   }

@@ -6,6 +6,7 @@
 #include <QTabWidget>
 
 #include "AppFixture.h"
+#include "app/Autostart.h"
 #include "settings/StoredSettings.h"
 
 namespace corvane {
@@ -57,6 +58,18 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   EXPECT_TRUE(atLogin.open(QIODevice::ReadOnly));
   EXPECT_TRUE(atLogin.readAll().contains("\" -deskbar login\n"));
   EXPECT_TRUE(Box("ShowInTray").isChecked());
+  EXPECT_EQ(Autostart::Set(false), "");
+  EXPECT_FALSE(atLogin.exists());
+  // What somebody else wrote into it stays.
+  QFile edited(atLogin.fileName());
+  EXPECT_TRUE(edited.open(QIODevice::WriteOnly) && edited.write("[Desktop Entry]\nX-My=1\n") > 0);
+  edited.close();
+  for (const bool on : {false, true}) {
+    EXPECT_EQ(Autostart::Set(on), "");
+    EXPECT_EQ(Autostart::IsSet(), on);
+    QFile now(atLogin.fileName());
+    EXPECT_TRUE(now.open(QIODevice::ReadOnly) && now.readAll().contains("X-My=1\n"));
+  }
   EXPECT_EQ(window_->findChild<QComboBox*>("BufferSize")->currentIndex(), 3);
   Box("RemoveItem").toggle();
   window_->findChild<QPushButton*>("cancel")->setFocus();

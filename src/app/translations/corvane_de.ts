@@ -1329,6 +1329,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>The port of this shortcut is no number from 1 to 65535.</source>
         <translation>Der Port dieser Verknüpfung ist keine Zahl von 1 bis 65535.</translation>
     </message>
+    <message>
+        <source>The shortcuts could not be read.</source>
+        <translation>Die Verknüpfungen konnten nicht gelesen werden.</translation>
+    </message>
 </context>
 <context>
     <name>corvane::ShortCutEditWindow</name>

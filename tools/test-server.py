@@ -23,6 +23,7 @@ import time
 
 PREFIX = pathlib.Path(os.environ.get("CORVANE_TEST_SERVERS")
                       or pathlib.Path(__file__).resolve().parent.parent / "build" / "servers")
+ENVIRONMENT = {"LD_LIBRARY_PATH": ":".join(glob.glob(str(PREFIX / "usr/lib/*-linux-gnu")))}
 NOBODY = 65534
 # "secret" in the cheapest form that the servers take: a costly one would be all that tests measure.
 HASH = "$1$corvane$9DdHOUgT/LsPEZVtUVHTY/"
@@ -113,7 +114,8 @@ def command(name, root, home, port):
     for path in [root, *root.rglob("*")]:
         os.chown(path, NOBODY, NOBODY, follow_symlinks=False)
     users = private_file(home / "users", f"tester:{HASH}:{NOBODY}:{NOBODY}::{root}/./::::::::::::\n")
-    subprocess.run([PREFIX / "usr/bin/pure-pw", "mkdb", users + ".pdb", "-f", users], check=True)
+    subprocess.run([PREFIX / "usr/bin/pure-pw", "mkdb", users + ".pdb", "-f", users],
+                   env=ENVIRONMENT, check=True)
     return ["-4", "-H", "-E", "-c20", "-C20", "-u1", "-S", f"127.0.0.1,{port}",
             "-l", f"puredb:{users}.pdb", "-g", str(home / "pid")]
 
@@ -130,10 +132,9 @@ def main(name, root):
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
     with tempfile.TemporaryDirectory(prefix="corvane-server-") as folder:
         home, port = pathlib.Path(folder), free_port()
-        libraries = ":".join(glob.glob(str(PREFIX / "usr/lib/*-linux-gnu")))
         line = [str(PREFIX / "usr/sbin" / name), *command(name, pathlib.Path(root), home, port)]
         log = open(home / "log", "w+b")
-        server = subprocess.Popen(line, env={"LD_LIBRARY_PATH": libraries}, stdin=subprocess.DEVNULL,
+        server = subprocess.Popen(line, env=ENVIRONMENT, stdin=subprocess.DEVNULL,
                                   stdout=log, stderr=log, preexec_fn=lambda: ctypes.CDLL(
                                       None).prctl(1, signal.SIGKILL))  # PR_SET_PDEATHSIG
         try:

@@ -14,10 +14,10 @@
 #include <functional>
 #include <string>
 
-#include "app/DirListView.h"
-#include "app/MWindow.h"
-#include "app/SmallView.h"
-#include "app/TambleApp.h"
+#include "app/browser/DirListView.h"
+#include "app/browser/MWindow.h"
+#include "app/program/TambleApp.h"
+#include "app/shared/SmallView.h"
 #include "settings/ProcessSettings.h"
 #include "workers/ListingCache.h"
 

@@ -15,8 +15,8 @@
 #include <thread>
 #include <vector>
 
-#include "app/DownLoadWin.h"
-#include "app/TambleApp.h"
+#include "app/program/TambleApp.h"
+#include "app/transfers/DownLoadWin.h"
 #include "settings/ProcessSettings.h"
 
 namespace {

@@ -16,13 +16,13 @@
 #include <string>
 #include <vector>
 
-#include "app/Alerts.h"
-#include "app/Connection.h"
-#include "app/DirListView.h"
-#include "app/DownLoadWin.h"
-#include "app/MWindow.h"
-#include "app/StartWin.h"
-#include "app/TambleApp.h"
+#include "app/browser/DirListView.h"
+#include "app/browser/MWindow.h"
+#include "app/connect/StartWin.h"
+#include "app/program/TambleApp.h"
+#include "app/shared/Alerts.h"
+#include "app/shared/Connection.h"
+#include "app/transfers/DownLoadWin.h"
 #include "kit/Mutex.h"
 #include "net/NLException.h"
 #include "settings/ProcessSettings.h"

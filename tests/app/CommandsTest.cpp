@@ -2,11 +2,11 @@
 #include <QPlainTextEdit>
 
 #include "AppFixture.h"
-#include "app/MViewFile.h"
-#include "app/NewDir.h"
-#include "app/RenameWin.h"
-#include "app/SmallView.h"
-#include "app/UploadPanel.h"
+#include "app/browser/MViewFile.h"
+#include "app/browser/NewDir.h"
+#include "app/browser/RenameWin.h"
+#include "app/browser/UploadPanel.h"
+#include "app/shared/SmallView.h"
 
 namespace corvane {
 namespace {

@@ -6,8 +6,8 @@
 #include <QMimeData>
 
 #include "AppFixture.h"
-#include "app/DragData.h"
-#include "app/ExtractService.h"
+#include "app/browser/DragData.h"
+#include "app/browser/ExtractService.h"
 
 namespace corvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/PrefWindow.h"
+#include "app/program/PrefWindow.h"
 
 #include <QComboBox>
 #include <QFile>
@@ -6,7 +6,7 @@
 #include <QTabWidget>
 
 #include "AppFixture.h"
-#include "app/Autostart.h"
+#include "app/desktop/Autostart.h"
 #include "settings/StoredSettings.h"
 
 namespace corvane {

@@ -1,4 +1,4 @@
-#include "app/RunningProgram.h"
+#include "app/desktop/RunningProgram.h"
 
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -16,7 +16,7 @@
 #include <memory>
 #include <thread>
 
-#include "app/RequestServer.h"
+#include "app/desktop/RequestServer.h"
 #include "support/ScriptedServer.h"
 
 namespace corvane {

@@ -1,5 +1,5 @@
 #include "AppFixture.h"
-#include "app/TransferPane.h"
+#include "app/transfers/TransferPane.h"
 
 namespace corvane {
 namespace {

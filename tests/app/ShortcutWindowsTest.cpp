@@ -1,11 +1,11 @@
 #include <QTreeWidget>
 
 #include "AppFixture.h"
-#include "app/ReplicantView.h"
-#include "app/RequestServer.h"
-#include "app/ShortCutEditWindow.h"
-#include "app/ShortCutWindow.h"
-#include "app/ShortcutField.h"
+#include "app/connect/ShortCutEditWindow.h"
+#include "app/connect/ShortCutWindow.h"
+#include "app/connect/ShortcutField.h"
+#include "app/desktop/ReplicantView.h"
+#include "app/desktop/RequestServer.h"
 #include "settings/ShortcutStore.h"
 
 namespace corvane {

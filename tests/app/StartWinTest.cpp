@@ -2,12 +2,12 @@
 #include <QScreen>
 
 #include "AppFixture.h"
-#include "app/CommandLine.h"
-#include "app/Frames.h"
-#include "app/Password.h"
-#include "app/PastedUrl.h"
-#include "app/ShortcutField.h"
-#include "app/Text.h"
+#include "app/connect/Password.h"
+#include "app/connect/PastedUrl.h"
+#include "app/connect/ShortcutField.h"
+#include "app/program/CommandLine.h"
+#include "app/shared/Frames.h"
+#include "app/shared/ScreenText.h"
 #include "settings/ShortcutStore.h"
 
 namespace corvane {

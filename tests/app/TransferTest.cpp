@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "AppFixture.h"
-#include "app/Reveal.h"
+#include "app/desktop/Reveal.h"
 
 namespace corvane {
 namespace {

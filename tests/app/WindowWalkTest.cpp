@@ -9,9 +9,9 @@
 #include <algorithm>
 
 #include "AppFixture.h"
-#include "app/EngineTexts.h"
-#include "app/MViewFile.h"
-#include "app/Translations.h"
+#include "app/browser/MViewFile.h"
+#include "app/program/Translations.h"
+#include "app/shared/EngineTexts.h"
 #include "util/Shortcut.h"
 
 namespace corvane {

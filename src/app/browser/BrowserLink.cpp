@@ -1,0 +1,175 @@
+#include "app/browser/BrowserLink.h"
+
+#include <QElapsedTimer>
+#include <utility>
+
+#include "app/browser/MViewFile.h"
+#include "app/browser/MWindow.h"
+#include "app/desktop/SoundPlayer.h"
+#include "app/shared/GuiThread.h"
+
+namespace corvane {
+namespace {
+
+/// The GUI thread's share of one turn of the event loop.
+constexpr int kTurnMilliseconds = 10;
+constexpr std::size_t kLogPiece = std::size_t{16} * 1024;
+constexpr std::size_t kMostAttributes = 4096;
+
+template <typename... Handlers>
+struct Overloaded : Handlers... {
+  using Handlers::operator()...;
+};
+template <typename... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
+
+}  // namespace
+
+BrowserLink::BrowserLink(MWindow& window) : window_(&window) {}
+
+bool BrowserLink::SetStatus(std::string_view text) {
+  return Push(Status{std::string(text)});
+}
+
+bool BrowserLink::AppendLog(std::string_view text) {
+  return Push(Log{std::string(text)});
+}
+
+bool BrowserLink::SetPath(std::string_view path) {
+  return Push(Path{std::string(path)});
+}
+
+bool BrowserLink::BeginListing() {
+  {
+    MutexLock hold(lock_);
+    attributes_.clear();
+  }
+  return Push(Begin{});
+}
+
+bool BrowserLink::AddEntries(std::vector<fileStruct> entries) {
+  if (closing_) return false;
+  Rows rows;
+  rows.items.reserve(entries.size());
+  {
+    MutexLock hold(lock_);
+    for (fileStruct& entry : entries) {
+      rows.items.emplace_back(entry, Shared({std::move(entry.permissions), std::move(entry.owner),
+                                             std::move(entry.group)}));
+    }
+  }
+  return Push(std::move(rows));
+}
+
+bool BrowserLink::EndListing(std::size_t count) {
+  return Push(End{count});
+}
+
+bool BrowserLink::RemoveEntry(std::string_view name) {
+  return Push(Remove{std::string(name)});
+}
+
+bool BrowserLink::RenameEntry(std::string_view from, std::string_view to,
+                              std::string_view directory) {
+  return Push(Rename{std::string(from), std::string(to), std::string(directory)});
+}
+
+bool BrowserLink::ChangeValues(std::string_view name, std::int64_t size) {
+  return Push(Change{std::string(name), size});
+}
+
+bool BrowserLink::IsListingEnabled() {
+  return !closing_ && listingEnabled_;
+}
+
+std::shared_ptr<TextSink> BrowserLink::OpenViewer(std::string_view title) {
+  auto link = std::make_shared<ViewerLink>();
+  if (!Push(Viewer{link, std::string(title)})) return nullptr;
+  return link;
+}
+
+bool BrowserLink::PostMessage(Message message) {
+  return Push(std::move(message));
+}
+
+bool BrowserLink::PlaySound(std::string_view path) {
+  SoundPlayer::Play(path);
+  return !closing_;
+}
+
+std::shared_ptr<const EntryAttributes> BrowserLink::Shared(EntryAttributes attributes) {
+  if (attributes_.size() > kMostAttributes) attributes_.clear();
+  const auto [place, added] = attributes_.try_emplace(std::move(attributes));
+  if (added) place->second = std::make_shared<const EntryAttributes>(place->first);
+  return place->second;
+}
+
+bool BrowserLink::Merge(Event& event) {
+  if (events_.empty()) return false;
+  Event& last = events_.back();
+  if (auto* log = std::get_if<Log>(&last); log != nullptr && log->text.size() < kLogPiece) {
+    if (const auto* more = std::get_if<Log>(&event)) {
+      log->text += more->text;
+      return true;
+    }
+  }
+  if (auto* status = std::get_if<Status>(&last); status != nullptr) {
+    if (auto* newer = std::get_if<Status>(&event)) {
+      status->text = std::move(newer->text);
+      return true;
+    }
+  }
+  return false;
+}
+
+bool BrowserLink::Push(Event event) {
+  if (closing_) return false;
+  bool hop = false;
+  {
+    MutexLock hold(lock_);
+    if (!Merge(event)) events_.push_back(std::move(event));
+    hop = !std::exchange(hopPending_, true);
+  }
+  if (hop) Hop();
+  return true;
+}
+
+void BrowserLink::Hop() {
+  OnGuiThread([self = shared_from_this()] { self->Drain(); });
+}
+
+void BrowserLink::Drain() {
+  QElapsedTimer turn;
+  turn.start();
+  for (bool first = true; !closing_ && !window_.isNull(); first = false) {
+    Event event;
+    {
+      MutexLock hold(lock_);
+      if (events_.empty()) {
+        hopPending_ = false;
+        return;
+      }
+      // The end of a listing sorts it, which takes a turn of its own.
+      const bool sorts = std::holds_alternative<End>(events_.front());
+      if (turn.hasExpired(kTurnMilliseconds) || (sorts && !first)) break;
+      event = std::move(events_.front());
+      events_.pop_front();
+    }
+    MWindow& window = *window_;
+    std::visit(Overloaded{[&](const Status& it) { window.ShowStatus(it.text); },
+                          [&](const Log& it) { window.AppendLog(it.text); },
+                          [&](const Path& it) { window.ShowPath(it.path); },
+                          [&](const Begin&) { window.GetRidofListing(); },
+                          [&](Rows& it) { window.AddRows(std::move(it.items)); },
+                          [&](const End& it) { window.ListingEnded(it.count); },
+                          [&](const Remove& it) { window.RemoveRow(it.name); },
+                          [&](const Rename& it) { window.RenameRow(it.from, it.to, it.directory); },
+                          [&](const Change& it) { window.ChangeValues(it.name, it.size); },
+                          [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },
+                          [&](const Message& it) { window.MessageReceived(it); }},
+               event);
+  }
+  if (!closing_ && !window_.isNull()) Hop();
+}
+
+}  // namespace corvane

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QPointer>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "app/browser/MWListItem.h"
+#include "ftp/BrowserUi.h"
+#include "kit/Mutex.h"
+
+namespace corvane {
+
+class MWindow;
+class ViewerLink;
+
+/// A browser window as its connection sees it. Outlives the window: looper and workers share it.
+/// What arrives is collected here, in order, and handed to the window once per turn of its event
+/// loop, a bounded piece at a time, so that no listing keeps the window from answering.
+class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<BrowserLink> {
+ public:
+  /// GUI thread.
+  explicit BrowserLink(MWindow& window);
+
+  /// GUI thread: from now on every call answers false and nothing reaches the window.
+  void Close() { closing_ = true; }
+  /// GUI thread.
+  void SetListingEnabled(bool enabled) { listingEnabled_ = enabled; }
+
+  bool SetStatus(std::string_view text) override;
+  bool AppendLog(std::string_view text) override;
+  bool SetPath(std::string_view path) override;
+  bool BeginListing() override;
+  bool AddEntries(std::vector<fileStruct> entries) override;
+  bool EndListing(std::size_t count) override;
+  bool RemoveEntry(std::string_view name) override;
+  bool RenameEntry(std::string_view from, std::string_view to, std::string_view directory) override;
+  bool ChangeValues(std::string_view name, std::int64_t size) override;
+  [[nodiscard]] bool IsListingEnabled() override;
+  [[nodiscard]] std::shared_ptr<TextSink> OpenViewer(std::string_view title) override;
+  bool PostMessage(Message message) override;
+  bool PlaySound(std::string_view path) override;
+
+ private:
+  struct Status {
+    std::string text;
+  };
+  struct Log {
+    std::string text;
+  };
+  struct Path {
+    std::string path;
+  };
+  struct Begin {};
+  struct Rows {
+    std::vector<MWListItem> items;
+  };
+  struct End {
+    std::size_t count;
+  };
+  struct Remove {
+    std::string name;
+  };
+  struct Rename {
+    std::string from;
+    std::string to;
+    std::string directory;
+  };
+  struct Change {
+    std::string name;
+    std::int64_t size;
+  };
+  struct Viewer {
+    std::shared_ptr<ViewerLink> link;
+    std::string title;
+  };
+  using Event =
+      std::variant<Status, Log, Path, Begin, Rows, End, Remove, Rename, Change, Viewer, Message>;
+
+  bool Push(Event event) EXCLUDES(lock_);
+  /// Adds to the last event where that loses nothing.
+  [[nodiscard]] bool Merge(Event& event) REQUIRES(lock_);
+  void Hop();
+  void Drain() EXCLUDES(lock_);
+  [[nodiscard]] std::shared_ptr<const EntryAttributes> Shared(EntryAttributes attributes)
+      REQUIRES(lock_);
+
+  const QPointer<MWindow> window_;  // looked at on the GUI thread only
+  std::atomic<bool> closing_{false};
+  std::atomic<bool> listingEnabled_{true};
+  Mutex lock_;
+  std::deque<Event> events_ GUARDED_BY(lock_);
+  bool hopPending_ GUARDED_BY(lock_) = false;
+  std::map<EntryAttributes, std::shared_ptr<const EntryAttributes>> attributes_ GUARDED_BY(lock_);
+};
+
+}  // namespace corvane

@@ -1,0 +1,115 @@
+#include "app/browser/MWListItem.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <utility>
+
+#include "ftp/ListingParser.h"
+
+namespace corvane {
+namespace {
+
+constexpr int kBaseYear = 1900;
+
+/// Twenty bits of year, offset so that every sane year is positive, then eight bits for each of
+/// month, day, hour, minute and second.
+std::uint64_t PackTime(const std::tm& time) {
+  const auto byte = [](int value) { return static_cast<std::uint64_t>(value & 0xFF); };
+  std::uint64_t key = static_cast<std::uint64_t>(std::clamp(time.tm_year + kBaseYear, 0, 0xFFFFF));
+  for (const int part : {time.tm_mon, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec}) {
+    key = key << 8 | byte(part);
+  }
+  return key;
+}
+
+template <typename... Values>
+std::string Printed(const char* format, Values... values) {
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), format, values...);
+  return text.data();
+}
+
+/// The size of a file behind a link; a small one keeps the link's mark.
+std::string LinkedSizeText(std::int64_t size) {
+  constexpr std::int64_t kKilo = 1024;
+  constexpr std::int64_t kMega = 1'024'000;
+  if (size < kKilo) return "  <link>" + std::to_string(size) + " B";
+  if (size < kMega) return Printed(" %.2f KB", static_cast<double>(size) / kKilo);
+  return Printed(" %.2f  MB", static_cast<double>(size) / kMega);
+}
+
+}  // namespace
+
+int CompareLowered(std::string_view a, std::string_view b) {
+  const std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    const int difference = Lowered(a[i]) - Lowered(b[i]);
+    if (difference != 0) return difference < 0 ? -1 : 1;
+  }
+  if (a.size() == b.size()) return 0;
+  return a.size() < b.size() ? -1 : 1;
+}
+
+MWListItem::MWListItem(const fileStruct& entry, std::shared_ptr<const EntryAttributes> attributes)
+    : name_(entry.name),
+      size_(entry.size),
+      time_(PackTime(entry.time)),
+      attributes_(std::move(attributes)),
+      type_(static_cast<std::uint8_t>(entry.type)),
+      icon_(IconFor(entry.type, entry.name)) {}
+
+MWListItem::MWListItem(const fileStruct& entry, std::string name)
+    : name_(std::move(name)),
+      size_(entry.size),
+      time_(PackTime(entry.time)),
+      attributes_(std::make_shared<const EntryAttributes>(
+          EntryAttributes{entry.permissions, entry.owner, entry.group})),
+      type_(static_cast<std::uint8_t>(entry.type)),
+      icon_(IconFor(entry.type, name_)) {}
+
+std::string MWListItem::SizeText() const {
+  if (size_ == kDirectorySize) return " <dir>";
+  if (size_ == kLinkSize) return " <link>";
+  if (size_ < 0) return " -";
+  if (wasLink_) return LinkedSizeText(size_);
+  return " " + corvane::SizeText(size_);
+}
+
+std::string MWListItem::DateText() const {
+  if (IsDots()) return "-";
+  const auto part = [this](int shift) { return static_cast<int>(time_ >> shift & 0xFF); };
+  return Printed("%02d/%02d/%d", part(32) + 1, part(24), static_cast<int>(time_ >> 40));
+}
+
+fileStruct MWListItem::GetFileInfo() const {
+  fileStruct entry;
+  entry.permissions = attributes_->permissions;
+  entry.owner = attributes_->owner;
+  entry.group = attributes_->group;
+  entry.date = DateText();
+  entry.sizeString = SizeText();
+  entry.size = size_;
+  entry.name = name_;
+  entry.displayName = name_;
+  entry.type = type_;
+  return entry;
+}
+
+void MWListItem::BecomeFile(std::int64_t size) {
+  size_ = size;
+  type_ = kFile;
+  icon_ = IconKind::Paper;
+  wasLink_ = true;
+  EntryAttributes attributes = *attributes_;
+  if (!attributes.permissions.empty()) attributes.permissions[0] = '-';
+  attributes_ = std::make_shared<const EntryAttributes>(std::move(attributes));
+}
+
+void MWListItem::SetSizeAndTime(std::int64_t size, const std::tm& time) {
+  size_ = size;
+  wasLink_ = false;
+  time_ = PackTime(time);
+}
+
+}  // namespace corvane

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "app/shared/Icons.h"
+#include "ftp/fileStruct.h"
+
+namespace corvane {
+
+/// What many rows of a listing have in common, kept once.
+struct EntryAttributes {
+  std::string permissions;
+  std::string owner;
+  std::string group;
+
+  friend bool operator<(const EntryAttributes& a, const EntryAttributes& b) {
+    return std::tie(a.permissions, a.owner, a.group) < std::tie(b.permissions, b.owner, b.group);
+  }
+};
+
+/// One row of the listing, small enough that a hundred thousand of them do no harm: texts are made
+/// when they are painted. A value; not locked.
+class MWListItem {
+ public:
+  MWListItem(const fileStruct& entry, std::shared_ptr<const EntryAttributes> attributes);
+  MWListItem(const fileStruct& entry, std::string name);
+
+  [[nodiscard]] const std::string& Name() const { return name_; }
+  [[nodiscard]] std::int64_t Size() const { return size_; }
+  /// Year to second packed so that later is greater.
+  [[nodiscard]] std::uint64_t TimeKey() const { return time_; }
+  [[nodiscard]] std::int32_t Type() const { return type_; }
+  [[nodiscard]] IconKind Icon() const { return icon_; }
+  [[nodiscard]] const EntryAttributes& Attributes() const { return *attributes_; }
+  /// The rows "." and "..".
+  [[nodiscard]] bool IsDots() const { return name_ == "." || name_ == ".."; }
+
+  [[nodiscard]] std::string SizeText() const;
+  [[nodiscard]] std::string DateText() const;
+
+  /// The row as the record that a transfer takes; its time is not filled.
+  [[nodiscard]] fileStruct GetFileInfo() const;
+
+  void SetSizeAndTime(std::int64_t size, const std::tm& time);
+  void RenameItem(std::string name) { name_ = std::move(name); }
+  /// A link that has turned out to lead to a file of `size` bytes.
+  void BecomeFile(std::int64_t size);
+
+ private:
+  std::string name_;
+  std::int64_t size_;
+  std::uint64_t time_;
+  std::shared_ptr<const EntryAttributes> attributes_;
+  std::uint8_t type_;
+  IconKind icon_;
+  bool wasLink_ = false;
+};
+
+/// An ASCII letter lowered, any other byte as it is, as an unsigned value.
+[[nodiscard]] constexpr unsigned char Lowered(char c) {
+  return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+}
+
+/// Byte order of two names with ASCII letters lowered: below, equal or above 0.
+[[nodiscard]] int CompareLowered(std::string_view a, std::string_view b);
+
+}  // namespace corvane

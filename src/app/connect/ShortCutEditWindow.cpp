@@ -1,0 +1,144 @@
+#include "app/connect/ShortCutEditWindow.h"
+
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "app/connect/ConnectionForm.h"
+#include "app/connect/ShortCutWindow.h"
+#include "app/connect/StartWin.h"
+#include "app/program/TambleApp.h"
+#include "app/shared/Alerts.h"
+#include "app/shared/EngineTexts.h"
+#include "app/shared/Frames.h"
+#include "app/shared/ScreenText.h"
+#include "app/shared/Windows.h"
+#include "settings/ShortcutStore.h"
+
+namespace corvane {
+
+ShortCutEditWindow::ShortCutEditWindow(TambleApp& app)
+    : app_(app),
+      form_(new ConnectionForm(ConnectionForm::Label::With, this)),
+      ok_(new QPushButton(this)) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  setObjectName("MainView");
+  MakeViews();
+  AddCloseKeys(this);
+}
+
+void ShortCutEditWindow::MakeViews() {
+  form_->setMinimumWidth(fontMetrics().horizontalAdvance('n') * 40);
+  auto* cancel = new QPushButton(tr("&Cancel"), this);
+  cancel->setObjectName("cancel");
+  cancel->setAutoDefault(true);
+  ok_->setObjectName("ok");
+  ok_->setDefault(true);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch();
+  buttons->addWidget(cancel);
+  buttons->addWidget(ok_);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(form_);
+  layout->addStretch();
+  layout->addLayout(buttons);
+  const auto save = [this] { MessageReceived(Message("SVPF"_what)); };
+  connect(form_, &ConnectionForm::returnPressed, this, save);
+  connect(ok_, &QPushButton::clicked, this, save);
+  connect(cancel, &QPushButton::clicked, this, &QWidget::close);
+}
+
+void ShortCutEditWindow::MessageReceived(const Message& message) {
+  if (message.what == "SVPF"_what) Save();
+}
+
+void ShortCutEditWindow::Edit(const Shortcut& record, Change change) {
+  change_ = std::move(change);
+  setWindowTitle(change_ ? tr("Edit Shortcut") : tr("Add Shortcut"));
+  ok_->setText(change_ ? tr("Chan&ge") : tr("&Add"));
+  form_->FillTexts(record);
+  form_->FillMode(record);
+  form_->label->setFocus();
+  form_->label->selectAll();
+  filled_ = form_->Entered();
+}
+
+bool ShortCutEditWindow::Busy() const {
+  return asking_ || form_->Entered() != filled_;
+}
+
+void ShortCutEditWindow::PlaceBeside(const QWidget& opener) {
+  adjustSize();
+  const QPoint place = opener.frameGeometry().topLeft() + QPoint(60, 60);
+  move(Frames::OnScreen(QRect(place, size())).topLeft());
+}
+
+Shortcut ShortCutEditWindow::Entered() const {
+  Shortcut entered = form_->Entered();
+  if (entered.label.empty()) entered.label = entered.host;
+  if (!entered.path.empty() && entered.path.front() != '/') entered.path.insert(0, "/");
+  return entered;
+}
+
+void ShortCutEditWindow::Warn(const QString& text, const QString& detail) {
+  Alerts::Show(this, {.title = tr("Warning!"), .text = text, .detail = detail});
+}
+
+// The stored form has no way to write a character that it uses itself.
+void ShortCutEditWindow::Save() {
+  const Shortcut entered = Entered();
+  if (entered.host.empty()) return Warn(tr("Please enter the address of the server."));
+  const auto result = ShortcutStore::ComesBack(entered);
+  if (result == ShortcutStore::Return::Whole) return Store(entered);
+  const QString detail =
+      tr("A label cannot hold a \"*\", and none of the other fields a \":\"; username, password "
+         "and host hold no \"@\" or \"/\" either.");
+  if (result == ShortcutStore::Return::Nothing) {
+    return Warn(tr("This shortcut cannot be saved as you entered it."), detail);
+  }
+  asking_ = true;
+  Alerts::Show(this,
+               {.title = tr("Warning!"),
+                .text = tr("This shortcut would not come back as you entered it."),
+                .detail = detail,
+                .buttons = {tr("&Save Anyway"), tr("&Go Back")},
+                .preset = 1},
+               [this, entered](int button) {
+                 asking_ = false;
+                 if (button == 0) Store(entered);
+               });
+}
+
+void ShortCutEditWindow::Store(const Shortcut& entered) {
+  if (!change_) return Add(entered);
+  if (change_(entered)) {
+    close();
+  } else {
+    Warn(tr("This shortcut is no longer in the list."));
+  }
+}
+
+void ShortCutEditWindow::Add(const Shortcut& entered) {
+  const ShortcutStore::Added added = ShortcutStore::Add(entered);
+  if (!added.failure.empty()) {
+    return Warn(tr("The shortcut could not be saved."), Translated(ToText(added.failure)));
+  }
+  if (added.within) {
+    app_.ConnectionWindow().MessageReceived(Message("REDO"_what));
+  } else {
+    Message item("NWST"_what);
+    item.AddString("label", entered.label);
+    item.AddInt32("index", added.index);
+    app_.PostMessage(item);
+  }
+  if (!app_.Shortcuts().isNull()) {
+    Message row("NWST"_what);
+    row.AddString("url", ShortcutStore::StoredForm(entered));
+    app_.Shortcuts()->MessageReceived(row);
+  }
+  close();
+}
+
+}  // namespace corvane

@@ -1,0 +1,249 @@
+#include "app/connect/ShortCutWindow.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QTreeWidget>
+#include <algorithm>
+#include <utility>
+
+#include "app/connect/ShortCutItem.h"
+#include "app/connect/StartWin.h"
+#include "app/program/TambleApp.h"
+#include "app/shared/Alerts.h"
+#include "app/shared/EngineTexts.h"
+#include "app/shared/Frames.h"
+#include "app/shared/ScreenText.h"
+#include "app/shared/Windows.h"
+#include "settings/ShortcutStore.h"
+#include "util/ParseUrl.h"
+
+namespace corvane {
+namespace {
+
+/// The columns: title, first width and least width, in pixels.
+struct Column {
+  const char* title;
+  int width;
+  int least;
+};
+
+constexpr Column kColumns[] = {
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Label"), 140, 50},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Host"), 150, 100},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Path"), 160, 80},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 100, 70}};
+
+}  // namespace
+
+ShortCutWindow::ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shortcuts)
+    : app_(app), list_(new QTreeWidget(this)) {
+  setAttribute(Qt::WA_DeleteOnClose);
+  setWindowTitle(tr("Shortcuts[*]"));
+  setMinimumSize(270, 200);
+  MakeList(shortcuts);
+  // Wide enough for the columns as they are at first.
+  QRect frame(QPoint(290, 110), QPoint(800, 350));
+  frame.setWidth(std::max(frame.width(), list_->header()->length() + 2 * list_->frameWidth()));
+  setGeometry(Frames::OnScreen(frame));
+  MakeMenus();
+  MenusBeginning();
+}
+
+ShortCutWindow::~ShortCutWindow() {
+  list_->disconnect(this);
+}
+
+void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
+  list_->setObjectName("MainShrtCtView");
+  list_->setAccessibleName(tr("Shortcuts"));
+  list_->setRootIsDecorated(false);
+  list_->setUniformRowHeights(true);
+  list_->setAllColumnsShowFocus(true);
+  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+  setCentralWidget(list_);
+  QStringList titles;
+  for (const Column& column : kColumns) titles.append(tr(column.title));
+  list_->setHeaderLabels(titles);
+  QHeaderView* header = list_->header();
+  header->setStretchLastSection(true);
+  header->setSortIndicatorShown(true);  // takes room in a title
+  const auto least = [header](int column) {
+    return std::max(kColumns[column].least, header->sectionSizeHint(column));
+  };
+  for (int i = 0; i < titles.size(); ++i) {
+    header->resizeSection(i, std::max(kColumns[i].width, least(i)));
+  }
+  connect(header, &QHeaderView::sectionResized, this, [header, least](int column, int, int width) {
+    if (width < least(column)) header->resizeSection(column, least(column));
+  });
+  for (const Shortcut& shortcut : shortcuts) list_->addTopLevelItem(new ShortCutItem(shortcut));
+  Select(Row(0));
+  list_->setFocus();
+  // In the order of the menu, until a click on a title sorts it.
+  header->setSortIndicator(-1, Qt::AscendingOrder);
+  list_->setSortingEnabled(true);
+  connect(list_, &QTreeWidget::itemSelectionChanged, this, &ShortCutWindow::MenusBeginning);
+  connect(list_, &QTreeWidget::itemActivated, this, &ShortCutWindow::EditSelected);
+}
+
+void ShortCutWindow::MakeMenus() {
+  menuBar()->setObjectName("ShortcutWinMenuBar");
+  const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& key,
+                          std::uint32_t what) {
+    return menu->addAction(text, key, this, [this, what] { MessageReceived(Message(what)); });
+  };
+  QMenu* file = menuBar()->addMenu(tr("&File"));
+  add(file, tr("&New Shortcut"), QKeySequence("Ctrl+N"), "nwst"_what);
+  edit_ = add(file, tr("&Edit Shortcut"), QKeySequence("Ctrl+E"), "ITMV"_what);
+  remove_ = add(file, tr("&Remove Shortcut"), {}, "REMI"_what);
+  remove_->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::Key_Delete)});
+  add(file, tr("&Save"), QKeySequence("Ctrl+S"), "SVPF"_what);
+  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
+  copy_ = add(edit, tr("&Copy"), QKeySequence("Ctrl+C"), "COPY"_what);
+  add(edit, tr("Select &All"), QKeySequence("Ctrl+A"), "SALL"_what);
+  AddCloseKey(this);
+}
+
+void ShortCutWindow::MenusBeginning() {
+  const bool selected = !list_->selectedItems().isEmpty();
+  for (QAction* action : {edit_, remove_, copy_}) action->setEnabled(selected);
+}
+
+void ShortCutWindow::MessageReceived(const Message& message) {
+  switch (message.what) {
+    case "nwst"_what: app_.ShowEditor({}, *this); break;
+    case "ITMV"_what: EditSelected(); break;
+    case "REMI"_what: RemoveSelected(); break;
+    case "SVPF"_what: Save(); break;
+    case "SALL"_what: list_->selectAll(); break;
+    case "COPY"_what: CopySelected(); break;
+    case "NWST"_what: AddRow(message.FindString("url").value_or("")); break;
+    default: break;
+  }
+}
+
+void ShortCutWindow::SetChanged(bool changed) {
+  changed_ = changed;
+  setWindowModified(changed);
+}
+
+ShortCutItem* ShortCutWindow::Row(int row) const {
+  return static_cast<ShortCutItem*>(list_->topLevelItem(row));
+}
+
+ShortCutItem* ShortCutWindow::FirstSelected() const {
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    if (Row(row)->isSelected()) return Row(row);
+  }
+  return nullptr;
+}
+
+void ShortCutWindow::Select(ShortCutItem* item) {
+  // Keys that happen to be held down make no difference.
+  if (item != nullptr) {
+    list_->setCurrentItem(item, 0, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  }
+}
+
+void ShortCutWindow::EditSelected() {
+  const ShortCutItem* item = FirstSelected();
+  if (item == nullptr) return;
+  app_.ShowEditor(
+      item->Record(), *this,
+      [list = QPointer<ShortCutWindow>(this), id = item->Id()](const Shortcut& changed) {
+        return !list.isNull() && list->TakeOver(id, changed);
+      });
+}
+
+bool ShortCutWindow::TakeOver(int id, const Shortcut& changed) {
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    if (Row(row)->Id() != id) continue;
+    Row(row)->SetRecord(changed);
+    SetChanged(true);
+    return true;
+  }
+  return false;
+}
+
+void ShortCutWindow::RemoveSelected() {
+  ShortCutItem* item = FirstSelected();
+  if (list_->topLevelItemCount() == 1) {
+    Alerts::Show(this, {.title = tr("Warning!"),
+                        .text = tr("You need to have at least one remaining shortcut.")});
+    return;
+  }
+  if (item == nullptr) return;
+  const int row = list_->indexOfTopLevelItem(item);
+  delete item;
+  list_->clearSelection();
+  Select(Row(row));
+  SetChanged(true);
+}
+
+void ShortCutWindow::CopySelected() {
+  QString text;
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    if (!Row(row)->isSelected()) continue;
+    const Shortcut& record = Row(row)->Record();
+    const std::string port = record.port == "21" ? "" : ":" + record.port;
+    text += ToText("ftp://" + record.host + record.path + port) + '\n';
+  }
+  if (!text.isEmpty()) QApplication::clipboard()->setText(text);
+}
+
+void ShortCutWindow::AddRow(std::string_view url) {
+  auto shortcut = ParseUrl(url, false);
+  if (!shortcut.has_value()) return;
+  auto* item = new ShortCutItem(std::move(*shortcut));
+  list_->addTopLevelItem(item);
+  Select(item);
+}
+
+bool ShortCutWindow::Save() {
+  std::vector<Shortcut> shortcuts;
+  shortcuts.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
+    shortcuts.push_back(Row(row)->Record());
+  }
+  const std::string failure = ShortcutStore::SaveAll(shortcuts);
+  if (!failure.empty()) {
+    Alerts::Show(this, {.title = tr("Warning!"),
+                        .text = tr("The shortcuts could not be saved."),
+                        .detail = Translated(ToText(failure))});
+    return false;
+  }
+  SetChanged(false);
+  app_.ConnectionWindow().MessageReceived(Message("REDO"_what));
+  return true;
+}
+
+void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
+  constexpr int kSave = 1;
+  then_ = std::move(then);
+  if (std::exchange(asking_, true)) return;
+  Alerts::Show(this,
+               {.title = tr("Alert!"),
+                .text = tr("You have made some changes.  Would you like to save them or discard "
+                           "them?"),
+                .buttons = {tr("&Discard"), tr("&Save")},
+                .preset = kSave},
+               [this](int button) {
+                 asking_ = false;
+                 if (button == kSave && !Save()) return;
+                 SetChanged(false);
+                 std::exchange(then_, {})();
+               });
+}
+
+void ShortCutWindow::closeEvent(QCloseEvent* event) {
+  if (!changed_) return event->accept();
+  event->ignore();
+  AskAboutChanges([this] { close(); });
+}
+
+}  // namespace corvane

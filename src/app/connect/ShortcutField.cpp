@@ -1,0 +1,86 @@
+#include "app/connect/ShortcutField.h"
+
+#include <QActionGroup>
+#include <QMenu>
+#include <QStyle>
+#include <QStyleOptionButton>
+
+#include "app/shared/ScreenText.h"
+
+namespace corvane {
+
+ShortcutField::ShortcutField(QWidget* parent)
+    : QPushButton(parent), cutMenu_(new QMenu(this)), items_(new QActionGroup(this)) {
+  setObjectName("shortcuts");
+  setAccessibleName(tr("Shortcuts"));
+  cutMenu_->setObjectName("CutMenu");
+  setMenu(cutMenu_);
+  setAutoDefault(true);  // Enter opens it
+  connect(items_, &QActionGroup::triggered, this, [this](const QAction* item) {
+    ShowMarked();
+    Q_EMIT Chosen(item->data().toInt());
+  });
+  ShowMarked();
+}
+
+qsizetype ShortcutField::Count() const {
+  return items_->actions().size();
+}
+
+QSize ShortcutField::minimumSizeHint() const {
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  option.text = tr("&Shortcuts");
+  const QSize text = fontMetrics().size(Qt::TextShowMnemonic, option.text);
+  return style()->sizeFromContents(QStyle::CT_PushButton, &option, text, this);
+}
+
+void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts) {
+  qDeleteAll(items_->actions());
+  std::int32_t index = 0;
+  for (const Shortcut& shortcut : shortcuts) {
+    Add(NameOf(shortcut), index, index < 10);
+    ++index;
+  }
+  ShowMarked();
+}
+
+void ShortcutField::Append(const std::string& label, std::int32_t index) {
+  Add(label, index, Count() < 9);
+}
+
+QString ShortcutField::ItemText(const std::string& label) {
+  constexpr qsizetype kLongest = 100;
+  QString shown = ToText(std::string_view(label).substr(0, 4 * kLongest));
+  if (shown.size() > kLongest) shown = shown.first(kLongest) + QChar(0x2026);
+  return Label(shown);
+}
+
+void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
+  QAction* item = cutMenu_->addAction(ItemText(label));
+  item->setCheckable(true);
+  item->setData(index);
+  if (withKey) item->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(Count())));
+  items_->addAction(item);
+}
+
+void ShortcutField::ShowMarked() {
+  const QAction* marked = items_->checkedAction();
+  setToolTip(marked != nullptr ? Harmless(marked->text().replace("&&", "&")) : QString());
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  const int room = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this).width() -
+                   style()->pixelMetric(QStyle::PM_MenuButtonIndicator, &option, this);
+  setText(marked == nullptr ? tr("&Shortcuts")
+                            : fontMetrics().elidedText(marked->text(), Qt::ElideMiddle, room,
+                                                       Qt::TextShowMnemonic));
+  // Whatever the button shows, its key is the same.
+  setShortcut(QKeySequence::mnemonic(tr("&Shortcuts")));
+}
+
+void ShortcutField::resizeEvent(QResizeEvent* event) {
+  QPushButton::resizeEvent(event);
+  ShowMarked();
+}
+
+}  // namespace corvane

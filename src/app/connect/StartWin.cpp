@@ -1,0 +1,126 @@
+#include "app/connect/StartWin.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QLineEdit>
+#include <utility>
+
+#include "app/connect/ConnectionForm.h"
+#include "app/connect/Password.h"
+#include "app/connect/PastedUrl.h"
+#include "app/connect/ShortcutField.h"
+#include "app/program/TambleApp.h"
+#include "app/shared/Alerts.h"
+#include "app/shared/Frames.h"
+#include "app/shared/OpenMessage.h"
+#include "app/shared/ScreenText.h"
+#include "settings/ProcessSettings.h"
+#include "settings/ShortcutStore.h"
+#include "util/Shortcut.h"
+
+namespace corvane {
+StartWin::StartWin(TambleApp& app, const QRect& frame) : app_(app) {
+  setWindowTitle(tr("Corvane"));
+  MakeViews();
+  setGeometry(frame);
+}
+
+StartWin::~StartWin() {
+  qApp->disconnect(this);
+  Frames::Keep(kMainFrame, *this);
+}
+
+void StartWin::Init() {
+  MakeMenus();
+  ReadShortcuts();
+}
+
+void StartWin::MessageReceived(const Message& message) {
+  switch (message.what) {
+    case "CNNT"_what: Connect(); break;
+    case "PASS"_what: passive_ = form_->passive->isChecked(); break;
+    case "ZBOX"_what: ChooseShortcut(message.FindInt32("index").value_or(-1)); break;
+    case "REDO"_what: ReadShortcuts(); break;
+    case "SHST"_what: app_.ShowShortcuts(); break;
+    case "SHPF"_what: app_.ShowPreferences(); break;
+    case "COPY"_what: Copy(); break;
+    case "PSTE"_what: Paste(); break;
+    default: break;
+  }
+}
+
+void StartWin::Connect() {
+  TakeUrlFromHost();
+  if (form_->host->text().isEmpty()) {
+    Alerts::Show(this,
+                 {.title = tr("Warning!"), .text = tr("Please enter the address of the server.")});
+    return;
+  }
+  if (!OpenMessage(form_->Entered()).has_value()) {
+    Alerts::Show(this, {.title = tr("Warning!"),
+                        .text = tr("The port has to be a number from 1 to 65535.")});
+    form_->port->setFocus();
+    return;
+  }
+  if (form_->user->text().isEmpty()) form_->user->setText(QStringLiteral("anonymous"));
+  if (form_->password->text().isEmpty()) {
+    form_->password->SetActualText(ProcessSettings::Get().DfltPass, 1);
+  }
+  Shortcut to = form_->Entered();
+  to.passive = passive_;
+  if (const auto message = OpenMessage(to)) app_.PostMessage(*message);
+}
+
+void StartWin::ReadShortcuts() {
+  shortcuts_->Fill(ShortcutStore::ReadForMenu());
+}
+
+void StartWin::ChooseShortcut(std::int32_t index) {
+  const auto shortcut = ShortcutStore::Read(index);
+  form_->FillTexts(shortcut.value_or(Shortcut()));
+  if (shortcut.has_value()) form_->FillMode(*shortcut);
+}
+
+// False when the text is no URL.
+bool StartWin::PasteUrl(std::string_view text) {
+  const auto url = PastedUrl::Read(text);
+  if (!url.has_value()) return false;
+  form_->FillTexts({.host = url->host, .user = url->user, .pass = url->pass, .path = url->path});
+  if (!url->port.empty()) form_->port->setText(ToText(url->port));
+  return true;
+}
+
+// A URL that was written into the host's field fills the others as far as it goes.
+void StartWin::TakeUrlFromHost() {
+  const auto url = PastedUrl::Read(ToBytes(form_->host->text()));
+  if (!url.has_value()) return;
+  form_->host->setText(ToText(url->host));
+  if (!url->user.empty()) form_->user->setText(ToText(url->user));
+  if (!url->pass.empty()) form_->password->SetActualText(url->pass);
+  if (!url->path.empty()) form_->path->setText(ToText(url->path));
+  if (!url->port.empty()) form_->port->setText(ToText(url->port));
+}
+
+void StartWin::Copy() {
+  if (!field_.isNull()) field_->copy();
+}
+
+void StartWin::Paste() {
+  if (field_.isNull()) return;
+  const std::string clipboardText = ToBytes(QApplication::clipboard()->text());
+  if (PasteUrl(clipboardText)) return;
+  if (field_ == form_->password) {
+    form_->password->PasteFrom(QClipboard::Clipboard);
+  } else {
+    field_->paste();
+  }
+}
+
+void StartWin::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  app_.QuitRequested();
+}
+
+}  // namespace corvane

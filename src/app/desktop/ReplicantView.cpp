@@ -1,0 +1,69 @@
+#include "app/desktop/ReplicantView.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <utility>
+#include <vector>
+
+#include "app/connect/ShortcutField.h"
+#include "app/shared/Icons.h"
+#include "app/shared/OpenMessage.h"
+#include "settings/ShortcutStore.h"
+
+namespace corvane {
+
+ReplicantView::ReplicantView(std::function<void(const Message&)> launch)
+    : launch_(std::move(launch)), icon_(ProgramIcon()) {
+  menu_.setObjectName("PopUpMenu");
+  connect(&menu_, &QMenu::aboutToShow, this, &ReplicantView::SetupPopUpMenu);
+  SetupPopUpMenu();
+  icon_.setToolTip(tr("Corvane"));
+  icon_.setContextMenu(&menu_);
+  connect(&icon_, &QSystemTrayIcon::activated, this, &ReplicantView::Clicked);
+}
+
+void ReplicantView::SetupPopUpMenu() {
+  menu_.clear();
+  connect(menu_.addAction(tr("&Launch Corvane")), &QAction::triggered, this,
+          [this] { launch_(Message("RUNN"_what)); });
+  menu_.addSeparator();
+  SetupShortcuts(&menu_);
+  menu_.addSeparator();
+  connect(menu_.addAction(tr("&Remove from the tray")), &QAction::triggered, this,
+          &ReplicantView::Removed);
+}
+
+void ReplicantView::SetupShortcuts(QMenu* menu) {
+  const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForMenu();
+  if (shortcuts.empty()) menu->addAction(tr("The shortcuts could not be read."))->setEnabled(false);
+  for (const Shortcut& shortcut : shortcuts) {
+    connect(menu->addAction(ShortcutField::ItemText(NameOf(shortcut))), &QAction::triggered, this,
+            [this, shortcut] { Open(shortcut); });
+  }
+}
+
+void ReplicantView::Open(const Shortcut& shortcut) {
+  auto message = OpenMessage(shortcut);
+  if (!message.has_value()) {
+    return Warn(tr("The port of this shortcut is no number from 1 to 65535."));
+  }
+  // What is empty is the running program's to fill up.
+  for (const char* name : {"user", "pass"}) {
+    if (message->FindString(name) == "") message->RemoveName(name);
+  }
+  launch_(*message);
+}
+
+// Beside the context menu, which the tray itself opens. Only X11 lets a program without a window
+// open a menu at the pointer.
+void ReplicantView::Clicked(QSystemTrayIcon::ActivationReason reason) {
+  if (reason != QSystemTrayIcon::Trigger) return;
+  if (QGuiApplication::platformName() == "xcb") return menu_.popup(QCursor::pos());
+  launch_(Message("RUNN"_what));
+}
+
+void ReplicantView::Warn(const QString& text) {
+  icon_.showMessage(tr("Corvane"), text, QSystemTrayIcon::Warning);
+}
+
+}  // namespace corvane

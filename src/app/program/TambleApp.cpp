@@ -1,0 +1,189 @@
+#include "app/program/TambleApp.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <algorithm>
+#include <utility>
+
+#include "app/browser/MWindow.h"
+#include "app/connect/ShortCutEditWindow.h"
+#include "app/connect/ShortCutWindow.h"
+#include "app/connect/ShortcutField.h"
+#include "app/connect/StartWin.h"
+#include "app/desktop/StartupNotice.h"
+#include "app/program/About.h"
+#include "app/program/PrefWindow.h"
+#include "app/shared/Alerts.h"
+#include "app/shared/EngineTexts.h"
+#include "app/shared/Frames.h"
+#include "app/shared/Icons.h"
+#include "app/shared/ScreenText.h"
+#include "app/shared/Windows.h"
+#include "app/transfers/DownLoadWin.h"
+#include "settings/ProcessSettings.h"
+#include "settings/ShortcutStore.h"
+#include "settings/StoredSettings.h"
+
+namespace corvane {
+namespace {
+
+/// Without a chosen folder, downloads go where the desktop keeps them.
+void ChooseDownloadFolder() {
+  SettingsValues settings = ProcessSettings::Get();
+  if (settings.DwnldDir != "empty") return;
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+  if (folder.isEmpty() || !QDir(folder).exists()) return;
+  settings.DwnldDir = QFile::encodeName(folder).toStdString();
+  ProcessSettings::Set(std::move(settings));
+}
+
+}  // namespace
+
+TambleApp::TambleApp(WorkerFactory workers) : workers_(std::move(workers)) {}
+
+TambleApp::~TambleApp() {
+  const StoredSettings::GatheredFrames together;
+  delete preferences_;
+  delete editor_;
+  delete shortcuts_;
+  while (!windowList_.empty()) delete windowList_.back();
+  transfers_.reset();
+  start_.reset();
+}
+
+void TambleApp::ReadyToRun(const std::optional<Message>& open) {
+  QApplication::setQuitOnLastWindowClosed(false);
+  QApplication::setWindowIcon(ProgramIcon());
+  ReadSettings();
+  start_ = std::make_unique<StartWin>(*this, Frames::Restored(kMainFrame));
+  transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame));
+  transfers_->show();
+  start_->Init();
+  start_->show();
+  if (open.has_value()) PostMessage(*open);
+}
+
+void TambleApp::ReadSettings() {
+  unread_ = StoredSettings::ReadAtStart();
+  ChooseDownloadFolder();
+}
+
+void TambleApp::PostMessage(const Message& message) {
+  switch (message.what) {
+    case "OPNC"_what: OpenBrowser(message); break;
+    case "NWST"_what:
+      start_->CutMenu().Append(message.FindString("label").value_or(""),
+                               message.FindInt32("index").value_or(-1));
+      break;
+    case "SHLG"_what: BringForward(transfers_.get()); break;
+    case "SHMN"_what: Answer(message, start_.get()); break;
+    default: break;
+  }
+}
+
+void TambleApp::OpenBrowser(const Message& message) {
+  Connection to;
+  to.host = message.FindString("host").value_or("");
+  if (to.host.empty()) return;
+  to.user = message.FindString("user").value_or("anonymous");
+  to.pass = message.FindString("pass").value_or("guest@a.b");
+  to.path = message.FindString("path").value_or("");
+  to.port = static_cast<std::uint16_t>(message.FindInt16("port").value_or(21));
+  to.passive = message.FindBool("passive").value_or(false);
+  auto* window = new MWindow(*this, Frames::ForBrowser(), std::move(to));
+  // Today's fonts want more room for names than the first frame gives.
+  if (StoredSettings::Frame(kConnectionFrame) == kConnectionFrame.fallback) {
+    window->resize(window->size().expandedTo(window->sizeHint()));
+  }
+  Answer(message, window);
+}
+
+void TambleApp::Answer(const Message& message, QWidget* window) {
+  BringForward(window);
+  StartupNotice::Complete(message.FindString("startup").value_or(""), Usable(window));
+}
+
+void TambleApp::AboutRequested() {
+  if (about_ == nullptr) about_ = std::make_unique<About>();
+  BringForward(about_.get());
+}
+
+// A list that could not be read would be saved as an empty one.
+void TambleApp::ShowShortcuts() {
+  if (shortcuts_.isNull()) {
+    const ShortcutStore::List list = ShortcutStore::ReadForList();
+    if (!list.failure.empty()) {
+      return Alerts::Show(start_.get(), {.title = tr("Warning!"),
+                                         .text = tr("The shortcuts could not be read."),
+                                         .detail = Translated(ToText(list.failure))});
+    }
+    shortcuts_ = new ShortCutWindow(*this, list.shortcuts);
+  }
+  BringForward(shortcuts_);
+}
+
+void TambleApp::ShowPreferences() {
+  if (!preferences_.isNull()) return BringForward(preferences_);
+  if (!unread_.empty()) ReadSettings();
+  preferences_ = new PrefWindow;
+  BringForward(preferences_);
+  if (unread_.empty()) return;
+  Alerts::Show(preferences_,
+               {.title = tr("Warning!"),
+                .text = tr("Your preferences could not be read. What you see are the defaults."),
+                .detail = Translated(ToText(unread_))});
+}
+
+void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,
+                           std::function<bool(const Shortcut&)> change) {
+  const bool open = !editor_.isNull();
+  if (open && editor_->Busy()) {
+    BringForward(editor_);
+    QApplication::beep();
+    return;
+  }
+  if (!open) editor_ = new ShortCutEditWindow(*this);
+  editor_->Edit(shortcut, std::move(change));
+  if (!open) editor_->PlaceBeside(opener);
+  BringForward(editor_);
+}
+
+int TambleApp::RunningTransfers() const {
+  const auto here = std::ranges::count_if(windowList_, &MWindow::IsTransferring);
+  return transfers_->RunningCount() + static_cast<int>(here);
+}
+
+void TambleApp::QuitRequested() {
+  const int running = RunningTransfers();
+  if (running == 0 && !askingToQuit_) return AskAboutShortcuts();
+  BringForward(start_.get());
+  if (std::exchange(askingToQuit_, true)) return;
+  Alerts::Show(start_.get(),
+               {.title = tr("Alert!"),
+                .text = running == 1 ? tr("Quit and stop 1 transfer?")
+                                     : tr("Quit and stop %n transfers?", "", running),
+                .buttons = {tr("&Quit"), tr("&Keep running")},
+                .preset = 1},
+               [this](int button) {
+                 askingToQuit_ = false;
+                 if (button == 0) AskAboutShortcuts();
+               });
+}
+
+void TambleApp::AskAboutShortcuts() {
+  if (shortcuts_.isNull() || !shortcuts_->Changed()) return Quit();
+  BringForward(shortcuts_);
+  shortcuts_->AskAboutChanges([this] { Quit(); });
+}
+
+void TambleApp::Quit() {
+  if (std::exchange(quitting_, true)) return;
+  for (QWidget* window : QApplication::topLevelWidgets()) window->hide();
+  for (MWindow* window : windowList_) window->Disconnect();
+  if (transfers_ != nullptr) transfers_->CancelAll();
+  QCoreApplication::quit();
+}
+
+}  // namespace corvane

@@ -1,0 +1,31 @@
+#include "app/transfers/TransferRequest.h"
+
+#include <utility>
+
+#include "app/browser/MWindow.h"
+
+namespace corvane {
+
+const std::string& LocalName(const fileStruct& item) {
+  return item.displayName.empty() ? item.name : item.displayName;
+}
+
+transferStruct Description(DownloadRequest request) {
+  transferStruct description;
+  description.remoteDirectory = std::move(request.remoteDirectory);
+  description.targetFolder = std::move(request.where);
+  description.size = request.size;
+  description.overwrite = request.overwrite;
+  description.items = std::move(request.items);
+  return description;
+}
+
+transferStruct Description(UploadRequest request) {
+  transferStruct description;
+  description.remoteDirectory = std::move(request.remoteDirectory);
+  description.download = false;
+  description.localItems = std::move(request.localItems);
+  return description;
+}
+
+}  // namespace corvane

@@ -16,6 +16,7 @@ constexpr std::uint32_t kInt64 = "LLNG"_what;
 constexpr std::uint32_t kDouble = "DBLE"_what;
 constexpr std::uint32_t kRect = "RECT"_what;
 constexpr std::uint32_t kString = "CSTR"_what;
+constexpr std::uint32_t kText = "TEXT"_what;
 
 // The first bytes of a flattened message; the last of them is the version of the form.
 constexpr std::string_view kMagic = "CVM1";
@@ -113,6 +114,10 @@ bool Message::AddString(std::string_view name, std::string_view value) {
   return AddData(name, kString, value);
 }
 
+bool Message::AddText(std::string_view name, const Text& value) {
+  return AddData(name, kText, value.Flatten());
+}
+
 bool Message::AddData(std::string_view name, std::uint32_t type, std::string_view bytes) {
   if (name.size() > kNameLimit) return false;
   if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return false;
@@ -125,6 +130,12 @@ bool Message::AddData(std::string_view name, std::uint32_t type, std::string_vie
   if (field->type != type) return false;
   field->values.emplace_back(bytes);
   return true;
+}
+
+std::optional<Text> Message::FindText(std::string_view name, std::size_t index) const {
+  if (const auto bytes = FindData(name, kText, index)) return Text::Unflatten(*bytes);
+  const auto bytes = FindData(name, kString, index);
+  return bytes ? std::optional(Text::Raw(*bytes)) : std::nullopt;
 }
 
 std::optional<bool> Message::FindBool(std::string_view name, std::size_t index) const {

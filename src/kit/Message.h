@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kit/Rect.h"
+#include "kit/Text.h"
 
 namespace corvane {
 
@@ -39,6 +40,7 @@ class Message {
   bool AddDouble(std::string_view name, double value);
   bool AddRect(std::string_view name, const Rect& value);
   bool AddString(std::string_view name, std::string_view value);
+  bool AddText(std::string_view name, const Text& value);
   /// Raw bytes under a type code of the caller's.
   bool AddData(std::string_view name, std::uint32_t type, std::string_view bytes);
 
@@ -55,6 +57,8 @@ class Message {
   [[nodiscard]] std::optional<Rect> FindRect(std::string_view name, std::size_t index = 0) const;
   [[nodiscard]] std::optional<std::string> FindString(std::string_view name,
                                                       std::size_t index = 0) const;
+  /// A text; one that was added as a string counts as bytes.
+  [[nodiscard]] std::optional<Text> FindText(std::string_view name, std::size_t index = 0) const;
   [[nodiscard]] std::optional<std::string_view> FindData(std::string_view name, std::uint32_t type,
                                                          std::size_t index = 0) const;
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <utility>
+
+#include "kit/Text.h"
+
+namespace corvane {
+
+/// What became of an operation on a server. Whoever retries, skips, stops or asks decides by the
+/// kind alone. A value.
+struct [[nodiscard]] Outcome {
+  enum class Kind {
+    Done,
+    Refused,     ///< the server said no, and the connection stays
+    Busy,        ///< not now, later it may do: 425, 426, 450 and too many connections
+    LocalFull,   ///< no room on this machine: where one file does not fit none after it does
+    LocalError,  ///< this machine could not do its part
+    Lost,        ///< the connection is gone
+    Cancelled,
+  };
+
+  Kind kind = Kind::Done;
+  int code = 0;  ///< the reply's code that decided; 0 where none did
+  Text text{};   ///< why not; with Done, what the user should know all the same
+
+  [[nodiscard]] bool IsDone() const { return kind == Kind::Done; }
+
+  [[nodiscard]] static Outcome Cancelled() { return {Kind::Cancelled, 0, Text("Cancelled.")}; }
+  [[nodiscard]] static Outcome LocalError(Text why) {
+    return {Kind::LocalError, 0, std::move(why)};
+  }
+};
+
+}  // namespace corvane

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "remote/Outcome.h"
+#include "remote/RemoteEntry.h"
+
+namespace corvane {
+
+/// What a listing is handed to, in the order of the calls. On the thread that lists.
+class ListingSink {
+ public:
+  virtual ~ListingSink() = default;
+  /// The listing's text as it came, without carriage returns; once, before the entries.
+  virtual void Raw(std::string_view text) = 0;
+  /// A few hundred entries at a time, "." and ".." left out; false to hear no more.
+  virtual bool Add(std::vector<RemoteEntry> entries) = 0;
+};
+
+/// A remote file while its bytes move, on the session that opened it and its thread. One that is
+/// let go of before Finish is broken off; the session can go on.
+class RemoteFile {
+ public:
+  virtual ~RemoteFile() = default;
+
+  /// Where in the file the bytes begin: the offset that was asked for, or 0 where the server cannot
+  /// begin there.
+  [[nodiscard]] virtual std::int64_t Offset() const = 0;
+  /// Reads what is there, at least a byte; `got` is 0 at the end.
+  virtual Outcome Read(std::span<char> buffer, std::size_t& got) = 0;
+  /// Whether there is something to read within `milliseconds`, the end included.
+  [[nodiscard]] virtual bool Wait(long milliseconds) = 0;
+  /// Writes all the bytes.
+  virtual Outcome Write(std::span<const char> bytes) = 0;
+  /// Ends the transfer and takes the server's verdict. Done only when every byte has come or gone
+  /// as far as the server knows.
+  virtual Outcome Finish() = 0;
+};
+
+/// One connection to a server, whatever its protocol. One thread at a time, see EngineLease; Close
+/// and Interrupt from any thread. No call throws.
+///
+/// Paths are the server's raw bytes: absolute, or relative to where the connection began where the
+/// server does not tell where that is; "" is that place itself. A session keeps its working
+/// directory to itself. Once the connection is gone every call returns Lost until the next Connect.
+class RemoteSession {
+ public:
+  virtual ~RemoteSession() = default;
+
+  /// Resolves, connects, logs in and settles what is to be settled once. Anew after a loss.
+  virtual Outcome Connect() = 0;
+  /// Says good-bye; a server that is silent is not waited for.
+  virtual void Quit() = 0;
+
+  /// Where the server stands, as it last told; after Connect that is where the connection began.
+  [[nodiscard]] virtual const std::string& Directory() const = 0;
+  /// Enters a directory; `where` becomes its own path, as the server tells it.
+  virtual Outcome Enter(const std::string& path, std::string& where) = 0;
+
+  /// Lists a directory. Done only when the listing came whole and its entries were understood; what
+  /// came is handed over all the same.
+  virtual Outcome List(const std::string& path, ListingSink& sink) = 0;
+  /// The size of a file in bytes; nothing when the server does not tell, as for directories.
+  virtual Outcome Size(const std::string& path, std::optional<std::int64_t>& size) = 0;
+
+  virtual Outcome MakeDirectory(const std::string& path) = 0;
+  virtual Outcome RemoveDirectory(const std::string& path) = 0;
+  virtual Outcome RemoveFile(const std::string& path) = 0;
+  virtual Outcome Rename(const std::string& from, const std::string& to) = 0;
+
+  /// Opens a file for reading from `offset` on.
+  virtual Outcome OpenForReading(const std::string& path, std::int64_t offset,
+                                 std::unique_ptr<RemoteFile>& file) = 0;
+  /// Opens a file for writing; what was there is replaced.
+  virtual Outcome OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile>& file) = 0;
+
+  /// The connection is gone, and why.
+  [[nodiscard]] virtual bool IsLost() const = 0;
+  [[nodiscard]] virtual const Text& WhyLost() const = 0;
+
+  /// Any thread: ends the connection for good, without a word to the server; every blocked call
+  /// returns soon.
+  virtual void Close() = 0;
+  /// Any thread: what is under way, and all that is begun before Resume, ends as Cancelled soon;
+  /// the connection stays.
+  virtual void Interrupt() = 0;
+  /// Any thread: takes Interrupt back.
+  virtual void Resume() = 0;
+
+ private:
+  friend class EngineLease;
+  std::mutex lease_;
+};
+
+/// Whoever works with a session holds its lease; the next one waits here. It is the only lock that
+/// is held across network calls. Closing the session makes the holder let go soon.
+class EngineLease {
+ public:
+  explicit EngineLease(RemoteSession& session) : hold_(session.lease_) {}
+
+ private:
+  std::unique_lock<std::mutex> hold_;
+};
+
+/// `name` inside `directory`.
+[[nodiscard]] inline std::string PathBelow(const std::string& directory, std::string_view name) {
+  if (directory.empty()) return std::string(name);
+  return (directory.ends_with('/') ? directory : directory + "/").append(name);
+}
+
+}  // namespace corvane

@@ -51,7 +51,6 @@ TEST_F(Drag, RowsButTheDotsCanBePulledWithTheLeftButton) {
 
 TEST_F(Drag, AFolderIsDownloadedIntoOnlyWhenItIsThere) {
   DownloadRequest request;
-  request.window = window_;
   request.items.push_back(File("one"));
   const std::string folder = folder_.path().toStdString();
   ASSERT_TRUE(QFile(folder_.filePath("file")).open(QFile::WriteOnly));

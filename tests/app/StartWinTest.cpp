@@ -5,7 +5,7 @@
 #include "app/connect/Password.h"
 #include "app/connect/PastedUrl.h"
 #include "app/connect/ShortcutField.h"
-#include "app/program/CommandLine.h"
+#include "app/shared/CommandLine.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
 #include "settings/ShortcutStore.h"

@@ -17,7 +17,7 @@ class Transfers : public AppFixture {
 
   TransferItem& Start(const std::string& host = "server.test", const std::string& name = "file") {
     DownloadRequest request;
-    request.window = window_;
+    request.listener.noted = [this](std::string_view line) { window_->LogLater(line); };
     request.connection.host = host;
     request.where = "/d";
     request.size = 1000;
@@ -58,7 +58,7 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
       transfers_.back()->row->BeginFile("<b>file");
       transfers_.back()->row->SetEndState(each, "550 No.");
       ASSERT_TRUE(Wait([&] { return item.IsSettled(); }));
-      notifier.Ended(item);
+      notifier.Ended(item.News());
     }
   };
   using enum TransferEnd;

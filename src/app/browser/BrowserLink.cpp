@@ -5,8 +5,8 @@
 
 #include "app/browser/MViewFile.h"
 #include "app/browser/MWindow.h"
-#include "app/desktop/SoundPlayer.h"
 #include "app/shared/GuiThread.h"
+#include "app/shared/SoundPlayer.h"
 
 namespace corvane {
 namespace {

@@ -8,18 +8,18 @@
 #include <ctime>
 #include <utility>
 
+#include "app/browser/BrowserHost.h"
 #include "app/browser/BrowserLink.h"
 #include "app/browser/DirListView.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/WindowLog.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/SmallView.h"
+#include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
-#include "app/transfers/TransferPane.h"
 #include "ftp/MFtp.h"
 #include "net/NLException.h"
 #include "util/Shortcut.h"
@@ -41,7 +41,7 @@ std::tm LocalTimeNow() {
 
 }  // namespace
 
-MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
+MWindow::MWindow(BrowserHost& app, const QRect& frame, Connection connection)
     : app_(app), connection_(std::move(connection)), link_(std::make_shared<BrowserLink>(*this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Connected To: %1").arg(ToText(connection_.host)));
@@ -51,7 +51,6 @@ MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
   MakeViews();
   MakeMenus();
   SetLeastSize();
-  app_.AddWindow(this);
   StartLooper();
 }
 
@@ -61,7 +60,6 @@ MWindow::~MWindow() {
   listing_->disconnect(this);
   Disconnect();
   Frames::Keep(kConnectionFrame, *this);
-  app_.RemoveWindow(this);
 }
 
 void MWindow::StartLooper() {

@@ -11,7 +11,7 @@
 
 #include "app/browser/MWListItem.h"
 #include "app/shared/Connection.h"
-#include "app/transfers/TransferRequest.h"
+#include "app/shared/TransferRequest.h"
 #include "kit/Looper.h"
 #include "kit/Message.h"
 
@@ -26,14 +26,14 @@ class QPushButton;
 
 namespace corvane {
 
+struct BrowserHost;
 class BrowserLink;
 class DirListView;
 class NewDir;
 class RenameWin;
 class SmallView;
-class TambleApp;
-class TransferItem;
-class TransferPane;
+struct TransferNews;
+class TransferView;
 class ViewerLink;
 class WindowLog;
 
@@ -46,7 +46,7 @@ class MWindow : public QMainWindow {
 
  public:
   /// Starts connecting at once; the caller shows the window.
-  MWindow(TambleApp& app, const QRect& frame, Connection connection);
+  MWindow(BrowserHost& app, const QRect& frame, Connection connection);
   ~MWindow() override;
 
   /// Menu items, buttons, the listing and the connection speak to the window in messages.
@@ -142,7 +142,9 @@ class MWindow : public QMainWindow {
   void HandOver(DownloadRequest request);
   void HandOver(UploadRequest request);
   void TransferHere(transferStruct description);
-  void TransferSettled(const TransferItem& item);
+  void TransferSettled(const TransferNews& news);
+  /// Hears of a transfer while the window stands.
+  [[nodiscard]] TransferListener Listener();
 
   // MWindowDrag.cpp
   /// Begins a drag of what is selected.
@@ -154,7 +156,7 @@ class MWindow : public QMainWindow {
   void DownloadSeveral(DownloadRequest request);
   void AskAndHandOver(DownloadRequest request, std::int64_t localSize);
 
-  TambleApp& app_;
+  BrowserHost& app_;
   const Connection connection_;
   std::shared_ptr<BrowserLink> link_;
   std::shared_ptr<Looper> looper_;
@@ -171,7 +173,7 @@ class MWindow : public QMainWindow {
   DirListView* listing_ = nullptr;
   SmallView* count_ = nullptr;
   QCheckBox* sameConnection_ = nullptr;
-  TransferPane* pane_ = nullptr;
+  TransferView* pane_ = nullptr;
   QPushButton* download_ = nullptr;
   QPushButton* upload_ = nullptr;
   WindowLog* log_ = nullptr;

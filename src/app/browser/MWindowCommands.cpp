@@ -3,12 +3,12 @@
 
 #include <utility>
 
+#include "app/browser/BrowserHost.h"
 #include "app/browser/DirListView.h"
 #include "app/browser/MWindow.h"
 #include "app/browser/NewDir.h"
 #include "app/browser/RenameWin.h"
 #include "app/browser/WindowLog.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
@@ -176,7 +176,7 @@ void MWindow::OfferOtherMode(const Message& warning, bool passive) {
                      .path = currentDirectory_.empty() ? connection_.path : currentDirectory_,
                      .port = std::to_string(connection_.port),
                      .passive = !passive});
-    TambleApp& app = app_;
+    BrowserHost& app = app_;
     close();  // the new window stands where this one stood
     if (open.has_value()) app.PostMessage(*open);
   });

@@ -58,12 +58,11 @@ void MWindow::DownloadInto(const std::string& folder, DownloadRequest request) {
   const bool needsName = request.items.size() == 1 && !IsSafeLocalName(LocalName(request.items[0]));
   if (folder.empty() || needsName) return SaveDialogBox(std::move(request));
   request.where = folder;
-  const auto look = [request = std::move(request)] {
+  const auto look = [window = QPointer(this), request = std::move(request)] {
     LocalFolder opened;
     const int error = opened.Open(request.where);
-    OnGuiThread([error, request] {
-      MWindow* window = request.window;
-      if (window == nullptr || window->looper_ == nullptr) return;
+    OnGuiThread([error, window, request] {
+      if (window.isNull() || window->looper_ == nullptr) return;
       if (error == 0) return window->DownloadSeveral(request);
       window->Warn(tr("Nothing can be saved in \"%1\": %2")
                        .arg(ToText(request.where), ToText(ErrorText(error))));

@@ -13,14 +13,14 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/browser/BrowserHost.h"
 #include "app/browser/BrowserLink.h"
 #include "app/browser/DirListView.h"
 #include "app/browser/MWindow.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/SmallView.h"
+#include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
-#include "app/transfers/TransferPane.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
@@ -53,7 +53,7 @@ void MWindow::MakeViews() {
   sameConnection_ = new QCheckBox(tr("Use &this connection."), main);
   sameConnection_->setObjectName("SameCon");
   sameConnection_->setChecked(ProcessSettings::Get().useSameConnection);
-  pane_ = new TransferPane(main);
+  pane_ = app_.MakeTransferView(main);
   upload_ = new QPushButton(tr("&Upload"), main);
   upload_->setObjectName("upload");
 
@@ -96,7 +96,7 @@ void MWindow::MakeViews() {
   connect(listing_, &DirListView::DragBegins, this, &MWindow::DragRows);
   path_->installEventFilter(this);
   setAcceptDrops(true);
-  connect(pane_, &TransferPane::Settled, this, &MWindow::TransferSettled);
+  connect(pane_, &TransferView::Settled, this, &MWindow::TransferSettled);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (now != path_ && now != listing_) return;
     lastFocus_ = now;
@@ -187,7 +187,7 @@ void MWindow::MakeWindowsMenu() {
       tr("&Control Window") + '\t' + QKeySequence("Ctrl+N").toString(QKeySequence::NativeText),
       this, [this] { app_.PostMessage(Message("SHMN"_what)); });
   connect(windows, &QMenu::aboutToShow, this,
-          [this, windows] { AddWindowItems(*windows, 3, app_.WindowList(), this); });
+          [this, windows] { AddWindowItems(*windows, 3, app_.BrowserWindows(), this); });
 }
 
 void MWindow::MenusBeginning() {

@@ -9,14 +9,13 @@
 #include <utility>
 #include <vector>
 
+#include "app/browser/BrowserHost.h"
 #include "app/browser/DirListView.h"
 #include "app/browser/MWindow.h"
 #include "app/browser/UploadPanel.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
-#include "app/transfers/DownLoadWin.h"
-#include "app/transfers/TransferPane.h"
 #include "settings/ProcessSettings.h"
 #include "util/LocalFile.h"
 
@@ -73,7 +72,7 @@ DownloadRequest MWindow::RequestForSelection(QStringList& refused) {
   DownloadRequest request;
   request.connection = connection_;
   request.remoteDirectory = currentDirectory_;
-  request.window = this;
+  request.listener = Listener();
   const std::vector<int> rows = listing_->SelectedRows();
   for (const int row : rows) {
     const MWListItem& item = listing_->Rows().At(row);
@@ -143,19 +142,19 @@ void MWindow::Upload(std::vector<std::string> paths) {
   UploadRequest request;
   request.connection = connection_;
   request.remoteDirectory = currentDirectory_;
-  request.window = this;
+  request.listener = Listener();
   request.localItems = std::move(paths);
   HandOver(std::move(request));
 }
 
 void MWindow::HandOver(DownloadRequest request) {
   if (sameConnection_->isChecked()) return TransferHere(Description(std::move(request)));
-  app_.Transfers().AddDownload(std::move(request));
+  app_.Transfer(std::move(request));
 }
 
 void MWindow::HandOver(UploadRequest request) {
   if (sameConnection_->isChecked()) return TransferHere(Description(std::move(request)));
-  app_.Transfers().AddUpload(std::move(request));
+  app_.Transfer(std::move(request));
 }
 
 // The commands are disabled while a transfer runs here, but a panel may still be open.
@@ -164,16 +163,27 @@ void MWindow::TransferHere(transferStruct description) {
     return Warn(tr("This connection is busy with another transfer."));
   }
   listing_->DisableAll();
-  pane_->Begin(std::make_unique<TransferItem>(connection_, std::move(description), this),
+  pane_->Begin(connection_, std::move(description), Listener(),
                [this](std::shared_ptr<TransferUi> row, transferStruct what) {
                  return app_.Workers().sameConnection(looper_, std::move(row), std::move(what));
                });
 }
 
-void MWindow::TransferSettled(const TransferItem& item) {
+void MWindow::TransferSettled(const TransferNews& news) {
   listing_->EnableAll();
-  app_.Notifications().Ended(item);
-  if (item.Failed()) LogLater(item.FailureLine().toStdString() + "\n");
+  if (!news.failure.isEmpty()) LogLater(news.failure.toStdString() + "\n");
+}
+
+TransferListener MWindow::Listener() {
+  const QPointer<MWindow> self(this);
+  return {.arrived =
+              [self](const Message& entry) {
+                if (!self.isNull()) self->MessageReceived(entry);
+              },
+          .noted =
+              [self](std::string_view line) {
+                if (!self.isNull()) self->LogLater(line);
+              }};
 }
 
 }  // namespace corvane

@@ -6,10 +6,10 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "app/connect/ConnectHost.h"
 #include "app/connect/ConnectionForm.h"
 #include "app/connect/ShortCutWindow.h"
 #include "app/connect/StartWin.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
@@ -19,7 +19,7 @@
 
 namespace corvane {
 
-ShortCutEditWindow::ShortCutEditWindow(TambleApp& app)
+ShortCutEditWindow::ShortCutEditWindow(ShortcutHost& app)
     : app_(app),
       form_(new ConnectionForm(ConnectionForm::Label::With, this)),
       ok_(new QPushButton(this)) {

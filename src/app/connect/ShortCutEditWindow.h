@@ -11,7 +11,7 @@ class QPushButton;
 namespace corvane {
 
 class ConnectionForm;
-class TambleApp;
+struct ShortcutHost;
 
 /// Edits one saved connection: a new one, which is stored at once, or one of the shortcut list,
 /// which takes the change over. Deletes itself when closed. GUI thread.
@@ -22,7 +22,7 @@ class ShortCutEditWindow : public QWidget {
   /// Takes a changed connection over; false when it has no place any more.
   using Change = std::function<bool(const Shortcut&)>;
 
-  explicit ShortCutEditWindow(TambleApp& app);
+  explicit ShortCutEditWindow(ShortcutHost& app);
 
   /// Edits `record`: a connection that `change` takes back, or a new one without.
   void Edit(const Shortcut& record, Change change);
@@ -41,7 +41,7 @@ class ShortCutEditWindow : public QWidget {
   void Store(const Shortcut& entered);
   void Add(const Shortcut& entered);
 
-  TambleApp& app_;
+  ShortcutHost& app_;
   Shortcut filled_;  // what the fields say as long as nobody has typed
   Change change_;
   bool asking_ = false;

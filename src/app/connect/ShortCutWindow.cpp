@@ -11,9 +11,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/connect/ConnectHost.h"
 #include "app/connect/ShortCutItem.h"
 #include "app/connect/StartWin.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
@@ -40,7 +40,7 @@ constexpr Column kColumns[] = {
 
 }  // namespace
 
-ShortCutWindow::ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shortcuts)
+ShortCutWindow::ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& shortcuts)
     : app_(app), list_(new QTreeWidget(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Shortcuts[*]"));
@@ -116,7 +116,7 @@ void ShortCutWindow::MenusBeginning() {
 
 void ShortCutWindow::MessageReceived(const Message& message) {
   switch (message.what) {
-    case "nwst"_what: app_.ShowEditor({}, *this); break;
+    case "nwst"_what: app_.ShowEditor({}, *this, {}); break;
     case "ITMV"_what: EditSelected(); break;
     case "REMI"_what: RemoveSelected(); break;
     case "SVPF"_what: Save(); break;

@@ -14,7 +14,7 @@ class QTreeWidget;
 namespace corvane {
 
 class ShortCutItem;
-class TambleApp;
+struct ShortcutHost;
 
 /// The list of saved connections. Changes stay in the window until they are saved. Deletes itself
 /// when closed. GUI thread.
@@ -22,7 +22,7 @@ class ShortCutWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  ShortCutWindow(TambleApp& app, const std::vector<Shortcut>& shortcuts);
+  ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& shortcuts);
   ~ShortCutWindow() override;
 
   void MessageReceived(const Message& message);
@@ -53,7 +53,7 @@ class ShortCutWindow : public QMainWindow {
   void AddRow(std::string_view url);
   bool Save();
 
-  TambleApp& app_;
+  ShortcutHost& app_;
   QTreeWidget* list_;
   QAction* edit_ = nullptr;
   QAction* remove_ = nullptr;

@@ -49,13 +49,6 @@ void ShortcutField::Append(const std::string& label, std::int32_t index) {
   Add(label, index, Count() < 9);
 }
 
-QString ShortcutField::ItemText(const std::string& label) {
-  constexpr qsizetype kLongest = 100;
-  QString shown = ToText(std::string_view(label).substr(0, 4 * kLongest));
-  if (shown.size() > kLongest) shown = shown.first(kLongest) + QChar(0x2026);
-  return Label(shown);
-}
-
 void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
   QAction* item = cutMenu_->addAction(ItemText(label));
   item->setCheckable(true);

@@ -25,8 +25,6 @@ class ShortcutField : public QPushButton {
   void Append(const std::string& label, std::int32_t index);
   /// How many there are.
   [[nodiscard]] qsizetype Count() const;
-  /// What stands in a menu for a connection of that label; a long one is cut.
-  [[nodiscard]] static QString ItemText(const std::string& label);
 
   /// Room for its title; a longer label is cut.
   [[nodiscard]] QSize minimumSizeHint() const override;

@@ -7,11 +7,11 @@
 #include <QLineEdit>
 #include <utility>
 
+#include "app/connect/ConnectHost.h"
 #include "app/connect/ConnectionForm.h"
 #include "app/connect/Password.h"
 #include "app/connect/PastedUrl.h"
 #include "app/connect/ShortcutField.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/OpenMessage.h"
@@ -21,7 +21,7 @@
 #include "util/Shortcut.h"
 
 namespace corvane {
-StartWin::StartWin(TambleApp& app, const QRect& frame) : app_(app) {
+StartWin::StartWin(ConnectHost& app, const QRect& frame) : app_(app) {
   setWindowTitle(tr("Corvane"));
   MakeViews();
   setGeometry(frame);

@@ -15,14 +15,14 @@ namespace corvane {
 
 class ConnectionForm;
 class ShortcutField;
-class TambleApp;
+struct ConnectHost;
 
 /// The window in which the user states a server. Closing it quits the program. GUI thread.
 class StartWin : public QMainWindow {
   Q_OBJECT
 
  public:
-  StartWin(TambleApp& app, const QRect& frame);
+  StartWin(ConnectHost& app, const QRect& frame);
   /// Stores the window's frame.
   ~StartWin() override;
 
@@ -56,7 +56,7 @@ class StartWin : public QMainWindow {
   void Copy();
   void Paste();
 
-  TambleApp& app_;
+  ConnectHost& app_;
   bool passive_ = false;
 
   ConnectionForm* form_ = nullptr;

@@ -13,11 +13,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/connect/ConnectHost.h"
 #include "app/connect/ConnectionForm.h"
 #include "app/connect/Password.h"
 #include "app/connect/ShortcutField.h"
 #include "app/connect/StartWin.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Windows.h"
 
 namespace corvane {
@@ -93,7 +93,7 @@ void StartWin::MakeWindowsMenu() {
   windows->addAction(tr("&Transfer List"), QKeySequence("Ctrl+X"), this,
                      [this] { app_.PostMessage(Message("SHLG"_what)); });
   connect(windows, &QMenu::aboutToShow, this,
-          [this, windows] { AddWindowItems(*windows, 1, app_.WindowList(), nullptr); });
+          [this, windows] { AddWindowItems(*windows, 1, app_.BrowserWindows(), nullptr); });
 }
 
 void StartWin::MenusBeginning() {

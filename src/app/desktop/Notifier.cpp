@@ -10,7 +10,7 @@
 #include <memory>
 #include <utility>
 
-#include "app/transfers/TransferItem.h"
+#include "app/shared/TransferNews.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
@@ -68,15 +68,15 @@ Notifier::Notifier(Ways ways) : ways_(std::move(ways)) {
   });
 }
 
-void Notifier::Ended(const TransferItem& item) {
-  if (Looking() || item.WasCancelled() || !ProcessSettings::Get().notify) return;
-  ++(item.Finished() ? finished_ : failed_);
-  if (item.Finished()) {
-    summary_ = item.IsDownload() ? tr("Download finished") : tr("Upload finished");
-    body_ = item.FileName() + '\n' + item.ServerLine();
+void Notifier::Ended(const TransferNews& news) {
+  if (Looking() || news.cancelled || !ProcessSettings::Get().notify) return;
+  ++(news.finished ? finished_ : failed_);
+  if (news.finished) {
+    summary_ = news.download ? tr("Download finished") : tr("Upload finished");
+    body_ = news.file + '\n' + news.server;
   } else {
-    summary_ = item.IsDownload() ? tr("Download failed") : tr("Upload failed");
-    body_ = item.FailureLine();
+    summary_ = news.download ? tr("Download failed") : tr("Upload failed");
+    body_ = news.failure;
   }
   if (!gathering_.isActive()) gathering_.start();
 }

@@ -7,7 +7,7 @@
 
 namespace corvane {
 
-class TransferItem;
+struct TransferNews;
 
 /// Tells the desktop that transfers have ended while no window of the program is active: one
 /// notification, however many they are, which goes once the user looks. Owned by TambleApp. GUI
@@ -29,7 +29,7 @@ class Notifier : public QObject {
   explicit Notifier(Ways ways);
 
   /// To be called for every transfer whose worker is done. What the user has cancelled is not news.
-  void Ended(const TransferItem& item);
+  void Ended(const TransferNews& news);
 
  private:
   void Show();

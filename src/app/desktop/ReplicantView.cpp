@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "app/connect/ShortcutField.h"
 #include "app/shared/Icons.h"
 #include "app/shared/OpenMessage.h"
+#include "app/shared/ScreenText.h"
 #include "settings/ShortcutStore.h"
 
 namespace corvane {
@@ -37,7 +37,7 @@ void ReplicantView::SetupShortcuts(QMenu* menu) {
   const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForMenu();
   if (shortcuts.empty()) menu->addAction(tr("The shortcuts could not be read."))->setEnabled(false);
   for (const Shortcut& shortcut : shortcuts) {
-    connect(menu->addAction(ShortcutField::ItemText(NameOf(shortcut))), &QAction::triggered, this,
+    connect(menu->addAction(ItemText(NameOf(shortcut))), &QAction::triggered, this,
             [this, shortcut] { Open(shortcut); });
   }
 }

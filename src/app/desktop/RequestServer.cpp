@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "app/desktop/StartupNotice.h"
-#include "app/program/CommandLine.h"
+#include "app/shared/CommandLine.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {

@@ -15,7 +15,7 @@
 
 #include "app/desktop/RequestServer.h"
 #include "app/desktop/StartupNotice.h"
-#include "app/program/CommandLine.h"
+#include "app/shared/CommandLine.h"
 
 namespace corvane {
 namespace {

@@ -12,6 +12,7 @@
 #include "app/connect/ShortCutWindow.h"
 #include "app/connect/ShortcutField.h"
 #include "app/connect/StartWin.h"
+#include "app/desktop/Reveal.h"
 #include "app/desktop/StartupNotice.h"
 #include "app/program/About.h"
 #include "app/program/PrefWindow.h"
@@ -22,6 +23,7 @@
 #include "app/shared/ScreenText.h"
 #include "app/shared/Windows.h"
 #include "app/transfers/DownLoadWin.h"
+#include "app/transfers/TransferPane.h"
 #include "settings/ProcessSettings.h"
 #include "settings/ShortcutStore.h"
 #include "settings/StoredSettings.h"
@@ -93,6 +95,8 @@ void TambleApp::OpenBrowser(const Message& message) {
   to.port = static_cast<std::uint16_t>(message.FindInt16("port").value_or(21));
   to.passive = message.FindBool("passive").value_or(false);
   auto* window = new MWindow(*this, Frames::ForBrowser(), std::move(to));
+  windowList_.push_back(window);
+  connect(window, &QObject::destroyed, this, [this, window] { std::erase(windowList_, window); });
   // Today's fonts want more room for names than the first frame gives.
   if (StoredSettings::Frame(kConnectionFrame) == kConnectionFrame.fallback) {
     window->resize(window->size().expandedTo(window->sizeHint()));
@@ -148,6 +152,32 @@ void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,
   editor_->Edit(shortcut, std::move(change));
   if (!open) editor_->PlaceBeside(opener);
   BringForward(editor_);
+}
+
+void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener) {
+  ShowEditor(shortcut, opener, {});
+}
+
+void TambleApp::Transfer(DownloadRequest request) {
+  transfers_->AddDownload(std::move(request));
+}
+
+void TambleApp::Transfer(UploadRequest request) {
+  transfers_->AddUpload(std::move(request));
+}
+
+TransferView* TambleApp::MakeTransferView(QWidget* parent) {
+  auto* view = new TransferPane(parent);
+  connect(view, &TransferView::Settled, this, &TambleApp::TransferEnded);
+  return view;
+}
+
+void TambleApp::RevealFile(QWidget* window, const std::string& path) {
+  Reveal::Show(window, path);
+}
+
+std::vector<QWidget*> TambleApp::BrowserWindows() const {
+  return {windowList_.begin(), windowList_.end()};
 }
 
 int TambleApp::RunningTransfers() const {

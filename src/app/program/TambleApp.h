@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "app/browser/BrowserHost.h"
+#include "app/connect/ConnectHost.h"
 #include "app/desktop/Notifier.h"
-#include "app/program/WorkerFactory.h"
+#include "app/transfers/TransferHost.h"
 #include "kit/Message.h"
 
 namespace corvane {
@@ -18,17 +20,18 @@ class DownLoadWin;
 class MWindow;
 class PrefWindow;
 class ShortCutEditWindow;
-class ShortCutWindow;
-class StartWin;
-struct Shortcut;
 
 /// The application: owns the connection window and the transfer window, and opens all others. Of
 /// shortcut list, shortcut editor and preferences there is one at a time. GUI thread.
-class TambleApp : public QObject {
+class TambleApp : public QObject,
+                  public BrowserHost,
+                  public TransferHost,
+                  public ConnectHost,
+                  public ShortcutHost {
   Q_OBJECT
 
  public:
-  explicit TambleApp(WorkerFactory workers = WorkerFactory::Real());
+  explicit TambleApp(WorkerFactory workers);
   ~TambleApp() override;
 
   /// Settings, the two windows, and what the command line asked for.
@@ -37,34 +40,36 @@ class TambleApp : public QObject {
   /// 'OPNC' opens a browser window, 'NWST' adds a shortcut ("label", "index") to the menu of the
   /// connection window, 'SHLG' and 'SHMN' bring transfer and connection window forward. "startup"
   /// in 'OPNC' and 'SHMN' names the start that asked for it (StartupNotice).
-  void PostMessage(const Message& message);
-  void AboutRequested();
+  void PostMessage(const Message& message) override;
+  void AboutRequested() override;
 
   /// Quits, once the user has said what is to become of running transfers and unsaved changes.
-  void QuitRequested();
+  void QuitRequested() override;
   /// Hides everything, tells all work to end, and ends the event loop.
   void Quit();
   [[nodiscard]] bool Quitting() const { return quitting_; }
 
-  void ShowShortcuts();
-  void ShowPreferences();
-  /// The editor on `shortcut`, a new one or, with `change`, one of the list. An editor in which
-  /// something was typed comes forward as it is. `opener` says where it stands.
+  void ShowShortcuts() override;
+  void ShowPreferences() override;
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener,
-                  std::function<bool(const Shortcut&)> change = {});
+                  std::function<bool(const Shortcut&)> change) override;
+  void ShowEditor(const Shortcut& shortcut, const QWidget& opener) override;
 
-  [[nodiscard]] StartWin& ConnectionWindow() { return *start_; }
+  void Transfer(DownloadRequest request) override;
+  void Transfer(UploadRequest request) override;
+  [[nodiscard]] TransferView* MakeTransferView(QWidget* parent) override;
+  void TransferEnded(const TransferNews& news) override { notifier_.Ended(news); }
+  void RevealFile(QWidget* window, const std::string& path) override;
+
+  [[nodiscard]] StartWin& ConnectionWindow() override { return *start_; }
   [[nodiscard]] DownLoadWin& Transfers() { return *transfers_; }
-  [[nodiscard]] const QPointer<ShortCutWindow>& Shortcuts() const { return shortcuts_; }
+  [[nodiscard]] const QPointer<ShortCutWindow>& Shortcuts() const override { return shortcuts_; }
   [[nodiscard]] const QPointer<PrefWindow>& Preferences() const { return preferences_; }
   [[nodiscard]] const QPointer<ShortCutEditWindow>& Editor() const { return editor_; }
-  [[nodiscard]] Notifier& Notifications() { return notifier_; }
-  [[nodiscard]] const WorkerFactory& Workers() const { return workers_; }
-
+  [[nodiscard]] const WorkerFactory& Workers() const override { return workers_; }
+  [[nodiscard]] std::vector<QWidget*> BrowserWindows() const override;
   /// The open browser windows, oldest first.
   [[nodiscard]] const std::vector<MWindow*>& WindowList() const { return windowList_; }
-  void AddWindow(MWindow* window) { windowList_.push_back(window); }
-  void RemoveWindow(MWindow* window) { std::erase(windowList_, window); }
 
  private:
   void OpenBrowser(const Message& message);

@@ -15,10 +15,11 @@
 #include "app/desktop/RunningProgram.h"
 #include "app/desktop/StartupNotice.h"
 #include "app/desktop/TrayProgram.h"
-#include "app/program/CommandLine.h"
 #include "app/program/QuitSignals.h"
+#include "app/program/RealWorkers.h"
 #include "app/program/TambleApp.h"
 #include "app/program/Translations.h"
+#include "app/shared/CommandLine.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
 #include "workers/ListingCache.h"
@@ -101,7 +102,7 @@ int main(int argc, char** argv) {
       const corvane::QuitSignals signals(QCoreApplication::quit);
       result = tray.Run();
     } else {
-      corvane::TambleApp app;
+      corvane::TambleApp app(corvane::RealWorkers());
       const corvane::QuitSignals signals([&app] { app.Quit(); });
       app.ReadyToRun(line.open);
       std::optional<corvane::RequestServer> requests;

@@ -43,4 +43,11 @@ QString Label(const QString& text) {
   return QString(text).replace('&', QStringLiteral("&&"));
 }
 
+QString ItemText(const std::string& label) {
+  constexpr qsizetype kLongest = 100;
+  QString shown = ToText(std::string_view(label).substr(0, 4 * kLongest));
+  if (shown.size() > kLongest) shown = shown.first(kLongest) + QChar(0x2026);
+  return Label(shown);
+}
+
 }  // namespace corvane

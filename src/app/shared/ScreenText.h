@@ -26,4 +26,7 @@ namespace corvane {
 /// A text as the label of a menu item or button, in which "&" marks no key.
 [[nodiscard]] QString Label(const QString& text);
 
+/// What stands in a menu for a connection of that label, raw bytes; a long one is cut.
+[[nodiscard]] QString ItemText(const std::string& label);
+
 }  // namespace corvane

@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QWidget>
 
-#include "app/browser/MWindow.h"
 #include "app/shared/ScreenText.h"
 
 namespace corvane {
@@ -69,17 +68,16 @@ QWidget* AskingButtons(QWidget* window, const std::pair<QString, const char*>& a
   return row;
 }
 
-void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows,
-                    const MWindow* except) {
+void AddWindowItems(QMenu& menu, int fixed, const std::vector<QWidget*>& windows,
+                    const QWidget* except) {
   const QList<QAction*> old = menu.actions();
   for (auto i = qsizetype{fixed}; i < old.size(); ++i) delete old[i];
   bool separated = false;
-  for (MWindow* window : windows) {
+  for (QWidget* window : windows) {
     if (window == except) continue;
     if (!separated) menu.addSeparator();
     separated = true;
-    menu.addAction(Label(window->windowTitle()), window,
-                   [window] { window->MessageReceived(Message("SHWD"_what)); });
+    menu.addAction(Label(window->windowTitle()), window, [window] { BringForward(window); });
   }
 }
 

@@ -11,8 +11,6 @@ class QWidget;
 
 namespace corvane {
 
-class MWindow;
-
 /// Shows a hidden or minimised window, or activates it. Where a question stands over it, that one
 /// gets the keyboard. GUI thread.
 void BringForward(QWidget* window);
@@ -36,7 +34,7 @@ inline constexpr Qt::WindowFlags kFixedWindow =
 
 /// Puts one item per browser window but `except` behind the first `fixed` items of `menu`, in place
 /// of what stood there.
-void AddWindowItems(QMenu& menu, int fixed, const std::vector<MWindow*>& windows,
-                    const MWindow* except);
+void AddWindowItems(QMenu& menu, int fixed, const std::vector<QWidget*>& windows,
+                    const QWidget* except);
 
 }  // namespace corvane

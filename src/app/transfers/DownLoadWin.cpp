@@ -7,17 +7,15 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/browser/MWindow.h"
-#include "app/desktop/Reveal.h"
-#include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/Windows.h"
+#include "app/transfers/TransferHost.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
 
-DownLoadWin::DownLoadWin(TambleApp& app, const QRect& frame)
+DownLoadWin::DownLoadWin(TransferHost& app, const QRect& frame)
     : app_(app), list_(new TransferListView(this)) {
   setWindowTitle(tr("Transfer List"));
   setMinimumSize(270, 200);
@@ -50,7 +48,7 @@ void DownLoadWin::MakeMenus() {
   windows->addAction(tr("&Control Window"), QKeySequence("Ctrl+N"), this,
                      [this] { app_.PostMessage(Message("SHMN"_what)); });
   connect(windows, &QMenu::aboutToShow, this,
-          [this, windows] { AddWindowItems(*windows, 1, app_.WindowList(), nullptr); });
+          [this, windows] { AddWindowItems(*windows, 1, app_.BrowserWindows(), nullptr); });
   connect(file, &QMenu::aboutToShow, this, &DownLoadWin::MenusBeginning);
   AddCloseKey(this);
 }
@@ -66,19 +64,20 @@ void DownLoadWin::MenusBeginning() {
 
 void DownLoadWin::AddDownload(DownloadRequest request) {
   const Connection connection = request.connection;
-  MWindow* window = request.window;
-  Add(connection, Description(std::move(request)), window);
+  TransferListener listener = std::move(request.listener);
+  Add(connection, Description(std::move(request)), std::move(listener));
 }
 
 void DownLoadWin::AddUpload(UploadRequest request) {
   const Connection connection = request.connection;
-  MWindow* window = request.window;
-  Add(connection, Description(std::move(request)), window);
+  TransferListener listener = std::move(request.listener);
+  Add(connection, Description(std::move(request)), std::move(listener));
 }
 
-void DownLoadWin::Add(const Connection& connection, transferStruct description, MWindow* browser) {
+void DownLoadWin::Add(const Connection& connection, transferStruct description,
+                      TransferListener listener) {
   TransferItem& item = list_->Items().Add(
-      std::make_unique<TransferItem>(connection, std::move(description), browser));
+      std::make_unique<TransferItem>(connection, std::move(description), std::move(listener)));
   connect(&item, &TransferItem::Settled, this, &DownLoadWin::ItemSettled);
   item.Start([&](std::shared_ptr<TransferUi> row, transferStruct what) {
     return app_.Workers().transfer(connection, std::move(row), std::move(what));
@@ -89,7 +88,7 @@ void DownLoadWin::Add(const Connection& connection, transferStruct description, 
 
 // A row that has something to say about entries that were left out stays.
 void DownLoadWin::ItemSettled(TransferItem* item) {
-  app_.Notifications().Ended(*item);
+  app_.TransferEnded(item->News());
   if (!item->Finished() || item->HasNotes() || !ProcessSettings::Get().removeItem) return;
   for (int row = 0; row < list_->Items().Count(); ++row) {
     if (&list_->Items().At(row) == item) return list_->Items().Remove(row);
@@ -100,7 +99,7 @@ void DownLoadWin::MessageReceived(const Message& message) {
   switch (message.what) {
     case "CNCL"_what: CancelSelected(); break;
     case "REMI"_what: RemoveSelected(); break;
-    case "_RRC"_what: Reveal::Show(this, message.FindString("refs").value_or("")); break;
+    case "_RRC"_what: app_.RevealFile(this, message.FindString("refs").value_or("")); break;
     default: break;
   }
 }

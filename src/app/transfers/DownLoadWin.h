@@ -2,22 +2,22 @@
 
 #include <QMainWindow>
 
+#include "app/shared/TransferRequest.h"
 #include "app/transfers/TransferListView.h"
-#include "app/transfers/TransferRequest.h"
 #include "kit/Message.h"
 
 class QAction;
 
 namespace corvane {
 
-class TambleApp;
+struct TransferHost;
 
 /// The transfer window: one row for everything that moves. Closing only hides it. GUI thread.
 class DownLoadWin : public QMainWindow {
   Q_OBJECT
 
  public:
-  DownLoadWin(TambleApp& app, const QRect& frame);
+  DownLoadWin(TransferHost& app, const QRect& frame);
   ~DownLoadWin() override;
 
   /// Each request becomes a row with a connection of its own, and starts at once.
@@ -34,13 +34,13 @@ class DownLoadWin : public QMainWindow {
  private:
   void MakeMenus();
   void MenusBeginning();
-  void Add(const Connection& connection, transferStruct description, MWindow* browser);
+  void Add(const Connection& connection, transferStruct description, TransferListener listener);
   void ItemSettled(TransferItem* item);
   void CancelSelected();
   void RemoveSelected();
   void RemoveRows(const std::vector<int>& rows);
 
-  TambleApp& app_;
+  TransferHost& app_;
   TransferListView* list_;
   QAction* cancel_ = nullptr;
   QAction* remove_ = nullptr;

@@ -4,10 +4,9 @@
 #include <iterator>
 #include <utility>
 
-#include "app/browser/MWindow.h"
 #include "app/shared/EngineTexts.h"
 #include "app/shared/ScreenText.h"
-#include "app/transfers/TransferRequest.h"
+#include "app/shared/TransferRequest.h"
 #include "ftp/MFtp.h"
 #include "net/NLException.h"
 
@@ -26,10 +25,10 @@ QString NoteLine(const std::string& note) {
 }  // namespace
 
 TransferItem::TransferItem(const Connection& connection, transferStruct description,
-                           MWindow* browser)
+                           TransferListener listener)
     : connection_(connection),
       description_(std::move(description)),
-      browser_(browser),
+      listener_(std::move(listener)),
       link_(std::make_shared<TransferLink>(*this)) {
   link_->Progress().total = std::max<std::int64_t>(description_.size, 0);
 }
@@ -88,12 +87,12 @@ void TransferItem::Report(TransferReport report, std::vector<std::string> notes)
 }
 
 void TransferItem::LogNotes() const {
-  if (browser_.isNull()) return;
-  for (const std::string& note : notes_) browser_->LogLater(note + "\n");
+  if (!listener_.noted) return;
+  for (const std::string& note : notes_) listener_.noted(note + "\n");
 }
 
 void TransferItem::MessageReceived(const Message& message) {
-  if (message.what == "ADDI"_what && !browser_.isNull()) browser_->MessageReceived(message);
+  if (message.what == "ADDI"_what && listener_.arrived) listener_.arrived(message);
 }
 
 QString TransferItem::ServerLine() const {
@@ -169,6 +168,15 @@ QString TransferItem::Details() const {
   if (notes_.size() > shown)
     lines.append(tr("and %n more", "", static_cast<int>(notes_.size() - shown)));
   return lines.join('\n');
+}
+
+TransferNews TransferItem::News() const {
+  return {.download = IsDownload(),
+          .finished = Finished(),
+          .cancelled = WasCancelled(),
+          .file = FileName(),
+          .server = ServerLine(),
+          .failure = FailureLine()};
 }
 
 QString TransferItem::Summary() const {

@@ -1,21 +1,20 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
 #include <QString>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/shared/Connection.h"
+#include "app/shared/TransferNews.h"
+#include "app/shared/TransferRequest.h"
+#include "app/shared/TransferView.h"
 #include "app/transfers/TransferLink.h"
 #include "workers/MThread.h"
 #include "workers/transferStruct.h"
 
 namespace corvane {
-
-class MWindow;
 
 /// One transfer: what it is, how far it is, and the worker behind it. A row of the list, or what a
 /// browser window shows of a transfer on its own connection. GUI thread. When it goes, a worker
@@ -24,12 +23,9 @@ class TransferItem : public QObject {
   Q_OBJECT
 
  public:
-  using MakeWorker =
-      std::function<std::shared_ptr<MThread>(std::shared_ptr<TransferUi>, transferStruct)>;
+  using MakeWorker = TransferView::MakeWorker;
 
-  /// `browser`: the window that asked. It is told of each entry that an upload brought, and its log
-  /// gets the notes.
-  TransferItem(const Connection& connection, transferStruct description, MWindow* browser);
+  TransferItem(const Connection& connection, transferStruct description, TransferListener listener);
   ~TransferItem() override;
 
   /// Makes the worker and starts it. A worker that cannot start ends the transfer as failed.
@@ -71,6 +67,8 @@ class TransferItem : public QObject {
   [[nodiscard]] QString FailureLine() const;
   /// Why it failed, or where it goes, and the beginning of the notes: for a tooltip, in lines.
   [[nodiscard]] QString Details() const;
+  /// How it ended, once it has.
+  [[nodiscard]] TransferNews News() const;
   /// The whole row as one text.
   [[nodiscard]] QString Summary() const;
   /// 0 to 1.
@@ -97,7 +95,7 @@ class TransferItem : public QObject {
 
   Connection connection_;
   transferStruct description_;
-  QPointer<MWindow> browser_;
+  TransferListener listener_;
   std::shared_ptr<TransferLink> link_;
   std::shared_ptr<MThread> worker_;
   TransferReport report_;

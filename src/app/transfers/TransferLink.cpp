@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "app/desktop/SoundPlayer.h"
 #include "app/shared/GuiThread.h"
+#include "app/shared/SoundPlayer.h"
 #include "app/transfers/TransferItem.h"
 
 namespace corvane {

@@ -23,7 +23,7 @@ void Show(QLabel* label, const QString& text) {
 }  // namespace
 
 TransferPane::TransferPane(QWidget* parent)
-    : QWidget(parent),
+    : TransferView(parent),
       direction_(MakeLabel("FileDownloadV", tr("Direction"))),
       file_(MakeLabel("FileName", tr("File"))),
       rate_(MakeLabel("BPSECSVIEW", tr("Rate"))),
@@ -61,9 +61,11 @@ QLabel* TransferPane::MakeLabel(const char* name, const QString& accessible) {
   return label;
 }
 
-void TransferPane::Begin(std::unique_ptr<TransferItem> item, const TransferItem::MakeWorker& make) {
+void TransferPane::Begin(const Connection& connection, transferStruct description,
+                         TransferListener listener, const MakeWorker& make) {
   hideLater_.stop();
-  item_ = std::move(item);
+  bar_->SetItem(nullptr);
+  item_ = std::make_unique<TransferItem>(connection, std::move(description), std::move(listener));
   bar_->SetItem(item_.get());
   connect(item_.get(), &TransferItem::Changed, this, &TransferPane::Refresh);
   connect(item_.get(), &TransferItem::Ended, this, &TransferPane::Ended);
@@ -72,7 +74,7 @@ void TransferPane::Begin(std::unique_ptr<TransferItem> item, const TransferItem:
     button_->setEnabled(true);
     const bool seen = settled->WasCancelled() || (settled->Finished() && !settled->HasNotes());
     if (seen) hideLater_.start();
-    Q_EMIT Settled(*settled);
+    Q_EMIT Settled(settled->News());
   });
   button_->setText(tr("Cancel"));
   button_->setEnabled(true);

@@ -1,4 +1,4 @@
-#include "app/desktop/SoundPlayer.h"
+#include "app/shared/SoundPlayer.h"
 
 #include <canberra.h>
 #include <unistd.h>

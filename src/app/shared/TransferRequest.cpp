@@ -1,8 +1,6 @@
-#include "app/transfers/TransferRequest.h"
+#include "app/shared/TransferRequest.h"
 
 #include <utility>
-
-#include "app/browser/MWindow.h"
 
 namespace corvane {
 

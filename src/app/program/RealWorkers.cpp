@@ -1,4 +1,4 @@
-#include "app/program/WorkerFactory.h"
+#include "app/program/RealWorkers.h"
 
 #include <utility>
 
@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-WorkerFactory WorkerFactory::Real() {
+WorkerFactory RealWorkers() {
   WorkerFactory factory;
   factory.looper = [](const Connection& to, std::shared_ptr<BrowserUi> window) {
     return std::make_shared<ControlLooper>(to.host, to.port, to.user, to.pass, to.path, to.passive,

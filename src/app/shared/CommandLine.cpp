@@ -1,4 +1,4 @@
-#include "app/program/CommandLine.h"
+#include "app/shared/CommandLine.h"
 
 #include <algorithm>
 #include <charconv>

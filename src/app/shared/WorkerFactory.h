@@ -24,9 +24,6 @@ struct WorkerFactory {
   std::function<std::shared_ptr<MThread>(const std::shared_ptr<Looper>&,
                                          std::shared_ptr<TransferUi>, transferStruct)>
       sameConnection;
-
-  /// Those that talk to real servers.
-  [[nodiscard]] static WorkerFactory Real();
 };
 
 }  // namespace corvane

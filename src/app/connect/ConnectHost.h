@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QPointer>
+#include <functional>
+#include <vector>
+
+#include "kit/Message.h"
+#include "util/Shortcut.h"
+
+class QWidget;
+
+namespace corvane {
+
+class ShortCutWindow;
+class StartWin;
+
+/// What the connection window needs of the program around it. GUI thread.
+struct ConnectHost {
+  virtual ~ConnectHost() = default;
+
+  /// Takes 'OPNC' and 'SHLG'.
+  virtual void PostMessage(const Message& message) = 0;
+  virtual void ShowShortcuts() = 0;
+  virtual void ShowPreferences() = 0;
+  virtual void AboutRequested() = 0;
+  virtual void QuitRequested() = 0;
+  /// The open browser windows, oldest first.
+  [[nodiscard]] virtual std::vector<QWidget*> BrowserWindows() const = 0;
+};
+
+/// What the shortcut windows need of the program around them. GUI thread.
+struct ShortcutHost {
+  virtual ~ShortcutHost() = default;
+
+  /// Takes 'NWST'.
+  virtual void PostMessage(const Message& message) = 0;
+  /// The editor on `shortcut`, a new one or, with `change`, one of the list. An editor in which
+  /// something was typed comes forward as it is. `opener` says where it stands.
+  virtual void ShowEditor(const Shortcut& shortcut, const QWidget& opener,
+                          std::function<bool(const Shortcut&)> change) = 0;
+  [[nodiscard]] virtual StartWin& ConnectionWindow() = 0;
+  /// The list of shortcuts; null while it is not open.
+  [[nodiscard]] virtual const QPointer<ShortCutWindow>& Shortcuts() const = 0;
+};
+
+}  // namespace corvane

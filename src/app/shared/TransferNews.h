@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+namespace corvane {
+
+/// How a transfer has ended, in words for the user.
+struct TransferNews {
+  bool download = true;
+  bool finished = false;
+  bool cancelled = false;  ///< by the user
+  QString file;            ///< the last file in hand
+  QString server;          ///< "Server: name"
+  QString failure;         ///< what failed, in one line; empty when nothing did
+};
+
+}  // namespace corvane

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/shared/TransferNews.h"
+#include "app/shared/WorkerFactory.h"
+#include "kit/Message.h"
+
+class QWidget;
+
+namespace corvane {
+
+/// What the transfer window needs of the program around it. GUI thread.
+struct TransferHost {
+  virtual ~TransferHost() = default;
+
+  [[nodiscard]] virtual const WorkerFactory& Workers() const = 0;
+  /// Takes 'SHMN'.
+  virtual void PostMessage(const Message& message) = 0;
+  /// The open browser windows, oldest first.
+  [[nodiscard]] virtual std::vector<QWidget*> BrowserWindows() const = 0;
+  /// A transfer's worker is done.
+  virtual void TransferEnded(const TransferNews& news) = 0;
+  /// Shows a local path, raw bytes, in the file manager; alerts stand over `window`.
+  virtual void RevealFile(QWidget* window, const std::string& path) = 0;
+};
+
+}  // namespace corvane

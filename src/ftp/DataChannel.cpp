@@ -93,6 +93,21 @@ class Deadline {
 
 }  // namespace
 
+// How the data connection of one command comes about.
+struct DataChannel::Attempt {
+  FtpCommand& command;
+  std::optional<Reply> first{};
+  Reply last{};
+  bool open = false;
+  bool localFailure = false;
+  Text why{};  // of what failed on this side
+
+  void Listen() {
+    last = command.Next();
+    if (!first) first = last;
+  }
+};
+
 DataChannel::DataChannel(FtpControl& control, bool passive)
     : control_(control), passive_(passive) {}
 
@@ -187,45 +202,53 @@ Outcome DataChannel::SetUpPassive() {
 }
 
 Outcome DataChannel::Open(FtpCommand& command) {
-  Reply first;
-  Text why;
   noConnection_ = false;
-  const bool passive = passive_;
-  const bool connected = passive ? Connect(command, first, why) : Accept(command, first, why);
-  // A 2yz in place of the preliminary reply is all that the server will say.
-  if (first.code >= 300 || first.code < 100) {
+  Attempt attempt{command};
+  try {
+    passive_ ? Connect(attempt) : Accept(attempt);
+    // What is not open by now never will be: the server gives up, and knows why.
+    if (!attempt.open) Close();
+    while (!attempt.open && !command.IsComplete()) attempt.Listen();
+  } catch (const FtpFailure&) {
     Close();
-    if (first.code == kNoDataConnection) WayFailed();
-    return FtpControl::CheckResult(first);
+    throw;
   }
-  if (connected) {
+  const Reply& first = *attempt.first;
+  const bool accepted = first.code >= 100 && first.code < 300;
+  if (attempt.open && accepted) {
     onTrial_ = false;
     return {};
   }
   Close();
+  if (attempt.localFailure) return Outcome::LocalError(attempt.why);
+  if (!accepted) {
+    if (first.code == kNoDataConnection) WayFailed();
+    return FtpControl::CheckResult(first);
+  }
+  const Text failed =
+      passive_ ? Text("Passive connection failed.") : Text("Active connection failed.");
   WayFailed();
-  while (!command.IsComplete()) (void)command.Next();
-  return {
-      Outcome::Kind::Busy, kNoDataConnection,
-      Text::WithReason(
-          passive ? Text("Passive connection failed.") : Text("Active connection failed."), why)};
+  if (attempt.last.code >= 400) {
+    Outcome outcome = FtpControl::CheckResult(attempt.last, failed);
+    if (outcome.kind == Outcome::Kind::Refused) outcome.kind = Outcome::Kind::Busy;
+    return outcome;
+  }
+  return {Outcome::Kind::Busy, kNoDataConnection, Text::WithReason(failed, attempt.why)};
 }
 
-bool DataChannel::Connect(FtpCommand& command, Reply& first, Text& why) {
+void DataChannel::Connect(Attempt& attempt) {
   const Deadline deadline(control_);
-  bool connected = false;
   try {
-    connected =
+    attempt.open =
         Endpoint()->connectWhile(NLAddress(HostOf(control_.ServerAddress()), passivePort_), [&] {
           deadline.ThrowIfInterrupted();
           if (!control_.isDataPending(0)) return !deadline.HasPassed();
-          Reply reply = command.Next();
-          if (first.code == 0) first = std::move(reply);
-          return !command.IsComplete();
+          attempt.Listen();
+          return !attempt.command.IsComplete();
         });
-    if (!connected) why = Text("The server does not answer");
+    if (!attempt.open) attempt.why = Text("The server does not answer");
   } catch (const NLException& error) {
-    why = Reason(error);
+    attempt.why = Reason(error);
   } catch (const FtpFailure&) {
     if (control_.IsInterrupted()) ConnectInVain();
     throw;
@@ -234,8 +257,7 @@ bool DataChannel::Connect(FtpCommand& command, Reply& first, Text& why) {
     ConnectInVain();
     throw FtpFailure{Outcome::Cancelled()};
   }
-  if (first.code == 0) first = command.Next();
-  return connected;
+  if (!attempt.first) attempt.Listen();
 }
 
 // A server whose data connection was cancelled before it stood waits for it, for a minute or more,
@@ -254,31 +276,33 @@ void DataChannel::ConnectInVain() {
 
 // A stranger's connection is closed and the wait goes on; a server that ends the command instead of
 // connecting has given up.
-bool DataChannel::Accept(FtpCommand& command, Reply& first, Text& why) {
-  first = command.Next();
-  if (first.code >= 300) return false;
+void DataChannel::Accept(Attempt& attempt) {
+  attempt.Listen();
+  if (attempt.first->code >= 300) return;
   NLEndpoint* listener = Endpoint();
   const Deadline deadline(control_);
+  attempt.why = Text("The server did not open the data connection.");
   try {
     for (;;) {
       deadline.ThrowIfInterrupted();
-      const bool lastLook = command.IsComplete();
+      const bool lastLook = attempt.command.IsComplete();
       auto accepted = listener->accept(kSlice);
       if (accepted &&
           HostOf(accepted->remoteAddress()).s_addr == HostOf(control_.ServerAddress()).s_addr) {
         SetEndpoint(std::move(accepted));
-        return true;
+        attempt.open = true;
+        return;
       }
       // What ends the command may be said once a connection has come that was not seen yet.
-      if (!accepted && (lastLook || deadline.HasPassed())) break;
-      if (!command.IsComplete() && control_.isDataPending(0)) (void)command.Next();
+      if ((!accepted && lastLook) || deadline.HasPassed()) return;
+      if (!lastLook && control_.isDataPending(0)) attempt.Listen();
     }
-    why = Text("The server did not open the data connection.");
   } catch (const NLException& error) {
     deadline.ThrowIfInterrupted();
-    why = Reason(error);
+    // The listening socket is this machine's alone.
+    attempt.localFailure = true;
+    attempt.why = Reason(error);
   }
-  return false;
 }
 
 }  // namespace corvane

@@ -13,7 +13,6 @@ class FtpCommand;
 class FtpControl;
 class NLEndpoint;
 class Stream;
-struct Reply;
 
 /// How the data connection of a command comes about: active (PORT) or passive (PASV), RFC 959, 3.2
 /// and 4.1.2. Where one way fails the other is tried once, and kept to where it works. One thread
@@ -46,13 +45,15 @@ class DataChannel {
   void Abort() EXCLUDES(reach_);
 
  private:
+  struct Attempt;
+
   Outcome SetUpActive();
   Outcome SetUpPassive();
   Outcome SetUpThisWay();
   /// Nothing came about in the way in force; one on trial is left again.
   void WayFailed();
-  [[nodiscard]] bool Connect(FtpCommand& command, Reply& first, Text& why);
-  [[nodiscard]] bool Accept(FtpCommand& command, Reply& first, Text& why);
+  void Connect(Attempt& attempt);
+  void Accept(Attempt& attempt);
   void ConnectInVain();
   void SetEndpoint(std::unique_ptr<NLEndpoint> endpoint) EXCLUDES(reach_);
   [[nodiscard]] NLEndpoint* Endpoint() EXCLUDES(reach_);

@@ -72,6 +72,7 @@ void FtpControl::Connect(const NLAddress& server) {
   replies_->silenceLimit = silenceLimit;
   server_ = server;
   unread_ = 0;
+  heard_ = 0;
   stream_->setSilenceLimit(silenceLimit);
   const bool connected = stream_->connectWhile(server, [this] { return !interrupted_.load(); });
   if (!connected) throw FtpFailure{Outcome::Cancelled()};
@@ -101,7 +102,9 @@ void FtpControl::Send(std::string_view command, std::string_view logged) {
         Text("A name or text with a line break cannot be sent to the server."))};
   }
   if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+  if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
   ReadUnread();
+  heard_ = 0;
   UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
   try {
     stream_->write(std::string(command) + "\r\n");
@@ -115,13 +118,19 @@ void FtpControl::ReadUnread() {
     // The completion follows a preliminary reply.
     if (!ReadResponse().IsPreliminary()) --unread_;
   }
-  while (isDataPending(0)) (void)ReadResponse();
+  while (TryRead(&ReplyReader::ReadUnasked)) continue;
+  if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
+  // A server that said good-bye unasked is gone.
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
 }
 
-std::optional<Reply> FtpControl::TryRead() {
+std::optional<Reply> FtpControl::TryRead(Reading read) {
+  constexpr int kMostReplies = 1000;
   if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
   try {
-    std::optional<Reply> reply = replies_->Read([this](std::string_view line) { UpdateLog(line); });
+    std::optional<Reply> reply =
+        std::invoke(read, *replies_, [this](std::string_view line) { UpdateLog(line); });
+    if (reply && ++heard_ > kMostReplies) Lose(Text("The server does not stop replying"));
     if (reply && reply->code == kGone) {
       GiveUp(Text::Raw(WithoutLineEnd(reply->lastText)));
     }

@@ -79,8 +79,10 @@ class FtpControl {
 
   void Send(std::string_view command, std::string_view logged);
   void ReadUnread();
-  /// The reply; nothing when the wait for it was interrupted.
-  std::optional<Reply> TryRead();
+  using Reading = std::optional<Reply> (ReplyReader::*)(
+      const std::function<void(std::string_view)>& onLine);
+  /// The reply that `read` finds; nothing when the wait for it was interrupted.
+  std::optional<Reply> TryRead(Reading read = &ReplyReader::Read);
   [[noreturn]] void Lose(Text why);
 
   const std::function<void(std::string_view)> log_;
@@ -90,6 +92,7 @@ class FtpControl {
   bool lost_ = true;
   Text whyLost_{Text("The connection is closed")};
   int unread_ = 0;  // commands whose last reply nobody has waited for
+  int heard_ = 0;   // replies since the last command
   Mutex reach_;     // guards what Close reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
   NLEndpoint* stream_ = nullptr;  // the endpoint, for the thread that works here

@@ -76,8 +76,9 @@ Outcome FtpFile::Verdict() {
       command->Hurry();
       return Outcome::Cancelled();
     }
-    if (command->IsComplete()) return {};
-    return FtpControl::CheckResult(command->Next());
+    Outcome outcome;
+    while (!command->IsComplete()) outcome = FtpControl::CheckResult(command->Next());
+    return outcome;
   });
 }
 

@@ -12,7 +12,6 @@ namespace corvane {
 /// run at once. The text must outlive the parser.
 class ListingParser {
  public:
-  static constexpr std::size_t kMaxEntries = 10'000'000;
   static constexpr std::size_t kMaxName = 4096;
 
   /// `text` has no carriage returns; `now` is today where the user is.

@@ -56,39 +56,39 @@ Outcome MFtp::ChangeDir(std::string_view argument) {
 }
 
 Outcome MFtp::GoTo(const std::string& path) {
-  const std::string directory = WithoutTrailingSlash(path);
+  const std::string directory = path.empty() ? start_ : WithoutTrailingSlash(path);
   if (cwd_ == directory) return {};
+  const std::optional<std::string> here = std::exchange(cwd_, std::nullopt);
+  Outcome outcome = Go(here, directory);
+  if (outcome.IsDone()) cwd_ = directory;
+  // A server that refuses stays where it was, unless it was to go in several steps.
+  if (outcome.kind == Outcome::Kind::Refused && !cwd_) cwd_ = here;
+  return outcome;
+}
+
+// From where the server stands one step is said by its name alone: not every server takes paths as
+// this program writes them. What does not begin with a slash is a server's own form, or lies below
+// the place where the connection began and the server does not tell where that is.
+Outcome MFtp::Go(const std::optional<std::string>& here, const std::string& directory) {
+  const auto [above, name] = SplitPath(directory);
   const bool absolute = directory.starts_with('/');
-  // From where the server stands one step is said by its name alone: not every server takes paths
-  // as this program writes them.
-  if (cwd_) {
-    const std::string here = *std::exchange(cwd_, std::nullopt);
-    const auto [above, name] = SplitPath(directory);
-    Outcome outcome;
-    if (!here.empty() && here != "/" && SplitPath(here).first == directory) {
-      outcome = ChangeDir("..");
-    } else if (above == here && !name.empty()) {
-      outcome = ChangeDir(name);
-    } else if (absolute || here.empty()) {
-      outcome = ChangeDir(directory);
-    } else if (!directory.empty()) {
-      // Neither place is known from the root: up to where the connection began, then down.
-      outcome = GoTo("");
-      if (outcome.IsDone()) outcome = ChangeDir(directory);
-    }
-    if (outcome.IsDone()) {
-      cwd_ = directory;
-      return outcome;
-    }
-    if (outcome.kind == Outcome::Kind::Refused) cwd_ = here;
-    if (!absolute || outcome.kind != Outcome::Kind::Refused || above == here) return outcome;
+  if (here && !here->empty() && *here != "/" && SplitPath(*here).first == directory) {
+    const Outcome up = ChangeDir("..");
+    if (up.IsDone() || !absolute) return up;
   }
-  if (!absolute) {
+  if (here && above == *here && !name.empty()) return ChangeDir(name);
+  if (absolute || (start_ == directory && !directory.empty())) return ChangeDir(directory);
+  if (directory.empty() && !here) {
     return {Outcome::Kind::Refused, 0, Text("The server does not lead back to its directory")};
   }
-  Outcome outcome = ChangeDir(directory);
-  if (outcome.IsDone()) cwd_ = directory;
-  return outcome;
+  if (directory.empty()) {
+    cwd_ = here;
+    if (Outcome up = GoTo(SplitPath(*here).first); !up.IsDone()) return up;
+    return GoTo(directory);
+  }
+  cwd_ = here;
+  if (Outcome up = GoTo(above.empty() && !start_.empty() ? start_ : above); !up.IsDone()) return up;
+  return ChangeDir(name);
 }
 
 Outcome MFtp::Enter(const std::string& path, std::string& where) {

@@ -23,8 +23,6 @@ class NLLookup;
 /// from any.
 class MFtp final : public RemoteSession {
  public:
-  static constexpr std::size_t kMaxListing = std::size_t{1024} * 1024 * 1024;
-
   /// `owner` is told what goes on and gets the dialogue for its log.
   MFtp(Site site, std::shared_ptr<OwnerUi> owner);
   ~MFtp() override;
@@ -33,6 +31,11 @@ class MFtp final : public RemoteSession {
 
   /// How long a silent server is waited for, in milliseconds. Before Connect.
   void SetSilenceLimit(long milliseconds) { control_.silenceLimit = milliseconds; }
+  /// How large a listing may be.
+  void SetListingLimits(std::size_t bytes, std::size_t entries) {
+    maxListing_ = bytes;
+    maxEntries_ = entries;
+  }
 
   Outcome Connect() override;
   void Quit() override;
@@ -66,7 +69,9 @@ class MFtp final : public RemoteSession {
   [[nodiscard]] bool Tell(const Text& status);
 
   // MFtp.cpp
-  Outcome GoTo(const std::string& directory);
+  /// Goes to a directory, unless the server stands there.
+  Outcome GoTo(const std::string& path);
+  Outcome Go(const std::optional<std::string>& here, const std::string& directory);
   Outcome ChangeDir(std::string_view argument);
   /// Sends "VERB name" in the directory of `path`.
   Outcome Command(std::string_view verb, const std::string& path, const Text& failed,
@@ -86,8 +91,11 @@ class MFtp final : public RemoteSession {
   FtpControl control_;
   DataChannel data_;
   std::string listCommand_ = "LIST -la";
+  std::size_t maxListing_ = std::size_t{1024} * 1024 * 1024;
+  std::size_t maxEntries_ = 10'000'000;
   bool binary_ = false;             // TYPE I is in force
-  bool markerSet_ = false;          // REST was accepted, and no transfer has used it
+  bool markerSet_ = false;          // REST may have been accepted, and no transfer has used it
+  std::string start_;               // where the connection began; "" when the server does not tell
   std::string told_;                // the last directory that the server named
   std::optional<std::string> cwd_;  // where the server stands; nothing when that is not known
   Mutex reach_;                     // guards what is reached for from other threads

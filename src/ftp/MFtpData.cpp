@@ -19,12 +19,12 @@ constexpr char kSentinel = static_cast<char>(0xEC);
 
 Outcome NotComplete(Outcome outcome) {
   if (outcome.IsDone()) outcome.kind = Outcome::Kind::Busy;
-  outcome.text = Text("The listing is not complete: %1", outcome.text);
+  outcome.text = Text("The listing is not complete: %1", outcome.text.Reason());
   return outcome;
 }
 
 // Hands a listing's entries over.
-Outcome HandOver(std::string_view text, ListingSink& sink) {
+Outcome HandOver(std::string_view text, std::size_t maxEntries, ListingSink& sink) {
   ListingParser parser(text, Today());
   std::vector<RemoteEntry> batch;
   std::size_t count = 0;
@@ -33,11 +33,16 @@ Outcome HandOver(std::string_view text, ListingSink& sink) {
     batch.clear();
     batch.reserve(kBatch);
     RemoteEntry entry;
-    while (batch.size() < kBatch && (more = parser.Next(entry))) batch.push_back(entry);
-    count += batch.size();
+    while (batch.size() < kBatch && (more = parser.Next(entry))) {
+      if (count == maxEntries) break;
+      batch.push_back(entry);
+      ++count;
+    }
+    const bool tooMany = more && batch.size() < kBatch;
     if (!batch.empty() && !sink.Add(std::move(batch))) return Outcome::Cancelled();
-    if (count >= ListingParser::kMaxEntries) {
-      return NotComplete({Outcome::Kind::Refused, 0, Text("it has more than 10,000,000 entries.")});
+    if (tooMany) {
+      return NotComplete(
+          {Outcome::Kind::Refused, 0, Text("it has more than 10,000,000 entries.")});
     }
   }
   if (parser.Known() == 0 && parser.Strange() > 0) {
@@ -59,14 +64,15 @@ Outcome MFtp::SetBinary() {
 }
 
 // A server that cannot begin at an offset begins at the start. A marker that no transfer has used
-// is taken back.
+// is taken back; where that fails the transfer would begin anywhere.
 Outcome MFtp::SetOffset(std::int64_t offset, std::int64_t& accepted) {
   accepted = 0;
   if (offset == 0 && !markerSet_) return {};
+  const bool armed = std::exchange(markerSet_, true);
   Outcome outcome =
       FtpControl::CheckResult(control_.SendCommand("REST " + std::to_string(offset)), {}, 3);
-  if (outcome.kind == Outcome::Kind::Lost) return outcome;
   if (outcome.IsDone()) accepted = offset;
+  if (!outcome.IsDone() && (armed || outcome.kind == Outcome::Kind::Lost)) return outcome;
   markerSet_ = accepted > 0;
   return {};
 }
@@ -119,7 +125,7 @@ Outcome MFtp::List(const std::string& path, ListingSink& sink) {
   });
   return control_.Guard([&]() -> Outcome {
     sink.Raw(text);
-    Outcome understood = HandOver(text, sink);
+    Outcome understood = HandOver(text, maxEntries_, sink);
     return fetched.IsDone() ? understood : fetched;
   });
 }
@@ -153,7 +159,7 @@ Outcome MFtp::ReadListing(RemoteFile& data, std::string& text) {
     const char last = buffer[count - 1];
     const auto begin = buffer.begin();
     text.append(begin, std::remove(begin, begin + static_cast<std::ptrdiff_t>(count), '\r'));
-    if (received > kMaxListing) {
+    if (received > maxListing_) {
       return {Outcome::Kind::Refused, 0, Text("the listing is larger than 1 GiB.")};
     }
     // The byte ends a listing where nothing follows it.

@@ -30,8 +30,9 @@ Outcome MFtp::Connect() {
   }
   return control_.Guard([this]() -> Outcome {
     GetServerType();
-    cwd_ = AskPath().value_or("");
-    told_ = *cwd_;
+    start_ = AskPath().value_or("");
+    cwd_ = start_;
+    told_ = start_;
     // A server that refuses is asked again before each transfer.
     (void)SetBinary();
     return {};
@@ -136,8 +137,7 @@ void MFtp::GetServerType() {
 void MFtp::AskForUnixListings() {
   constexpr std::string_view kToggle = "SITE DIRSTYLE";
   const Reply reply = control_.SendCommand(kToggle);
-  const std::size_t off = reply.text.find("off");
-  if (off == std::string::npos || off == 0) (void)control_.SendCommand(kToggle);
+  if (reply.text.find("off") == std::string::npos) (void)control_.SendCommand(kToggle);
 }
 
 // The path of a PWD reply (RFC 959, appendix II); nothing when the server does not tell.

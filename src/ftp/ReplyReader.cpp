@@ -45,14 +45,32 @@ std::optional<Reply> ReplyReader::Read(const std::function<void(std::string_view
     const std::optional<std::string> line = ReadLine();
     if (!line) return std::nullopt;
     onLine(*line);
-    length_ += line->size();
-    if (length_ > kMaxReply) Fail(Text("The server's reply is too long"));
-    if (!TakeLine(*line)) continue;
-    begun_ = false;
-    length_ = 0;
-    opening_.clear();
-    return std::exchange(reply_, {});
+    if (auto reply = TakeReply(*line)) return reply;
   }
+}
+
+std::optional<Reply> ReplyReader::ReadUnasked(
+    const std::function<void(std::string_view)>& onLine) {
+  while (begun_ || !line_.empty() || IsPending(0)) {
+    const std::optional<std::string> line = ReadLine();
+    if (!line) return std::nullopt;
+    onLine(*line);
+    if (auto reply = TakeReply(*line)) return reply;
+  }
+  length_ = 0;
+  return std::nullopt;
+}
+
+// The reply that the line ends.
+std::optional<Reply> ReplyReader::TakeReply(const std::string& line) {
+  length_ += line.size();
+  if (length_ > kMaxReply) Fail(Text("The server's reply is too long"));
+  if (!TakeLine(line)) return std::nullopt;
+  speaksFtp_ = true;
+  begun_ = false;
+  length_ = 0;
+  opening_.clear();
+  return std::exchange(reply_, {});
 }
 
 // A line without a code before a reply belongs to none and is passed over.
@@ -90,8 +108,8 @@ std::optional<std::string> ReplyReader::ReadLine() {
 }
 
 bool ReplyReader::AwaitMore() {
-  // A server that has said something, but nothing of a reply, has a moment to go on.
-  const bool strange = length_ > 0 && !begun_;
+  // A server that has only ever said what is no reply has a moment to go on.
+  const bool strange = !speaksFtp_ && length_ > 0 && !begun_;
   switch (Fill(strange ? std::min(silenceLimit, kPatience) : silenceLimit)) {
     case Came::Bytes: return true;
     case Came::End:

@@ -40,6 +40,10 @@ class ReplyReader {
   /// Waits for one reply; `onLine` sees each line with its end as it comes. Nothing when the wait
   /// was interrupted: what has come of the reply is kept, and the next call goes on with it.
   [[nodiscard]] std::optional<Reply> Read(const std::function<void(std::string_view)>& onLine);
+  /// Reads a reply that has come, or has begun to come, unasked; nothing where there is none. Lines
+  /// that belong to no reply are passed over.
+  [[nodiscard]] std::optional<Reply> ReadUnasked(
+      const std::function<void(std::string_view)>& onLine);
 
   /// Whether something is unread, or comes within `milliseconds`; the end counts.
   [[nodiscard]] bool IsPending(long milliseconds);
@@ -47,6 +51,7 @@ class ReplyReader {
  private:
   enum class Came { Bytes, Nothing, End };
 
+  [[nodiscard]] std::optional<Reply> TakeReply(const std::string& line);
   [[nodiscard]] std::optional<std::string> ReadLine();
   /// Takes a line into the reply; true when that ended it.
   [[nodiscard]] bool TakeLine(const std::string& line);
@@ -63,6 +68,7 @@ class ReplyReader {
   std::string opening_;   // "230" while the reply is one that began with "230-"
   std::size_t length_ = 0;
   bool begun_ = false;
+  bool speaksFtp_ = false;  // a whole reply has come
 };
 
 /// The number at the start of a reply's line, or `otherwise` where there is none.

@@ -173,12 +173,12 @@ void ControlLooper::Delete(const Message& entries) {
   if (NeedsConnection()) return;
   const std::string directory = entries.FindString("path").value_or("");
   Refusals refused;
-  TreeRemover remover(*session_, *window_, refused);
+  TreeRemover remover(*session_, *window_, refused, directory);
   const std::size_t count = entries.CountValues("name");
   for (std::size_t i = 0; i < count && !Quitting() && !session_->IsLost(); ++i) {
     const std::string name = entries.FindString("name", i).value_or("");
     const auto kind = static_cast<RemoteEntry::Kind>(entries.FindInt32("type", i).value_or(1));
-    const bool deleted = remover.Remove(PathBelow(directory, name), kind);
+    const bool deleted = remover.Remove(name, kind);
     window_->SetStatus(deleted ? Text("Deletion Success.") : Text("Deletion Failed."));
     if (deleted && !window_->RemoveEntry(name, directory)) return;
   }
@@ -242,8 +242,8 @@ void ControlLooper::FillViewer(RemoteFile& file, TextSink& viewer) {
       return viewer.End({});
     }
     if (outcome.IsDone()) outcome = file.Finish();
-    return viewer.End(outcome.IsDone() ? Text()
-                                       : Text("The file is not complete: %1", outcome.text));
+    return viewer.End(
+        outcome.IsDone() ? Text() : Text("The file is not complete: %1", outcome.text.Reason()));
   }
 }
 

@@ -78,13 +78,14 @@ bool FileTransfer::BeginFile(const Entry& entry, const Text& status, std::int64_
 }
 
 Outcome FileTransfer::End(const Entry& entry, Outcome outcome) {
+  busyInARow_ = outcome.kind == Outcome::Kind::Busy ? busyInARow_ + 1 : 0;
   if (outcome.IsDone()) {
     if (!outcome.text.IsEmpty()) notes_.Note(Text("%1: %2", entry.shown, outcome.text));
     return outcome;
   }
   if (Cancelled()) return Outcome::Cancelled();
   if (outcome.kind == Outcome::Kind::Lost) {
-    outcome.text = Text("The connection was lost: %1", outcome.text);
+    outcome.text = Text("The connection was lost: %1", outcome.text.Reason());
   }
   notes_.Failed(entry.shown, outcome);
   return outcome;
@@ -95,7 +96,7 @@ bool FileTransfer::Stops(const Outcome& outcome) const {
     case Outcome::Kind::Done:
     case Outcome::Kind::Refused:
     case Outcome::Kind::LocalError: return Cancelled();
-    case Outcome::Kind::Busy: return description_.download;
+    case Outcome::Kind::Busy: return Cancelled() || busyInARow_ >= kMostBusy;
     case Outcome::Kind::LocalFull:
     case Outcome::Kind::Lost:
     case Outcome::Kind::Cancelled: return true;

@@ -22,8 +22,8 @@ class LocalFolder;
 /// any thread.
 ///
 /// An entry that the server or this machine refuses is noted in the row, and the rest goes on; but
-/// an upload leaves the folder in which that happened. Data that breaks off ends a download, a full
-/// disk or a lost connection ends both.
+/// an upload leaves the folder in which that happened. A full disk or a lost connection ends the
+/// transfer, and so does a server that is busy for several entries in a row.
 class FileTransfer : public MThread {
  public:
   /// With a `window` the session is that browser window's, connected already, and stays open;
@@ -52,10 +52,12 @@ class FileTransfer : public MThread {
   Outcome End(const Entry& entry, Outcome outcome);
   /// Whether the transfer ends with this.
   [[nodiscard]] bool Stops(const Outcome& outcome) const;
+  static constexpr int kMostBusy = 3;
   void Finish();
 
   // FileTransferDownload.cpp
   Outcome DownloadAll();
+  [[nodiscard]] static std::string LocalName(const Entry& entry);
   Outcome DownloadEntry(const LocalFolder& folder, const Entry& entry);
   Outcome dDirectory(const LocalFolder& above, const Entry& entry);
   Outcome DownloadEntries(const LocalFolder& above, const Entry& entry, const std::string& where);
@@ -76,6 +78,7 @@ class FileTransfer : public MThread {
   FileMover mover_;
   WayDown way_;
   TransferNotes notes_;
+  int busyInARow_ = 0;
   Mutex lock_;
   bool working_ GUARDED_BY(lock_) = false;  // the session is this transfer's to interrupt
 };

@@ -13,6 +13,12 @@ namespace {
 
 using Kind = RemoteEntry::Kind;
 
+Outcome UnusableName(const std::string& name, Kind kind) {
+  return Outcome::LocalError(kind == Kind::Directory
+                                 ? Text("The name \"%1\" cannot be a local folder's.", name)
+                                 : Text("The name \"%1\" cannot be used for a local file.", name));
+}
+
 Outcome OpenFailure(const std::string& name, int error) {
   if (error == EWOULDBLOCK)
     return Outcome::LocalError(Text("Another transfer is writing %1 already.", name));
@@ -25,31 +31,33 @@ Outcome OpenFailure(const std::string& name, int error) {
 }  // namespace
 
 Outcome FileTransfer::DownloadAll() {
-  bool tree = false;
-  std::string opened;
   LocalFolder target;
+  if (const int error = target.Open(description_.targetFolder); error != 0) {
+    notes_.Failed({}, Outcome::LocalError(Text("Could not open %1: %2", description_.targetFolder,
+                                               ErrorText(error))));
+    return {Outcome::Kind::LocalFull};
+  }
+  const std::string above = PathBelow(description_.targetFolder, "");
+  bool tree = false;
   for (const TransferJob& job : description_.jobs) {
-    const auto [folder, name] = SplitPath(job.local);
-    const Entry entry{job, name, false};
-    if (folder != opened || opened.empty()) {
-      if (const int error = target.Open(folder); error != 0) {
-        notes_.Begin();
-        (void)End(entry,
-                  Outcome::LocalError(Text("Could not open %1: %2", folder, ErrorText(error))));
-        return {Outcome::Kind::LocalFull};
-      }
-      opened = folder;
-    }
     tree = tree || job.kind == Kind::Directory;
-    if (const Outcome outcome = DownloadEntry(target, entry); Stops(outcome)) return outcome;
+    const bool inside = job.local.starts_with(above);
+    const std::string name = inside ? job.local.substr(above.size()) : job.local;
+    const Outcome outcome = DownloadEntry(target, {job, name, false});
+    if (Stops(outcome)) return outcome;
   }
   // The files of trees are written out together.
   if (const int error = tree ? target.SyncAll() : 0; error != 0) {
     const Outcome outcome = WriteFailure(error);
-    notes_.Failed(opened, outcome);
+    notes_.Failed({}, outcome);
     return outcome;
   }
   return {};
+}
+
+// What was chosen is named from the target folder on, so that no name leads out of it.
+std::string FileTransfer::LocalName(const Entry& entry) {
+  return entry.inFolder ? SplitPath(entry.job.local).second : entry.shown;
 }
 
 Outcome FileTransfer::DownloadEntry(const LocalFolder& folder, const Entry& entry) {
@@ -61,7 +69,7 @@ Outcome FileTransfer::DownloadEntry(const LocalFolder& folder, const Entry& entr
 
 // What fails inside a directory is noted there and does not make the directory fail.
 Outcome FileTransfer::dDirectory(const LocalFolder& above, const Entry& entry) {
-  const std::string name = SplitPath(entry.job.local).second;
+  const std::string name = LocalName(entry);
   if (!IsSafeLocalName(name)) {
     return End(entry,
                Outcome::LocalError(Text("The name \"%1\" cannot be a local folder's.", name)));
@@ -77,7 +85,7 @@ Outcome FileTransfer::dDirectory(const LocalFolder& above, const Entry& entry) {
 Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& entry,
                                       const std::string& where) {
   LocalFolder folder;
-  if (const int error = folder.Enter(above, SplitPath(entry.job.local).second); error != 0) {
+  if (const int error = folder.Enter(above, LocalName(entry)); error != 0) {
     Outcome outcome = WriteFailure(error);
     outcome.text = Text("Could not make the folder: %1", ErrorText(error));
     return End(entry, outcome);
@@ -95,9 +103,7 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
                     found.kind, found.size.value_or(-1), entry.job.policy};
     if (found.name.find('/') != std::string::npos) {
       notes_.Begin();
-      (void)End({std::move(job), shown, true},
-                Outcome::LocalError(
-                    Text("The name \"%1\" cannot be used for a local file.", found.name)));
+      (void)End({std::move(job), shown, true}, UnusableName(found.name, found.kind));
       continue;
     }
     const Outcome outcome = DownloadEntry(folder, {std::move(job), shown, true});
@@ -107,9 +113,9 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
 }
 
 Outcome FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry) {
-  const std::string name = SplitPath(entry.job.local).second;
+  const std::string name = LocalName(entry);
   if (!IsSafeLocalName(name)) {
-    return Outcome::LocalError(Text("The name \"%1\" cannot be used for a local file.", name));
+    return UnusableName(name, Kind::File);
   }
   LocalFile file;
   bool resume = false;
@@ -130,7 +136,7 @@ Outcome FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry
 // whole, some begun, and some not there yet.
 Outcome FileTransfer::OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file,
                                  bool& resume) {
-  const std::string name = SplitPath(entry.job.local).second;
+  const std::string name = LocalName(entry);
   const Policy policy = entry.job.policy;
   resume = policy == Policy::Resume;
   int error = 0;

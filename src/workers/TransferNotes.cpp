@@ -8,7 +8,7 @@ void TransferNotes::Failed(const std::string& shown, const Outcome& outcome) {
   ++failed_;
   failedEntry_ = shown;
   why_ = outcome.text;
-  if (entries_ > 1 || (entries_ == 1 && chosen_ > 1)) Note(Text("%1: %2", shown, why_));
+  if (entries_ > 1 || (entries_ == 1 && chosen_ > 1)) Note(Text("%1: %2", shown, why_.Reason()));
 }
 
 void TransferNotes::Note(const Text& text) {
@@ -20,10 +20,10 @@ Text TransferNotes::Summary() const {
   if (failed_ == 0 || entries_ <= 1) return why_;
   if (stopped_) {
     return Text("%1 of %2 entries failed; stopped at %3: %4", failed_, entries_, failedEntry_,
-                why_);
+                why_.Reason());
   }
   if (failed_ > 1) return Text("%1 of %2 entries failed.", failed_, entries_);
-  return Text("%1 of %2 entries failed: %3: %4", failed_, entries_, failedEntry_, why_);
+  return Text("%1 of %2 entries failed: %3: %4", failed_, entries_, failedEntry_, why_.Reason());
 }
 
 }  // namespace corvane

@@ -16,11 +16,18 @@ bool LeadsElsewhere(const std::string& path, const std::string& where) {
 
 }  // namespace
 
-void TreeRemover::Note(const std::string& path, const Outcome& outcome) {
-  if (outcome.kind != Outcome::Kind::Cancelled) refused_.Add(path, outcome.text);
+// The user sees paths from the directory on.
+void TreeRemover::Refuse(const std::string& path, const Text& why) {
+  const std::string above = PathBelow(directory_, "");
+  refused_.Add(path.starts_with(above) ? path.substr(above.size()) : path, why);
 }
 
-bool TreeRemover::Remove(const std::string& path, Kind kind) {
+void TreeRemover::Note(const std::string& path, const Outcome& outcome) {
+  if (outcome.kind != Outcome::Kind::Cancelled) Refuse(path, outcome.text.Reason());
+}
+
+bool TreeRemover::Remove(const std::string& name, Kind kind) {
+  const std::string path = PathBelow(directory_, name);
   if (kind == Kind::Directory) return DeleteDirectory(path);
   owner_.SetStatus(Text("Deleting File.."));
   return RemoveFile(path);
@@ -41,7 +48,7 @@ bool TreeRemover::DeleteDirectory(const std::string& path) {
     // What was listed as a directory may be a link by now, or in a listing that hides links: it is
     // not to be emptied where it leads.
     if (LeadsElsewhere(path, where)) {
-      refused_.Add(path, Text("Left alone, for it leads to %1", where));
+      Refuse(path, Text("Left alone, for it leads to %1", where));
     } else {
       emptied = DeleteEntries(where);
     }
@@ -77,14 +84,14 @@ bool TreeRemover::DeleteEntries(const std::string& directory) {
 bool TreeRemover::DeleteEntry(const std::string& directory, const RemoteEntry& entry) {
   const std::string path = PathBelow(directory, entry.name);
   if (entry.name.find('/') != std::string::npos) {
-    refused_.Add(path, Text("Left alone, for the name leads elsewhere."));
+    Refuse(path, Text("Left alone, for the name leads elsewhere."));
     return false;
   }
   switch (entry.kind) {
     case Kind::Directory:
       return owner_.SetStatus(Text("Deleting Directory.")) && DeleteDirectory(path);
     case Kind::File: return owner_.SetStatus(Text("Deleting File.")) && RemoveFile(path);
-    default: refused_.Add(path, Text("Left alone, for it is a link.")); return true;
+    default: Refuse(path, Text("Left alone, for it is a link.")); return true;
   }
 }
 

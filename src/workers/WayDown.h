@@ -11,7 +11,7 @@ namespace corvane {
 class RemoteSession;
 
 /// The directories on the way down a server's tree, by the paths that the server gave. A directory
-/// that is on the way already is not entered, nor is one too deep.
+/// that is on the way already, or above where it began, is not entered, nor is one too deep.
 class WayDown {
  public:
   static constexpr std::size_t kMaxDepth = 128;
@@ -24,6 +24,7 @@ class WayDown {
 
  private:
   RemoteSession& session_;
+  std::string begin_;  // the directory in which the way begins
   std::vector<std::string> paths_;
 };
 

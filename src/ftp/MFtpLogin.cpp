@@ -1,222 +1,162 @@
-#include <charconv>
-#include <optional>
+#include <algorithm>
+#include <cctype>
 #include <utility>
 
+#include "ftp/FtpFailure.h"
 #include "ftp/MFtp.h"
 #include "net/NLException.h"
 #include "net/NLLookup.h"
-#include "settings/ProcessSettings.h"
+#include "remote/RemotePath.h"
 
 namespace corvane {
 namespace {
 
-// A decimal port as far as its digits go, cut to 16 bits.
-std::uint16_t PortFrom(const std::string& text) {
-  unsigned value = 0;
-  std::from_chars(text.data(), text.data() + text.size(), value);
-  return static_cast<std::uint16_t>(value);
+bool SaysTooMany(std::string words) {
+  std::ranges::transform(words, words.begin(), [](unsigned char c) { return std::tolower(c); });
+  return words.find("too many") != std::string::npos || words.find("maximum") != std::string::npos;
 }
 
 }  // namespace
 
-std::int32_t MFtp::Login() {
-  const std::int32_t result = TryLogin();
-  if (result != 1) {
-    lost_ = true;
-    controlEndpoint_.close();
-  }
-  return result;
+bool MFtp::Tell(const Text& status) {
+  return owner_->SetStatus(status);
 }
 
-std::int32_t MFtp::TryLogin() {
-  lost_ = false;
-  path_.clear();
-  lostWhy_.clear();
-  owedReplies_ = 0;
-  returnOwed_ = false;
+Outcome MFtp::Connect() {
+  Outcome outcome = control_.Guard([this] { return Login(); });
+  if (!outcome.IsDone()) {
+    control_.GiveUp(outcome.text);
+    return control_.IsClosed() ? Outcome::Cancelled() : outcome;
+  }
+  return control_.Guard([this]() -> Outcome {
+    GetServerType();
+    start_ = AskPath().value_or("");
+    cwd_ = start_;
+    told_ = start_;
+    // A server that refuses is asked again before each transfer.
+    (void)SetBinary();
+    return {};
+  });
+}
+
+Outcome MFtp::Login() {
   binary_ = false;
-  if (!UpdateStatus("Resolving address.") || !Resolve()) return 0;
-  if (!UpdateStatus("Connecting to host.")) return 0;
+  markerSet_ = false;
+  cwd_.reset();
+  if (!Tell(Text("Resolving address."))) return Outcome::Cancelled();
+  NLAddress server;
+  if (Outcome outcome = Resolve(server); !outcome.IsDone()) return outcome;
+  if (!Tell(Text("Connecting to host."))) return Outcome::Cancelled();
   try {
-    if ((controlEndpoint_.state() & NLEndpoint::s_connected) != 0) controlEndpoint_.close();
-    controlEndpoint_.setSilenceLimit(silenceLimit);
-    controlEndpoint_.connect(serverAddress_);
-    if (!UpdateStatus("Connected.")) return 0;
+    control_.Connect(server);
+    if (!Tell(Text("Connected."))) return Outcome::Cancelled();
     return Identify();
   } catch (const NLException& error) {
-    FailFrom(error);
-    return FailConnection();
+    return {Outcome::Kind::Lost, 0,
+            Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), Reason(error))};
+  } catch (const FtpFailure& failure) {
+    if (failure.outcome.kind != Outcome::Kind::Lost) throw;
+    return {Outcome::Kind::Lost, 0,
+            Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), failure.outcome.text)};
   }
 }
 
 // Finds the address of the server, or of the proxy in front of it.
-bool MFtp::Resolve() {
-  const SettingsValues settings = ProcessSettings::Get();
-  const bool viaProxy = settings.useProxy && !settings.proxyAddress.empty();
-  const std::string& target = viaProxy ? settings.proxyAddress : host_;
-  const std::uint16_t port = viaProxy ? PortFrom(settings.proxyPort) : port_;
+Outcome MFtp::Resolve(NLAddress& server) {
+  const bool viaProxy = site_.proxy && !site_.proxy->host.empty();
   try {
-    auto lookup = std::make_shared<NLLookup>(target, port);
+    auto lookup = viaProxy ? std::make_shared<NLLookup>(site_.proxy->host, site_.proxy->port)
+                           : std::make_shared<NLLookup>(site_.host, site_.port);
     {
-      MutexLock hold(reach_);
+      const MutexLock hold(reach_);
       lookup_ = lookup;
-      if (aborted_) lookup->cancel();
+      if (control_.IsInterrupted()) lookup->cancel();
     }
-    serverAddress_ = lookup->get();
-    return true;
-  } catch (const NLException& error) {
+    server = lookup->get();
+    return {};
+  } catch (const NLException&) {
+    if (control_.IsInterrupted()) return Outcome::Cancelled();
     // Names the server even where it was the proxy that could not be found.
-    const std::string text = "Could not resolve the address for:\n\n " + host_;
-    Fail(text);
-    if (!aborted_) PostError(text);
-    return false;
+    return Outcome::LocalError(Text("Could not resolve the address for:\n\n %1", site_.host));
   }
 }
 
 // From the greeting to the password's reply.
-std::int32_t MFtp::Identify() {
-  const SettingsValues settings = ProcessSettings::Get();
-  int code = ReadResponse();
+Outcome MFtp::Identify() {
+  constexpr int kNotLoggedIn = 530;
+  constexpr int kUnavailable = 550;
+  Reply reply = control_.ReadResponse();
   // "120 Service ready in nnn minutes": the greeting proper is still to come.
-  while (code >= 100 && code < 200) code = ReadResponse();
-  if (code >= 400) {
-    Fail(lastReplyText_);
-    return FailConnection();
+  while (reply.IsPreliminary()) reply = control_.ReadResponse();
+  if (reply.code >= 400) {
+    return {
+        SaysTooMany(reply.text) || reply.code == 421 ? Outcome::Kind::Busy : Outcome::Kind::Lost,
+        reply.code,
+        Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host),
+                         FtpControl::CheckResult(reply).text)};
   }
-  if (!UpdateStatus("Sending Username.")) return 0;
-  const std::string user =
-      settings.useProxy ? userCommand_.substr(0, userCommand_.size() - 1) + "@" + host_ + "\n"
-                        : userCommand_;
-  code = SendCommand(user);
-  if (code == 530) {
-    const std::string text = "Login to: " + host_ + " failed.\n\nUsername is invalid";
-    RefusedLogin(text, lastReplyText_, false);
-    PostError(text, lastReplyText_);
-    return 0;
-  }
-  if (code == 0 || code >= 400)
-    return RefusedLogin("Login to: " + host_ + " failed.\n\n" + lastReplyText_, {}, true);
+  if (!Tell(Text("Sending Username."))) return Outcome::Cancelled();
+  reply = control_.SendCommand("USER " + site_.user + (site_.proxy ? "@" + site_.host : ""));
+  const Text failed("Login to: %1 failed.", site_.host);
+  if (reply.code == kNotLoggedIn)
+    return RefusedLogin(reply, Text("Login to: %1 failed.\n\nUsername is invalid", site_.host));
+  if (reply.code >= 400) return RefusedLogin(reply, failed);
 
-  if (!UpdateStatus("Sending Password.")) return 0;
-  code = SendPassword(passCommand_);
-  if (code == 530) {
-    const std::string text = "Login to: " + host_ + " failed.\nInvalid Username or Password.";
-    RefusedLogin(text, lastReplyText_, false);
-    if (browser_) PostError(text, lastReplyText_);
-    return 0;
-  }
-  if (code == 550)
-    return RefusedLogin("Login to: " + host_ + " as anonymous failed.", lastReplyText_, true);
-  if (code == 0 || code >= 400)
-    return RefusedLogin("Login to: " + host_ + " failed.\n\n" + lastReplyText_, {}, true);
-  Owner().PlaySound(settings.loginSsnd);
-  return 1;
+  if (!Tell(Text("Sending Password."))) return Outcome::Cancelled();
+  reply = control_.SendPassword("PASS " + site_.password);
+  if (reply.code == kNotLoggedIn)
+    return RefusedLogin(reply,
+                        Text("Login to: %1 failed.\nInvalid Username or Password.", site_.host));
+  if (reply.code == kUnavailable)
+    return RefusedLogin(reply, Text("Login to: %1 as anonymous failed.", site_.host));
+  if (reply.code >= 400) return RefusedLogin(reply, failed);
+  owner_->PlaySound(Sound::LoginSucceeded);
+  return {};
 }
 
-// The failure sound, the text and the server's words kept as the failure and, with `tellOwner`,
-// shown.
-std::int32_t MFtp::RefusedLogin(const std::string& text, const std::string& words, bool tellOwner) {
-  Fail(words.empty() ? text : text + "\n" + words);
-  Owner().PlaySound(ProcessSettings::Get().loginFsnd);
-  if (!tellOwner) return 0;
-  if (browser_) {
-    PostError(text, words);
-    return 0;
-  }
-  UpdateStatus("Login failed.");
-  return -1;
-}
-
-std::int32_t MFtp::FailConnection() {
-  lost_ = true;
-  if (aborted_) return 0;
-  if (!browser_) {
-    UpdateStatus("Connection failed.");
-    return -1;
-  }
-  PostError("Connection to:  " + host_ + " FAILED!\n", failure_);
-  browser_->PlaySound(ProcessSettings::Get().loginFsnd);
-  return 0;
-}
-
-void MFtp::PostError(std::string_view text, std::string_view detail) {
-  Message error("FERR"_what);
-  error.AddString("error", text);
-  if (!detail.empty()) error.AddString("detail", detail);
-  Owner().PostMessage(std::move(error));
+Outcome MFtp::RefusedLogin(const Reply& reply, const Text& text) {
+  owner_->PlaySound(Sound::LoginFailed);
+  Outcome outcome = FtpControl::CheckResult(reply, text);
+  const bool later = reply.code == 421 || SaysTooMany(reply.text);
+  outcome.kind = later ? Outcome::Kind::Busy : Outcome::Kind::Refused;
+  return outcome;
 }
 
 void MFtp::GetServerType() {
-  std::string text = ReturnResponse("SYST\n");
-  const int code = ReplyCode(text, 0);
-  text.erase(0, 4);
-  const std::string_view word = std::string_view(text).substr(0, text.find_first_of(" \n"));
-  serverType_ = code == 215 && word == "Windows_NT" ? kWindowsNT : kUnix;
-  listCommand_ = serverType_ == kWindowsNT ? "LIST\n" : "LIST -la\n";
-  if (text == "UNIX AppleShare IP FTP Server\n") {
-    serverType_ = kAppleShare;
-    listCommand_ = passive_ ? "LIST\r\n" : "LIST\n";
-  }
+  constexpr int kSystemType = 215;
+  const Reply reply = control_.SendCommand("SYST");
+  const std::string word = reply.lastText.substr(0, reply.lastText.find_first_of(" \n"));
+  listCommand_ = "LIST -la";
+  if (reply.lastText == "UNIX AppleShare IP FTP Server\n") listCommand_ = "LIST";
+  if (reply.code != kSystemType || word != "Windows_NT") return;
+  listCommand_ = "LIST";
+  AskForUnixListings();
+}
+
+// The command toggles: one that says "off" has switched from the DOS to the UNIX style.
+void MFtp::AskForUnixListings() {
+  constexpr std::string_view kToggle = "SITE DIRSTYLE";
+  const Reply reply = control_.SendCommand(kToggle);
+  if (reply.text.find("off") == std::string::npos) (void)control_.SendCommand(kToggle);
 }
 
 // The path of a PWD reply (RFC 959, appendix II); nothing when the server does not tell.
 std::optional<std::string> MFtp::AskPath() {
-  std::string text = ReturnResponse("PWD\n");
-  if (ReplyCode(text, 0) >= 400) return std::nullopt;
+  const Reply reply = control_.SendCommand("PWD");
+  if (!reply.IsCompletion()) return std::nullopt;
+  std::string text = reply.lastText;
   const std::size_t open = text.find('"');
   if (open == std::string::npos) {
     // A server without quotes: what stands behind the code is all there is.
-    text.erase(0, 4);
-    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
-  } else {
-    const std::size_t close = text.rfind('"');
-    text = text.substr(open + 1, close > open ? close - open - 1 : text.find('\n') - open - 1);
-    // A quote inside the path is written twice.
-    for (std::size_t at = text.find("\"\""); at != std::string::npos;
-         at = text.find("\"\"", at + 1))
-      text.erase(at, 1);
+    while (text.ends_with('\n') || text.ends_with(' ')) text.pop_back();
+    return WithoutTrailingSlash(std::move(text));
   }
-  return text;
-}
-
-bool MFtp::SetPWD() {
-  auto path = AskPath();
-  if (!path) return false;
-  path_ = std::move(*path);
-  if (browser_) browser_->SetPath(path_);
-  return true;
-}
-
-void MFtp::AssumePWD(std::string_view directory) {
-  if (directory == "..") {
-    const std::size_t slash = path_.rfind('/');
-    path_.resize(slash == std::string::npos ? 0 : slash);
-  } else if (directory.starts_with('/')) {
-    path_ = directory;
-  } else if (directory != ".") {
-    if (!path_.ends_with('/')) path_ += '/';
-    path_ += directory;
-  }
-  if (path_.empty()) path_ = "/";
-  if (browser_) browser_->SetPath(path_);
-}
-
-void MFtp::Quit() {
-  UpdateLog("QUIT\n");
-  SendLine("QUIT\n");
-  if (isDataPending()) ReadResponse();
-}
-
-int MFtp::ChangeDir(std::string_view directory) {
-  return SendCommand("CWD " + std::string(directory) + "\n");
-}
-
-void MFtp::Close() {
-  aborted_ = true;
-  controlEndpoint_.abort();
-  MutexLock hold(reach_);
-  if (dataEndpoint_) dataEndpoint_->abort();
-  if (lookup_) lookup_->cancel();
+  const std::size_t close = text.rfind('"');
+  text = text.substr(open + 1, close > open ? close - open - 1 : text.find('\n') - open - 1);
+  // A quote inside the path is written twice.
+  for (std::size_t at = text.find("\"\""); at != std::string::npos; at = text.find("\"\"", at + 1))
+    text.erase(at, 1);
+  return WithoutTrailingSlash(std::move(text));
 }
 
 }  // namespace corvane

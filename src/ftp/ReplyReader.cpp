@@ -1,34 +1,33 @@
 #include "ftp/ReplyReader.h"
 
-#include <sys/socket.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <array>
 #include <charconv>
 #include <chrono>
-#include <thread>
+#include <utility>
 
-#include "net/NLEndpoint.h"
-#include "net/NLException.h"
+#include "ftp/FtpFailure.h"
+#include "net/Stream.h"
 
 namespace corvane {
 namespace {
 
 constexpr char kLineEnd = '\n';
 constexpr char kOtherLineEnd = static_cast<char>(0xEC);
-constexpr long kPatience = 700;  // milliseconds to learn what follows a byte that may end a line
-
-bool IsContinuation(char c) {
-  return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-}
+constexpr long kPatience = 700;  // milliseconds in which what belongs together arrives
 
 bool HasCode(std::string_view line) {
-  auto digit = [&](std::size_t i) { return line[i] >= '0' && line[i] <= '9'; };
+  const auto digit = [&](std::size_t i) { return line[i] >= '0' && line[i] <= '9'; };
   return line.size() >= 3 && digit(0) && digit(1) && digit(2);
 }
 
-bool EndsReply(std::string_view line) {
-  return line.size() > 3 && line[3] == ' ' && line[0] != ' ';
+// "220 Ready", or the code alone.
+bool IsLast(std::string_view line) {
+  return line.size() == 3 || line[3] == ' ' || line[3] == '\t' || line[3] == kLineEnd;
+}
+
+[[noreturn]] void Fail(Text why) {
+  throw FtpFailure{{Outcome::Kind::Lost, 0, std::move(why)}};
 }
 
 }  // namespace
@@ -41,93 +40,112 @@ int ReplyCode(std::string_view line, int otherwise) {
   return error == std::errc() ? code : otherwise;
 }
 
-Reply ReplyReader::Read(const std::function<void(std::string_view)>& onLine) {
-  Reply reply;
-  untouched_ = true;
-  gaveUp_ = false;
-  std::string opening;  // "230" while the reply is one that began with "230-"
-  for (bool first = true;; first = false) {
-    const std::string line = ReadLine();
-    onLine(line);
-    reply.text += line;
-    reply.code = ReplyCode(line, reply.code);
-    reply.lastText = line.size() > 4 ? line.substr(4) : std::string();
-    if (reply.text.size() > kMaxReply)
-      throw NLException("ReplyReader::Read", "The server's reply is too long", &control_);
-    if (first && HasCode(line) && line[3] == '-') {
-      opening = line.substr(0, 3);
-      continue;
-    }
-    // Free text inside such a reply may well have a blank in fourth place; only its own code ends
-    // it.
-    if (!opening.empty() ? line.starts_with(opening) && EndsReply(line) : EndsReply(line))
-      return reply;
-    if (first && HasCode(line) && (line.size() == 3 || line[3] == kLineEnd)) return reply;
-    if (first && !HasCode(line))
-      throw NLException("ReplyReader::Read", "The server does not speak FTP", &control_);
-  }
-}
-
-std::string ReplyReader::ReadLine() {
-  std::string line;
+std::optional<Reply> ReplyReader::Read(const std::function<void(std::string_view)>& onLine) {
   for (;;) {
-    const char c = ReadByte();
-    if (c == '\r') continue;
-    line.push_back(c);
-    if (c == kLineEnd || (c == kOtherLineEnd && !BeginsCharacter())) return line;
-    if (line.size() > kMaxLine)
-      throw NLException("ReplyReader::ReadLine", "A line of the server's reply is too long",
-                        &control_);
+    const std::optional<std::string> line = ReadLine();
+    if (!line) return std::nullopt;
+    onLine(*line);
+    if (auto reply = TakeReply(*line)) return reply;
   }
 }
 
-void ReplyReader::HurryWhen(const std::atomic<bool>* cancelled, long limit) {
-  cancelled_ = cancelled;
-  limit_ = limit;
+std::optional<Reply> ReplyReader::ReadUnasked(
+    const std::function<void(std::string_view)>& onLine) {
+  while (begun_ || !line_.empty() || IsPending(0)) {
+    const std::optional<std::string> line = ReadLine();
+    if (!line) return std::nullopt;
+    onLine(*line);
+    if (auto reply = TakeReply(*line)) return reply;
+  }
+  length_ = 0;
+  return std::nullopt;
 }
 
-void ReplyReader::AwaitByte() {
-  constexpr long kSlice = 50;
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(limit_);
-  bool hurried = false;
-  while (!control_.isDataPending(kSlice)) {
-    const auto now = std::chrono::steady_clock::now();
-    if (!hurried && *cancelled_) {
-      hurried = true;
-      deadline = std::min(deadline, now + std::chrono::milliseconds(kPatience));
+// The reply that the line ends.
+std::optional<Reply> ReplyReader::TakeReply(const std::string& line) {
+  length_ += line.size();
+  if (length_ > kMaxReply) Fail(Text("The server's reply is too long"));
+  if (!TakeLine(line)) return std::nullopt;
+  speaksFtp_ = true;
+  begun_ = false;
+  length_ = 0;
+  opening_.clear();
+  return std::exchange(reply_, {});
+}
+
+// A line without a code before a reply belongs to none and is passed over.
+bool ReplyReader::TakeLine(const std::string& line) {
+  const bool hasCode = HasCode(line);
+  const bool opens = hasCode && line.size() > 3 && line[3] == '-';
+  if (!begun_ && !opens && !(hasCode && IsLast(line))) return false;
+  if (!begun_) reply_.code = ReplyCode(line, 0);
+  if (!begun_ && opens) opening_ = line.substr(0, 3);
+  begun_ = true;
+  reply_.text += line;
+  reply_.lastText = line.size() > 4 ? line.substr(4) : std::string();
+  // Free text inside a reply of several lines may well begin with a number; only the reply's own
+  // code ends it.
+  return opening_.empty() || (line.starts_with(opening_) && IsLast(line));
+}
+
+std::optional<std::string> ReplyReader::ReadLine() {
+  for (;;) {
+    while (next_ < ahead_.size()) {
+      const char c = ahead_[next_];
+      // The byte ends a line where nothing follows it; elsewhere it is part of a character.
+      if (c == kOtherLineEnd && next_ + 1 == ahead_.size() && Fill(kPatience) != Came::Bytes) {
+        ++next_;
+        return std::exchange(line_, {}) + c;
+      }
+      ++next_;
+      if (c == '\r') continue;
+      line_.push_back(c);
+      if (c == kLineEnd) return std::exchange(line_, {});
+      if (line_.size() > kMaxLine) Fail(Text("A line of the server's reply is too long"));
     }
-    if (now < deadline) continue;
-    gaveUp_ = hurried && untouched_;
-    throw NLException("ReplyReader::AwaitByte", "The server does not answer", &control_);
+    if (!AwaitMore()) return std::nullopt;
   }
 }
 
-char ReplyReader::ReadByte() {
-  char c = 0;
-  if (cancelled_ != nullptr) AwaitByte();
-  try {
-    const bool came = control_.recv(&c, 1, 0) > 0;
-    untouched_ = false;
-    if (came) return c;
-  } catch (const NLException&) {
-    if (control_.lastError != ETIMEDOUT) throw;
-    throw NLException("ReplyReader::ReadByte", "The server does not answer", &control_);
+bool ReplyReader::AwaitMore() {
+  // A server that has only ever said what is no reply has a moment to go on.
+  const bool strange = !speaksFtp_ && length_ > 0 && !begun_;
+  switch (Fill(strange ? std::min(silenceLimit, kPatience) : silenceLimit)) {
+    case Came::Bytes: return true;
+    case Came::End:
+      Fail(strange ? Text("The server does not speak FTP")
+                   : Text("The server closed the connection"));
+    case Came::Nothing: break;
   }
-  throw NLException("ReplyReader::ReadByte", "The server closed the connection", &control_);
+  if (interrupted_) return false;
+  Fail(strange ? Text("The server does not speak FTP") : Text("The server does not answer"));
 }
 
-// Looks at the two bytes behind an 0xEC without taking them.
-bool ReplyReader::BeginsCharacter() {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPatience);
-  while (control_.isDataPending(kPatience)) {
-    char next[2] = {};
-    const long count = control_.recv(next, sizeof next, MSG_PEEK);
-    if (count < 1 || !IsContinuation(next[0])) return false;
-    if (count == 2) return IsContinuation(next[1]);
-    if (std::chrono::steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+ReplyReader::Came ReplyReader::Fill(long limit) {
+  using std::chrono::milliseconds;
+  using std::chrono::steady_clock;
+  constexpr long kSlice = 50;
+  auto deadline = steady_clock::now() + milliseconds(limit);
+  bool hurried = false;
+  while (!stream_.wait(kSlice)) {
+    const auto now = steady_clock::now();
+    if (!hurried && interrupted_) {
+      hurried = true;
+      deadline = std::min(deadline, now + milliseconds(kPatience));
+    }
+    if (now >= deadline) return Came::Nothing;
   }
-  return false;
+  std::array<char, 4096> block{};
+  const std::size_t count = stream_.read(block);
+  if (count == 0) return Came::End;
+  ahead_.erase(0, next_);
+  next_ = 0;
+  ahead_.append(block.data(), count);
+  return Came::Bytes;
+}
+
+bool ReplyReader::IsPending(long milliseconds) {
+  return next_ < ahead_.size() || stream_.wait(milliseconds);
 }
 
 }  // namespace corvane

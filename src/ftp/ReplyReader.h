@@ -3,54 +3,75 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace corvane {
 
-class NLEndpoint;
+class Stream;
 
-/// One complete reply of a server.
+/// One complete reply of a server (RFC 959, 4.2).
 struct Reply {
   int code = 0;
-  std::string text;      ///< all its lines, carriage returns removed, line feeds kept
-  std::string lastText;  ///< its last line from the fifth character on, line feed included
+  std::string text{};      ///< all its lines, carriage returns removed, line feeds kept
+  std::string lastText{};  ///< its last line from the fifth character on, line feed included
+
+  /// Whether another reply follows to the command.
+  [[nodiscard]] bool IsPreliminary() const { return code >= 100 && code < 200; }
+  [[nodiscard]] bool IsCompletion() const { return code >= 200 && code < 300; }
 };
 
-/// Reads replies from a control connection, one byte a call, so that nothing behind a reply is ever
-/// taken with it (RFC 959, 4.2). Knows nothing of commands.
+/// Reads replies from a stream, which it reads ahead into a buffer of its own. Knows nothing of
+/// commands. Throws FtpFailure when the connection ends or what comes is no reply, and what the
+/// stream throws.
 class ReplyReader {
  public:
   static constexpr std::size_t kMaxLine = std::size_t{64} * 1024;
   static constexpr std::size_t kMaxReply = std::size_t{1024} * 1024;
 
-  /// `control` is not owned.
-  explicit ReplyReader(NLEndpoint& control) : control_(control) {}
+  /// Neither is owned. Once `interrupted` is true a silent server is waited for only a moment.
+  ReplyReader(Stream& stream, const std::atomic<bool>& interrupted)
+      : stream_(stream), interrupted_(interrupted) {}
 
-  /// Waits for one reply; `onLine` sees each line with its end as it comes. Throws NLException when
-  /// the connection ends or fails, when the reply is too long, or when it is no FTP reply at all.
-  [[nodiscard]] Reply Read(const std::function<void(std::string_view)>& onLine);
+  /// How long a silent server is waited for, in milliseconds.
+  long silenceLimit = 120'000;
 
-  /// From now on Read waits with an eye on `cancelled`: `limit` milliseconds for a byte, and only a
-  /// moment once it is true. Null ends that.
-  void HurryWhen(const std::atomic<bool>* cancelled, long limit);
-  /// Whether the last Read threw because it was hurried, with nothing of the reply taken.
-  [[nodiscard]] bool GaveUp() const { return gaveUp_; }
+  /// Waits for one reply; `onLine` sees each line with its end as it comes. Nothing when the wait
+  /// was interrupted: what has come of the reply is kept, and the next call goes on with it.
+  [[nodiscard]] std::optional<Reply> Read(const std::function<void(std::string_view)>& onLine);
+  /// Reads a reply that has come, or has begun to come, unasked; nothing where there is none. Lines
+  /// that belong to no reply are passed over.
+  [[nodiscard]] std::optional<Reply> ReadUnasked(
+      const std::function<void(std::string_view)>& onLine);
+
+  /// Whether something is unread, or comes within `milliseconds`; the end counts.
+  [[nodiscard]] bool IsPending(long milliseconds);
 
  private:
-  [[nodiscard]] std::string ReadLine();
-  [[nodiscard]] char ReadByte();
-  void AwaitByte();
-  [[nodiscard]] bool BeginsCharacter();
+  enum class Came { Bytes, Nothing, End };
 
-  NLEndpoint& control_;
-  const std::atomic<bool>* cancelled_ = nullptr;
-  long limit_ = 0;
-  bool untouched_ = true;  // nothing of the reply was taken yet
-  bool gaveUp_ = false;
+  [[nodiscard]] std::optional<Reply> TakeReply(const std::string& line);
+  [[nodiscard]] std::optional<std::string> ReadLine();
+  /// Takes a line into the reply; true when that ended it.
+  [[nodiscard]] bool TakeLine(const std::string& line);
+  [[nodiscard]] Came Fill(long limit);
+  /// Waits for more of the line; false when interrupted.
+  [[nodiscard]] bool AwaitMore();
+
+  Stream& stream_;
+  const std::atomic<bool>& interrupted_;
+  std::string ahead_;     // read from the stream, not yet from here
+  std::size_t next_ = 0;  // of ahead_
+  std::string line_;      // what has come of a line
+  Reply reply_;           // what has come of a reply
+  std::string opening_;   // "230" while the reply is one that began with "230-"
+  std::size_t length_ = 0;
+  bool begun_ = false;
+  bool speaksFtp_ = false;  // a whole reply has come
 };
 
-/// The number at the start of a reply's line, or nothing where there is none.
+/// The number at the start of a reply's line, or `otherwise` where there is none.
 [[nodiscard]] int ReplyCode(std::string_view line, int otherwise);
 
 }  // namespace corvane

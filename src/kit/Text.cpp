@@ -7,6 +7,7 @@ namespace corvane {
 namespace {
 
 constexpr int kDeepest = 16;
+constexpr char kWithReason[] = "%1\n\n%2";
 constexpr char kSentence = 's';
 constexpr char kBytes = 'b';
 
@@ -35,14 +36,24 @@ Text Text::Raw(std::string_view bytes) {
 Text Text::Lines(std::vector<Text> lines) {
   std::erase_if(lines, [](const Text& line) { return line.IsEmpty(); });
   if (lines.empty()) return {};
-  Text text = std::move(lines.front());
-  for (std::size_t i = 1; i < lines.size(); ++i) text = Text("%1\n%2", text, lines[i]);
-  return text;
+  // In pairs, so that many lines are not nested as deeply as they are many.
+  while (lines.size() > 1) {
+    std::vector<Text> pairs;
+    for (std::size_t i = 0; i + 1 < lines.size(); i += 2)
+      pairs.push_back(Text("%1\n%2", lines[i], lines[i + 1]));
+    if (lines.size() % 2 == 1) pairs.push_back(std::move(lines.back()));
+    lines = std::move(pairs);
+  }
+  return std::move(lines.front());
 }
 
 Text Text::WithReason(Text text, Text reason) {
   if (reason.IsEmpty()) return text;
-  return text.IsEmpty() ? reason : Text("%1\n\n%2", text, reason);
+  return text.IsEmpty() ? reason : Text(kWithReason, text, reason);
+}
+
+const Text& Text::Reason() const {
+  return isSentence_ && words_ == kWithReason ? places_.back() : *this;
 }
 
 std::string_view Text::Identifier() const {

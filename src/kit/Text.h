@@ -41,6 +41,9 @@ class Text {
   /// `reason` behind an empty line; `text` alone where there is none.
   [[nodiscard]] static Text WithReason(Text text, Text reason);
 
+  /// The reason that WithReason put behind; the whole text where there is none.
+  [[nodiscard]] const Text& Reason() const;
+
   [[nodiscard]] bool IsEmpty() const { return words_.empty(); }
   /// The identifier; empty for bytes.
   [[nodiscard]] std::string_view Identifier() const;

@@ -1,6 +1,8 @@
 #include "net/NLEndpoint.h"
 
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/time.h>
 
 #include <cerrno>
@@ -126,6 +128,22 @@ void NLEndpoint::setSilenceLimit(long milliseconds) {
   silenceLimit_ = milliseconds > 0 ? milliseconds : 0;
   const Socket socket = use("NLEndpoint::setSilenceLimit");
   if (*socket) applySilenceLimit(socket->get());
+}
+
+void NLEndpoint::setKeepAlive() {
+  constexpr char kFunction[] = "NLEndpoint::setKeepAlive";
+  const Socket socket = use(kFunction);
+  if (!*socket) throw NLException(kFunction, "Socket not opened", this);
+  const auto set = [&](int level, int option, int value) {
+    ::setsockopt(socket->get(), level, option, &value, sizeof value);
+  };
+  constexpr int kIdleSeconds = 60;
+  constexpr int kProbeSeconds = 20;
+  constexpr int kProbes = 4;
+  set(SOL_SOCKET, SO_KEEPALIVE, 1);
+  set(IPPROTO_TCP, TCP_KEEPIDLE, kIdleSeconds);
+  set(IPPROTO_TCP, TCP_KEEPINTVL, kProbeSeconds);
+  set(IPPROTO_TCP, TCP_KEEPCNT, kProbes);
 }
 
 void NLEndpoint::applySilenceLimit(int descriptor) const {

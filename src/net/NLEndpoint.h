@@ -4,11 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 
 #include "kit/Mutex.h"
 #include "net/NLAddress.h"
 #include "net/NLLookup.h"
+#include "net/Stream.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {
@@ -19,7 +22,7 @@ class NLPacket;
 /// thread and make a blocked call return. Failing calls close the socket and throw NLException
 /// (net/NLException.h), unless stated otherwise. Timeouts are milliseconds; 0 or less waits without
 /// limit.
-class NLEndpoint {
+class NLEndpoint : public Stream {
  public:
   enum e_type : int { stream = SOCK_STREAM, datagram = SOCK_DGRAM };
   enum e_optlevel : int { socketLevel = SOL_SOCKET };
@@ -33,14 +36,20 @@ class NLEndpoint {
 
   /// Opens a socket; throws when the system has none.
   explicit NLEndpoint(e_type type);
-  virtual ~NLEndpoint();
+  ~NLEndpoint() override;
   NLEndpoint& operator=(const NLEndpoint&) = delete;
 
   /// Any thread. Leaves no socket; a later bind or connect opens a fresh one.
   virtual void close() EXCLUDES(lock_);
 
   /// Any thread. Closes for good: every later call that needs a socket throws "Connection aborted".
-  void abort() EXCLUDES(lock_);
+  void abort() override EXCLUDES(lock_);
+
+  // A connected socket as a stream.
+  [[nodiscard]] std::size_t read(std::span<char> buffer) override;
+  void write(std::span<const char> bytes) override;
+  [[nodiscard]] bool wait(long milliseconds) override;
+  void finish() override;
 
   /// Binds a fresh socket where this one is not fresh. Where any address was asked for, the local
   /// address kept is that of the machine's own name, if it resolves.
@@ -49,6 +58,9 @@ class NLEndpoint {
 
   virtual void connect(const NLAddress& address);
   virtual void connect(const char* host, int port);
+  /// Connects, asking `goOn` a few times a second while it waits; false, and nothing connected,
+  /// when that said no. What `goOn` throws goes through.
+  [[nodiscard]] bool connectWhile(const NLAddress& address, const std::function<bool()>& goOn);
 
   virtual void listen(int backlog);
 
@@ -78,6 +90,9 @@ class NLEndpoint {
   void setReuseAddr(bool on);
   /// A blocked receive or send fails after so many milliseconds; 0 switches the limit off.
   void setSilenceLimit(long milliseconds);
+  /// The system asks a silent peer after a minute whether it is still there, so that routers keep
+  /// the connection and one that is gone is noticed.
+  void setKeepAlive();
   void setProtocol(e_type type);
 
   [[nodiscard]] std::uint32_t state() const EXCLUDES(lock_);
@@ -111,7 +126,11 @@ class NLEndpoint {
                          int sourceLine = __builtin_LINE());
 
   [[nodiscard]] NLAddress resolve(const char* host, std::uint16_t port) EXCLUDES(lock_);
-  [[nodiscard]] int connectSocket(const Socket& socket, const NLAddress& address);
+  [[nodiscard]] bool connectSocket(const NLAddress& address, const std::function<bool()>& goOn);
+  /// An errno number, 0 once connected, EINTR when `goOn` said no.
+  [[nodiscard]] int startConnecting(const Socket& socket, const NLAddress& address,
+                                    const std::function<bool()>& goOn);
+  [[nodiscard]] int awaitConnected(const Socket& socket, const std::function<bool()>& goOn) const;
   [[nodiscard]] sockaddr_in socketName(const Socket& socket, const char* function);
   void applySilenceLimit(int descriptor) const;
   [[nodiscard]] std::unique_ptr<char[]> packetBuffer(std::size_t length, const char* function);

@@ -15,13 +15,13 @@
 namespace corvane {
 namespace {
 
-// Waits for `events`; like poll(), but interrupted by nothing. 0 or less waits without limit.
+// Waits for `events`; like poll(), but interrupted by nothing. Less than 0 waits without limit.
 int Poll(int descriptor, short events, long milliseconds) {
   using std::chrono::steady_clock;
   const auto deadline = steady_clock::now() + std::chrono::milliseconds(milliseconds);
   for (;;) {
     long left = -1;
-    if (milliseconds > 0) {
+    if (milliseconds >= 0) {
       const auto rest =
           std::chrono::ceil<std::chrono::milliseconds>(deadline - steady_clock::now());
       left = std::clamp<long>(rest.count(), 0, std::numeric_limits<int>::max());
@@ -97,12 +97,25 @@ void NLEndpoint::connect(const char* host, int port) {
 }
 
 void NLEndpoint::connect(const NLAddress& address) {
+  (void)connectSocket(address, {});
+}
+
+bool NLEndpoint::connectWhile(const NLAddress& address, const std::function<bool()>& goOn) {
+  return connectSocket(address, goOn);
+}
+
+bool NLEndpoint::connectSocket(const NLAddress& address, const std::function<bool()>& goOn) {
   constexpr char kFunction[] = "NLEndpoint::connect()";
   if ((state() & s_open) == 0) p_resetSocket();
   const Socket socket = use(kFunction);
-  if (const int error = connectSocket(socket, address); error != 0) {
+  const int failure = startConnecting(socket, address, goOn);
+  if (failure == EINTR) {
     close();
-    fail(kFunction, "::connect()", error);
+    return false;
+  }
+  if (failure != 0) {
+    close();
+    fail(kFunction, "::connect()", failure);
   }
   sockaddr_in peer{};
   socklen_t length = sizeof peer;
@@ -114,11 +127,13 @@ void NLEndpoint::connect(const NLAddress& address) {
   remoteAddress_.set(peer);
   localAddress_.set(socketName(socket, kFunction));
   addState(socket, s_connected, kFunction, "::connect()");
+  return true;
 }
 
 // A blocking connect is done as a non-blocking one that is waited for: a shutdown that comes before
 // the call is noticed by the look at the socket after it, a later one ends the wait.
-int NLEndpoint::connectSocket(const Socket& socket, const NLAddress& address) {
+int NLEndpoint::startConnecting(const Socket& socket, const NLAddress& address,
+                                const std::function<bool()>& goOn) {
   sockaddr_in target{};
   address.get(target);
   const int descriptor = socket->get();
@@ -130,16 +145,28 @@ int NLEndpoint::connectSocket(const Socket& socket, const NLAddress& address) {
   if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) {
     error = errno;
   }
-  if (wait && (error == EINPROGRESS || error == EINTR)) {
-    error = 0;
-    const int ready = isCurrent(socket) ? Poll(descriptor, POLLOUT, silenceLimit_) : 1;
-    if (ready < 0) error = errno;
-    if (ready == 0) error = ETIMEDOUT;
-    socklen_t length = sizeof error;
-    if (ready > 0) ::getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &length);
-  }
+  if (wait && (error == EINPROGRESS || error == EINTR)) error = awaitConnected(socket, goOn);
   if (wait) ::fcntl(descriptor, F_SETFL, flags);
   return isCurrent(socket) ? error : ECONNABORTED;
+}
+
+int NLEndpoint::awaitConnected(const Socket& socket, const std::function<bool()>& goOn) const {
+  using std::chrono::steady_clock;
+  constexpr long kSlice = 50;
+  const auto begin = steady_clock::now();
+  const auto limit = std::chrono::milliseconds(silenceLimit_);
+  int ready = 0;
+  while (ready == 0 && isCurrent(socket)) {
+    ready = Poll(socket->get(), POLLOUT, goOn || silenceLimit_ > 0 ? kSlice : -1);
+    if (ready < 0) return errno;
+    if (ready > 0) break;
+    if (goOn && !goOn()) return EINTR;
+    if (silenceLimit_ > 0 && steady_clock::now() - begin > limit) return ETIMEDOUT;
+  }
+  int error = 0;
+  socklen_t length = sizeof error;
+  if (ready > 0) ::getsockopt(socket->get(), SOL_SOCKET, SO_ERROR, &error, &length);
+  return error;
 }
 
 void NLEndpoint::listen(int backlog) {
@@ -191,10 +218,18 @@ bool NLEndpoint::isDataPending(long milliseconds) {
   constexpr char kFunction[] = "NLEndpoint::isDataPending()";
   const Socket socket = use(kFunction);
   if (!*socket) fail(kFunction, "::select", EBADF);
-  const int ready = Poll(socket->get(), POLLIN, milliseconds);
+  const int ready = Poll(socket->get(), POLLIN, milliseconds > 0 ? milliseconds : -1);
   if (ready < 0) fail(kFunction, "::select", errno);
   if (!isCurrent(socket)) fail(kFunction, "::select", ECONNABORTED);
   return ready > 0;
+}
+
+bool NLEndpoint::wait(long milliseconds) {
+  if (milliseconds > 0) return isDataPending(milliseconds);
+  constexpr char kFunction[] = "NLEndpoint::wait()";
+  const Socket socket = use(kFunction);
+  if (!*socket) fail(kFunction, "::poll()", EBADF);
+  return Poll(socket->get(), POLLIN, 0) > 0;
 }
 
 }  // namespace corvane

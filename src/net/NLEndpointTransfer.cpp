@@ -38,6 +38,22 @@ long NLEndpoint::send(const void* data, std::size_t length, int flags) {
   return endSend(socket, result, data, kFunction, "::send()");
 }
 
+std::size_t NLEndpoint::read(std::span<char> buffer) {
+  return static_cast<std::size_t>(std::max(recv(buffer.data(), buffer.size()), 0L));
+}
+
+void NLEndpoint::write(std::span<const char> bytes) {
+  while (!bytes.empty()) {
+    const long sent = send(bytes.data(), bytes.size());
+    bytes = bytes.subspan(static_cast<std::size_t>(sent));
+  }
+}
+
+void NLEndpoint::finish() {
+  const Socket socket = use("NLEndpoint::finish()");
+  if (*socket) ::shutdown(socket->get(), SHUT_WR);
+}
+
 long NLEndpoint::send(NLPacket& packet, int flags) {
   return send(packet.data(), packet.size(), flags);
 }

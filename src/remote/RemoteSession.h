@@ -61,6 +61,8 @@ class RemoteSession {
   /// Says good-bye; a server that is silent is not waited for.
   virtual void Quit() = 0;
 
+  /// The server's name, for the user.
+  [[nodiscard]] virtual const std::string& Host() const = 0;
   /// Where the server stands, as it last told; after Connect that is where the connection began.
   [[nodiscard]] virtual const std::string& Directory() const = 0;
   /// Enters a directory; `where` becomes its own path, as the server tells it.
@@ -110,11 +112,5 @@ class EngineLease {
  private:
   std::unique_lock<std::mutex> hold_;
 };
-
-/// `name` inside `directory`.
-[[nodiscard]] inline std::string PathBelow(const std::string& directory, std::string_view name) {
-  if (directory.empty()) return std::string(name);
-  return (directory.ends_with('/') ? directory : directory + "/").append(name);
-}
 
 }  // namespace corvane

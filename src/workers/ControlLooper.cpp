@@ -1,43 +1,39 @@
 #include "workers/ControlLooper.h"
 
-#include <exception>
+#include <algorithm>
+#include <optional>
 #include <utility>
+#include <vector>
 
-#include "ftp/EngineLease.h"
-#include "ftp/MFtp.h"
-#include "ftp/Refusals.h"
-#include "ftp/fileStruct.h"
-#include "net/NLException.h"
+#include "remote/RemotePath.h"
 #include "workers/DirLister.h"
 #include "workers/ListingCache.h"
+#include "workers/Refusals.h"
+#include "workers/TreeRemover.h"
 
 namespace corvane {
 
-ControlLooper::ControlLooper(std::string host, std::uint16_t port, const std::string& user,
-                             const std::string& password, std::string startPath, bool passive,
+ControlLooper::ControlLooper(Site site, std::shared_ptr<RemoteSession> session,
                              std::shared_ptr<BrowserUi> window)
     : Looper("control"),
-      startPath_(std::move(startPath)),
-      window_(window),
-      engine_(std::make_shared<MFtp>(std::move(host), port, user, password, passive,
-                                     std::move(window))) {}
+      site_(std::move(site)),
+      session_(std::move(session)),
+      window_(std::move(window)) {}
 
 ControlLooper::~ControlLooper() {
-  engine_->Close();
+  session_->Close();
 }
 
 void ControlLooper::Interrupt() {
-  engine_->Close();
+  session_->Close();
 }
 
 void ControlLooper::MessageReceived(const Message& message) {
-  const EngineLease lease(*engine_);
+  const EngineLease lease(*session_);
   try {
     Handle(message);
-  } catch (const NLException& error) {
-    engine_->ReportLost(error);
   } catch (const std::exception& error) {
-    engine_->Warn(std::string("The request could not be carried out: ") + error.what() + "\n");
+    Warn(*window_, Text("The request could not be carried out: %1", error.what()));
   }
   if (message.what == "MKDR"_what) window_->PostMessage(Message("ENBL"_what));
 }
@@ -49,14 +45,14 @@ void ControlLooper::Handle(const Message& message) {
   switch (message.what) {
     case "CNNT"_what: Connect(); break;
     case "RCNN"_what: ConnectAgain(text("path")); break;
-    case "CRDR"_what: Refresh(); break;
-    case "PCHN"_what: ChangeDirectory(text("cwd")); break;
-    case "HSYM"_what: FollowLink(text("sym")); break;
+    case "CRDR"_what: Refresh(text("path")); break;
+    case "PCHN"_what: ChangeDirectory(text("path"), text("cwd")); break;
+    case "HSYM"_what: FollowLink(text("path"), text("sym")); break;
     case "DELE"_what: Delete(message); break;
     case "RNFL"_what: Rename(message); break;
     case "MKDR"_what: CreateDirectory(message); break;
-    case "VWFL"_what: ViewFile(message); break;
-    case "VWDR"_what: ViewListing(); break;
+    case "VWFL"_what: ViewFile(PathBelow(text("path"), text("file"))); break;
+    case "VWDR"_what: ViewListing(text("path")); break;
     case "FRTR"_what:
     default: break;
   }
@@ -65,76 +61,83 @@ void ControlLooper::Handle(const Message& message) {
 void ControlLooper::Connect() {
   cache_ = std::make_shared<ListingCache>();
   if (!Begin()) return;
-  engine_->SetPWD();
-  engine_->SendCommand(MFtp::BINARY);
+  window_->SetPath(session_->Directory());
   const std::string file = EnterStartPath();
-  engine_->SetPWD();
-  ListDirectory(*engine_, *cache_);
+  Show(session_->Directory());
   if (!file.empty()) AskForDownload(file);
 }
 
 // The rows go before the window learns where the new connection stands: nothing is done to entries
 // of the same names elsewhere.
 void ControlLooper::ConnectAgain(const std::string& directory) {
-  if (!cache_ || !engine_->Lost()) return;
+  if (!cache_ || !session_->IsLost()) return;
   if (!Begin()) {
-    engine_->UpdateStatus("Connection lost.");
+    window_->SetStatus(Text("Connection lost."));
     return;
   }
-  engine_->SendCommand(MFtp::BINARY);
   window_->BeginListing();
-  if (!directory.empty()) {
-    engine_->Succeeded(engine_->ChangeDir(directory), "The directory cannot be opened.");
-  }
-  engine_->SetPWD();
-  ListDirectory(*engine_, *cache_);
+  std::string where;
+  if (!directory.empty()) TellOutcome(*window_, *session_, session_->Enter(directory, where));
+  Show(session_->Directory());
 }
 
-// Logs in and gets to know the server; false when the login failed.
+// Logs in; false when that failed, which the user is told.
 bool ControlLooper::Begin() {
-  if (engine_->Login() != 1) return false;
-  engine_->GetServerType();
-  if (engine_->ReturnServerType() == MFtp::kWindowsNT) AskForUnixListings();
-  return true;
+  const Outcome outcome = session_->Connect();
+  if (outcome.IsDone()) return true;
+  if (outcome.kind == Outcome::Kind::Cancelled) return false;
+  Message error("FERR"_what);
+  error.AddText("error", outcome.text);
+  window_->PostMessage(std::move(error));
+  if (outcome.kind == Outcome::Kind::Lost) window_->PlaySound(Sound::LoginFailed);
+  return false;
 }
 
-// The command toggles: one that says "off" has switched from the DOS to the UNIX style.
-void ControlLooper::AskForUnixListings() {
-  constexpr std::string_view kToggle = "SITE DIRSTYLE\n";
-  const std::string reply = engine_->ReturnResponse(kToggle);
-  const std::size_t off = reply.find("off");
-  if (off == std::string::npos || off == 0) engine_->ReturnResponse(kToggle);
-}
-
-// Enters the start path, if there is one. Where it names a file, enters the file's directory and
-// answers its name.
+// Enters the site's path, if there is one. Where it names a file, enters the file's directory and
+// returns its name.
 std::string ControlLooper::EnterStartPath() {
-  if (startPath_.empty()) return {};
-  const int code = engine_->ChangeDir(startPath_);
-  if (code != 550) {
-    engine_->Accepted(code, "The directory cannot be opened.");
+  constexpr int kUnavailable = 550;
+  if (site_.path.empty()) return {};
+  const std::string path = PathFrom(session_->Directory(), site_.path);
+  std::string where;
+  const Outcome entered = session_->Enter(path, where);
+  if (entered.IsDone()) return {};
+  if (entered.code != kUnavailable) {
+    TellOutcome(*window_, *session_, entered);
     return {};
   }
-  const std::size_t slash = startPath_.rfind('/');
-  if (slash == std::string::npos || engine_->GetFileSize(startPath_) < 0) {
-    engine_->Warn("The server has no directory or file " + startPath_ + ".\n");
+  const auto [directory, name] = SplitPath(path);
+  std::optional<std::int64_t> size;
+  if (!session_->Size(path, size).IsDone() || !size) {
+    Warn(*window_, Text("The server has no directory or file %1.", site_.path));
     return {};
   }
-  engine_->CheckResult(engine_->ChangeDir(slash == 0 ? "/" : startPath_.substr(0, slash)));
-  return startPath_.substr(slash + 1);
+  const Outcome above = session_->Enter(directory, where);
+  TellOutcome(*window_, *session_, above);
+  return above.IsDone() ? name : std::string();
 }
 
-void ControlLooper::Refresh() {
-  if (!NeedsConnection()) ListDirectory(*engine_, *cache_);
+// Shows a directory in the window.
+void ControlLooper::Show(const std::string& directory) {
+  shown_ = directory;
+  window_->SetPath(directory);
+  ListDirectory(*session_, *cache_, *window_, directory);
+}
+
+void ControlLooper::Refresh(const std::string& directory) {
+  if (!NeedsConnection()) ListDirectory(*session_, *cache_, *window_, directory);
 }
 
 // A link that has a size leads to a file, any other to a directory.
-void ControlLooper::FollowLink(const std::string& name) {
+void ControlLooper::FollowLink(const std::string& directory, const std::string& name) {
   if (NeedsConnection()) return;
-  const std::int64_t size = engine_->GetFileSize(name);
-  if (size < 0) {
-    ChangeDirectory(name);
-  } else if (window_->ChangeValues(name, size)) {
+  std::optional<std::int64_t> size;
+  const Outcome asked = session_->Size(PathBelow(directory, name), size);
+  if (asked.kind == Outcome::Kind::Lost) {
+    TellLoss(*window_, *session_);
+  } else if (!size) {
+    ChangeDirectory(directory, name);
+  } else if (window_->ChangeValues(name, *size)) {
     AskForDownload(name);
   }
 }
@@ -145,96 +148,121 @@ void ControlLooper::AskForDownload(const std::string& name) {
   window_->PostMessage(std::move(download));
 }
 
-void ControlLooper::ChangeDirectory(const std::string& directory) {
+void ControlLooper::ChangeDirectory(const std::string& from, const std::string& to) {
   if (NeedsConnection()) return;
-  const int code = engine_->ChangeDir(directory);
-  const bool entered = engine_->Accepted(code, "The directory cannot be opened.");
-  if (entered) window_->BeginListing();
-  if (!engine_->Lost() && !engine_->SetPWD() && entered) engine_->AssumePWD(directory);
-  if (!engine_->Lost()) engine_->UpdateStatus("Connected.");
-  if (!entered) return;
-  const auto lister = std::make_shared<DirLister>(cache_, engine_);
-  if (!lister->Run()) engine_->Warn("The system has no thread left to fetch the listing.\n");
+  std::string where;
+  const Outcome entered = session_->Enter(PathFrom(from, to), where);
+  if (!entered.IsDone()) {
+    window_->SetPath(shown_);
+    window_->SetStatus(Text("Connected."));
+    TellOutcome(*window_, *session_, entered);
+    return;
+  }
+  shown_ = where;
+  window_->BeginListing();
+  window_->SetPath(where);
+  window_->SetStatus(Text("Connected."));
+  const auto lister = std::make_shared<DirLister>(session_, cache_, window_, where);
+  if (!lister->Run()) {
+    window_->EndListing(0);
+    Warn(*window_, Text("The system has no thread left to fetch the listing."));
+  }
 }
 
 void ControlLooper::Delete(const Message& entries) {
-  if (NeedsConnection() || HasMoved(entries)) return;
+  if (NeedsConnection()) return;
+  const std::string directory = entries.FindString("path").value_or("");
   Refusals refused;
-  const auto tell = [&] {
-    if (refused.Count() == 0) return;
-    engine_->Warn("The server did not delete everything:\n\n" + refused.Text());
-  };
-  try {
-    DeleteAll(entries, refused);
-  } catch (const NLException&) {
-    tell();
-    throw;
-  }
-  tell();
-  if (engine_->Lost()) engine_->ReportGone();
-}
-
-void ControlLooper::DeleteAll(const Message& entries, Refusals& refused) {
+  TreeRemover remover(*session_, *window_, refused, directory);
   const std::size_t count = entries.CountValues("name");
-  for (std::size_t i = 0; i < count && !Quitting() && !engine_->Lost(); ++i) {
+  for (std::size_t i = 0; i < count && !Quitting() && !session_->IsLost(); ++i) {
     const std::string name = entries.FindString("name", i).value_or("");
-    bool deleted = false;
-    if (entries.FindInt32("type", i).value_or(kFile) == kDirectory) {
-      deleted = engine_->DeleteDirectory(name, refused) != 0;
-    } else {
-      engine_->UpdateStatus("Deleting File..");
-      deleted = engine_->DeleteFile(name, refused);
-    }
-    engine_->UpdateStatus(deleted ? "Deletion Success." : "Deletion Failed.");
-    if (deleted && !window_->RemoveEntry(name)) return;
+    const auto kind = static_cast<RemoteEntry::Kind>(entries.FindInt32("type", i).value_or(1));
+    const bool deleted = remover.Remove(name, kind);
+    window_->SetStatus(deleted ? Text("Deletion Success.") : Text("Deletion Failed."));
+    if (deleted && !window_->RemoveEntry(name, directory)) return;
   }
+  if (refused.Count() > 0) {
+    Warn(*window_,
+         Text::WithReason(Text("The server did not delete everything:"), refused.Lines()));
+  }
+  if (session_->IsLost()) TellLoss(*window_, *session_);
 }
 
 void ControlLooper::Rename(const Message& entry) {
-  if (NeedsConnection() || HasMoved(entry)) return;
+  if (NeedsConnection()) return;
+  const std::string directory = entry.FindString("path").value_or("");
   const std::string from = entry.FindString("original").value_or("");
   const std::string to = entry.FindString("renameto").value_or("");
-  const std::string failed = "\"" + from + "\" was not renamed.";
-  if (engine_->Succeeded(engine_->SendCommand("RNFR " + from + "\n"), failed, 3) &&
-      engine_->Succeeded(engine_->SendCommand("RNTO " + to + "\n"), failed)) {
-    window_->RenameEntry(from, to, engine_->Path());
-  }
+  const Outcome outcome = session_->Rename(PathBelow(directory, from), PathFrom(directory, to));
+  if (outcome.IsDone()) window_->RenameEntry(from, to, directory);
+  TellOutcome(*window_, *session_, outcome);
 }
 
 void ControlLooper::CreateDirectory(const Message& entry) {
-  if (NeedsConnection() || HasMoved(entry)) return;
-  const std::string name = entry.FindString("name").value_or("");
-  if (engine_->Succeeded(engine_->SendCommand("MKD " + name + "\n"),
-                         "The directory \"" + name + "\" was not created.")) {
-    window_->BeginListing();
-    ListDirectory(*engine_, *cache_);
+  if (NeedsConnection()) return;
+  const std::string directory = entry.FindString("path").value_or("");
+  const Outcome outcome =
+      session_->MakeDirectory(PathFrom(directory, entry.FindString("name").value_or("")));
+  if (outcome.IsDone() && directory == shown_) {
+    ListDirectory(*session_, *cache_, *window_, directory);
+  }
+  TellOutcome(*window_, *session_, outcome);
+}
+
+void ControlLooper::ViewFile(const std::string& path) {
+  if (NeedsConnection()) return;
+  std::unique_ptr<RemoteFile> file;
+  const Outcome opened = session_->OpenForReading(path, 0, file);
+  if (!opened.IsDone()) {
+    TellOutcome(*window_, *session_, opened);
+    return;
+  }
+  if (const auto viewer = window_->OpenViewer(Text::Raw(SplitPath(path).second))) {
+    FillViewer(*file, *viewer);
+  }
+  file.reset();
+  if (session_->IsLost()) TellLoss(*window_, *session_);
+}
+
+// Until the data ends, or the text window has enough or is closed.
+void ControlLooper::FillViewer(RemoteFile& file, TextSink& viewer) {
+  constexpr long kStep = 250;  // milliseconds
+  std::vector<char> buffer(std::size_t{64} * 1024);
+  for (;;) {
+    while (!file.Wait(kStep)) {
+      if (!viewer.Append({})) return;
+    }
+    std::size_t count = 0;
+    Outcome outcome = file.Read(buffer, count);
+    if (outcome.IsDone() && count > 0) {
+      const auto begin = buffer.begin();
+      const auto end = std::remove(begin, begin + static_cast<std::ptrdiff_t>(count), '\r');
+      if (viewer.Append({buffer.data(), static_cast<std::size_t>(end - begin)})) continue;
+      return viewer.End({});
+    }
+    if (outcome.IsDone()) outcome = file.Finish();
+    return viewer.End(
+        outcome.IsDone() ? Text() : Text("The file is not complete: %1", outcome.text.Reason()));
   }
 }
 
-void ControlLooper::ViewFile(const Message& entry) {
-  if (NeedsConnection() || HasMoved(entry)) return;
-  engine_->ViewFile(entry.FindString("file").value_or(""));
-}
-
-void ControlLooper::ViewListing() {
-  const auto viewer = window_->OpenViewer("Listing of: " + engine_->Path());
+void ControlLooper::ViewListing(const std::string& directory) {
+  if (cache_ && cache_->Directory() != directory && !session_->IsLost()) {
+    ListDirectory(*session_, *cache_, *window_, directory);
+  }
+  const auto viewer = window_->OpenViewer(Text("Listing of: %1", directory));
   if (!viewer) return;
   const bool shown =
-      cache_ && cache_->Read([&viewer](std::string_view bytes) { return viewer->Append(bytes); });
-  viewer->End(shown ? "" : "The listing could not be read.");
-}
-
-// What was asked for in one directory is not done to entries of the same names in another.
-bool ControlLooper::HasMoved(const Message& request) {
-  if (engine_->StandsIn(request.FindString("path").value_or(""))) return false;
-  engine_->Warn("The directory has changed meanwhile. Nothing was done.\n");
-  return true;
+      cache_ && cache_->Directory() == directory &&
+      cache_->Read([&viewer](std::string_view bytes) { return viewer->Append(bytes); });
+  viewer->End(shown ? Text() : Text("The listing could not be read."));
 }
 
 // A request on a connection that is gone is answered by saying so.
 bool ControlLooper::NeedsConnection() {
-  if (cache_ && !engine_->Lost()) return false;
-  engine_->ReportGone();
+  if (cache_ && !session_->IsLost()) return false;
+  TellLoss(*window_, *session_);
   return true;
 }
 

@@ -1,36 +1,35 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
-#include "ftp/BrowserUi.h"
 #include "kit/Looper.h"
+#include "remote/BrowserUi.h"
+#include "remote/RemoteSession.h"
+#include "remote/Site.h"
 
 namespace corvane {
 
 class ListingCache;
-class MFtp;
-class Refusals;
 
-/// Performs the FTP operations of one browser window, one message after another, on its own thread.
+/// Carries out the requests of one browser window, one message after another, on its own thread.
 ///
-/// 'CNNT' connects, enters the start path and lists; 'RCNN' ("path") connects again after a loss.
-/// 'PCHN' ("cwd") changes the directory and lists; 'CRDR' lists again; 'HSYM' ("sym") finds out
-/// where a link leads. 'DELE' ("path", and one "name" and "type" per entry), 'RNFL' ("path",
-/// "original", "renameto") and 'MKDR' ("path", "name", answered with 'ENBL' whatever came of it)
-/// change the directory. 'VWFL' ("path", "file") shows a remote file as text, 'VWDR' the latest
-/// listing as it came. 'FRTR' is reserved. Quit closes the connection and ends the looper soon,
-/// whatever it waits for.
+/// 'CNNT' connects, enters the site's path and lists; 'RCNN' ("path") connects again after a loss.
+/// 'PCHN' ("path", "cwd") changes from the directory "path" to "cwd" and lists; 'CRDR' ("path")
+/// lists again; 'HSYM' ("path", "sym") finds out where a link leads. 'DELE' ("path", and one "name"
+/// and "type" per entry), 'RNFL' ("path", "original", "renameto") and 'MKDR' ("path", "name",
+/// followed by 'ENBL' whatever came of it) change what stands in the directory "path". 'VWFL'
+/// ("path", "file") shows a remote file as text, 'VWDR' ("path") a directory's listing as it came.
+/// 'FRTR' is reserved. Quit closes the connection and ends the looper soon, whatever it waits for.
 class ControlLooper : public Looper {
  public:
-  ControlLooper(std::string host, std::uint16_t port, const std::string& user,
-                const std::string& password, std::string startPath, bool passive,
+  /// `session` is the site's, and not connected yet.
+  ControlLooper(Site site, std::shared_ptr<RemoteSession> session,
                 std::shared_ptr<BrowserUi> window);
   ~ControlLooper() override;
 
-  /// The engine, for a transfer on this connection.
-  [[nodiscard]] std::shared_ptr<MFtp> Engine() const { return engine_; }
+  /// The connection, for a transfer that uses it.
+  [[nodiscard]] const std::shared_ptr<RemoteSession>& Session() const { return session_; }
 
  protected:
   void MessageReceived(const Message& message) override;
@@ -41,25 +40,25 @@ class ControlLooper : public Looper {
   void Connect();
   void ConnectAgain(const std::string& directory);
   [[nodiscard]] bool Begin();
-  void AskForUnixListings();
   std::string EnterStartPath();
-  void Refresh();
-  void ChangeDirectory(const std::string& directory);
-  void FollowLink(const std::string& name);
+  void Refresh(const std::string& directory);
+  void ChangeDirectory(const std::string& from, const std::string& to);
+  void FollowLink(const std::string& directory, const std::string& name);
   void AskForDownload(const std::string& name);
   void Delete(const Message& entries);
-  void DeleteAll(const Message& entries, Refusals& refused);
   void Rename(const Message& entry);
   void CreateDirectory(const Message& entry);
-  void ViewFile(const Message& entry);
-  void ViewListing();
-  [[nodiscard]] bool HasMoved(const Message& request);
+  void ViewFile(const std::string& path);
+  void FillViewer(RemoteFile& file, TextSink& viewer);
+  void ViewListing(const std::string& directory);
+  void Show(const std::string& directory);
   [[nodiscard]] bool NeedsConnection();
 
-  const std::string startPath_;
-  std::shared_ptr<BrowserUi> window_;
-  std::shared_ptr<MFtp> engine_;
+  const Site site_;
+  const std::shared_ptr<RemoteSession> session_;
+  const std::shared_ptr<BrowserUi> window_;
   std::shared_ptr<ListingCache> cache_;  // from the first 'CNNT' on
+  std::string shown_;                    // the directory that the window shows
 };
 
 }  // namespace corvane

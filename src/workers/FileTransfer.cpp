@@ -3,174 +3,121 @@
 #include <exception>
 #include <utility>
 
-#include "ftp/EngineLease.h"
-#include "net/NLException.h"
-#include "settings/ProcessSettings.h"
-#include "util/Encodings.h"
+#include "workers/DirLister.h"
 
 namespace corvane {
 
 FileTransfer::FileTransfer(std::shared_ptr<TransferUi> row, transferStruct description,
-                           bool sameConnection)
+                           std::shared_ptr<RemoteSession> session,
+                           std::shared_ptr<BrowserUi> window)
     : row_(std::move(row)),
       description_(std::move(description)),
-      engine_(*description_.engine),
-      sameConnection_(sameConnection) {}
+      session_(std::move(session)),
+      window_(std::move(window)),
+      mover_(*session_, row_->Progress(), CancelFlag(), description_.bufferSize),
+      way_(*session_),
+      notes_(*row_, description_.jobs.size()) {}
 
 // A browser's connection stays; what is under way on it while this transfer still waits for its
 // turn is not this transfer's to interrupt.
 void FileTransfer::Cancel() {
   MThread::Cancel();
-  if (!sameConnection_) {
-    engine_.Close();
+  if (!window_) {
+    session_->Close();
     return;
   }
   const MutexLock hold(lock_);
-  if (working_) engine_.AbortData();
+  if (working_) session_->Interrupt();
 }
 
 void FileTransfer::SetWorking(bool working) {
-  if (sameConnection_) engine_.HurryWhen(working ? &CancelFlag() : nullptr);
   const MutexLock hold(lock_);
   working_ = working;
+  if (!working) session_->Resume();
 }
 
 std::int32_t FileTransfer::Execute() {
-  const EngineLease lease(engine_);
+  const EngineLease lease(*session_);
   SetWorking(true);
   try {
-    if (!Begin()) {
-      stopped_ = true;
-    } else if (description_.download) {
-      DownloadAll();
-    } else {
-      UploadAll();
-    }
-  } catch (const NLException& error) {
-    lostWhy_ = Reason(error);
-    Stop(current_, "The connection was lost: " + lostWhy_);
+    Outcome outcome = Begin();
+    if (outcome.IsDone()) outcome = description_.download ? DownloadAll() : UploadAll();
+    if (Stops(outcome)) notes_.Stop();
   } catch (const std::exception& error) {
-    Stop(current_, std::string("The transfer could not be carried out: ") + error.what());
+    notes_.Failed(
+        {}, Outcome::LocalError(Text("The transfer could not be carried out: %1", error.what())));
+    notes_.Stop();
   }
-  Finish();
   SetWorking(false);
+  Finish();
   return 0;
 }
 
-// Logs in on a connection of its own and goes where the work is.
-bool FileTransfer::Begin() {
-  if (Cancelled()) return false;
-  if (sameConnection_) {
-    // A change of directory may have come first.
-    if (engine_.StandsIn(description_.remoteDirectory)) return true;
-    why_ = "The window has gone to another directory meanwhile.";
-    return false;
-  }
-  if (engine_.Login() != 1) {
-    why_ = engine_.LastFailure();
-    return false;
-  }
-  engine_.GetServerType();
-  if (description_.remoteDirectory.empty()) return true;
-  const int code = engine_.ChangeDir(description_.remoteDirectory);
-  if (code != 0 && code < 400) return true;
-  why_ = code == 0 ? engine_.LastFailure() : engine_.LastReplyText();
-  return false;
+// Connects, where the connection is this transfer's own.
+Outcome FileTransfer::Begin() {
+  if (Cancelled()) return Outcome::Cancelled();
+  if (window_) return {};
+  Outcome outcome = session_->Connect();
+  if (outcome.IsDone()) return outcome;
+  if (outcome.kind == Outcome::Kind::Lost) row_->SetStatus(Text("Connection failed."));
+  if (outcome.kind == Outcome::Kind::Refused) row_->SetStatus(Text("Login failed."));
+  notes_.Failed({}, outcome);
+  // Whatever was refused, nothing can be moved.
+  notes_.Stop();
+  return outcome;
 }
 
-// False when there is no use in beginning.
-bool FileTransfer::BeginEntry(const Entry& entry) {
-  if (Cancelled()) return false;
-  current_ = entry;
-  ++entries_;
+bool FileTransfer::BeginFile(const Entry& entry, const Text& status, std::int64_t total) {
+  TransferProgress& progress = row_->Progress();
+  progress.total = total;
+  progress.start = 0;
+  progress.done = 0;
+  const std::string& path = entry.job.remote;
+  return row_->BeginFile(path.substr(path.rfind('/') + 1)) &&
+         (!window_ || window_->SetStatus(status));
+}
+
+Outcome FileTransfer::End(const Entry& entry, Outcome outcome) {
+  busyInARow_ = outcome.kind == Outcome::Kind::Busy ? busyInARow_ + 1 : 0;
+  if (outcome.IsDone()) {
+    if (!outcome.text.IsEmpty()) notes_.Note(Text("%1: %2", entry.shown, outcome.text));
+    return outcome;
+  }
+  if (Cancelled()) return Outcome::Cancelled();
+  if (outcome.kind == Outcome::Kind::Lost) {
+    outcome.text = Text("The connection was lost: %1", outcome.text.Reason());
+  }
+  notes_.Failed(entry.shown, outcome);
+  return outcome;
+}
+
+bool FileTransfer::Stops(const Outcome& outcome) const {
+  switch (outcome.kind) {
+    case Outcome::Kind::Done:
+    case Outcome::Kind::Refused:
+    case Outcome::Kind::LocalError: return Cancelled();
+    case Outcome::Kind::Busy: return Cancelled() || busyInARow_ >= kMostBusy;
+    case Outcome::Kind::LocalFull:
+    case Outcome::Kind::Lost:
+    case Outcome::Kind::Cancelled: return true;
+  }
   return true;
 }
 
-bool FileTransfer::BeginFile(const Entry& entry, std::string_view label, std::int64_t total,
-                             std::int64_t start) {
-  TransferProgress& progress = row_->Progress();
-  progress.total = total;
-  progress.start = start;
-  progress.done = 0;
-  return row_->BeginFile(entry.name) && (!sameConnection_ || engine_.UpdateStatus(label));
-}
-
-FileTransfer::Step FileTransfer::EndFile(const Entry& entry) {
-  if (entry.inFolder) {
-    ++row_->Progress().files;
-    row_->Progress().changed = true;
-  }
-  return Step::Done;
-}
-
-// Notes what became of the entry. One that is all there is gives its reason as the transfer's.
-FileTransfer::Step FileTransfer::Fail(const Entry& entry, const std::string& why) {
-  if (Cancelled()) return Step::Stopped;
-  ++failed_;
-  failedEntry_ = entry.shown;
-  why_ = why;
-  const std::size_t chosen =
-      description_.download ? description_.items.size() : description_.localItems.size();
-  if (entries_ > 1 || (entries_ == 1 && chosen > 1)) Note(entry.shown + ": " + why);
-  stopped_ = stopped_ || engine_.Lost() || walk_.lost;
-  return stopped_ ? Step::Stopped : Step::Failed;
-}
-
-FileTransfer::Step FileTransfer::Stop(const Entry& entry, const std::string& why) {
-  Fail(entry, why);
-  stopped_ = true;
-  return Step::Stopped;
-}
-
-// The way up from a folder that was entered. One that stops goes back at its end, in one step.
-FileTransfer::Step FileTransfer::LeaveDirectory(const Entry& entry, Step step) {
-  if (step == Step::Stopped || engine_.LeaveDirectory(walk_)) return step;
-  return Stop(entry, engine_.LastFailure());
-}
-
-void FileTransfer::Note(const std::string& text) {
-  if (++notes_ <= kMaxNotes) row_->NoteEntry(text);
-  if (notes_ == kMaxNotes) row_->NoteEntry("What follows is not listed any more.");
-}
-
-std::string FileTransfer::Summary() const {
-  if (failed_ == 0 || entries_ <= 1) return why_;
-  const std::string count =
-      std::to_string(failed_) + " of " + std::to_string(entries_) + " entries failed";
-  if (stopped_) return count + "; stopped at " + failedEntry_ + ": " + why_;
-  return failed_ == 1 ? count + ": " + failedEntry_ + ": " + why_ : count + ".";
-}
-
 void FileTransfer::Finish() {
-  const SettingsValues settings = ProcessSettings::Get();
-  const bool finished = !stopped_ && failed_ == 0 && !Cancelled();
+  const bool finished = notes_.AllDone() && !Cancelled();
   const auto state = finished      ? TransferEnd::Finished
                      : Cancelled() ? TransferEnd::Cancelled
                                    : TransferEnd::Failed;
-  if (sameConnection_)
-    engine_.UpdateStatus(finished ? "Transfer Complete." : "Transfer Interupted.");
-  row_->SetEndState(state, state == TransferEnd::Failed ? Summary() : std::string());
-  if (finished) row_->PlaySound(description_.download ? settings.dwnldsnd : settings.upldsnd);
-  try {
-    if (sameConnection_)
-      HandBack();
-    else if (finished)
-      engine_.Quit();
-  } catch (const NLException& error) {
-    // Of its own connection all that mattered has been confirmed already.
-    if (sameConnection_) lostWhy_ = Reason(error);
+  if (window_) {
+    window_->SetStatus(finished ? Text("Transfer Complete.") : Text("Transfer Interupted."));
+    if (session_->IsLost()) TellLoss(*window_, *session_);
   }
-  if (!sameConnection_)
-    engine_.Close();
-  else if (engine_.Lost())
-    engine_.ReportLost(NLException("FileTransfer::Finish", lostWhy_.empty() ? why_ : lostWhy_));
-}
-
-// Leaves the browser's connection as it was found: in its directory and in step.
-void FileTransfer::HandBack() {
-  if (engine_.Lost()) return;
-  if (stopped_ || Cancelled()) engine_.ReturnToStart(walk_);
-  engine_.ReadPendingReplies();
+  row_->SetEndState(state, state == TransferEnd::Failed ? notes_.Summary() : Text());
+  if (finished) row_->PlaySound(description_.download ? Sound::Downloaded : Sound::Uploaded);
+  if (window_) return;
+  if (finished) session_->Quit();
+  session_->Close();
 }
 
 }  // namespace corvane

@@ -2,32 +2,34 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "ftp/MFtp.h"
-#include "ftp/TransferUi.h"
 #include "kit/Mutex.h"
+#include "remote/BrowserUi.h"
+#include "remote/RemoteSession.h"
+#include "remote/TransferUi.h"
+#include "workers/FileMover.h"
 #include "workers/MThread.h"
+#include "workers/TransferNotes.h"
+#include "workers/WayDown.h"
 #include "workers/transferStruct.h"
 
 namespace corvane {
 
-class LocalFile;
 class LocalFolder;
 
 /// Carries out one transfer of files and folders and reports into its row. Own thread; Cancel from
 /// any thread.
 ///
-/// An entry that the server or this machine refuses is noted in the row, and a download goes on
-/// with the next one; so does an upload between the chosen entries, while inside a folder it ends
-/// with that folder. Data that breaks off ends a download, a connection that is lost ends both.
+/// An entry that the server or this machine refuses is noted in the row, and the rest goes on; but
+/// an upload leaves the folder in which that happened. A full disk or a lost connection ends the
+/// transfer, and so does a server that is busy for several entries in a row.
 class FileTransfer : public MThread {
  public:
-  /// With `sameConnection` the engine is a browser's, already logged in, and stays open in the
-  /// directory in which it was; without, it is this transfer's own: logged in here and closed at
-  /// the end.
-  FileTransfer(std::shared_ptr<TransferUi> row, transferStruct description, bool sameConnection);
+  /// With a `window` the session is that browser window's, connected already, and stays open;
+  /// without, it is this transfer's own: connected here and closed at the end.
+  FileTransfer(std::shared_ptr<TransferUi> row, transferStruct description,
+               std::shared_ptr<RemoteSession> session, std::shared_ptr<BrowserUi> window = {});
 
   void Cancel() override;
 
@@ -35,67 +37,50 @@ class FileTransfer : public MThread {
   std::int32_t Execute() override;
 
  private:
-  /// What became of an entry.
-  enum class Step {
-    Done,
-    Failed,   ///< it was noted, and there may be a next one
-    Stopped,  ///< there is no next one
-  };
   /// An entry on its way.
   struct Entry {
-    std::string name;        ///< raw bytes, as the server has it or is to have it
-    std::string local;       ///< the name in a local folder, or the path of what is sent
-    std::string shown;       ///< its path from the top of the transfer, for the user
-    std::int64_t size = -1;  ///< bytes as listed; -1 when not known
-    bool inFolder = false;   ///< stands in a folder that is transferred
+    TransferJob job;
+    std::string shown;      ///< its path from the top of the transfer, for the user
+    bool inFolder = false;  ///< stands in a folder that is transferred
   };
-  static constexpr int kMaxNotes = 1000;
 
   // FileTransfer.cpp
-  bool Begin();
+  Outcome Begin();
   void SetWorking(bool working) EXCLUDES(lock_);
-  bool BeginEntry(const Entry& entry);
-  bool BeginFile(const Entry& entry, std::string_view label, std::int64_t total,
-                 std::int64_t start);
-  Step EndFile(const Entry& entry);
-  Step Fail(const Entry& entry, const std::string& why);
-  Step Stop(const Entry& entry, const std::string& why);
-  Step LeaveDirectory(const Entry& entry, Step step);
-  void Note(const std::string& text);
-  [[nodiscard]] std::string Summary() const;
+  bool BeginFile(const Entry& entry, const Text& status, std::int64_t total);
+  /// Notes what became of an entry that was begun; returns it.
+  Outcome End(const Entry& entry, Outcome outcome);
+  /// Whether the transfer ends with this.
+  [[nodiscard]] bool Stops(const Outcome& outcome) const;
+  static constexpr int kMostBusy = 3;
   void Finish();
-  void HandBack();
 
   // FileTransferDownload.cpp
-  void DownloadAll();
-  Step dDirectory(const LocalFolder& above, const Entry& entry);
-  Step DownloadEntries(const LocalFolder& above, const Entry& entry);
-  Step DownloadFile(const LocalFolder& folder, const Entry& entry);
-  int OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file, bool& resume);
-  int Fetch(LocalFile& file, const Entry& entry, bool resume);
+  Outcome DownloadAll();
+  [[nodiscard]] static std::string LocalName(const Entry& entry);
+  Outcome DownloadEntry(const LocalFolder& folder, const Entry& entry);
+  Outcome dDirectory(const LocalFolder& above, const Entry& entry);
+  Outcome DownloadEntries(const LocalFolder& above, const Entry& entry, const std::string& where);
+  Outcome DownloadFile(const LocalFolder& folder, const Entry& entry);
+  Outcome OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file, bool& resume);
 
   // FileTransferUpload.cpp
-  void UploadAll();
-  Step uDirectory(const Entry& entry);
-  Step UploadEntries(const Entry& entry);
-  Step UploadFile(const Entry& entry);
-  void TellAdded(const std::string& name, std::optional<std::int64_t> size);
+  Outcome UploadAll();
+  Outcome uDirectory(const Entry& entry);
+  Outcome UploadEntries(const Entry& entry, const std::string& where, bool made);
+  Outcome UploadFile(const Entry& entry);
+  void TellAdded(const TransferJob& job, bool folder);
 
   const std::shared_ptr<TransferUi> row_;
   const transferStruct description_;
-  MFtp& engine_;
-  const bool sameConnection_;
-  MFtp::Walk walk_;
-  Entry current_;
-  int entries_ = 0;  // begun
-  int failed_ = 0;
-  int notes_ = 0;
-  bool stopped_ = false;
-  std::string failedEntry_;  // the last that failed
-  std::string why_;          // and what was the matter
-  std::string lostWhy_;      // of the exception that ended the work
+  const std::shared_ptr<RemoteSession> session_;
+  const std::shared_ptr<BrowserUi> window_;  // null on a connection of its own
+  FileMover mover_;
+  WayDown way_;
+  TransferNotes notes_;
+  int busyInARow_ = 0;
   Mutex lock_;
-  bool working_ GUARDED_BY(lock_) = false;  // the engine is this transfer's to interrupt
+  bool working_ GUARDED_BY(lock_) = false;  // the session is this transfer's to interrupt
 };
 
 }  // namespace corvane

@@ -1,132 +1,159 @@
 #include <cerrno>
+#include <utility>
 
-#include "net/NLException.h"
+#include "remote/RemotePath.h"
 #include "util/Encodings.h"
 #include "util/ErrorText.h"
-#include "util/LocalFile.h"
 #include "util/LocalFolder.h"
+#include "workers/EntryCollector.h"
 #include "workers/FileTransfer.h"
 
 namespace corvane {
 namespace {
 
-bool LeadsElsewhere(const std::string& name) {
-  return name.find('/') != std::string::npos;
+using Kind = RemoteEntry::Kind;
+
+Outcome UnusableName(const std::string& name, Kind kind) {
+  return Outcome::LocalError(kind == Kind::Directory
+                                 ? Text("The name \"%1\" cannot be a local folder's.", name)
+                                 : Text("The name \"%1\" cannot be used for a local file.", name));
 }
 
-// Where one file does not fit none after it does.
-bool IsFull(int error) {
-  return error == ENOSPC || error == EDQUOT;
+Outcome OpenFailure(const std::string& name, int error) {
+  if (error == EWOULDBLOCK)
+    return Outcome::LocalError(Text("Another transfer is writing %1 already.", name));
+  if (error == EEXIST) return Outcome::LocalError(Text("\"%1\" exists already.", name));
+  Outcome outcome = WriteFailure(error);
+  outcome.text = Text("Could not open %1: %2", name, ErrorText(error));
+  return outcome;
 }
 
 }  // namespace
 
-void FileTransfer::DownloadAll() {
-  current_.shown = DisplayText(description_.targetFolder);
+Outcome FileTransfer::DownloadAll() {
   LocalFolder target;
   if (const int error = target.Open(description_.targetFolder); error != 0) {
-    Stop(current_, "Could not open " + current_.shown + ": " + ErrorText(error));
-    return;
+    notes_.Failed({}, Outcome::LocalError(Text("Could not open %1: %2", description_.targetFolder,
+                                               ErrorText(error))));
+    return {Outcome::Kind::LocalFull};
   }
-  for (const fileStruct& item : description_.items) {
-    const std::string& local = item.displayName.empty() ? item.name : item.displayName;
-    const Entry entry{item.name, local, DisplayText(local), item.size >= 0 ? item.size : -1, false};
-    const Step step =
-        item.type == kDirectory ? dDirectory(target, entry) : DownloadFile(target, entry);
-    if (step == Step::Stopped) return;
+  const std::string above = PathBelow(description_.targetFolder, "");
+  bool tree = false;
+  for (const TransferJob& job : description_.jobs) {
+    tree = tree || job.kind == Kind::Directory;
+    const bool inside = job.local.starts_with(above);
+    const std::string name = inside ? job.local.substr(above.size()) : job.local;
+    const Outcome outcome = DownloadEntry(target, {job, name, false});
+    if (Stops(outcome)) return outcome;
   }
+  // The files of trees are written out together.
+  if (const int error = tree ? target.SyncAll() : 0; error != 0) {
+    const Outcome outcome = WriteFailure(error);
+    notes_.Failed({}, outcome);
+    return outcome;
+  }
+  return {};
 }
 
-FileTransfer::Step FileTransfer::dDirectory(const LocalFolder& above, const Entry& entry) {
-  if (!BeginEntry(entry)) return Step::Stopped;
-  if (!IsSafeLocalName(entry.local))
-    return Fail(entry, "The name \"" + DisplayText(entry.local) + "\" cannot be a local folder's.");
-  if (LeadsElsewhere(entry.name)) return Fail(entry, "The name leads elsewhere.");
-  if (!engine_.EnterDirectory(walk_, entry.name, true)) return Fail(entry, engine_.LastFailure());
-  return LeaveDirectory(entry, DownloadEntries(above, entry));
+// What was chosen is named from the target folder on, so that no name leads out of it.
+std::string FileTransfer::LocalName(const Entry& entry) {
+  return entry.inFolder ? SplitPath(entry.job.local).second : entry.shown;
 }
 
-// What stands in the working directory. What fails in it does not make the directory fail.
-FileTransfer::Step FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& entry) {
+Outcome FileTransfer::DownloadEntry(const LocalFolder& folder, const Entry& entry) {
+  if (Cancelled()) return Outcome::Cancelled();
+  notes_.Begin();
+  return entry.job.kind == Kind::Directory ? dDirectory(folder, entry)
+                                           : End(entry, DownloadFile(folder, entry));
+}
+
+// What fails inside a directory is noted there and does not make the directory fail.
+Outcome FileTransfer::dDirectory(const LocalFolder& above, const Entry& entry) {
+  const std::string name = LocalName(entry);
+  if (!IsSafeLocalName(name)) {
+    return End(entry,
+               Outcome::LocalError(Text("The name \"%1\" cannot be a local folder's.", name)));
+  }
+  std::string where;
+  const Outcome entered = way_.Enter(entry.job.remote, where);
+  if (!entered.IsDone()) return End(entry, entered);
+  Outcome outcome = DownloadEntries(above, entry, where);
+  way_.Leave();
+  return outcome;
+}
+
+Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& entry,
+                                      const std::string& where) {
   LocalFolder folder;
-  if (const int error = folder.Enter(above, entry.local); error != 0) {
-    const std::string why = "Could not make the folder: " + ErrorText(error);
-    return IsFull(error) ? Stop(entry, why) : Fail(entry, why);
+  if (const int error = folder.Enter(above, LocalName(entry)); error != 0) {
+    Outcome outcome = WriteFailure(error);
+    outcome.text = Text("Could not make the folder: %1", ErrorText(error));
+    return End(entry, outcome);
   }
-  if (!engine_.PrepareTransfer()) return Stop(entry, engine_.LastFailure());
-  const MFtp::Listing listing = engine_.GetListing();
-  if (!listing.whole) return Fail(entry, engine_.LastFailure());
-  for (const MFtp::WalkEntry& found : engine_.Parse(listing.text)) {
-    const Entry inside{found.name, found.name, entry.shown + "/" + DisplayText(found.name),
-                       found.size, true};
-    Step step = Step::Done;
-    if (found.type == kDirectory)
-      step = dDirectory(folder, inside);
-    else if (found.type == kFile)
-      step = DownloadFile(folder, inside);
-    else
-      Note("Left out: " + inside.shown + " (a link or a special file)");
-    if (step == Step::Stopped || Cancelled()) return Step::Stopped;
+  EntryCollector listing;
+  const Outcome listed = End(entry, session_->List(where, listing));
+  if (!listed.IsDone()) return listed;
+  for (RemoteEntry& found : listing.entries) {
+    const std::string shown = entry.shown + "/" + found.name;
+    if (found.kind == Kind::Link || found.kind == Kind::Device) {
+      notes_.Note(Text("Left out: %1 (%2)", shown, Text("a link or a special file")));
+      continue;
+    }
+    TransferJob job{PathBelow(where, found.name), PathBelow(entry.job.local, found.name),
+                    found.kind, found.size.value_or(-1), entry.job.policy};
+    if (found.name.find('/') != std::string::npos) {
+      notes_.Begin();
+      (void)End({std::move(job), shown, true}, UnusableName(found.name, found.kind));
+      continue;
+    }
+    const Outcome outcome = DownloadEntry(folder, {std::move(job), shown, true});
+    if (Stops(outcome)) return outcome;
   }
-  return Step::Done;
+  return {};
 }
 
-FileTransfer::Step FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry) {
-  if (!BeginEntry(entry)) return Step::Stopped;
-  const std::string shown = DisplayText(entry.local);
-  if (!IsSafeLocalName(entry.local))
-    return Fail(entry, "The name \"" + shown + "\" cannot be used for a local file.");
+Outcome FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry) {
+  const std::string name = LocalName(entry);
+  if (!IsSafeLocalName(name)) {
+    return UnusableName(name, Kind::File);
+  }
   LocalFile file;
-  bool resume = !description_.overwrite;
-  const int error = OpenTarget(folder, entry, file, resume);
-  if (error == EWOULDBLOCK)
-    return Fail(entry, "Another transfer is writing " + shown + " already.");
-  if (error != 0) {
-    const std::string why = "Could not open " + shown + ": " + ErrorText(error);
-    return IsFull(error) ? Stop(entry, why) : Fail(entry, why);
+  bool resume = false;
+  Outcome outcome = OpenTarget(folder, entry, file, resume);
+  if (!outcome.IsDone() || !outcome.text.IsEmpty()) return outcome;
+  if (!BeginFile(entry, Text("Downloading File."), std::max<std::int64_t>(entry.job.size, 0)))
+    return Outcome::Cancelled();
+  outcome = mover_.Download(entry.job.remote, entry.job.size, file, resume,
+                            entry.inFolder ? Durability::Later : Durability::Now);
+  if (outcome.IsDone() && entry.inFolder) {
+    ++row_->Progress().files;
+    row_->Progress().changed = true;
   }
-  if (resume && entry.size >= 0 && file.InitialSize() > entry.size)
-    return Fail(entry, "The local file is longer than the server's.");
-
-  const int result = Fetch(file, entry, resume);
-  if (result != 1) {
-    if (file.Position() == 0) file.Discard();
-    return result == 0 ? Fail(entry, engine_.LastFailure()) : Stop(entry, engine_.LastFailure());
-  }
-  if (const int late = file.Close(); late != 0)
-    return Stop(entry, "Could not write the file: " + ErrorText(late));
-  return EndFile(entry);
+  return outcome;
 }
 
-// In a folder that is resumed some files are whole, some begun, and some not there yet.
-int FileTransfer::OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file,
-                             bool& resume) {
+// Done with a text says that there is nothing to fetch. In a folder that is resumed some files are
+// whole, some begun, and some not there yet.
+Outcome FileTransfer::OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file,
+                                 bool& resume) {
+  const std::string name = LocalName(entry);
+  const Policy policy = entry.job.policy;
+  resume = policy == Policy::Resume;
+  int error = 0;
   if (resume) {
-    const int error = file.Open(folder, entry.local, LocalFile::Mode::Resume);
-    if (error != ENOENT || !entry.inFolder) return error;
+    error = file.Open(folder, name, LocalFile::Mode::Resume);
+    if (error != ENOENT || !entry.inFolder) {
+      return error == 0 ? Outcome{} : OpenFailure(name, error);
+    }
     resume = false;
   }
-  return file.Open(folder, entry.local, LocalFile::Mode::Create);
-}
-
-// What MFtp::Download answers.
-int FileTransfer::Fetch(LocalFile& file, const Entry& entry, bool resume) {
-  MFtp::DownloadJob job{entry.name, entry.size, resume ? file.InitialSize() : 0, !resume};
-  if (!BeginFile(entry, "Downloading File.", std::max<std::int64_t>(entry.size, 0), job.offset))
-    return -1;
-  if (!engine_.PrepareTransfer() || Cancelled()) return -1;
-  if (resume) {
-    // Without a size nothing would tell a server that begins at the start all the same.
-    if (job.expected < 0) job.expected = engine_.GetFileSize(entry.name);
-    // A server that cannot resume gives the whole file again.
-    if (engine_.SendCommand("REST " + std::to_string(job.offset) + "\n") != 350) {
-      job.offset = 0;
-      job.empty = true;
-      row_->Progress().start = 0;
-    }
+  error =
+      file.Open(folder, name,
+                policy == Policy::Replace ? LocalFile::Mode::Replace : LocalFile::Mode::CreateNew);
+  if (error == EEXIST && policy == Policy::Skip) {
+    return {Outcome::Kind::Done, 0, Text("Left alone, for it is there already.")};
   }
-  if (Cancelled()) return -1;
-  return engine_.Download(*row_, file, job, CancelFlag());
+  return error == 0 ? Outcome{} : OpenFailure(name, error);
 }
 
 }  // namespace corvane

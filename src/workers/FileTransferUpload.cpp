@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <vector>
 
-#include "net/NLException.h"
-#include "util/Encodings.h"
+#include "remote/RemotePath.h"
 #include "util/ErrorText.h"
-#include "util/LocalFile.h"
 #include "util/LocalFolder.h"
+#include "workers/EntryCollector.h"
 #include "workers/FileTransfer.h"
 
 namespace corvane {
@@ -26,86 +26,114 @@ std::vector<fs::directory_entry> EntriesOf(const std::string& folder, std::error
 
 // Why an entry inside a folder is not sent, or nothing. One that has just gone is tried all the
 // same, so that it is missed.
-std::string_view LeftOut(const fs::directory_entry& entry) {
+Text LeftOut(const fs::directory_entry& entry) {
   std::error_code error;
   const fs::file_type own = entry.symlink_status(error).type();
   const fs::file_type type = entry.status(error).type();
   if (own == fs::file_type::not_found || type == fs::file_type::regular) return {};
   if (own == fs::file_type::symlink)
-    return type == fs::file_type::directory ? "a link to a folder" : "a link to no file";
-  return own == fs::file_type::directory ? "" : "a special file";
+    return type == fs::file_type::directory ? Text("a link to a folder")
+                                            : Text("a link to no file");
+  return own == fs::file_type::directory ? Text() : Text("a special file");
 }
 
 }  // namespace
 
-void FileTransfer::UploadAll() {
-  for (const std::string& path : description_.localItems) {
-    // A folder may be named with a slash at its end.
-    fs::path chosen(path);
-    if (!chosen.has_filename()) chosen = chosen.parent_path();
-    const std::string name = chosen.filename();
-    const Entry entry{name, chosen, DisplayText(name), -1, false};
+Outcome FileTransfer::UploadAll() {
+  for (const TransferJob& job : description_.jobs) {
+    if (Cancelled()) return Outcome::Cancelled();
+    const Entry entry{job, SplitPath(job.remote).second, false};
     std::error_code ignored;
-    const bool folder = fs::is_directory(chosen, ignored);
-    const Step step = folder ? uDirectory(entry) : UploadFile(entry);
-    if (step == Step::Stopped) return;
-    if (step == Step::Failed && folder)
-      Note(entry.shown + ": The rest of this folder was not sent.");
-    if (step == Step::Done)
-      TellAdded(name, folder ? std::nullopt : std::optional(row_->Progress().done.load()));
+    const bool folder = fs::is_directory(job.local, ignored);
+    const Outcome outcome = folder ? uDirectory(entry) : UploadFile(entry);
+    if (Stops(outcome)) return outcome;
+    if (!outcome.IsDone() && folder)
+      notes_.Note(Text("%1: %2", entry.shown, Text("The rest of this folder was not sent.")));
+    if (outcome.IsDone()) TellAdded(job, folder);
   }
+  return {};
 }
 
-FileTransfer::Step FileTransfer::uDirectory(const Entry& entry) {
-  if (!BeginEntry(entry)) return Step::Stopped;
-  if (!IsSafeLocalName(entry.name)) return Fail(entry, "The folder has no name of its own.");
+Outcome FileTransfer::uDirectory(const Entry& entry) {
+  if (Cancelled()) return Outcome::Cancelled();
+  notes_.Begin();
+  if (!IsSafeLocalName(SplitPath(entry.job.remote).second)) {
+    return End(entry, Outcome::LocalError(Text("The folder has no name of its own.")));
+  }
   // One that is there already refuses to be made and is entered all the same.
-  const int made = engine_.SendCommand("MKD " + entry.name + "\n");
-  const std::string refusal = made >= 400 ? engine_.LastReplyText() : std::string();
-  if (!engine_.EnterDirectory(walk_, entry.name, true))
-    return Fail(entry, refusal.empty() ? engine_.LastFailure() : refusal);
-  return LeaveDirectory(entry, UploadEntries(entry));
+  const Outcome made = session_->MakeDirectory(entry.job.remote);
+  std::string where;
+  const Outcome entered = way_.Enter(entry.job.remote, where);
+  if (!entered.IsDone()) {
+    return End(entry, made.kind == Outcome::Kind::Refused ? made : entered);
+  }
+  Outcome outcome = UploadEntries(entry, where, made.IsDone());
+  way_.Leave();
+  return outcome;
 }
 
-FileTransfer::Step FileTransfer::UploadEntries(const Entry& entry) {
+Outcome FileTransfer::UploadEntries(const Entry& entry, const std::string& where, bool made) {
   std::error_code error;
-  const std::vector<fs::directory_entry> entries = EntriesOf(entry.local, error);
-  if (error) return Fail(entry, "Could not read the folder: " + ErrorText(error.value()));
+  const std::vector<fs::directory_entry> entries = EntriesOf(entry.job.local, error);
+  if (error) {
+    return End(entry, Outcome::LocalError(
+                          Text("Could not read the folder: %1", ErrorText(error.value()))));
+  }
   for (const fs::directory_entry& found : entries) {
     const std::string name = found.path().filename();
-    const Entry inside{name, found.path(), entry.shown + "/" + DisplayText(name), -1, true};
-    if (const std::string_view kind = LeftOut(found); !kind.empty()) {
-      Note("Left out: " + inside.shown + " (" + std::string(kind) + ")");
+    // In a folder that was just made nothing is replaced.
+    const Policy policy = made ? Policy::Replace : entry.job.policy;
+    const Entry inside{
+        {PathBelow(where, name), found.path(), {}, -1, policy}, entry.shown + "/" + name, true};
+    if (const Text kind = LeftOut(found); !kind.IsEmpty()) {
+      notes_.Note(Text("Left out: %1 (%2)", inside.shown, kind));
       continue;
     }
     std::error_code ignored;
-    const Step step = found.is_directory(ignored) ? uDirectory(inside) : UploadFile(inside);
-    if (step != Step::Done) return step;
+    const Outcome outcome = found.is_directory(ignored) ? uDirectory(inside) : UploadFile(inside);
+    if (!outcome.IsDone()) return outcome;
   }
-  return Step::Done;
+  return {};
 }
 
-FileTransfer::Step FileTransfer::UploadFile(const Entry& entry) {
-  if (!BeginEntry(entry)) return Step::Stopped;
+Outcome FileTransfer::UploadFile(const Entry& entry) {
+  if (Cancelled()) return Outcome::Cancelled();
+  notes_.Begin();
   LocalFile file;
-  if (const int error = file.OpenForReading(entry.local); error != 0) {
-    row_->SetTrailing("  *Could not open file for reading!*");
-    return Fail(entry, "Could not read " + DisplayText(entry.local) + ": " + ErrorText(error));
+  if (const int error = file.OpenForReading(entry.job.local); error != 0) {
+    row_->SetTrailing(Text("  *Could not open file for reading!*"));
+    return End(entry, Outcome::LocalError(
+                          Text("Could not read %1: %2", entry.job.local, ErrorText(error))));
   }
-  if (!BeginFile(entry, "Uploading File.", file.InitialSize(), 0))
-    return Stop(entry, "The window is closing.");
-  const bool stored = engine_.PrepareTransfer() && !Cancelled() &&
-                      engine_.Upload(*row_, file, entry.name, CancelFlag()) == 1;
-  return stored ? EndFile(entry) : Fail(entry, engine_.LastFailure());
+  if (entry.job.policy == Policy::CreateNew || entry.job.policy == Policy::Skip) {
+    std::optional<std::int64_t> size;
+    const Outcome asked = session_->Size(entry.job.remote, size);
+    if (asked.kind == Outcome::Kind::Lost) return End(entry, asked);
+    if (size && entry.job.policy == Policy::Skip) {
+      return End(entry, {Outcome::Kind::Done, 0, Text("Left alone, for it is there already.")});
+    }
+    if (size) {
+      return End(entry, {Outcome::Kind::Refused, 0,
+                         Text("\"%1\" exists already.", SplitPath(entry.job.remote).second)});
+    }
+  }
+  if (!BeginFile(entry, Text("Uploading File."), file.InitialSize())) return Outcome::Cancelled();
+  const Outcome outcome = End(entry, mover_.Upload(file, entry.job.remote));
+  if (outcome.IsDone() && entry.inFolder) {
+    ++row_->Progress().files;
+    row_->Progress().changed = true;
+  }
+  return outcome;
 }
 
 // Lets the browser window show what its directory has gained; a folder has no size.
-void FileTransfer::TellAdded(const std::string& name, std::optional<std::int64_t> size) {
+void FileTransfer::TellAdded(const TransferJob& job, bool folder) {
+  const auto [directory, name] = SplitPath(job.remote);
   Message added("ADDI"_what);
   added.AddString("FileName", name);
-  added.AddString("Path", description_.remoteDirectory);
-  added.AddString("Type", size ? "f" : "d");
-  if (size) added.AddInt64("fSize", *size);
+  added.AddString("Path", directory);
+  added.AddString("Type", folder ? "d" : "f");
+  if (!folder) added.AddInt64("fSize", row_->Progress().done.load());
   row_->PostMessage(std::move(added));
 }
 

@@ -57,7 +57,8 @@ void ListingCache::RemoveAll() {
   TheDirectory().Remove();
 }
 
-void ListingCache::WriteListing(std::string_view text) {
+void ListingCache::WriteListing(std::string_view directory, std::string_view text) {
+  directory_ = directory;
   if (path_.empty()) return;
   constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW;
   const UniqueFd file(::open(path_.c_str(), kFlags, 0600));

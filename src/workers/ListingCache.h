@@ -20,10 +20,13 @@ class ListingCache {
   /// threads. Any thread.
   static void RemoveAll();
 
-  /// Replaces the text. Failures are silent: the listing is shown all the same.
-  void WriteListing(std::string_view text);
+  /// Replaces the text by that of `directory`. Failures are silent: the listing is shown all the
+  /// same.
+  void WriteListing(std::string_view directory, std::string_view text);
+  /// Whose listing it is; empty before the first.
+  [[nodiscard]] const std::string& Directory() const { return directory_; }
 
-  /// Hands the text over piece by piece until `take` answers false; false when it cannot be read.
+  /// Hands the text over piece by piece until `take` returns false; false when it cannot be read.
   bool Read(const std::function<bool(std::string_view)>& take) const;
 
   /// Empty when no directory could be made.
@@ -31,6 +34,7 @@ class ListingCache {
 
  private:
   std::string path_;
+  std::string directory_;
 };
 
 }  // namespace corvane

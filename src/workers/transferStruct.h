@@ -1,27 +1,41 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "ftp/fileStruct.h"
+#include "remote/RemoteEntry.h"
+#include "remote/Site.h"
 
 namespace corvane {
 
-class MFtp;
+/// What becomes of an entry that is there already where a transfer would put one. Folders are gone
+/// into, and what is in them follows the same policy.
+enum class Policy : std::uint8_t {
+  CreateNew,  ///< it is kept, and the entry fails
+  Replace,    ///< it is replaced once the new one is whole
+  Resume,     ///< it is gone on with where it is a beginning of the same file, else replaced
+  Skip,       ///< it is kept, and the entry counts as done
+};
 
-/// The description of one queued transfer. A value; the engine is shared with whoever made it.
+/// One file or folder on its way. A value; paths and names are raw bytes.
+struct TransferJob {
+  std::string remote{};                              ///< its path on the server
+  std::string local{};                               ///< its path on this machine
+  RemoteEntry::Kind kind = RemoteEntry::Kind::File;  ///< of a download; an upload looks for itself
+  std::int64_t size = -1;                            ///< bytes as listed; -1 when not known
+  Policy policy = Policy::CreateNew;
+};
+
+/// The description of one transfer: what a row of the transfer window stands for. A value.
 struct transferStruct {
-  std::string name;             ///< what the row calls the transfer
-  std::string remoteDirectory;  ///< the server directory it works in
-  std::string targetFolder;     ///< the local folder that downloads are saved into
-  std::int64_t size = 0;        ///< bytes in all, as far as known
+  Site site{};
   bool download = true;
-  bool overwrite = true;  ///< false resumes at the local file's length
-  std::shared_ptr<MFtp> engine;
-  std::vector<fileStruct> items;        ///< files and directories to download
-  std::vector<std::string> localItems;  ///< paths of files and folders to upload
+  std::string remoteDirectory{};    ///< the server directory that the row names
+  std::string targetFolder{};       ///< the local folder that the row names
+  std::int64_t size = 0;            ///< bytes in all, as far as known
+  std::int32_t bufferSize = 8192;   ///< bytes with which a transfer's buffer starts
+  std::vector<TransferJob> jobs{};  ///< one for each entry that was chosen
 };
 
 }  // namespace corvane

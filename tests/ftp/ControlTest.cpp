@@ -1,35 +1,45 @@
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 #include "ftp/Session.h"
-#include "net/NLException.h"
-#include "settings/ProcessSettings.h"
-#include "support/RecordingTransferUi.h"
+#include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
 
 using namespace std::literals;
 
-TEST(Control, ReadsRepliesWhole) {
-  const std::string odd = "200 \xEC\x97\xAC\xEC";
-  const std::tuple<std::string, int, std::string> cases[] = {
-      {"200 Fine\r\n", 200, "Fine\n"},
-      {"220-Welcome\r\n220-to the server\r\n220 Ready\r\n", 220, "Ready\n"},
-      {"230-Hello\r\n   and more text\r\n230 Logged in\n", 230, "Logged in\n"},
-      // Free text with a blank in fourth place, or with another code, does not end the reply.
-      {"230-Hello\r\nThe end\r\n226 no end either\r\n230 Yes\r\n", 230, "Yes\n"},
-      {"200 Odd end\xEC", 200, "Odd end\xEC"},
-      {odd + "215 Behind an odd end\r\n", 200, odd.substr(4)},
-      {"250 \xEC\x97\xAC\xEA\xB0\x80\r\n", 250, "\xEC\x97\xAC\xEA\xB0\x80\n"},
-      {"Hey there\r\n", 0, "there\n"},
-      {"200\r\n", 200, ""},
+// MKD takes its reply as it comes, and tells the last line's text of a refusal.
+TEST(Control, ReadsRepliesWholeAndStaysInStep) {
+  const std::string odd = "\xEC\x97\xAC\xEC";
+  const std::tuple<ScriptedAction, std::string> cases[] = {
+      {{.reply = "200 Fine\r\n"}, "Done"},
+      {{.reply = "200\r\n"}, "Done"},
+      {{.reply = "504-Welcome\r\n504-to the server\r\n504 Ready\r\n"}, "Ready"},
+      // Only the reply's own code ends it, with a text or alone.
+      {{.reply = "504-Hello\r\nThe end\r\n226 no end\r\n220\r\n   504 nor this\r\n504 Yes\n"},
+       "Yes"},
+      {{.reply = "504-Hello\r\n504\r\n"}, ""},
+      // The byte is an end where nothing follows it, else a character's beginning.
+      {{.reply = "504 Odd end\xEC"}, "Odd end\xEC"},
+      {{.reply = "504 " + odd + "\xEA\xB0\x80\r\n"}, odd + "\xEA\xB0\x80"},
+      {{.reply = "504-" + odd + "504 no end\r\n504 End\r\n"}, "End"},
+      // What is no reply is passed over, and so is what comes unasked or twice.
+      {{.reply = "Hey there\r\n\r\n504 Well\r\n"}, "Well"},
+      {{.reply = "504 Well\r\nHey there\r\n"}, "Well"},
+      {{.reply = "504 Well\r\n504 Well\r\n220-Unasked\r\n220 too\r\n"}, "Well"},
+      {{.reply = "120 Wait\r\n504 Well\r\n"}, "Wait"},
   };
   for (const bool byByte : {false, true}) {
-    for (const auto& [bytes, code, lastText] : cases) {
+    for (auto [action, text] : cases) {
       Session s;
-      s.server.On("NOOP", {.reply = bytes, .byteByByte = byByte});
+      action.byteByByte = byByte;
+      s.server.On("MKD", action);
       s.LogIn();
-      EXPECT_EQ(s.engine.SendCommand("NOOP\n"), code) << bytes;
-      EXPECT_EQ(s.engine.LastReplyText(), lastText) << bytes;
-      EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215) << "out of step after " << bytes;
+      const std::string failed = "Refused: The directory \"d\" was not created.";
+      EXPECT_EQ(Told(s.engine.MakeDirectory("/d")),
+                text == "Done" ? text : failed + (text.empty() ? "" : "\n\n") + text);
+      EXPECT_TRUE(s.IsInStep()) << "after " << *action.reply;
     }
   }
 }
@@ -37,162 +47,201 @@ TEST(Control, ReadsRepliesWhole) {
 TEST(Control, EndsOnWhatIsNoReply) {
   const std::string line(60'000, 'x');
   std::string endless;
+  std::string many;
   for (int i = 0; i < 20; ++i) endless += "200-" + line + "\r\n";
-  const std::pair<ScriptedAction, std::string> cases[] = {
-      {{.reply = "200 a", .control = ControlEnd::Close}, "The server closed the connection"},
-      {{.reply = "", .control = ControlEnd::Reset}, "Connection reset by peer"},
-      {{.reply = "200-" + line + "\r\n"}, "The server does not answer"},
-      {{.reply = "SSH-2.0-Server\r\n"}, "The server does not speak FTP"},
-      {{.reply = line + line}, "A line of the server's reply is too long"},
-      {{.reply = endless}, "The server's reply is too long"},
+  for (int i = 0; i < 2'000; ++i) many += "150 Wait\r\n";
+  const std::tuple<const char*, ScriptedAction, std::string> cases[] = {
+      {"SIZE", {.reply = "200 a", .control = ControlEnd::Close}, "The server closed the connection"},
+      {"SIZE", {.reply = "", .control = ControlEnd::Reset}, "Connection reset by peer"},
+      {"SIZE", {.reply = "200-" + line + "\r\n"}, "The server does not answer"},
+      {"SIZE", {.reply = line + line}, "A line of the server's reply is too long"},
+      {"SIZE", {.reply = endless}, "The server's reply is too long"},
+      {"SIZE", {.reply = "421 Full\r\n"}, "Service not available, closing control connection!\n\nFull"},
+      {"LIST", {.completion = many}, "The server does not stop replying"},
   };
-  for (const auto& [action, error] : cases) {
+  for (const auto& [verb, action, error] : cases) {
     Session s;
-    if (error.ends_with("does not answer")) s.engine.silenceLimit = 700;
-    s.server.On("NOOP", action);
+    if (error.ends_with("does not answer")) s.engine.SetSilenceLimit(700);
+    s.server.On(verb, action);
     s.LogIn();
-    try {
-      ADD_FAILURE() << s.engine.SendCommand("NOOP\n") << " is not: " << error;
-    } catch (const NLException& thrown) {
-      EXPECT_EQ(Reason(thrown), error);
-    }
-    EXPECT_TRUE(s.engine.Lost());
-    EXPECT_THROW(s.engine.SendCommand("NOOP\n"), NLException);
+    std::optional<std::int64_t> size;
+    const Outcome outcome = verb == "LIST"s ? s.List() : s.engine.Size("/f", size);
+    EXPECT_EQ(outcome.kind, Outcome::Kind::Lost);
+    EXPECT_TRUE(outcome.text.English().ends_with(error)) << outcome.text.English();
+    EXPECT_TRUE(s.engine.IsLost());
+    EXPECT_EQ(s.engine.RemoveFile("/f").kind, Outcome::Kind::Lost);
+    s.LogIn();
+    EXPECT_TRUE(verb == "SIZE"s || s.IsInStep()) << "a connection anew";
   }
 }
 
 TEST(Control, PutsCommandsOnTheWireAsTheyAre) {
   Session s;
   s.LogIn();
-  s.engine.SendCommand("CWD a b\n");
-  EXPECT_EQ(s.engine.Send("NOOP\n"), 1);
-  s.engine.ReadResponse();
-  for (const auto& bad : {"CWD a\nDELE b\n"s, "CWD a\rb\n"s, "CWD a\0b\n"s, "NOOP"s, ""s}) {
-    EXPECT_EQ(s.engine.SendCommand(bad), 0) << bad;
-    EXPECT_EQ(s.engine.Send(bad), 0) << bad;
-    EXPECT_EQ(s.engine.ReturnResponse(bad), "") << bad;
-  }
-  EXPECT_EQ(s.Sent(), "CWD a b\r\nNOOP\n");
-  EXPECT_EQ(s.Warnings().size(), 15U);
+  const std::pair<std::string, std::string> cases[] = {
+      {"/a b", "Refused: Cannot do that."},
+      {"/a\nDELE b", "LocalError: A name or text with a line break cannot be sent to the server."},
+      {"/a\rb", "LocalError: A name or text with a line break cannot be sent to the server."},
+      {"/a\0b"s, "LocalError: A name or text with a line break cannot be sent to the server."},
+  };
+  for (const auto& [path, told] : cases) EXPECT_EQ(Told(s.engine.RemoveFile(path)), told);
+  EXPECT_EQ(s.Sent(), "DELE a b");
   const std::string log = s.ui->Seen().log;
   EXPECT_NE(log.find("PASS\n"), std::string::npos);
   EXPECT_EQ(log.find("PASS p"), std::string::npos);
 }
 
 TEST(Control, JudgesReplies) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"250", "Done"},
+      {"350", "Refused: The server refused the request.\n\nwords"},
+      {"425", "Busy: The server refused the request.\n\nwords"},
+      {"450", "Busy: Error in parameters\n\nwords"},
+      {"501", "Refused: Error in parameters\n\nwords"},
+      {"502", "Refused: Command not implemented!\n\nwords"},
+      {"550", "Refused: words"},
+      {"421", "Lost: Service not available, closing control connection!\n\nwords"},
+  };
+  for (const auto& [code, told] : cases) {
+    const Reply reply{std::stoi(code), code + " words\n", "words\n"};
+    EXPECT_EQ(Told(FtpControl::CheckResult(reply)), told);
+  }
+}
+
+TEST(Control, KeepsASilentConnectionAlive) {
   Session s;
-  s.server.On("NOOP", {.reply = "504 pub: already exists.\r\n"});
   s.LogIn();
-  s.engine.SendCommand("NOOP\n");
-  const std::pair<int, int> cases[] = {{350, 1}, {331, 331}, {425, 0}, {421, 0},
-                                       {501, 0}, {502, 0},   {550, 0}};
-  for (const auto& [code, result] : cases) EXPECT_EQ(s.engine.CheckResult(code), result) << code;
-  EXPECT_EQ(s.Warnings(),
-            (std::vector<std::string>{"Error in parameters\n", "Command not implemented!\n",
-                                      "pub: already exists.\n"}));
-  EXPECT_EQ(s.ui->Seen().Texts("LOST"_what, "warning"),
-            std::vector<std::string>{"Service not available, closing control connection!\n"});
-  s.ui->listingEnabled = false;
-  EXPECT_EQ(s.engine.CheckResult(550), 1);
+  int found = 0;
+  for (int fd = 3; fd < 1024; ++fd) {
+    sockaddr_in peer{};
+    socklen_t length = sizeof peer;
+    if (::getpeername(fd, reinterpret_cast<sockaddr*>(&peer), &length) != 0) continue;
+    if (ntohs(peer.sin_port) != s.server.Port()) continue;
+    int on = 0;
+    int seconds = 0;
+    length = sizeof on;
+    ::getsockopt(fd, SOL_SOCKET, SO_KEEPALIVE, &on, &length);
+    ::getsockopt(fd, IPPROTO_TCP, TCP_KEEPIDLE, &seconds, &length);
+    EXPECT_TRUE(on != 0 && seconds <= 60) << on << " " << seconds;
+    ++found;
+  }
+  EXPECT_EQ(found, 1);
 }
 
 TEST(Login, ReportsEveryFailure) {
-  const std::string gone = "Connection to:  127.0.0.1 FAILED!\n";
-  const std::string refused = "Login to: 127.0.0.1 failed.\n\n";
-  const std::string wrong = "Login to: 127.0.0.1 failed.\nInvalid Username or Password.";
-  const std::string lost = "Connection failed.";
-  const std::string failed = "Login failed.";
-  // The last column is the label of a transfer's row.
-  const std::tuple<std::string, ScriptedAction, std::string, std::string> cases[] = {
-      {"greeting", {.reply = "220 he", .control = ControlEnd::Reset}, gone, lost},
-      {"greeting", {.reply = "421 Full\r\n"}, gone, lost},
-      {"greeting", {.reply = "530 Full\r\n"}, gone, lost},
-      {"greeting", {.reply = "\x01\x02garbage\n"}, gone, lost},
-      {"greeting", {.reply = ""}, gone, lost},
-      {"USER", {.reply = "530 No\r\n"}, refused + "Username is invalid", "Sending Username."},
-      {"USER", {.reply = "500 What?\r\n"}, refused + "What?\n", failed},
-      {"PASS", {.reply = "530 No\r\n"}, wrong, "Sending Password."},
-      {"PASS", {.reply = "550 No\r\n"}, "Login to: 127.0.0.1 as anonymous failed.", failed},
-      {"PASS", {.reply = "503 USER first\r\n"}, refused + "USER first\n", failed},
-      {"PASS", {.reply = "", .control = ControlEnd::Reset}, gone, lost},
+  const std::string gone = "Lost: Connection to:  127.0.0.1 FAILED!\n\n";
+  const std::string refused = "Refused: Login to: 127.0.0.1 failed.\n";
+  const std::string full = "Busy: Login to: 127.0.0.1 failed.\nInvalid Username or Password.\n\n";
+  const std::tuple<std::string, ScriptedAction, std::string> cases[] = {
+      {"greeting", {.reply = "220 he", .control = ControlEnd::Reset}, gone + "*"},
+      {"greeting",
+       {.reply = "421 Full\r\n"},
+       "Busy: Connection to:  127.0.0.1 FAILED!\n\nService not available, closing control "
+       "connection!\n\nFull"},
+      {"greeting", {.reply = "530 Full\r\n"}, gone + "Full"},
+      {"greeting", {.reply = "SSH-2.0-Server\r\n"}, gone + "The server does not speak FTP"},
+      {"greeting", {.reply = ""}, gone + "The server does not answer"},
+      {"USER", {.reply = "530 No\r\n"}, refused + "\nUsername is invalid\n\nNo"},
+      {"USER", {.reply = "500 What?\r\n"}, refused + "\nWhat?"},
+      {"PASS", {.reply = "530 No\r\n"}, refused + "Invalid Username or Password.\n\nNo"},
+      {"PASS", {.reply = "530 Too many users\r\n"}, full + "Too many users"},
+      {"PASS", {.reply = "550 No\r\n"}, "Refused: Login to: 127.0.0.1 as anonymous failed.\n\nNo"},
+      {"PASS", {.reply = "503 USER first\r\n"}, refused + "\nUSER first"},
+      {"PASS", {.reply = "", .control = ControlEnd::Reset}, gone + "*"},
   };
-  ProcessSettings::Set({.loginFsnd = "bad.wav", .proxyAddress = ""});
-  for (const auto& [verb, action, error, label] : cases) {
+  for (const auto& [verb, action, told] : cases) {
     Session s;
     s.server.On(verb, action);
-    const auto row = std::make_shared<RecordingTransferUi>();
-    MFtp transfer("127.0.0.1", s.server.Port(), "u", "p", false, row);
-    if (action.reply == "") s.engine.silenceLimit = transfer.silenceLimit = 300;
-
-    EXPECT_EQ(s.engine.Login(), 0) << verb << *action.reply;
-    EXPECT_EQ(s.ui->Seen().Texts("FERR"_what, "error"), std::vector<std::string>{error}) << verb;
-    const std::string told = error + (error.ends_with("\n") ? "" : "\nNo\n");  // the server's words
-    EXPECT_TRUE(verb == "greeting" || error == gone || s.engine.LastFailure() + "\n" == told)
-        << verb;
-    EXPECT_EQ(s.ui->Seen().sounds, std::vector<std::string>{"bad.wav"});
+    if (action.reply == "") s.engine.SetSilenceLimit(300);
+    const std::string result = Told(s.engine.Connect());
+    const bool any = told.ends_with("*");
+    EXPECT_TRUE(any ? result.starts_with(told.substr(0, told.size() - 1)) : result == told)
+        << verb << *action.reply << result;
+    EXPECT_EQ(s.ui->Seen().sounds.empty(), told.find("Connection to") != std::string::npos);
     EXPECT_EQ(s.server.Transcript().size(), verb == "greeting" ? 0U : verb == "USER" ? 1U : 2U);
-    EXPECT_EQ(transfer.Login(), label.ends_with("failed.") ? -1 : 0) << verb;
-    EXPECT_EQ(row->Seen().labels.back(), label) << verb;
+    EXPECT_TRUE(s.engine.IsLost());
   }
-  ProcessSettings::Set({});
 }
 
 TEST(Login, FailsWithoutAServer) {
-  auto browser = std::make_shared<RecordingBrowserUi>();
+  const auto ui = std::make_shared<RecordingBrowserUi>();
   const std::uint16_t port = ScriptedServer().Port();
-  EXPECT_EQ(MFtp("127.0.0.1", port, "u", "p", true, browser).Login(), 0);
-  EXPECT_EQ(MFtp("no-such-host.invalid", 21, "u", "p", true, browser).Login(), 0);
-  EXPECT_EQ(browser->Seen().Texts("FERR"_what, "error").back(),
-            "Could not resolve the address for:\n\n no-such-host.invalid");
-  EXPECT_EQ(browser->Seen().Texts("FERR"_what, "detail"),
-            std::vector<std::string>{"Connection refused"});
+  EXPECT_EQ(Told(MFtp({.host = "127.0.0.1", .port = port}, ui).Connect()),
+            "Lost: Connection to:  127.0.0.1 FAILED!\n\nConnection refused");
+  EXPECT_EQ(Told(MFtp({.host = "no-such-host.invalid"}, ui).Connect()),
+            "LocalError: Could not resolve the address for:\n\n no-such-host.invalid");
 }
 
 TEST(Login, WaitsForTheGreetingProper) {
   Session s;
-  s.server.On("greeting", {.reply = "120 Soon\r\n220 Ready\r\n"});
+  s.server.On("greeting", {.reply = "Welcome!\r\n120 Soon\r\n220 Ready\r\n"});
   for (int login = 0; login < 2; ++login) {  // the second one in the middle of a connection
     s.LogIn();
-    EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215);
+    EXPECT_TRUE(s.IsInStep());
   }
 }
 
 TEST(Login, GoesThroughAProxy) {
   // Without the proxy's address the server itself is asked, still by the proxy's form of the name.
   for (const std::string host : {"ftp.example", "127.0.0.1"}) {
-    ScriptedServer server;
-    ProcessSettings::Set({.useProxy = true,
-                          .proxyAddress = host == "127.0.0.1" ? "" : "127.0.0.1",
-                          .proxyPort = std::to_string(server.Port())});
-    auto browser = std::make_shared<RecordingBrowserUi>();
-    EXPECT_EQ(MFtp(host, server.Port(), "u", "p", true, browser).Login(), 1);
-    EXPECT_EQ(server.Transcript().at(0), "USER u@" + host + "\r\n");
+    Session s;
+    const Proxy proxy{host == "127.0.0.1" ? "" : "127.0.0.1", s.server.Port()};
+    MFtp engine({.host = host, .port = s.server.Port(), .user = "u", .proxy = proxy}, s.ui);
+    EXPECT_TRUE(engine.Connect().IsDone());
+    EXPECT_EQ(s.server.Transcript().at(0), "USER u@" + host + "\r\n");
   }
-  ProcessSettings::Set({});
 }
 
-TEST(Login, LearnsTheServerAndItsDirectory) {
-  const std::tuple<std::string, std::string, int, std::string, std::string> cases[] = {
-      {"215 Windows_NT version 4.0", "257 \"/\" is current", 1, "/", "LIST"},
-      {"215 UNIX Type: L8", "257 \"/a \"\"b\"\" c\" x", 0, "/a \"b\" c", "LIST -la"},
-      {"215 UNIX AppleShare IP FTP Server", "257 /plain", 2, "/plain", "LIST"},
-      {"500 What?", "502 No", 0, "", "LIST -la"},
-      {"215", "257 \"", 0, "", "LIST -la"},
+TEST(Login, LearnsTheServerAndItsDirectoryOnEveryConnection) {
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+      {"215 UNIX Type: L8", "257 \"/a \"\"b\"\" c\" x", "/a \"b\" c", "LIST -la"},
+      {"215 UNIX AppleShare IP FTP Server", "257 /plain", "/plain", "LIST"},
+      {"500 What?", "502 No", "", "LIST -la"},
+      {"215", "257 \"", "", "LIST -la"},
+      {"215 Windows_NT version 4.0", "257 \"/\" is current", "/", "LIST"},
   };
-  for (const bool passive : {false, true}) {
-    for (const auto& [syst, pwd, type, path, list] : cases) {
-      Session s(passive);
-      s.server.On("SYST", {.reply = syst + "\r\n"});
-      s.server.On("PWD", {.reply = pwd + "\r\n"});
+  for (const auto& [syst, pwd, path, list] : cases) {
+    Session s(true);
+    s.server.On("SYST", {.reply = syst + "\r\n"});
+    s.server.On("PWD", {.reply = pwd + "\r\n"});
+    // The command toggles: the style that the first connection finds is switched back on.
+    const std::string style = "200 MSDOS-like directory output is ";
+    s.server.On("SITE", {.reply = style + "off\r\n"});
+    s.server.On("SITE", {.reply = style + "on\r\n"}, 1);
+    for (int login = 0; login < 2; ++login) {
       s.LogIn();
-      s.engine.GetServerType();
-      s.engine.SetPWD();
-      EXPECT_EQ(s.engine.ReturnServerType(), type) << syst;
-      EXPECT_EQ(s.ui->Seen().path, path) << pwd;
-      EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
-      EXPECT_TRUE(s.Sent().ends_with("\n" + list + "\r\n")) << s.Sent();
+      EXPECT_EQ(s.engine.Directory(), path) << pwd;
+      EXPECT_TRUE(s.List(path).IsDone());
+      EXPECT_TRUE(s.Sent().ends_with("|" + list)) << s.Sent();
     }
+    s.skip = 0;
+    const bool windows = syst.find("Windows") != std::string::npos;
+    EXPECT_EQ(s.Sent("SITE"), windows ? "SITE DIRSTYLE|SITE DIRSTYLE|SITE DIRSTYLE" : "");
   }
+}
+
+TEST(Directories, AreEnteredByTheShortestWay) {
+  const std::tuple<std::string, std::vector<std::string>, std::string> cases[] = {
+      {"257 \"/a\"",
+       {"/a", "/a/b", "/a", "/x/y", "/x/y/", "/x/z", "/"},
+       "CWD b|CWD ..|CWD /x/y|CWD /x/z|CWD /"},
+      {"502 No", {"", "a/b", "a/b", "c", "c/d", "c", ""}, "CWD a|CWD b|CWD ..|CWD ..|CWD c|CWD d|CWD ..|CWD .."},
+  };
+  for (const auto& [pwd, paths, sent] : cases) {
+    Session s;
+    s.server.On("PWD", {.reply = pwd + "\r\n"});
+    s.server.On("CWD", {.reply = "250 Fine\r\n"});
+    s.LogIn();
+    for (const std::string& path : paths)
+      EXPECT_EQ(s.engine.RemoveFile(path + (path.empty() || path == "/" ? "f" : "/f")).code, 550);
+    EXPECT_EQ(s.Sent("CWD"), sent);
+  }
+  Session s;
+  s.server.Tree().AddFile("/a/f", "");
+  s.LogIn();
+  EXPECT_EQ(Told(s.engine.RemoveFile("/none/f")), "Refused: The directory cannot be opened.\n\nCannot do that.");
+  EXPECT_EQ(s.engine.Rename("/a/f", "/g").kind, Outcome::Kind::Refused);
+  EXPECT_EQ(s.Sent(), "CWD none|CWD a|RNFR f");
 }
 
 }  // namespace

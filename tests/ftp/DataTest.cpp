@@ -1,18 +1,59 @@
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <future>
+
 #include "ftp/Session.h"
+#include "net/NLEndpoint.h"
+#include "net/NLException.h"
+#include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
 
+using namespace std::chrono_literals;
+
+constexpr char kLine[] = "-rw-r--r-- 1 u g 1 Jan 1 10:00 f\r\n";
 // A port below the ones that anybody listens on here.
 constexpr char kDeadPort[] = "227 Entering Passive Mode (127,0,0,1,0,1)\r\n";
 
-TEST(Passive, TakesOnlyAWholeReply) {
+/// A port where a connect hangs, for its queue is full, as a PASV reply.
+struct FullPort {
+  FullPort() {
+    listener.bind(NLAddress("127.0.0.1", 0));
+    listener.listen(0);
+    for (NLEndpoint& filler : fillers) {
+      filler.setNonBlock(true);
+      try {
+        filler.connect(listener.localAddress());
+      } catch (const NLException&) {
+        // Under way, or not: the queue is full in the end.
+      }
+    }
+  }
+  [[nodiscard]] std::string Reply() const {
+    in_addr host{};
+    std::uint16_t port = 0;
+    listener.localAddress().get(host, &port);
+    return "227 Full (127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) +
+           ")\r\n";
+  }
+
+  NLEndpoint listener{NLEndpoint::stream};
+  NLEndpoint fillers[4] = {NLEndpoint(NLEndpoint::stream), NLEndpoint(NLEndpoint::stream),
+                           NLEndpoint(NLEndpoint::stream), NLEndpoint(NLEndpoint::stream)};
+};
+
+TEST(Passive, TakesSixNumbersWhereverTheyStand) {
   const std::pair<const char*, bool> cases[] = {
       // The address is not this machine's; the listing comes all the same.
       {"227 Entering Passive Mode (10,0,0,1,{port})\r\n", true},
       {"227 Entering Passive Mode 10,0,0,1,{port}\r\n", true},
+      {"227 Port 3 of 4: ( 10 , 0, 0 ,1, {port} ).\r\n", true},
+      {"227-Passive\r\n227 10,0,0,1,{port}\r\n", true},
       {"227 ok (10,0,0,1,4)\r\n", false},
       {"227 ok (10,0,0,1,256,1)\r\n", false},
+      {"227 ok (10,0,0,999,{port})\r\n", false},
       {"227 ok (10,0,0,1,4,-1)\r\n", false},
       {"227 ok (10,0,0,1,0,0)\r\n", false},
       {"227\r\n", false},
@@ -21,98 +62,255 @@ TEST(Passive, TakesOnlyAWholeReply) {
   for (const auto& [reply, good] : cases) {
     Session s(true);
     s.server.On("PASV", {.reply = reply});
+    s.server.On("PORT", {.reply = "502 No\r\n"});
     s.LogIn();
-    EXPECT_EQ(s.engine.SetUpData(), good) << reply;
-    EXPECT_TRUE(!good || s.engine.GetListing().whole) << reply;
-    EXPECT_EQ(s.Warnings().empty(), good) << reply;
+    const Outcome outcome = s.List();
+    EXPECT_EQ(outcome.kind, good ? Outcome::Kind::Done : Outcome::Kind::Refused) << reply;
+    EXPECT_EQ(s.Sent(), good ? "PASV|LIST -la" : "PASV|PORT") << reply;
+    EXPECT_TRUE(s.IsInStep());
   }
 }
 
 TEST(Listing, EndsWholeOrSaysWhatIsMissing) {
-  const std::string line = "-rw-r--r-- 1 u g 1 Jan 1 10:00 f\r\n";
-  const std::string plain = "-rw-r--r-- 1 u g 1 Jan 1 10:00 f\n";
-  const std::string korean = "\xEC\x97\xAC\n";
-  // A failed listing without a text stands for whatever came.
-  const std::tuple<ScriptedAction, std::string, bool, std::string> cases[] = {
-      {{.data = line}, plain, true, ""},
-      {{.data = ""}, "", true, ""},
-      // The sentinel ends a listing, a character that begins like it does not.
-      {{.data = "ab\xEC/cd"}, "ab\xEC", true, ""},
-      {{.data = korean + "ab"}, korean + "ab", true, ""},
-      {{.data = "ab\xEC\x97"}, "ab\xEC", true, ""},
-      {{.preliminary = "", .data = line, .completion = "226 Done\r\n"}, plain, true, ""},
-      {{.reply = "450 No\r\n"}, "", false, "Error in parameters\n"},
-      {{.reply = "425 No\r\n"}, "", false, "The server refused the request.\n\nNo\n"},
-      {{.completion = "451 Cut\r\n"}, "", false, "The listing is not complete: Cut\n"},
-      {{.data = line, .completion = "451 Cut\r\n"}, plain, false, ""},
-      {{.data = line, .dataLimit = 4, .dataEnd = DataEnd::Reset}, "", false, ""},
-      {{.reply = "150 Wait\r\n425 No\r\n"}, "", false, " connection failed.\n\nNo"},
+  const std::string korean = "-rw-r--r-- 1 u g 1 Jan 1 10:00 \xEC\x97\xAC\n";
+  const std::string cut = "The listing is not complete: ";
+  const std::string unknown = "Refused: The server's listing is in a form that is not understood.";
+  std::string many;
+  for (int i = 0; i < 11; ++i) many += kLine;
+  // The text of an outcome may go on.
+  const std::tuple<ScriptedAction, std::string, std::string> cases[] = {
+      {{.data = kLine}, "f|", "Done"},
+      {{.data = ""}, "", "Done"},
+      // The byte that begins a character ends a listing only where nothing follows.
+      {{.data = korean + kLine}, "\xEC\x97\xAC|f|", "Done"},
+      {{.data = "-rw-r--r-- 1 u g 1 Jan 1 10:00 a\xEC"}, "a\xEC|", "Done"},
+      {{.data = kLine + std::string("\xEC"), .dataEnd = DataEnd::Stall}, "f|", "Busy: " + cut},
+      {{.preliminary = "", .data = kLine, .completion = "226 Done\r\n"}, "f|", "Done"},
+      {{.preliminary = "150 Wait\r\n125 Wait\r\n", .data = kLine}, "f|", "Done"},
+      {{.data = kLine, .completion = "226 Done\r\n226 Done\r\n"}, "f|", "Done"},
+      {{.reply = "350 Go on\r\n"}, "", "Refused: The server refused the request.\n\nGo on"},
+      {{.reply = "450 No\r\n"}, "", "Busy: Error in parameters\n\nNo"},
+      {{.completion = "451 Cut\r\n"}, "", "Refused: " + cut + "Error in parameters\n\nCut"},
+      {{.data = kLine, .completion = "451 Cut\r\n"}, "f|", "Refused: " + cut},
+      {{.data = kLine, .dataLimit = 4, .dataEnd = DataEnd::Reset}, "", "Busy: " + cut},
+      {{.data = "What do you want?\n"}, "", unknown},
+      {{.data = std::string(1'100, '\r')}, "", "Refused: " + cut + "the listing is larger"},
+      {{.data = many}, "f|f|f|f|f|f|f|f|f|f|", "Refused: " + cut + "it has more than"},
+      {{.data = many.substr(0, many.size() / 11 * 10)}, "f|f|f|f|f|f|f|f|f|f|", "Done"},
   };
   for (const bool passive : {false, true}) {
-    for (const auto& [action, text, whole, warning] : cases) {
+    for (const auto& [action, names, told] : cases) {
       Session s(passive);
+      s.engine.SetListingLimits(1'000, 10);
       s.server.On("LIST", action);
-      if (action.reply) s.server.On("PASV", {.reply = kDeadPort});
       s.LogIn();
-      ASSERT_TRUE(s.engine.SetUpData());
-      const MFtp::Listing listing = s.engine.GetListing();
-      EXPECT_EQ(s.engine.SendCommand("SYST\n"), 215) << "out of step" << s.server.Dialogue();
-      EXPECT_EQ(listing.whole, whole) << s.server.Dialogue();
-      EXPECT_TRUE((!whole && text.empty()) || listing.text == text) << listing.text;
-      const std::vector<std::string> warnings = s.Warnings();
-      EXPECT_EQ(warnings.empty(), whole);
-      const std::string mode = warning[0] != ' ' ? "" : passive ? "Passive" : "Active";
-      EXPECT_TRUE(warning.empty() || warnings == std::vector{mode + warning}) << warnings.front();
+      const Outcome outcome = s.List();
+      EXPECT_TRUE(Told(outcome).starts_with(told)) << Told(outcome) << s.server.Dialogue();
+      EXPECT_EQ(outcome.IsDone(), told == "Done");
+      EXPECT_EQ(s.names, names);
+      EXPECT_TRUE(s.IsInStep()) << s.server.Dialogue();
     }
   }
 }
 
 TEST(Listing, AsksForLessWhereOptionsAreRefused) {
-  const std::pair<bool, const char*> cases[] = {
-      {false, "PORT\r\nLIST -la\r\nLIST\r\nPORT\r\nLIST\r\n"},
-      {true, "PASV\r\nLIST -la\r\nPASV\r\nLIST\r\nPASV\r\nLIST\r\n"}};
-  for (const auto& [passive, sent] : cases) {
-    Session s(passive);
+  for (const std::string setUp : {"PORT", "PASV"}) {
+    Session s(setUp == "PASV");
     s.server.On("LIST", {.reply = "550 No options\r\n"}, 1);
     s.LogIn();
-    EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
-    EXPECT_TRUE(s.engine.SetUpData() && s.engine.GetListing().whole);
-    EXPECT_EQ(s.Sent(), sent);
-    EXPECT_TRUE(s.Warnings().empty());
+    EXPECT_TRUE(s.List().IsDone());
+    EXPECT_TRUE(s.List().IsDone());
+    EXPECT_EQ(s.Sent(),
+              setUp + "|LIST -la|" + setUp + "|LIST|" + setUp + "|LIST");
   }
 }
 
-TEST(DeleteDirectory, StopsWithoutHarm) {
-  const std::string led = "to: Left alone, for it leads to /other\n";
-  const std::tuple<const char*, ScriptedAction, std::string> cases[] = {
-      {"CWD", {.reply = "550 No\r\n"}, "d: No\n"},
-      {"LIST", {.reply = "450 No\r\n"}, "/d: The listing did not come whole.\n"},
-      {"LIST", {.completion = "451 Cut\r\n"}, "/d: The listing did not come whole.\n"},
-      {"LIST",
-       {.data = "drwx 1 u g 1 Jan 1 10:00 /\r\n"},
-       "/d//: Left alone, for the name leads elsewhere.\n"},
-      {"LIST",
-       {.data = "-rwx 1 u g 1 Jan 1 10:00 ../keep\r\n"},
-       "/d/../keep: Left alone, for the name leads elsewhere.\n"},
-      {"DELE", {.reply = "550 No\r\n"}, "/d/f: No\n/d/link -> /: Left alone, for it is a link.\n"},
-      {"DELE", {}, led},  // a link by now, or in a listing that hides links
+// Where one way brings no data connection the other one is tried once, and kept.
+TEST(DataChannel, FindsTheWayThatWorks) {
+  const ScriptedAction no = {.reply = "500 No\r\n"};
+  const ScriptedAction dead = {.reply = kDeadPort};
+  const ScriptedAction none = {.reply = "425 No\r\n"};
+  const ScriptedAction late = {.reply = "150 Wait\r\n425 No\r\n"};
+  const ScriptedAction done = {.reply = "226 Done\r\n"};
+  struct Row {
+    bool passive;
+    ScriptedAction pasv, port;
+    std::vector<ScriptedAction> retr;
+    std::string told;
+    const char* sent;
   };
-  for (const auto& [verb, action, text] : cases) {
-    Session s(true);
-    for (const char* file : {"/keep", "/d/f", "/other/f"}) s.server.Tree().AddFile(file, "x");
-    s.server.Tree().AddLink("/d/link", "/");
-    s.server.Tree().AddLink("/to", "/other");
-    s.server.On(verb, action, 1);
+  const std::string refusal = "Busy: The server refused the request.\n\nNo";
+  const Row rows[] = {
+      {false, {}, no, {{}, {}}, "Done", "PORT|PASV|RETR f|PASV|RETR f"},
+      {true, no, {}, {{}, {}}, "Done", "PASV|PORT|RETR f|PORT|RETR f"},
+      {true, dead, {}, {none, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
+      {false, {}, {}, {none, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
+      {false, {}, {}, {late, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
+      {false, {}, {}, {done, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
+      // Neither works: the one asked for stays, and what is said is what became of the last.
+      {true, no, no, {}, "Refused: The server refuses passive connections.\n\nNo", "PASV|PORT|PASV"},
+      {false, dead, {}, {none, none, none}, refusal, "PORT|RETR f|PASV|RETR f|PORT|RETR f"},
+      {true,
+       dead,
+       {},
+       {late, late, late},
+       "Busy: Passive connection failed.\n\nNo",
+       "PASV|RETR f|PORT|RETR f|PASV|RETR f"},
+      // A refusal that is not about data connections.
+      {true, {}, {}, {{.reply = "550 No\r\n"}, {}}, "Done", "PASV|RETR f|PASV|RETR f"},
+  };
+  for (const Row& row : rows) {
+    Session s(row.passive);
+    s.server.Tree().AddFile("/f", "bytes");
+    if (row.pasv.reply) s.server.On("PASV", row.pasv);
+    if (row.port.reply) s.server.On("PORT", row.port);
+    for (std::size_t i = 0; i < row.retr.size(); ++i)
+      s.server.On("RETR", row.retr[i], static_cast<int>(i) + 1);
     s.LogIn();
-    s.engine.SetPWD();
-    Refusals refused;
-    EXPECT_EQ(s.engine.DeleteDirectory(text == led ? "to" : "d", refused), 0) << verb;
-    EXPECT_EQ(refused.Text(), text);
-    for (const char* file : {"/keep", "/d/f", "/other/f"}) {
-      EXPECT_TRUE(s.server.Tree().Exists(file)) << verb;
+    (void)s.Get("/f");
+    EXPECT_EQ(Told(s.Get("/f")), row.told) << s.server.Dialogue();
+    EXPECT_EQ(s.raw, row.told == "Done" ? "bytes" : "");
+    EXPECT_EQ(s.Sent(), row.sent);
+    EXPECT_TRUE(s.IsInStep());
+  }
+}
+
+TEST(DataChannel, TakesNoStrangersConnection) {
+  Session s;
+  s.server.Tree().AddFile("/f", "bytes");
+  s.server.On("RETR", {.strangerFirst = true});
+  s.LogIn();
+  EXPECT_TRUE(s.Get("/f").IsDone());
+  EXPECT_EQ(s.raw, "bytes");
+}
+
+TEST(DataChannel, SeesARefusalWhileItWaits) {
+  const FullPort full;
+  const std::tuple<bool, const char*, std::string> cases[] = {
+      {true, "553 No\r\n", "Refused: The server refused the request.\n\nNo"},
+      {true, "150 Wait\r\n553 No\r\n", "Busy: Active connection failed.\n\nNo"},
+      {false, "150 Wait\r\n553 No\r\n", "Busy: Passive connection failed.\n\nNo"},
+      {false, "226 Nothing\r\n", "Busy: Passive connection failed.\n\nThe server does not answer"},
+  };
+  for (const auto& [passive, reply, told] : cases) {
+    Session s(passive);
+    s.server.On("PASV", {.reply = full.Reply()});
+    s.server.On("RETR", {.reply = reply});
+    s.LogIn();
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(Told(s.Get("/f")), told) << s.server.Dialogue();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 3s);
+    EXPECT_TRUE(s.IsInStep());
+  }
+}
+
+TEST(DataChannel, FailsByItselfWhereThisMachineHasNoSocketsLeft) {
+  Session s;
+  s.LogIn();
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+  rlimit none = before;
+  none.rlim_cur = 3;
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  const Outcome outcome = s.List();
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_EQ(Told(outcome), "LocalError: Too many open files");
+  EXPECT_TRUE(s.List().IsDone());
+  EXPECT_EQ(s.Sent(), "PORT|LIST -la");
+}
+
+TEST(Transfer, GoesOnlyAsAgreed) {
+  struct Row {
+    const char* verb;
+    const char* reply;
+    std::int64_t offset;
+    std::string told, bytes;
+    const char* sent;
+  };
+  const Row rows[] = {
+      {"TYPE", "504 Not binary\r\n", 0, "Refused: Not binary", "", "PORT|TYPE I|PORT|TYPE I"},
+      {"TYPE", "331 What?\r\n", 0, "Refused: The server refused the request.\n\nWhat?", "",
+       "PORT|TYPE I|PORT|TYPE I"},
+      {"NOOP", "", 2, "Done", "tes", "PORT|REST 2|RETR f|PORT|RETR f"},
+      {"REST", "502 No\r\n", 2, "Done", "bytes", "PORT|REST 2|RETR f|PORT|RETR f"},
+      // A marker that no transfer has used is taken back.
+      {"RETR", "550 No\r\n", 2, "Refused: No", "", "PORT|REST 2|RETR f|PORT|REST 0|RETR f"},
+  };
+  for (const Row& row : rows) {
+    Session s;
+    s.server.Tree().AddFile("/f", "bytes");
+    s.server.On(row.verb, {.reply = row.reply});
+    s.LogIn();
+    EXPECT_EQ(Told(s.Get("/f", row.offset)), row.told);
+    EXPECT_EQ(s.raw, row.bytes);
+    (void)s.Get("/f");
+    EXPECT_TRUE(s.raw == "bytes" || row.bytes.empty()) << s.raw;
+    EXPECT_EQ(s.Sent(), row.sent);
+    EXPECT_TRUE(s.IsInStep());
+  }
+}
+
+TEST(Transfer, WritesAndTakesTheVerdict) {
+  const std::tuple<ScriptedAction, std::string> cases[] = {
+      {{}, "Done"},
+      {{.completion = "452 Full\r\n"}, "Refused: Error in parameters\n\nFull"},
+      {{.reply = "553 No\r\n"}, "Refused: The server refused the request.\n\nNo"},
+      {{.dataLimit = 4, .dataEnd = DataEnd::Reset, .completion = "452 Full\r\n"},
+       "Refused: Error in parameters\n\nFull"},
+      {{.dataLimit = 4, .dataEnd = DataEnd::Reset, .control = ControlEnd::Reset}, "Lost: *"},
+  };
+  const std::string bytes(std::size_t{8} << 20, 'b');
+  for (const bool passive : {false, true}) {
+    for (const auto& [action, told] : cases) {
+      Session s(passive);
+      s.server.On("STOR", action);
+      s.LogIn();
+      std::unique_ptr<RemoteFile> file;
+      Outcome outcome = s.engine.OpenForWriting("/f", file);
+      if (outcome.IsDone()) outcome = file->Write(bytes);
+      if (outcome.IsDone()) outcome = file->Finish();
+      EXPECT_TRUE(Told(outcome).starts_with(told.substr(0, told.find('*')))) << Told(outcome);
+      EXPECT_TRUE(told != "Done" || s.server.Tree().File("/f") == bytes);
+      EXPECT_EQ(s.IsInStep(), !s.engine.IsLost());
     }
-    s.engine.SetPWD();
-    EXPECT_EQ(s.ui->Seen().path, "/") << verb << s.server.Dialogue();
+  }
+}
+
+// Wherever an operation is cancelled it ends soon, and the next one finds the session in step.
+TEST(Interrupt, LeavesTheSessionInStep) {
+  const FullPort full;
+  const std::tuple<bool, const char*, ScriptedAction> cases[] = {
+      {false, "PORT", {.late = true}},
+      {false, "RETR", {.dataEnd = DataEnd::Stall}},
+      {true, "RETR", {.dataEnd = DataEnd::Stall}},
+      {false, "RETR", {.reply = "150 Wait\r\n"}},
+      {true, "RETR", {.late = true}},
+      {false, "REST", {.late = true}},
+      {true, "PASV", {.reply = full.Reply()}},
+  };
+  for (const bool close : {false, true}) {
+    for (auto [passive, verb, action] : cases) {
+      Session s(passive);
+      std::atomic<bool> arrived = false;
+      action.arrived = [&] { arrived = true; };
+      s.server.Tree().AddFile("/f", "bytes");
+      s.server.On(verb, action, 1);
+      if (std::string_view(verb) == "PASV")
+        s.server.On("RETR", {.reply = "150 Wait\r\n", .late = true}, 1);
+      s.LogIn();
+      auto got = std::async(std::launch::async, [&] { return s.Get("/f", 2); });
+      EXPECT_TRUE(WaitFor([&] { return arrived.load(); }));
+      std::this_thread::sleep_for(100ms);
+      close ? s.engine.Close() : s.engine.Interrupt();
+      ASSERT_EQ(got.wait_for(2s), std::future_status::ready) << s.server.Dialogue();
+      EXPECT_EQ(got.get().kind, Outcome::Kind::Cancelled) << s.server.Dialogue();
+      if (close) continue;
+      s.engine.Resume();
+      if (std::string_view(s.Sent()).ends_with("150")) continue;
+      EXPECT_EQ(Told(s.Get("/f")), "Done") << s.server.Dialogue();
+      EXPECT_EQ(s.raw, "bytes") << s.server.Dialogue();
+      EXPECT_TRUE(s.IsInStep()) << s.server.Dialogue();
+    }
   }
 }
 

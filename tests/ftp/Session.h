@@ -12,37 +12,85 @@
 
 namespace corvane {
 
-/// A scripted server and a browser window's engine.
-struct Session {
+/// A scripted server and a session with it.
+struct Session : ListingSink {
   explicit Session(bool passive = false)
-      : engine("127.0.0.1", server.Port(), "u", "p", passive, ui) {
-    engine.silenceLimit = 10'000;
+      : engine({.host = "127.0.0.1",
+                .port = server.Port(),
+                .user = "u",
+                .password = "p",
+                .passive = passive},
+               ui) {
+    engine.SetSilenceLimit(10'000);
   }
 
   /// Logs in; what went over the wire so far is left out of Sent().
   void LogIn() {
-    EXPECT_EQ(engine.Login(), 1) << server.Dialogue();
+    EXPECT_TRUE(engine.Connect().IsDone()) << server.Dialogue();
     skip = server.Transcript().size();
   }
 
-  /// What the client sent since LogIn, joined. The numbers of PORT lines are left out, for the
-  /// system chooses them.
-  [[nodiscard]] std::string Sent() const {
+  /// What the client sent since LogIn, joined with "|". The numbers of PORT lines are left out, for
+  /// the system chooses them. With `verb` only its commands.
+  [[nodiscard]] std::string Sent(const std::string& verb = "") const {
     std::string sent;
     const std::vector<std::string> lines = server.Transcript();
-    for (std::size_t i = skip; i < lines.size(); ++i)
-      sent += lines[i].starts_with("PORT 127,0,0,1,") ? "PORT\r\n" : lines[i];
+    for (std::size_t i = skip; i < lines.size(); ++i) {
+      const bool port = lines[i].starts_with("PORT 127,0,0,1,");
+      EXPECT_TRUE(lines[i].ends_with("\r\n"));
+      if (!lines[i].starts_with(verb)) continue;
+      sent += (sent.empty() ? "" : "|") + lines[i].substr(0, port ? 4 : lines[i].size() - 2);
+    }
     return sent;
   }
 
-  [[nodiscard]] std::vector<std::string> Warnings() const {
-    return ui->Seen().Texts("GERR"_what, "warning");
+  /// Lists a directory; what came stands in `raw` and `names`.
+  Outcome List(const std::string& path = "/") {
+    raw.clear();
+    names.clear();
+    return engine.List(path, *this);
+  }
+  void Raw(std::string_view text) override { raw = text; }
+  bool Add(std::vector<RemoteEntry> entries) override {
+    for (const RemoteEntry& entry : entries) names += entry.name + "|";
+    return true;
+  }
+
+  /// Downloads a file into `raw`.
+  Outcome Get(const std::string& path, std::int64_t offset = 0) {
+    raw.clear();
+    std::unique_ptr<RemoteFile> file;
+    Outcome outcome = engine.OpenForReading(path, offset, file);
+    if (!outcome.IsDone()) return outcome;
+    char block[4096];
+    for (std::size_t got = 1; got > 0; raw.append(block, got)) {
+      if (outcome = file->Read(block, got); !outcome.IsDone()) return outcome;
+    }
+    return file->Finish();
+  }
+
+  /// Whether the replies still belong to the commands: the server must know no such file.
+  [[nodiscard]] bool IsInStep() {
+    std::optional<std::int64_t> size;
+    const Outcome outcome = engine.Size("/in step", size);
+    return outcome.kind == Outcome::Kind::Refused && outcome.code == 550 &&
+           outcome.text.English() == "Cannot do that.";
   }
 
   ScriptedServer server;
   std::shared_ptr<RecordingBrowserUi> ui = std::make_shared<RecordingBrowserUi>();
   MFtp engine;
   std::size_t skip = 0;
+  std::string raw;
+  std::string names;
 };
+
+/// How an operation ended: its kind and its text in English.
+inline std::string Told(const Outcome& outcome) {
+  constexpr const char* kKinds[] = {"Done",       "Refused", "Busy",     "LocalFull",
+                                    "LocalError", "Lost",    "Cancelled"};
+  const std::string text = outcome.text.English();
+  return kKinds[static_cast<int>(outcome.kind)] + (text.empty() ? "" : ": " + text);
+}
 
 }  // namespace corvane

@@ -7,26 +7,29 @@
 
 #include "kit/Message.h"
 #include "kit/Mutex.h"
+#include "remote/OwnerUi.h"
 
 namespace corvane {
 
-/// What every recording owner has seen.
+/// What every recording owner has seen; texts in English.
 struct OwnerRecord {
   std::vector<Message> messages;
-  std::vector<std::string> sounds;
+  std::vector<Sound> sounds;
+  std::vector<std::string> statuses;
+  std::string log;
 
-  /// The strings under `field` of all messages with the code `what`.
+  /// The texts under `field` of all messages with the code `what`.
   [[nodiscard]] std::vector<std::string> Texts(std::uint32_t what, std::string_view field) const {
     std::vector<std::string> texts;
     for (const Message& message : messages) {
       if (message.what != what) continue;
-      if (auto text = message.FindString(field)) texts.push_back(*text);
+      if (const auto text = message.FindText(field)) texts.push_back(text->English());
     }
     return texts;
   }
 };
 
-/// Implements a seam by recording. Once `closing` is set every call answers false and leaves no
+/// Implements a seam by recording. Once `closing` is set every call returns false and leaves no
 /// trace.
 template <typename Seam, typename Record>
 class Recorder : public Seam {
@@ -41,8 +44,14 @@ class Recorder : public Seam {
   bool PostMessage(Message message) override {
     return Note([&](Record& r) { r.messages.push_back(std::move(message)); });
   }
-  bool PlaySound(std::string_view path) override {
-    return Note([&](Record& r) { r.sounds.emplace_back(path); });
+  bool PlaySound(Sound sound) override {
+    return Note([&](Record& r) { r.sounds.push_back(sound); });
+  }
+  bool SetStatus(const Text& text) override {
+    return Note([&](Record& r) { r.statuses.push_back(text.English()); });
+  }
+  bool AppendLog(std::string_view line) override {
+    return Note([&](Record& r) { r.log += line; });
   }
 
  protected:

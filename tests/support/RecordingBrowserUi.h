@@ -7,24 +7,22 @@
 #include <string_view>
 #include <vector>
 
-#include "ftp/BrowserUi.h"
+#include "remote/BrowserUi.h"
 #include "support/Recorder.h"
 
 namespace corvane {
 
 struct BrowserRecord : OwnerRecord {
-  std::vector<std::string> statuses;
-  std::string log;
   std::string path;
-  std::vector<fileStruct> entries;   ///< of the last listing
+  std::vector<RemoteEntry> entries;  ///< of the last listing
   std::optional<std::size_t> count;  ///< once the last listing has ended
   std::string viewerTitle;
   std::string viewerText;
-  std::string viewerNote;
+  std::optional<std::string> viewerNote;  ///< once the text has ended
 
   [[nodiscard]] std::vector<std::string> Names() const {
     std::vector<std::string> names;
-    for (const fileStruct& entry : entries) names.push_back(entry.name);
+    for (const RemoteEntry& entry : entries) names.push_back(entry.name);
     return names;
   }
 };
@@ -34,14 +32,6 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
                            public TextSink,
                            public std::enable_shared_from_this<RecordingBrowserUi> {
  public:
-  std::atomic<bool> listingEnabled{true};
-
-  bool SetStatus(std::string_view text) override {
-    return Note([&](BrowserRecord& r) { r.statuses.emplace_back(text); });
-  }
-  bool AppendLog(std::string_view text) override {
-    return Note([&](BrowserRecord& r) { r.log += text; });
-  }
   bool SetPath(std::string_view path) override {
     return Note([&](BrowserRecord& r) { r.path = path; });
   }
@@ -51,7 +41,7 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
       r.count.reset();
     });
   }
-  bool AddEntries(std::vector<fileStruct> entries) override {
+  bool AddEntries(std::vector<RemoteEntry> entries) override {
     return Note([&](BrowserRecord& r) {
       r.entries.insert(r.entries.end(), entries.begin(), entries.end());
     });
@@ -59,34 +49,35 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
   bool EndListing(std::size_t count) override {
     return Note([&](BrowserRecord& r) { r.count = count; });
   }
-  bool RemoveEntry(std::string_view name) override {
+  bool RemoveEntry(std::string_view name, std::string_view directory) override {
     return Note([&](BrowserRecord& r) {
-      std::erase_if(r.entries, [&](const fileStruct& entry) { return entry.name == name; });
+      std::erase_if(r.entries, [&](const RemoteEntry& entry) {
+        return entry.name == name && r.path == directory;
+      });
     });
   }
   bool RenameEntry(std::string_view from, std::string_view to,
                    std::string_view directory) override {
     return Note([&](BrowserRecord& r) {
-      for (fileStruct& entry : r.entries) {
+      for (RemoteEntry& entry : r.entries) {
         if (entry.name == from && r.path == directory) entry.name = to;
       }
     });
   }
   bool ChangeValues(std::string_view name, std::int64_t size) override {
     return Note([&](BrowserRecord& r) {
-      for (fileStruct& entry : r.entries) {
+      for (RemoteEntry& entry : r.entries) {
         if (entry.name == name) entry.size = size;
       }
     });
   }
-  bool IsListingEnabled() override { return listingEnabled && !closing; }
 
-  std::shared_ptr<TextSink> OpenViewer(std::string_view title) override {
-    const bool open = Note([&](BrowserRecord& r) { r.viewerTitle = title; });
+  std::shared_ptr<TextSink> OpenViewer(const Text& title) override {
+    const bool open = Note([&](BrowserRecord& r) { r.viewerTitle = title.English(); });
     return open ? shared_from_this() : nullptr;
   }
-  void End(std::string_view note) override {
-    Note([&](BrowserRecord& r) { r.viewerNote = note; });
+  void End(const Text& note) override {
+    Note([&](BrowserRecord& r) { r.viewerNote = note.English(); });
   }
   bool Append(std::string_view bytes) override {
     return Note([&](BrowserRecord& r) { r.viewerText += bytes; });

@@ -5,13 +5,12 @@
 #include <string_view>
 #include <vector>
 
-#include "ftp/TransferUi.h"
+#include "remote/TransferUi.h"
 #include "support/Recorder.h"
 
 namespace corvane {
 
 struct TransferRecord : OwnerRecord {
-  std::vector<std::string> labels;
   std::vector<std::string> notes;
   std::optional<TransferEnd> end;  ///< once the transfer has ended
   std::string why;
@@ -23,17 +22,14 @@ class RecordingTransferUi : public Recorder<TransferUi, TransferRecord> {
   TransferProgress& Progress() override { return progress_; }
 
   bool BeginFile(std::string_view) override { return !closing; }
-  bool SetLabel(std::string_view text) override {
-    return Note([&](TransferRecord& r) { r.labels.emplace_back(text); });
+  bool SetTrailing(const Text&) override { return !closing; }
+  bool NoteEntry(const Text& text) override {
+    return Note([&](TransferRecord& r) { r.notes.push_back(text.English()); });
   }
-  bool SetTrailing(std::string_view) override { return !closing; }
-  bool NoteEntry(std::string_view text) override {
-    return Note([&](TransferRecord& r) { r.notes.emplace_back(text); });
-  }
-  bool SetEndState(TransferEnd state, std::string_view why) override {
+  bool SetEndState(TransferEnd state, const Text& why) override {
     return Note([&](TransferRecord& r) {
       r.end = state;
-      r.why = why;
+      r.why = why.English();
     });
   }
 

@@ -8,41 +8,96 @@
 namespace corvane {
 namespace {
 
-TEST(FileTransfer, DownloadsResumesOrStartsAgain) {
-  const std::string whole = "0123456789";
-  // What is there, what the server does, where the transfer begins, and what is there afterwards.
-  const std::tuple<const char*, const char*, ScriptedAction, std::int64_t, const char*> cases[] = {
-      {"", "REST", {}, 0, "0123456789"},
-      {"012", "REST", {}, 3, "0123456789"},
-      {"0123456789", "REST", {}, 10, "0123456789"},
-      {"abc", "REST", {.reply = "502 No\r\n"}, 0, "0123456789"},
-      // The server agrees to resume and begins at the start all the same.
-      {"abc", "RETR", {.data = whole}, 0, "0123456789"},
-      {"abcdefghij", "RETR", {.data = whole}, 0, "0123456789"},
-      {"0123456789a", "REST", {}, 0, nullptr},
+// What stands at the name already, and the policy for it.
+TEST(FileTransfer, KeepsReplacesOrGoesOn) {
+  const std::string whole = Bytes(200'000);
+  const std::string part = whole.substr(0, 100'000);
+  std::string other = part;
+  other.back() = static_cast<char>(~other.back());
+  struct Case {
+    const char* name;
+    Policy policy;
+    std::optional<std::string> there;
+    std::int64_t listed;
+    const char* verb;
+    ScriptedAction action;
+    std::int64_t start;  ///< of the bytes that count as there; -1 where the transfer fails
+    std::size_t fetched;
   };
-  for (const auto& [part, verb, action, start, result] : cases) {
-    for (const std::int64_t listed : {10, -1}) {
-      if (listed < 0 && result == nullptr) continue;
-      Job job;
-      Write(job.folder.Path() / "f", part);
-      job.description.overwrite = *part == '\0';
-      job.server.On(verb, action, 1);
-      job.Fetch("f", listed < 0 ? kLink : kFile, listed);
-      EXPECT_EQ(job.Run() == TransferEnd::Finished, result != nullptr) << job.row->Seen().why;
-      EXPECT_EQ(Contents(job.folder.Path() / "f"), result != nullptr ? result : part);
-      EXPECT_EQ(job.row->Progress().start, start) << part;
-    }
+  const std::size_t tail = 64 * 1024;
+  const std::size_t all = whole.size();
+  const Case cases[] = {
+      {"new", Policy::CreateNew, {}, 200'000, "", {}, 0, all},
+      {"taken", Policy::CreateNew, part, 200'000, "", {}, -1, 0},
+      {"left alone", Policy::Skip, part, 200'000, "", {}, 0, 0},
+      {"replaced", Policy::Replace, other, 200'000, "", {}, 0, all},
+      {"kept until whole",
+       Policy::Replace,
+       other,
+       200'000,
+       "RETR",
+       {.completion = "451 No\r\n"},
+       -1,
+       all},
+      {"resumed", Policy::Resume, part, 200'000, "", {}, 100'000, 100'000 + tail},
+      {"resumed, size not listed", Policy::Resume, part, -1, "", {}, 100'000, 100'000 + tail},
+      {"resumed, grown since it was listed",
+       Policy::Resume,
+       part,
+       150'000,
+       "",
+       {},
+       100'000,
+       100'000 + tail},
+      {"resumed, whole already", Policy::Resume, whole, 200'000, "", {}, 200'000, tail},
+      {"resumed, but another file", Policy::Resume, other, 200'000, "", {}, 0, all + tail},
+      {"resumed, but longer", Policy::Resume, whole + "x", 200'000, "", {}, 0, all},
+      {"resumed, size unknown", Policy::Resume, part, -1, "SIZE", {.reply = "500 No\r\n"}, 0, all},
+      {"resumed, no markers",
+       Policy::Resume,
+       part,
+       200'000,
+       "REST",
+       {.reply = "502 No\r\n"},
+       0,
+       all},
+      {"resumed, marker ignored",
+       Policy::Resume,
+       part,
+       200'000,
+       "RETR",
+       {.data = whole},
+       0,
+       all + tail},
+      {"resumed, short",
+       Policy::Resume,
+       part,
+       200'000,
+       "RETR",
+       {.dataLimit = 70'000, .completion = "226 Done\r\n"},
+       -1,
+       70'000},
+      {"resumed, gone", Policy::Resume, {}, 200'000, "", {}, -1, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Job job;
+    job.policy = c.policy;
+    job.server.Tree().AddFile("/pub/f", whole);
+    const fs::path path = job.folder.Path() / "f";
+    if (c.there) Write(path, *c.there);
+    if (*c.verb != '\0') job.server.On(c.verb, c.action, 1);
+    job.Fetch("f", RemoteEntry::Kind::File, c.listed);
+    EXPECT_EQ(job.Run() == TransferEnd::Finished, c.start >= 0) << job.row->Seen().why;
+    const bool untouched = c.start < 0 || c.policy == Policy::Skip;
+    std::string expected = untouched ? c.there.value_or("") : whole;
+    if (std::string_view(c.name) == "resumed, short")
+      expected = whole.substr(0, 100'000 - tail + 70'000);
+    EXPECT_TRUE(Contents(path) == expected) << Contents(path).size() << job.server.Dialogue();
+    if (c.start > 0) EXPECT_EQ(job.row->Progress().start, c.start);
+    const auto entries = fs::directory_iterator(job.folder.Path());
+    EXPECT_LE(std::distance(entries, fs::directory_iterator()), 1) << "no part file is left";
   }
-  // What was there is kept when the second attempt fails too.
-  Job job;
-  Write(job.folder.Path() / "f", "abc");
-  job.description.overwrite = false;
-  job.server.On("RETR", {.data = Bytes(100'000)}, 1);
-  job.server.On("RETR", {.reply = "550 No\r\n"}, 2);
-  job.Fetch("f", kFile, 99'000);
-  EXPECT_EQ(job.Run(), TransferEnd::Failed);
-  EXPECT_EQ(Contents(job.folder.Path() / "f"), "abc");
 }
 
 TEST(FileTransfer, FailsWithAReason) {
@@ -50,15 +105,20 @@ TEST(FileTransfer, FailsWithAReason) {
       {"../f", "cannot be used", [](Job&) {}},
       {"g", "No such file", [](Job&) {}},
       {"f", "Invalid User", [](Job& j) { j.server.On("PASS", {.reply = "530 No\r\n"}); }},
-      {"f", "Cannot do that", [](Job& j) { j.description.remoteDirectory = "/none"; }},
+      {"f", "cannot be opened", [](Job& j) { j.description.jobs[0].remote = "/none/f"; }},
       {"f", "No such file", [](Job& j) { j.description.targetFolder += "/none"; }},
-      {"f", "No such file", [](Job& j) { j.description.overwrite = false; }},
-      {"f", "Could not read", [](Job& j) { j.Send("gone"); }},
-      {"f", "Could not open", [](Job& j) { fs::create_symlink("gone", j.folder.Path() / "f"); }},
+      {"f", "No such file", [](Job& j) { j.description.jobs[0].policy = Policy::Resume; }},
+      {"f", "Could not read",
+       [](Job& j) {
+         j.description.jobs.clear();
+         j.Send("gone");
+       }},
+      {"f", "exists already", [](Job& j) { fs::create_symlink("gone", j.folder.Path() / "f"); }},
       {"f", "was lost", [](Job& j) { j.server.On("CWD", {.control = ControlEnd::Close}); }},
       {"f", "Denied",
        [](Job& j) {
          Write(j.folder.Path() / "f", "kept until the server agrees");
+         j.description.jobs[0].policy = Policy::Replace;
          j.server.On("RETR", {.reply = "550 Denied\r\n"});
        }},
       {"f", "Only 3 of 10",
@@ -70,7 +130,7 @@ TEST(FileTransfer, FailsWithAReason) {
        }},
       {"f", "does not answer",
        [](Job& j) {
-         j.description.engine->silenceLimit = 700;
+         j.session->SetSilenceLimit(700);
          j.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall, .completion = ""});
        }},
   };
@@ -94,19 +154,10 @@ TEST(FileTransfer, AsksOnceWhetherAFileShrank) {
   for (const std::string size : {"213 10\r\n", "213 300000\r\n", "550 No\r\n", "213 x\r\n"}) {
     Job job;
     job.server.On("SIZE", {.reply = size});
-    job.Fetch("f", kFile, 300'000);
+    job.Fetch("f", RemoteEntry::Kind::File, 300'000);
     EXPECT_EQ(job.Run() == TransferEnd::Finished, size == "213 10\r\n") << size;
     EXPECT_EQ(std::ranges::count(job.server.Transcript(), "SIZE f\r\n"), 1);
   }
-}
-
-TEST(FileTransfer, DoesNotWorkInAnotherDirectoryOfItsWindow) {
-  Job job(true, true);
-  Write(job.folder.Path() / "g", "x");
-  job.Send("g");
-  job.description.remoteDirectory = "/elsewhere";
-  EXPECT_EQ(job.Run(), TransferEnd::Failed);
-  EXPECT_FALSE(job.server.Tree().Exists("/pub/g"));
 }
 
 TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {
@@ -118,7 +169,7 @@ TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {
   EXPECT_EQ(job.row->Seen().why, "4 of 5 entries failed.");
   EXPECT_EQ(job.Notes(),
             "none: No such file.\n../x: The name \"../x\" cannot be used for a local file.\n"
-            "way: Could not open way: Is a directory\ngone: No such file.\n");
+            "way: \"way\" exists already.\ngone: No such file.\n");
   EXPECT_FALSE(fs::exists(job.folder.Path() / "gone"));
 }
 
@@ -138,8 +189,9 @@ TEST(FileTransfer, StopsWhenTheDiskIsFull) {
     EXPECT_EQ(end, TransferEnd::Failed);
     EXPECT_EQ(job.Notes(), "big: Could not write the file: File too large\n");
     EXPECT_TRUE(Contents(job.folder.Path() / "big") == Bytes(3000).substr(0, 1000));
-    const EngineLease lease(*job.description.engine);
-    EXPECT_TRUE(!shared || job.description.engine->SendCommand("SYST\n") == 215);
+    std::optional<std::int64_t> size;
+    const EngineLease lease(*job.session);
+    EXPECT_TRUE(!shared || (job.session->Size("/pub/f", size).IsDone() && size == 10));
   }
 }
 

@@ -9,9 +9,9 @@
 #include <memory>
 #include <string>
 
-#include "ftp/EngineLease.h"
 #include "ftp/MFtp.h"
 #include "kit/Background.h"
+#include "remote/RemotePath.h"
 #include "support/Files.h"
 #include "support/RecordingBrowserUi.h"
 #include "support/RecordingTransferUi.h"
@@ -35,43 +35,44 @@ struct Job {
   ScriptedServer server{NextHost()};
   TemporaryDirectory folder;
   std::shared_ptr<RecordingTransferUi> row = std::make_shared<RecordingTransferUi>();
-  std::shared_ptr<RecordingBrowserUi> browser = std::make_shared<RecordingBrowserUi>();
+  std::shared_ptr<RecordingBrowserUi> browser;  ///< of a shared connection
+  std::shared_ptr<MFtp> session;
   transferStruct description;
+  Policy policy = Policy::CreateNew;
   std::shared_ptr<FileTransfer> worker;
 
   explicit Job(bool passive = true, bool shared = false) {
     server.Tree().AddFile("/pub/f", "0123456789");
     description.remoteDirectory = "/pub";
     description.targetFolder = folder.Path();
-    auto make = [&](auto owner) {
-      auto engine = std::make_shared<MFtp>(server.Host(), server.Port(), "u", "p", passive, owner);
-      engine->silenceLimit = 10'000;
-      return engine;
-    };
-    description.engine = shared ? make(browser) : make(row);
+    if (shared) browser = std::make_shared<RecordingBrowserUi>();
+    session = std::make_shared<MFtp>(Site{.host = server.Host(),
+                                          .port = server.Port(),
+                                          .user = "u",
+                                          .password = "p",
+                                          .passive = passive},
+                                     shared ? std::shared_ptr<OwnerUi>(browser) : row);
+    session->SetSilenceLimit(10'000);
     if (!shared) return;
-    EXPECT_EQ(description.engine->Login(), 1);
-    description.engine->ChangeDir("/pub");
-    description.engine->SetPWD();
-    shared_ = true;
+    EXPECT_TRUE(session->Connect().IsDone());
+    std::string where;
+    EXPECT_TRUE(session->Enter("/pub", where).IsDone());
   }
 
-  void Fetch(const std::string& name, std::int32_t type = kFile, std::int64_t size = 10) {
-    fileStruct item;
-    item.name = name;
-    item.type = type;
-    item.size = size;
-    description.items.push_back(item);
+  void Fetch(const std::string& name, RemoteEntry::Kind kind = RemoteEntry::Kind::File,
+             std::int64_t size = 10) {
+    description.jobs.push_back({PathBelow(description.remoteDirectory, name),
+                                PathBelow(description.targetFolder, name), kind, size, policy});
   }
 
   /// Chooses an entry of the local folder.
   void Send(const std::string& name) {
     description.download = false;
-    description.localItems.push_back(folder.Path() / name);
+    description.jobs.push_back({PathBelow("/pub", name), folder.Path() / name, {}, -1, policy});
   }
 
   void Start() {
-    worker = std::make_shared<FileTransfer>(row, description, shared_);
+    worker = std::make_shared<FileTransfer>(row, description, session, browser);
     worker->Run();
   }
 
@@ -92,9 +93,6 @@ struct Job {
     for (const std::string& note : row->Seen().notes) notes += note + "\n";
     return notes;
   }
-
- private:
-  bool shared_ = false;
 };
 
 }  // namespace corvane

@@ -1,4 +1,4 @@
-#include "ftp/TransferPump.h"
+#include "workers/TransferPump.h"
 
 #include <algorithm>
 

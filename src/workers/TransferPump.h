@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "ftp/TransferUi.h"
+#include "remote/TransferUi.h"
 
 namespace corvane {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "ftp/OwnerUi.h"
+#include "remote/OwnerUi.h"
 
 namespace corvane {
 
@@ -20,8 +20,9 @@ struct TransferProgress {
 
 enum class TransferEnd { Finished, Failed, Cancelled };
 
-/// What a transfer row offers its transfer. Any thread may call; every call returns at once and
-/// answers false once the row is closing: the caller then stops.
+/// What a transfer row offers its transfer; a status stands in place of the file's label. Any
+/// thread may call; every call returns at once and returns false once the row is closing: the
+/// caller then stops.
 class TransferUi : public OwnerUi {
  public:
   /// Lives as long as the object.
@@ -29,14 +30,12 @@ class TransferUi : public OwnerUi {
 
   /// A new file begins: `name` is raw bytes. The row labels its bar with it.
   virtual bool BeginFile(std::string_view name) = 0;
-  /// A status text in place of the file's label, such as "Connecting to host.".
-  virtual bool SetLabel(std::string_view text) = 0;
   /// The text behind the bar, such as a failure that needs naming.
-  virtual bool SetTrailing(std::string_view text) = 0;
+  virtual bool SetTrailing(const Text& text) = 0;
   /// A line about an entry that failed or was left out, for the list that the row keeps.
-  virtual bool NoteEntry(std::string_view text) = 0;
+  virtual bool NoteEntry(const Text& text) = 0;
   /// The transfer has ended; `why` says what failed, for the row's tooltip.
-  virtual bool SetEndState(TransferEnd state, std::string_view why) = 0;
+  virtual bool SetEndState(TransferEnd state, const Text& why) = 0;
 };
 
 }  // namespace corvane

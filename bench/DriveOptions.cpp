@@ -1,0 +1,140 @@
+#include "DriveOptions.h"
+
+#include <charconv>
+#include <cstdint>
+#include <functional>
+#include <map>
+
+#include "util/Url.h"
+
+namespace corvane::drive {
+namespace {
+
+std::optional<std::int64_t> Number(const std::string& text) {
+  std::int64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || value < 0) return std::nullopt;
+  return value;
+}
+
+// What an option does with its value; the text tells why it cannot.
+using Option = std::function<std::string(Options&, const std::string& value)>;
+
+std::string SetConnections(Options& /*options*/, const std::string& value) {
+  const auto number = Number(value);
+  if (!number || *number == 0) return "is no number of connections";
+  return *number == 1 ? "" : "more than one connection for a transfer is not possible";
+}
+
+std::string SetPolicy(Options& options, const std::string& value) {
+  const std::map<std::string, Policy> policies = {{"create", Policy::CreateNew},
+                                                  {"replace", Policy::Replace},
+                                                  {"resume", Policy::Resume},
+                                                  {"skip", Policy::Skip}};
+  if (value == "newer") return "times are not compared";
+  const auto found = policies.find(value);
+  if (found == policies.end()) return "is no policy";
+  if (value == "resume" && options.command == "put") return "uploads are not resumed";
+  options.policy = found->second;
+  return "";
+}
+
+std::string SetTls(Options& /*options*/, const std::string& value) {
+  return value == "none" ? "" : "connections are not encrypted";
+}
+
+std::string SetCancelAfter(Options& options, const std::string& value) {
+  const auto number = Number(value);
+  if (!number) return "is no number of milliseconds";
+  options.cancelAfter = std::chrono::milliseconds(*number);
+  return "";
+}
+
+const std::map<std::string, Option>& WithValue() {
+  static const std::map<std::string, Option> options = {
+      {"--connections", SetConnections},
+      {"--policy", SetPolicy},
+      {"--tls", SetTls},
+      {"--cancel-after", SetCancelAfter},
+      {"--limit", [](Options&, const std::string&) { return "the speed is not limited"; }},
+  };
+  return options;
+}
+
+const std::map<std::string, Option>& WithoutValue() {
+  static const std::map<std::string, Option> options = {
+      {"--active",
+       [](Options& options, const std::string&) {
+         options.site.passive = false;
+         return "";
+       }},
+      {"--json",
+       [](Options& options, const std::string&) {
+         options.json = true;
+         return "";
+       }},
+      {"--trust-any", [](Options&, const std::string&) { return "there are no certificates"; }},
+  };
+  return options;
+}
+
+// Words that are no options; false where an option is wrong.
+bool TakeOptions(const std::vector<std::string>& words, Options& options,
+                 std::vector<std::string>& rest, std::string& problem) {
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
+    std::string refusal;
+    if (const auto plain = WithoutValue().find(word); plain != WithoutValue().end()) {
+      refusal = plain->second(options, "");
+    } else if (const auto valued = WithValue().find(word); valued != WithValue().end()) {
+      if (++i == words.size()) refusal = "needs a value";
+      if (refusal.empty()) refusal = valued->second(options, words[i]);
+    } else if (word.starts_with("--")) {
+      refusal = "is unknown";
+    } else {
+      rest.push_back(word);
+    }
+    if (refusal.empty()) continue;
+    problem = word + (i < words.size() && words[i] != word ? " " + words[i] : "") + ": " + refusal;
+    return false;
+  }
+  return true;
+}
+
+bool TakeSite(const std::string& text, Site& site, std::string& problem) {
+  const std::optional<Url> url = Url::Read(text);
+  if (!url) {
+    problem = text + ": is no FTP address";
+    return false;
+  }
+  site.host = url->host;
+  site.port = url->port.value_or(site.port);
+  site.user = url->user.empty() ? "anonymous" : url->user;
+  site.password = url->user.empty() ? "guest@a.b" : url->password;
+  site.path = url->path.empty() ? "/" : url->path;
+  return true;
+}
+
+}  // namespace
+
+std::optional<Options> Read(const std::vector<std::string>& words, std::string& problem) {
+  const std::map<std::string, std::pair<std::size_t, std::size_t>> commands = {
+      {"get", {1, 2}},    {"put", {2, 2}},   {"list", {1, 1}}, {"remove", {1, 1}},
+      {"rename", {2, 2}}, {"mkdir", {1, 1}}, {"parse", {1, 1}}};
+  const auto command = words.empty() ? commands.end() : commands.find(words.front());
+  if (command == commands.end()) return std::nullopt;
+  Options options;
+  options.command = words.front();
+  options.site.passive = true;
+  std::vector<std::string> rest;
+  if (!TakeOptions({words.begin() + 1, words.end()}, options, rest, problem)) return std::nullopt;
+  if (rest.size() < command->second.first || rest.size() > command->second.second)
+    return std::nullopt;
+  options.local = rest.back();
+  if (options.command == "parse") return options;
+  if (!TakeSite(rest.front(), options.site, problem)) return std::nullopt;
+  if (rest.size() == 1) options.local = ".";
+  return options;
+}
+
+}  // namespace corvane::drive

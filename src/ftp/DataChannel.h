@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "kit/Mutex.h"
+#include "remote/Outcome.h"
+
+namespace corvane {
+
+class FtpCommand;
+class FtpControl;
+class NLEndpoint;
+class Stream;
+
+/// How the data connection of a command comes about: active (PORT) or passive (PASV), RFC 959, 3.2
+/// and 4.1.2. Where one way fails the other is tried once, and kept to where it works. One thread
+/// at a time; Abort from any thread.
+///
+/// An active connection is taken from the server alone; a passive one goes to the server, whatever
+/// address its reply names.
+class DataChannel {
+ public:
+  /// `control` is not owned.
+  DataChannel(FtpControl& control, bool passive);
+  ~DataChannel();
+  DataChannel(const DataChannel&) = delete;
+  DataChannel& operator=(const DataChannel&) = delete;
+
+  /// Announces a listening socket or asks for the server's port, ahead of a command.
+  Outcome SetUp();
+  /// Opens the data connection for a command that was just sent and judges its first reply. The
+  /// control connection is watched meanwhile, so that a refusal ends the wait. After a failure the
+  /// command is complete and nothing is open.
+  Outcome Open(FtpCommand& command);
+  /// After a failed Open: whether the other way, which is then in force, is worth a try.
+  [[nodiscard]] bool TryOtherWay();
+
+  /// The open connection.
+  [[nodiscard]] Stream& Connection();
+  /// Closes the data connection if there is one.
+  void Close();
+  /// Any thread: a blocked data connection returns.
+  void Abort() EXCLUDES(reach_);
+
+ private:
+  struct Attempt;
+
+  Outcome SetUpActive();
+  Outcome SetUpPassive();
+  Outcome SetUpThisWay();
+  /// Nothing came about in the way in force; one on trial is left again.
+  void WayFailed();
+  void Connect(Attempt& attempt);
+  void Accept(Attempt& attempt);
+  void ConnectInVain();
+  void SetEndpoint(std::unique_ptr<NLEndpoint> endpoint) EXCLUDES(reach_);
+  [[nodiscard]] NLEndpoint* Endpoint() EXCLUDES(reach_);
+
+  FtpControl& control_;
+  bool passive_;
+  bool noConnection_ = false;  // no data connection came about, and that is all that failed
+  bool triedBoth_ = false;
+  bool onTrial_ = false;  // the way in force is the other one, and has not led anywhere yet
+  std::uint16_t passivePort_ = 0;
+  Mutex reach_;  // guards what Abort reaches for from another thread
+  std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
+};
+
+}  // namespace corvane

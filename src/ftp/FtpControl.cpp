@@ -1,0 +1,223 @@
+#include "ftp/FtpControl.h"
+
+#include <utility>
+
+#include "ftp/FtpFailure.h"
+#include "net/NLEndpoint.h"
+#include "net/NLException.h"
+
+namespace corvane {
+namespace {
+
+constexpr int kGone = 421;
+
+std::string_view WithoutLineEnd(std::string_view text) {
+  while (text.ends_with('\n') || text.ends_with(' ')) text.remove_suffix(1);
+  return text;
+}
+
+Outcome::Kind KindOf(int code) {
+  switch (code) {
+    case kGone: return Outcome::Kind::Lost;
+    case 425:
+    case 426:
+    case 450: return Outcome::Kind::Busy;
+    default: return Outcome::Kind::Refused;
+  }
+}
+
+// What is said of a refusal where the caller has no words of its own.
+Text WordsFor(int code) {
+  switch (code) {
+    case 426:
+    case 450:
+    case 451:
+    case 452:
+    case 500:
+    case 501: return Text("Error in parameters");
+    case 502: return Text("Command not implemented!");
+    case 503: return Text("Bad sequence of commands!");
+    case 504:
+    case 530:
+    case 532:
+    case 550: return {};
+    default: return Text("The server refused the request.");
+  }
+}
+
+}  // namespace
+
+Text Reason(const NLException& error) {
+  const std::string_view message = error.message;
+  constexpr std::string_view kMarker = " failed: ";
+  const std::size_t marker = message.find(kMarker);
+  return Text::Raw(marker == std::string_view::npos ? message
+                                                    : message.substr(marker + kMarker.size()));
+}
+
+FtpControl::FtpControl(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
+
+FtpControl::~FtpControl() = default;
+
+void FtpControl::Connect(const NLAddress& server) {
+  GiveUp(Text("The connection is closed"));
+  auto endpoint = std::make_unique<NLEndpoint>(NLEndpoint::stream);
+  stream_ = endpoint.get();
+  {
+    const MutexLock hold(reach_);
+    endpoint_ = std::move(endpoint);
+    if (closed_) endpoint_->abort();
+  }
+  replies_ = std::make_unique<ReplyReader>(*stream_, interrupted_);
+  replies_->silenceLimit = silenceLimit;
+  server_ = server;
+  unread_ = 0;
+  heard_ = 0;
+  stream_->setSilenceLimit(silenceLimit);
+  const bool connected = stream_->connectWhile(server, [this] { return !interrupted_.load(); });
+  if (!connected) throw FtpFailure{Outcome::Cancelled()};
+  stream_->setKeepAlive();
+  lost_ = false;
+  whyLost_ = {};
+}
+
+Reply FtpControl::SendCommand(std::string_view command) {
+  return FtpCommand(*this, command).Next();
+}
+
+Reply FtpControl::SendPassword(std::string_view command) {
+  return FtpCommand(*this, command, "PASS").Next();
+}
+
+Reply FtpControl::ReadResponse() {
+  std::optional<Reply> reply = TryRead();
+  if (!reply) throw FtpFailure{Outcome::Cancelled()};
+  return *std::move(reply);
+}
+
+void FtpControl::Send(std::string_view command, std::string_view logged) {
+  constexpr std::string_view kForbidden("\r\n\0", 3);
+  if (command.find_first_of(kForbidden) != std::string_view::npos) {
+    throw FtpFailure{Outcome::LocalError(
+        Text("A name or text with a line break cannot be sent to the server."))};
+  }
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+  if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
+  ReadUnread();
+  heard_ = 0;
+  UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
+  try {
+    stream_->write(std::string(command) + "\r\n");
+  } catch (const NLException& error) {
+    Lose(Reason(error));
+  }
+}
+
+void FtpControl::ReadUnread() {
+  while (unread_ > 0) {
+    // The completion follows a preliminary reply.
+    if (!ReadResponse().IsPreliminary()) --unread_;
+  }
+  while (TryRead(&ReplyReader::ReadUnasked)) continue;
+  if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
+  // A server that said good-bye unasked is gone.
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+}
+
+std::optional<Reply> FtpControl::TryRead(Reading read) {
+  constexpr int kMostReplies = 1000;
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+  try {
+    std::optional<Reply> reply =
+        std::invoke(read, *replies_, [this](std::string_view line) { UpdateLog(line); });
+    if (reply && ++heard_ > kMostReplies) Lose(Text("The server does not stop replying"));
+    if (reply && reply->code == kGone) {
+      GiveUp(Text::Raw(WithoutLineEnd(reply->lastText)));
+    }
+    return reply;
+  } catch (const FtpFailure& failure) {
+    GiveUp(failure.outcome.text);
+    throw;
+  } catch (const NLException& error) {
+    Lose(Reason(error));
+  }
+}
+
+void FtpControl::Lose(Text why) {
+  GiveUp(why);
+  throw FtpFailure{{closed_ ? Outcome::Kind::Cancelled : Outcome::Kind::Lost, 0, std::move(why)}};
+}
+
+void FtpControl::GiveUp(const Text& why) {
+  if (std::exchange(lost_, true)) return;
+  whyLost_ = why;
+  stream_->close();
+}
+
+Outcome FtpControl::CheckResult(const Reply& reply, const Text& failed, int wanted) {
+  if (reply.code / 100 == wanted) return {Outcome::Kind::Done, reply.code};
+  const Text words = Text::Raw(WithoutLineEnd(reply.lastText));
+  if (reply.code == kGone) {
+    return {Outcome::Kind::Lost, kGone,
+            Text::WithReason(Text("Service not available, closing control connection!"), words)};
+  }
+  return {KindOf(reply.code), reply.code,
+          Text::WithReason(failed.IsEmpty() ? WordsFor(reply.code) : failed, words)};
+}
+
+Outcome FtpControl::Guard(const std::function<Outcome()>& work) {
+  try {
+    return work();
+  } catch (const FtpFailure& failure) {
+    return failure.outcome;
+  } catch (const NLException& error) {
+    // The control connection's own have been told apart already: this one is of a data connection.
+    return Outcome::LocalError(Reason(error));
+  } catch (const std::exception& error) {
+    return Outcome::LocalError(Text("The request could not be carried out: %1", error.what()));
+  }
+}
+
+bool FtpControl::isDataPending(long milliseconds) {
+  if (lost_) return false;
+  try {
+    return replies_->IsPending(milliseconds);
+  } catch (const NLException& error) {
+    Lose(Reason(error));
+  }
+}
+
+const NLAddress& FtpControl::LocalAddress() const {
+  return stream_->localAddress();
+}
+
+void FtpControl::Close() {
+  closed_ = true;
+  const MutexLock hold(reach_);
+  if (endpoint_) endpoint_->abort();
+}
+
+FtpCommand::FtpCommand(FtpControl& control, std::string_view command, std::string_view logged)
+    : control_(control) {
+  control.Send(command, logged);
+}
+
+FtpCommand::~FtpCommand() {
+  if (!complete_ && !control_.IsLost()) ++control_.unread_;
+}
+
+Reply FtpCommand::Next() {
+  Reply reply = control_.ReadResponse();
+  complete_ = !reply.IsPreliminary();
+  return reply;
+}
+
+void FtpCommand::Hurry() {
+  while (!complete_) {
+    const std::optional<Reply> reply = control_.TryRead();
+    if (!reply) return;
+    complete_ = !reply->IsPreliminary();
+  }
+}
+
+}  // namespace corvane

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "ftp/ReplyReader.h"
+#include "kit/Mutex.h"
+#include "net/NLAddress.h"
+#include "remote/Outcome.h"
+
+namespace corvane {
+
+class NLEndpoint;
+struct NLException;
+
+/// The control connection: commands, replies and their judgement (RFC 959, 4). One thread at a
+/// time; Close and Interrupt from any thread. Calls that talk to the server throw FtpFailure when
+/// the connection is gone, the user has cancelled, or a command is not one line.
+///
+/// What the server said unasked, and replies that nobody waited for, are read before the next
+/// command is sent.
+class FtpControl {
+ public:
+  /// `log` is given every line of the dialogue, with its line feed.
+  explicit FtpControl(std::function<void(std::string_view)> log);
+  ~FtpControl();
+  FtpControl(const FtpControl&) = delete;
+  FtpControl& operator=(const FtpControl&) = delete;
+
+  /// How long a silent server is waited for, in milliseconds. Set before Connect.
+  long silenceLimit = 120'000;
+
+  /// Connects anew; what was said on an earlier connection is forgotten. Throws NLException when
+  /// that fails.
+  void Connect(const NLAddress& server);
+
+  /// Logs and sends the command, which has no line end; its first reply.
+  Reply SendCommand(std::string_view command);
+  /// Sends the command with only "PASS" in the log; its first reply.
+  Reply SendPassword(std::string_view command);
+  /// The next reply, whatever it belongs to.
+  Reply ReadResponse();
+
+  /// Judges a reply. Done is what is of the kind wanted: 2yz (done) or 3yz (the rest, please). A
+  /// refusal is told as `failed` with the server's words beneath or, without `failed`, in the words
+  /// that belong to the code.
+  [[nodiscard]] static Outcome CheckResult(const Reply& reply, const Text& failed = {},
+                                           int wanted = 2);
+
+  void UpdateLog(std::string_view line) const { log_(line); }
+  /// Whether the server says something within so many milliseconds.
+  [[nodiscard]] bool isDataPending(long milliseconds);
+
+  /// This end's and the server's address.
+  [[nodiscard]] const NLAddress& LocalAddress() const;
+  [[nodiscard]] const NLAddress& ServerAddress() const { return server_; }
+
+  [[nodiscard]] bool IsLost() const { return lost_; }
+  [[nodiscard]] const Text& WhyLost() const { return whyLost_; }
+  /// Gives the connection up; the first reason stays.
+  void GiveUp(const Text& why);
+
+  /// Carries out `work` and turns what it throws into its outcome.
+  Outcome Guard(const std::function<Outcome()>& work);
+
+  /// Any thread: ends the connection for good; a blocked call returns soon.
+  void Close();
+  [[nodiscard]] bool IsClosed() const { return closed_; }
+  /// Any thread: while it is set a silent server is not waited for.
+  void SetInterrupted(bool interrupted) { interrupted_ = interrupted; }
+  [[nodiscard]] bool IsInterrupted() const { return interrupted_ || closed_; }
+
+ private:
+  friend class FtpCommand;
+
+  void Send(std::string_view command, std::string_view logged);
+  void ReadUnread();
+  using Reading = std::optional<Reply> (ReplyReader::*)(
+      const std::function<void(std::string_view)>& onLine);
+  /// The reply that `read` finds; nothing when the wait for it was interrupted.
+  std::optional<Reply> TryRead(Reading read = &ReplyReader::Read);
+  [[noreturn]] void Lose(Text why);
+
+  const std::function<void(std::string_view)> log_;
+  NLAddress server_;
+  std::atomic<bool> interrupted_{false};
+  std::atomic<bool> closed_{false};
+  bool lost_ = true;
+  Text whyLost_{Text("The connection is closed")};
+  int unread_ = 0;  // commands whose last reply nobody has waited for
+  int heard_ = 0;   // replies since the last command
+  Mutex reach_;     // guards what Close reaches for from another thread
+  std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
+  NLEndpoint* stream_ = nullptr;  // the endpoint, for the thread that works here
+  std::unique_ptr<ReplyReader> replies_;
+};
+
+/// One command and the replies that belong to it: a first one, and a second where the first is
+/// 1yz. One that is let go of with a reply unread leaves that to the control connection.
+class FtpCommand {
+ public:
+  /// Sends the command; the log gets `logged` where that is not empty.
+  FtpCommand(FtpControl& control, std::string_view command, std::string_view logged = {});
+  ~FtpCommand();
+  FtpCommand(const FtpCommand&) = delete;
+  FtpCommand& operator=(const FtpCommand&) = delete;
+
+  /// The next of its replies.
+  Reply Next();
+  /// Whether its last reply was read.
+  [[nodiscard]] bool IsComplete() const { return complete_; }
+  /// Reads what is left as far as it comes at once.
+  void Hurry();
+
+ private:
+  FtpControl& control_;
+  bool complete_ = false;
+};
+
+/// The part of an exception's message that a user understands: the system's own words.
+[[nodiscard]] Text Reason(const NLException& error);
+
+}  // namespace corvane

@@ -1,0 +1,160 @@
+#include "ftp/MFtp.h"
+
+#include <charconv>
+#include <utility>
+
+#include "net/NLLookup.h"
+#include "remote/RemotePath.h"
+
+namespace corvane {
+namespace {
+
+// A path with a last ".." or "." carried out.
+std::string Resolved(const std::string& path) {
+  const auto [directory, name] = SplitPath(path);
+  if (name == ".") return directory;
+  if (name != "..") return WithoutTrailingSlash(path);
+  return directory == "/" ? directory : SplitPath(directory).first;
+}
+
+}  // namespace
+
+MFtp::MFtp(Site site, std::shared_ptr<OwnerUi> owner)
+    : site_(std::move(site)),
+      owner_(std::move(owner)),
+      control_([this](std::string_view line) { owner_->AppendLog(line); }),
+      data_(control_, site_.passive) {}
+
+MFtp::~MFtp() = default;
+
+void MFtp::Close() {
+  control_.Close();
+  data_.Abort();
+  const MutexLock hold(reach_);
+  if (lookup_) lookup_->cancel();
+}
+
+void MFtp::Interrupt() {
+  control_.SetInterrupted(true);
+  data_.Abort();
+  const MutexLock hold(reach_);
+  if (lookup_) lookup_->cancel();
+}
+
+void MFtp::Quit() {
+  constexpr long kPatience = 700;
+  (void)control_.Guard([this]() -> Outcome {
+    FtpCommand quit(control_, "QUIT");
+    if (control_.isDataPending(kPatience)) (void)quit.Next();
+    return {};
+  });
+}
+
+Outcome MFtp::ChangeDir(std::string_view argument) {
+  const Reply reply = control_.SendCommand("CWD " + std::string(argument));
+  return FtpControl::CheckResult(reply, Text("The directory cannot be opened."));
+}
+
+Outcome MFtp::GoTo(const std::string& path) {
+  const std::string directory = path.empty() ? start_ : WithoutTrailingSlash(path);
+  if (cwd_ == directory) return {};
+  const std::optional<std::string> here = std::exchange(cwd_, std::nullopt);
+  Outcome outcome = Go(here, directory);
+  if (outcome.IsDone()) cwd_ = directory;
+  // A server that refuses stays where it was, unless it was to go in several steps.
+  if (outcome.kind == Outcome::Kind::Refused && !cwd_) cwd_ = here;
+  return outcome;
+}
+
+// From where the server stands one step is said by its name alone: not every server takes paths as
+// this program writes them. What does not begin with a slash is a server's own form, or lies below
+// the place where the connection began and the server does not tell where that is.
+Outcome MFtp::Go(const std::optional<std::string>& here, const std::string& directory) {
+  const auto [above, name] = SplitPath(directory);
+  const bool absolute = directory.starts_with('/');
+  if (here && !here->empty() && *here != "/" && SplitPath(*here).first == directory) {
+    const Outcome up = ChangeDir("..");
+    if (up.IsDone() || !absolute) return up;
+  }
+  if (here && above == *here && !name.empty()) return ChangeDir(name);
+  if (absolute || (start_ == directory && !directory.empty())) return ChangeDir(directory);
+  if (directory.empty() && !here) {
+    return {Outcome::Kind::Refused, 0, Text("The server does not lead back to its directory")};
+  }
+  if (directory.empty()) {
+    cwd_ = here;
+    if (Outcome up = GoTo(SplitPath(*here).first); !up.IsDone()) return up;
+    return GoTo(directory);
+  }
+  cwd_ = here;
+  if (Outcome up = GoTo(above.empty() && !start_.empty() ? start_ : above); !up.IsDone()) return up;
+  return ChangeDir(name);
+}
+
+Outcome MFtp::Enter(const std::string& path, std::string& where) {
+  return control_.Guard([&]() -> Outcome {
+    if (cwd_ != WithoutTrailingSlash(path)) {
+      if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
+      cwd_ = AskPath().value_or(Resolved(*cwd_));
+    }
+    told_ = *cwd_;
+    where = told_;
+    return {};
+  });
+}
+
+Outcome MFtp::Command(std::string_view verb, const std::string& path, const Text& failed,
+                      int wanted) {
+  return control_.Guard([&]() -> Outcome {
+    const auto [directory, name] = SplitPath(path);
+    if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
+    const Reply reply = control_.SendCommand(std::string(verb) + " " + name);
+    return FtpControl::CheckResult(reply, failed, wanted);
+  });
+}
+
+Outcome MFtp::Size(const std::string& path, std::optional<std::int64_t>& size) {
+  constexpr int kFileStatus = 213;  // RFC 3659, 4.1
+  size.reset();
+  return control_.Guard([&]() -> Outcome {
+    const auto [directory, name] = SplitPath(path);
+    if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
+    const Reply reply = control_.SendCommand("SIZE " + name);
+    Outcome outcome = FtpControl::CheckResult(reply);
+    if (reply.code != kFileStatus) return outcome;
+    const std::size_t digits = reply.lastText.find_first_not_of(' ');
+    std::int64_t value = -1;
+    if (digits != std::string::npos) {
+      std::from_chars(reply.lastText.data() + digits, reply.lastText.data() + reply.lastText.size(),
+                      value);
+    }
+    if (value >= 0) size = value;
+    return outcome;
+  });
+}
+
+Outcome MFtp::MakeDirectory(const std::string& path) {
+  return Command("MKD", path,
+                 Text("The directory \"%1\" was not created.", SplitPath(path).second));
+}
+
+Outcome MFtp::RemoveDirectory(const std::string& path) {
+  return Command("RMD", path, {});
+}
+
+Outcome MFtp::RemoveFile(const std::string& path) {
+  return Command("DELE", path, {});
+}
+
+Outcome MFtp::Rename(const std::string& from, const std::string& to) {
+  const Text failed("\"%1\" was not renamed.", SplitPath(from).second);
+  Outcome outcome = Command("RNFR", from, failed, 3);
+  if (!outcome.IsDone()) return outcome;
+  return control_.Guard([&]() -> Outcome {
+    const auto [directory, name] = SplitPath(to);
+    const std::string target = cwd_ == directory ? name : to;
+    return FtpControl::CheckResult(control_.SendCommand("RNTO " + target), failed);
+  });
+}
+
+}  // namespace corvane

@@ -1,0 +1,98 @@
+#include "workers/TreeRemover.h"
+
+#include "remote/RemotePath.h"
+#include "remote/RemoteSession.h"
+#include "workers/EntryCollector.h"
+
+namespace corvane {
+namespace {
+
+using Kind = RemoteEntry::Kind;
+
+// A server that tells where it stands in another way than by paths is believed.
+bool LeadsElsewhere(const std::string& path, const std::string& where) {
+  return path.starts_with('/') && where.starts_with('/') && WithoutTrailingSlash(path) != where;
+}
+
+}  // namespace
+
+// The user sees paths from the directory on.
+void TreeRemover::Refuse(const std::string& path, const Text& why) {
+  const std::string above = PathBelow(directory_, "");
+  refused_.Add(path.starts_with(above) ? path.substr(above.size()) : path, why);
+}
+
+void TreeRemover::Note(const std::string& path, const Outcome& outcome) {
+  if (outcome.kind != Outcome::Kind::Cancelled) Refuse(path, outcome.text.Reason());
+}
+
+bool TreeRemover::Remove(const std::string& name, Kind kind) {
+  const std::string path = PathBelow(directory_, name);
+  if (kind == Kind::Directory) return DeleteDirectory(path);
+  owner_.SetStatus(Text("Deleting File.."));
+  return RemoveFile(path);
+}
+
+bool TreeRemover::RemoveFile(const std::string& path) {
+  const Outcome outcome = session_.RemoveFile(path);
+  if (!outcome.IsDone()) Note(path, outcome);
+  return outcome.IsDone();
+}
+
+bool TreeRemover::DeleteDirectory(const std::string& path) {
+  std::string where;
+  bool emptied = false;
+  if (const Outcome entered = way_.Enter(path, where); !entered.IsDone()) {
+    Note(path, entered);
+  } else {
+    // What was listed as a directory may be a link by now, or in a listing that hides links: it is
+    // not to be emptied where it leads.
+    if (LeadsElsewhere(path, where)) {
+      Refuse(path, Text("Left alone, for it leads to %1", where));
+    } else {
+      emptied = DeleteEntries(where);
+    }
+    way_.Leave();
+  }
+  if (!emptied) {
+    owner_.SetStatus(Text("Deletion Failed."));
+    return false;
+  }
+  const Outcome removed = session_.RemoveDirectory(path);
+  if (!removed.IsDone()) Note(path, removed);
+  owner_.SetStatus(Text("Dir Deleted."));
+  return removed.IsDone();
+}
+
+// False when the directory cannot be removed after it. A refused file does not keep the others; the
+// last entry decides whether the directory's removal is tried.
+bool TreeRemover::DeleteEntries(const std::string& directory) {
+  EntryCollector listing;
+  if (const Outcome listed = session_.List(directory, listing); !listed.IsDone()) {
+    Note(directory, listed);
+    return false;
+  }
+  bool result = true;
+  for (const RemoteEntry& entry : listing.entries) {
+    result = DeleteEntry(directory, entry);
+    if (!result && entry.kind == Kind::Directory) return false;
+    if (session_.IsLost()) return false;
+  }
+  return result;
+}
+
+bool TreeRemover::DeleteEntry(const std::string& directory, const RemoteEntry& entry) {
+  const std::string path = PathBelow(directory, entry.name);
+  if (entry.name.find('/') != std::string::npos) {
+    Refuse(path, Text("Left alone, for the name leads elsewhere."));
+    return false;
+  }
+  switch (entry.kind) {
+    case Kind::Directory:
+      return owner_.SetStatus(Text("Deleting Directory.")) && DeleteDirectory(path);
+    case Kind::File: return owner_.SetStatus(Text("Deleting File.")) && RemoveFile(path);
+    default: Refuse(path, Text("Left alone, for it is a link.")); return true;
+  }
+}
+
+}  // namespace corvane

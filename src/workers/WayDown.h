@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "remote/Outcome.h"
+
+namespace corvane {
+
+class RemoteSession;
+
+/// The directories on the way down a server's tree, by the paths that the server gave. A directory
+/// that is on the way already, or above where it began, is not entered, nor is one too deep.
+class WayDown {
+ public:
+  static constexpr std::size_t kMaxDepth = 128;
+
+  explicit WayDown(RemoteSession& session) : session_(session) {}
+
+  /// Enters a directory; `where` becomes its own path. It is on the way until Leave.
+  Outcome Enter(const std::string& path, std::string& where);
+  void Leave() { paths_.pop_back(); }
+
+ private:
+  RemoteSession& session_;
+  std::string begin_;  // the directory in which the way begins
+  std::vector<std::string> paths_;
+};
+
+}  // namespace corvane

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "app/browser/MWListItem.h"
-#include "ftp/BrowserUi.h"
+#include "remote/BrowserUi.h"
 #include "kit/Mutex.h"
 
 namespace corvane {

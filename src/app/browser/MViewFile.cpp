@@ -13,7 +13,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/shared/EngineTexts.h"
+#include "app/shared/Shown.h"
 #include "app/shared/GuiThread.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Windows.h"
@@ -57,7 +57,7 @@ bool ViewerLink::Append(std::string_view bytes) {
   return whole;
 }
 
-void ViewerLink::End(std::string_view note) {
+void ViewerLink::End(const Text& note) {
   bool hop = false;
   {
     MutexLock hold(lock_);
@@ -110,7 +110,7 @@ void ViewerLink::Drain() {
     if (cut_) {
       note = MViewFile::tr("Only the first %1 MiB are shown.").arg(kMostBytes >> 20);
     } else if (ended_ && !more) {
-      note = Translated(ToText(note_));
+      note = Shown(note_);
     }
   }
   window_->AppendText(piece);

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "ftp/BrowserUi.h"
+#include "remote/BrowserUi.h"
 #include "kit/Mutex.h"
 
 class QLabel;
@@ -25,7 +25,7 @@ class ViewerLink final : public TextSink, public std::enable_shared_from_this<Vi
   static constexpr std::size_t kMostBytes = std::size_t{8} << 20;
 
   bool Append(std::string_view bytes) override;
-  void End(std::string_view note) override;
+  void End(const Text& note) override;
 
   /// GUI thread: text goes to this window from now on.
   void Attach(MViewFile& window);
@@ -44,7 +44,7 @@ class ViewerLink final : public TextSink, public std::enable_shared_from_this<Vi
   std::size_t taken_ GUARDED_BY(lock_) = 0;  // bytes at its beginning that are in the window
   bool ended_ GUARDED_BY(lock_) = false;
   bool cut_ GUARDED_BY(lock_) = false;
-  std::string note_ GUARDED_BY(lock_);
+  Text note_ GUARDED_BY(lock_);
   std::size_t received_ GUARDED_BY(lock_) = 0;
   bool hopPending_ GUARDED_BY(lock_) = false;
 };

@@ -5,8 +5,6 @@
 #include <cstdio>
 #include <utility>
 
-#include "ftp/ListingParser.h"
-
 namespace corvane {
 namespace {
 
@@ -23,6 +21,18 @@ std::uint64_t PackTime(const std::tm& time) {
   return key;
 }
 
+std::uint64_t PackTime(const RemoteTime& moment) {
+  const std::time_t seconds = moment.seconds;
+  std::tm time{};
+  return ::gmtime_r(&seconds, &time) == nullptr ? 0 : PackTime(time);
+}
+
+std::int64_t SizeOf(const RemoteEntry& entry) {
+  if (entry.kind == RemoteEntry::Kind::Directory) return kDirectorySize;
+  if (entry.kind == RemoteEntry::Kind::Link) return kLinkSize;
+  return entry.size.value_or(kNoSize);
+}
+
 template <typename... Values>
 std::string Printed(const char* format, Values... values) {
   std::array<char, 64> text{};
@@ -30,13 +40,14 @@ std::string Printed(const char* format, Values... values) {
   return text.data();
 }
 
-/// The size of a file behind a link; a small one keeps the link's mark.
-std::string LinkedSizeText(std::int64_t size) {
+/// The text of a file's size, in three ranges. The kilobyte divides by 1,024, the megabyte by
+/// 1,024,000, and the megabyte has two blanks before its unit: the column lines up on it.
+std::string FileSizeText(std::int64_t size) {
   constexpr std::int64_t kKilo = 1024;
   constexpr std::int64_t kMega = 1'024'000;
-  if (size < kKilo) return "  <link>" + std::to_string(size) + " B";
-  if (size < kMega) return Printed(" %.2f KB", static_cast<double>(size) / kKilo);
-  return Printed(" %.2f  MB", static_cast<double>(size) / kMega);
+  if (size < kKilo) return " " + std::to_string(size) + " B";
+  if (size < kMega) return Printed(" %.2f KB", static_cast<double>(static_cast<float>(size) / kKilo));
+  return Printed(" %.2f  MB", static_cast<double>(static_cast<float>(size) / kMega));
 }
 
 }  // namespace
@@ -51,13 +62,13 @@ int CompareLowered(std::string_view a, std::string_view b) {
   return a.size() < b.size() ? -1 : 1;
 }
 
-MWListItem::MWListItem(const fileStruct& entry, std::shared_ptr<const EntryAttributes> attributes)
+MWListItem::MWListItem(const RemoteEntry& entry, std::shared_ptr<const EntryAttributes> attributes)
     : name_(entry.name),
-      size_(entry.size),
-      time_(PackTime(entry.time)),
+      size_(SizeOf(entry)),
+      time_(entry.modified ? PackTime(*entry.modified) : 0),
       attributes_(std::move(attributes)),
-      type_(static_cast<std::uint8_t>(entry.type)),
-      icon_(IconFor(entry.type, entry.name)) {}
+      type_(static_cast<std::uint8_t>(entry.kind)),
+      icon_(IconFor(type_, entry.name)) {}
 
 MWListItem::MWListItem(const fileStruct& entry, std::string name)
     : name_(std::move(name)),
@@ -72,8 +83,9 @@ std::string MWListItem::SizeText() const {
   if (size_ == kDirectorySize) return " <dir>";
   if (size_ == kLinkSize) return " <link>";
   if (size_ < 0) return " -";
-  if (wasLink_) return LinkedSizeText(size_);
-  return " " + corvane::SizeText(size_);
+  // A small file behind a link keeps the link's mark.
+  if (wasLink_ && size_ < 1024) return "  <link>" + std::to_string(size_) + " B";
+  return FileSizeText(size_);
 }
 
 std::string MWListItem::DateText() const {

@@ -8,7 +8,8 @@
 #include <utility>
 
 #include "app/shared/Icons.h"
-#include "ftp/fileStruct.h"
+#include "remote/RemoteEntry.h"
+#include "remote/fileStruct.h"
 
 namespace corvane {
 
@@ -27,7 +28,7 @@ struct EntryAttributes {
 /// when they are painted. A value; not locked.
 class MWListItem {
  public:
-  MWListItem(const fileStruct& entry, std::shared_ptr<const EntryAttributes> attributes);
+  MWListItem(const RemoteEntry& entry, std::shared_ptr<const EntryAttributes> attributes);
   MWListItem(const fileStruct& entry, std::string name);
 
   [[nodiscard]] const std::string& Name() const { return name_; }

@@ -10,20 +10,21 @@ namespace corvane {
 
 WorkerFactory RealWorkers() {
   WorkerFactory factory;
-  factory.looper = [](const Connection& to, std::shared_ptr<BrowserUi> window) {
-    return std::make_shared<ControlLooper>(to.host, to.port, to.user, to.pass, to.path, to.passive,
-                                           std::move(window));
+  factory.looper = [](const Site& site, std::shared_ptr<BrowserUi> window) {
+    auto session = std::make_shared<MFtp>(site, window);
+    return std::make_shared<ControlLooper>(site, std::move(session), std::move(window));
   };
-  factory.transfer = [](const Connection& to, std::shared_ptr<TransferUi> row,
-                        transferStruct description) {
-    description.engine =
-        std::make_shared<MFtp>(to.host, to.port, to.user, to.pass, to.passive, row);
-    return std::make_shared<FileTransfer>(std::move(row), std::move(description), false);
+  factory.transfer = [](std::shared_ptr<TransferUi> row, transferStruct description) {
+    auto session = std::make_shared<MFtp>(description.site, row);
+    return std::make_shared<FileTransfer>(std::move(row), std::move(description),
+                                          std::move(session));
   };
-  factory.sameConnection = [](const std::shared_ptr<Looper>& whose, std::shared_ptr<TransferUi> row,
+  factory.sameConnection = [](const std::shared_ptr<Looper>& whose,
+                              std::shared_ptr<BrowserUi> window, std::shared_ptr<TransferUi> row,
                               transferStruct description) {
-    description.engine = std::static_pointer_cast<ControlLooper>(whose)->Engine();
-    return std::make_shared<FileTransfer>(std::move(row), std::move(description), true);
+    auto session = std::static_pointer_cast<ControlLooper>(whose)->Session();
+    return std::make_shared<FileTransfer>(std::move(row), std::move(description),
+                                          std::move(session), std::move(window));
   };
   return factory;
 }

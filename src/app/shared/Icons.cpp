@@ -11,7 +11,7 @@
 #include <string>
 #include <utility>
 
-#include "ftp/fileStruct.h"
+#include "remote/fileStruct.h"
 
 /// The pictures lie in a static library, which nothing else would pull in.
 static void LoadPictures() {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "kit/Background.h"
+#include "settings/ProcessSettings.h"
 
 namespace corvane {
 namespace {
@@ -20,6 +21,17 @@ ca_context* TheContext() {
   return context;
 }
 
+std::string FileOf(Sound sound) {
+  const SettingsValues settings = ProcessSettings::Get();
+  switch (sound) {
+    case Sound::LoginSucceeded: return settings.loginSsnd;
+    case Sound::LoginFailed: return settings.loginFsnd;
+    case Sound::Downloaded: return settings.dwnldsnd;
+    case Sound::Uploaded: return settings.upldsnd;
+  }
+  return {};
+}
+
 void PlayNow(const std::string& path) {
   if (::access(path.c_str(), R_OK) != 0) return;
   if (ca_context* context = TheContext(); context != nullptr) {
@@ -29,9 +41,10 @@ void PlayNow(const std::string& path) {
 
 }  // namespace
 
-void SoundPlayer::Play(std::string_view path) {
+void SoundPlayer::Play(Sound sound) {
+  const std::string path = FileOf(sound);
   if (path.empty() || path == "none") return;
-  Background::Start("sound", [file = std::string(path)] { PlayNow(file); });
+  Background::Start("sound", [path] { PlayNow(path); });
 }
 
 }  // namespace corvane

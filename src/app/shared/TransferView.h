@@ -5,9 +5,10 @@
 #include <memory>
 
 #include "app/shared/TransferNews.h"
-#include "app/shared/TransferRequest.h"
-#include "ftp/TransferUi.h"
+#include "app/shared/TransferListener.h"
+#include "remote/TransferUi.h"
 #include "workers/MThread.h"
+#include "workers/transferStruct.h"
 
 namespace corvane {
 
@@ -22,8 +23,8 @@ class TransferView : public QWidget {
   using QWidget::QWidget;
 
   /// Shows a transfer and starts it; not while Busy().
-  virtual void Begin(const Connection& connection, transferStruct description,
-                     TransferListener listener, const MakeWorker& make) = 0;
+  virtual void Begin(transferStruct description, TransferListener listener,
+                     const MakeWorker& make) = 0;
   /// Stops the worker and hears no more of it.
   virtual void LetGo() = 0;
 

@@ -62,26 +62,11 @@ void DownLoadWin::MenusBeginning() {
   remove_->setEnabled(!running);
 }
 
-void DownLoadWin::AddDownload(DownloadRequest request) {
-  const Connection connection = request.connection;
-  TransferListener listener = std::move(request.listener);
-  Add(connection, Description(std::move(request)), std::move(listener));
-}
-
-void DownLoadWin::AddUpload(UploadRequest request) {
-  const Connection connection = request.connection;
-  TransferListener listener = std::move(request.listener);
-  Add(connection, Description(std::move(request)), std::move(listener));
-}
-
-void DownLoadWin::Add(const Connection& connection, transferStruct description,
-                      TransferListener listener) {
+void DownLoadWin::Add(transferStruct description, TransferListener listener) {
   TransferItem& item = list_->Items().Add(
-      std::make_unique<TransferItem>(connection, std::move(description), std::move(listener)));
+      std::make_unique<TransferItem>(std::move(description), std::move(listener)));
   connect(&item, &TransferItem::Settled, this, &DownLoadWin::ItemSettled);
-  item.Start([&](std::shared_ptr<TransferUi> row, transferStruct what) {
-    return app_.Workers().transfer(connection, std::move(row), std::move(what));
-  });
+  item.Start(app_.Workers().transfer);
   list_->ShowLastSoon();
   if (ProcessSettings::Get().showwindow) BringForward(this);
 }

@@ -21,8 +21,7 @@ class DownLoadWin : public QMainWindow {
   ~DownLoadWin() override;
 
   /// Each request becomes a row with a connection of its own, and starts at once.
-  void AddDownload(DownloadRequest request);
-  void AddUpload(UploadRequest request);
+  void Add(transferStruct description, TransferListener listener);
 
   /// 'CNCL' and 'REMI' for the selected rows; '_RRC' reveals a local path ("refs").
   void MessageReceived(const Message& message);
@@ -34,7 +33,6 @@ class DownLoadWin : public QMainWindow {
  private:
   void MakeMenus();
   void MenusBeginning();
-  void Add(const Connection& connection, transferStruct description, TransferListener listener);
   void ItemSettled(TransferItem* item);
   void CancelSelected();
   void RemoveSelected();

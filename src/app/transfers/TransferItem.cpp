@@ -4,11 +4,9 @@
 #include <iterator>
 #include <utility>
 
-#include "app/shared/EngineTexts.h"
 #include "app/shared/ScreenText.h"
-#include "app/shared/TransferRequest.h"
-#include "ftp/MFtp.h"
-#include "net/NLException.h"
+#include "app/shared/Shown.h"
+#include "remote/RemotePath.h"
 
 namespace corvane {
 namespace {
@@ -17,17 +15,15 @@ constexpr std::size_t kNotesShown = 20;
 constexpr qsizetype kNoteLength = 200;
 
 /// One note as one short line.
-QString NoteLine(const std::string& note) {
-  const QString line = Translated(ToLines(note)).replace('\n', ' ');
+QString NoteLine(const Text& note) {
+  const QString line = ShownInLine(note);
   return line.size() <= kNoteLength ? line : line.first(kNoteLength) + QChar(0x2026);
 }
 
 }  // namespace
 
-TransferItem::TransferItem(const Connection& connection, transferStruct description,
-                           TransferListener listener)
-    : connection_(connection),
-      description_(std::move(description)),
+TransferItem::TransferItem(transferStruct description, TransferListener listener)
+    : description_(std::move(description)),
       listener_(std::move(listener)),
       link_(std::make_shared<TransferLink>(*this)) {
   link_->Progress().total = std::max<std::int64_t>(description_.size, 0);
@@ -43,14 +39,9 @@ void TransferItem::LetGo() {
 }
 
 void TransferItem::Start(const MakeWorker& make) {
-  try {
-    worker_ = make(link_, description_);
-  } catch (const NLException& error) {
-    link_->SetEndState(TransferEnd::Failed, Reason(error));
-    return;
-  }
+  worker_ = make(link_, description_);
   if (!worker_->Run()) {
-    link_->SetEndState(TransferEnd::Failed, tr("The system has no thread to give.").toStdString());
+    link_->SetEndState(TransferEnd::Failed, Text("The system has no thread to give."));
   }
 }
 
@@ -68,7 +59,7 @@ bool TransferItem::TakeChanged() {
   return true;
 }
 
-void TransferItem::Report(TransferReport report, std::vector<std::string> notes) {
+void TransferItem::Report(TransferReport report, std::vector<Text> notes) {
   const bool ran = Running();
   const bool settles = !settled_ && report.end.has_value();
   // The worker's own word on how it ended comes after a cancellation and replaces it.
@@ -88,7 +79,7 @@ void TransferItem::Report(TransferReport report, std::vector<std::string> notes)
 
 void TransferItem::LogNotes() const {
   if (!listener_.noted) return;
-  for (const std::string& note : notes_) listener_.noted(note + "\n");
+  for (const Text& note : notes_) listener_.noted(note);
 }
 
 void TransferItem::MessageReceived(const Message& message) {
@@ -96,7 +87,7 @@ void TransferItem::MessageReceived(const Message& message) {
 }
 
 QString TransferItem::ServerLine() const {
-  return tr("Server: %1").arg(ToText(connection_.host));
+  return tr("Server: %1").arg(ToText(description_.site.host));
 }
 
 QString TransferItem::TargetTitle() const {
@@ -108,9 +99,8 @@ QString TransferItem::TargetPath() const {
 }
 
 std::string TransferItem::LocalPath() const {
-  std::string path = description_.targetFolder;
-  if (!path.ends_with('/')) path += '/';
-  return description_.items.size() == 1 ? path + LocalName(description_.items.front()) : path;
+  return description_.jobs.size() == 1 ? description_.jobs.front().local
+                                       : PathBelow(description_.targetFolder, "");
 }
 
 QString TransferItem::FileName() const {
@@ -118,7 +108,7 @@ QString TransferItem::FileName() const {
 }
 
 QString TransferItem::Label() const {
-  if (Running() && !report_.label.empty()) return Translated(ToText(report_.label));
+  if (Running() && !report_.label.IsEmpty()) return ShownInLine(report_.label);
   if (!report_.file.empty()) return tr("File: %1").arg(FileName());
   return {};
 }
@@ -140,7 +130,7 @@ QString TransferItem::RateText() const {
 }
 
 QString TransferItem::TotalText() const {
-  if (!report_.trailing.empty()) return Translated(ToText(report_.trailing));
+  if (!report_.trailing.IsEmpty()) return Shown(report_.trailing);
   const TransferProgress& progress = link_->Progress();
   const std::int64_t there = progress.start + progress.done;
   if (progress.total <= 0) return there > 0 ? QString::number(there) : QString();
@@ -149,15 +139,16 @@ QString TransferItem::TotalText() const {
 
 QString TransferItem::FailureText() const {
   if (!Failed()) return {};
-  if (!report_.reason.empty()) return Translated(ToLines(report_.reason));
+  if (!report_.reason.IsEmpty()) return Shown(report_.reason);
   return *report_.end == TransferEnd::Cancelled ? tr("Cancelled.") : tr("The transfer failed.");
 }
 
 QString TransferItem::FailureLine() const {
   if (!Failed()) return {};
   std::string file = report_.file;
-  if (file.empty() && description_.items.size() == 1) file = description_.items.front().name;
-  const QString reason = FailureText().replace('\n', ' ');
+  if (file.empty() && description_.jobs.size() == 1)
+    file = SplitPath(description_.jobs.front().remote).second;
+  const QString reason = FailureText().simplified();
   return file.empty() ? reason : ToText(file) + ": " + reason;
 }
 

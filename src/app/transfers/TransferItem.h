@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "app/shared/Connection.h"
 #include "app/shared/TransferNews.h"
-#include "app/shared/TransferRequest.h"
+#include "app/shared/TransferListener.h"
 #include "app/shared/TransferView.h"
 #include "app/transfers/TransferLink.h"
 #include "workers/MThread.h"
@@ -25,7 +24,7 @@ class TransferItem : public QObject {
  public:
   using MakeWorker = TransferView::MakeWorker;
 
-  TransferItem(const Connection& connection, transferStruct description, TransferListener listener);
+  TransferItem(transferStruct description, TransferListener listener);
   ~TransferItem() override;
 
   /// Makes the worker and starts it. A worker that cannot start ends the transfer as failed.
@@ -79,7 +78,7 @@ class TransferItem : public QObject {
   [[nodiscard]] bool TakeChanged();
 
   /// From the link; `notes` are the new ones.
-  void Report(TransferReport report, std::vector<std::string> notes);
+  void Report(TransferReport report, std::vector<Text> notes);
   void MessageReceived(const Message& message);
 
  Q_SIGNALS:
@@ -93,13 +92,12 @@ class TransferItem : public QObject {
  private:
   void LogNotes() const;
 
-  Connection connection_;
   transferStruct description_;
   TransferListener listener_;
   std::shared_ptr<TransferLink> link_;
   std::shared_ptr<MThread> worker_;
   TransferReport report_;
-  std::vector<std::string> notes_;  // a line for each entry that failed or was left out
+  std::vector<Text> notes_;  // a line for each entry that failed or was left out
   bool settled_ = false;
 };
 

@@ -13,33 +13,33 @@ TransferLink::TransferLink(TransferItem& item) : item_(&item) {}
 bool TransferLink::BeginFile(std::string_view name) {
   return Change([name](TransferReport& report) {
     report.file = name;
-    report.label.clear();
-    report.trailing.clear();
+    report.label = {};
+    report.trailing = {};
   });
 }
 
-bool TransferLink::SetLabel(std::string_view text) {
-  return Change([text](TransferReport& report) { report.label = text; });
+bool TransferLink::SetStatus(const Text& text) {
+  return Change([&text](TransferReport& report) { report.label = text; });
 }
 
-bool TransferLink::SetTrailing(std::string_view text) {
-  return Change([text](TransferReport& report) { report.trailing = text; });
+bool TransferLink::SetTrailing(const Text& text) {
+  return Change([&text](TransferReport& report) { report.trailing = text; });
 }
 
-bool TransferLink::NoteEntry(std::string_view text) {
+bool TransferLink::NoteEntry(const Text& text) {
   if (closing_) return false;
   {
     MutexLock hold(lock_);
-    notes_.emplace_back(text);
+    notes_.push_back(text);
   }
   progress_.changed = true;
   return true;
 }
 
-bool TransferLink::SetEndState(TransferEnd state, std::string_view why) {
-  const bool open = Change([state, why](TransferReport& report) {
+bool TransferLink::SetEndState(TransferEnd state, const Text& why) {
+  const bool open = Change([state, &why](TransferReport& report) {
     report.end = state;
-    if (!why.empty()) report.reason = why;
+    if (!why.IsEmpty()) report.reason = why;
   });
   if (open) Hop();
   return open;
@@ -59,19 +59,19 @@ bool TransferLink::PostMessage(Message message) {
   if (closing_) return false;
   {
     MutexLock hold(lock_);
-    const bool fatal = message.what == "FERR"_what;
-    if (fatal || message.what == "GERR"_what) {
-      report_.reason = message.FindString(fatal ? "error" : "warning").value_or("");
-    } else {
-      messages_.push_back(std::move(message));
-    }
+    messages_.push_back(std::move(message));
   }
   Hop();
   return true;
 }
 
-bool TransferLink::PlaySound(std::string_view path) {
-  SoundPlayer::Play(path);
+bool TransferLink::PlaySound(Sound sound) {
+  SoundPlayer::Play(sound);
+  return !closing_;
+}
+
+// A row keeps no log.
+bool TransferLink::AppendLog(std::string_view /*line*/) {
   return !closing_;
 }
 
@@ -85,7 +85,7 @@ void TransferLink::Hop() {
 
 void TransferLink::Drain() {
   TransferReport report;
-  std::vector<std::string> notes;
+  std::vector<Text> notes;
   std::vector<Message> messages;
   {
     MutexLock hold(lock_);

@@ -9,19 +9,19 @@
 #include <string_view>
 #include <vector>
 
-#include "ftp/TransferUi.h"
+#include "remote/TransferUi.h"
 #include "kit/Mutex.h"
 
 namespace corvane {
 
 class TransferItem;
 
-/// What a transfer has told its row so far, apart from the progress. Raw bytes.
+/// What a transfer has told its row so far, apart from the progress. 
 struct TransferReport {
   std::string file;      ///< the file in hand
-  std::string label;     ///< a status text; replaced by the file's label when a file begins
-  std::string trailing;  ///< the text behind the bar, where the transfer gives one
-  std::string reason;    ///< what failed
+  Text label;            ///< a status; replaced by the file's label when a file begins
+  Text trailing;         ///< the text behind the bar, where the transfer gives one
+  Text reason;           ///< what failed
   std::optional<TransferEnd> end;
 };
 
@@ -40,12 +40,13 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
 
   [[nodiscard]] TransferProgress& Progress() override { return progress_; }
   bool BeginFile(std::string_view name) override;
-  bool SetLabel(std::string_view text) override;
-  bool SetTrailing(std::string_view text) override;
-  bool NoteEntry(std::string_view text) override;
-  bool SetEndState(TransferEnd state, std::string_view why) override;
+  bool SetTrailing(const Text& text) override;
+  bool NoteEntry(const Text& text) override;
+  bool SetEndState(TransferEnd state, const Text& why) override;
   bool PostMessage(Message message) override;
-  bool PlaySound(std::string_view path) override;
+  bool PlaySound(Sound sound) override;
+  bool SetStatus(const Text& text) override;
+  bool AppendLog(std::string_view line) override;
 
  private:
   bool Change(const std::function<void(TransferReport&)>& change) EXCLUDES(lock_);
@@ -56,7 +57,7 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
   TransferProgress progress_;
   Mutex lock_;
   TransferReport report_ GUARDED_BY(lock_);
-  std::vector<std::string> notes_ GUARDED_BY(lock_);
+  std::vector<Text> notes_ GUARDED_BY(lock_);
   std::vector<Message> messages_ GUARDED_BY(lock_);
   bool hopPending_ GUARDED_BY(lock_) = false;
 };

@@ -61,11 +61,11 @@ QLabel* TransferPane::MakeLabel(const char* name, const QString& accessible) {
   return label;
 }
 
-void TransferPane::Begin(const Connection& connection, transferStruct description,
+void TransferPane::Begin(transferStruct description,
                          TransferListener listener, const MakeWorker& make) {
   hideLater_.stop();
   bar_->SetItem(nullptr);
-  item_ = std::make_unique<TransferItem>(connection, std::move(description), std::move(listener));
+  item_ = std::make_unique<TransferItem>(std::move(description), std::move(listener));
   bar_->SetItem(item_.get());
   connect(item_.get(), &TransferItem::Changed, this, &TransferPane::Refresh);
   connect(item_.get(), &TransferItem::Ended, this, &TransferPane::Ended);

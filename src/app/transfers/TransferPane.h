@@ -24,7 +24,7 @@ class TransferPane : public TransferView {
   explicit TransferPane(QWidget* parent);
   ~TransferPane() override;
 
-  void Begin(const Connection& connection, transferStruct description, TransferListener listener,
+  void Begin(transferStruct description, TransferListener listener,
              const MakeWorker& make) override;
   void LetGo() override;
 

@@ -14,7 +14,8 @@ class OwnerUi {
 
   /// Hands the owner a message: 'FERR' (fatal, "error"), 'GERR' (warning, "warning", and "passive"
   /// when no data connection came about in that mode), 'LOST' (the connection is gone, "warning"),
-  /// 'DWLD', 'ADDI', 'ENBL' (the directory that was asked for is made, or is not).
+  /// 'DWLD', 'ADDI', 'DONE' (a looper has carried out the request of the code "request", or has
+  /// not; the listing of one that lists may still be arriving).
   virtual bool PostMessage(Message message) = 0;
 
   /// Plays a sound file by path; "none", an empty path and a missing file play nothing.

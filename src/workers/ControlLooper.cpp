@@ -39,7 +39,9 @@ void ControlLooper::MessageReceived(const Message& message) {
   } catch (const std::exception& error) {
     engine_->Warn(std::string("The request could not be carried out: ") + error.what() + "\n");
   }
-  if (message.what == "MKDR"_what) window_->PostMessage(Message("ENBL"_what));
+  Message done("DONE"_what);
+  done.AddInt32("request", static_cast<std::int32_t>(message.what));
+  window_->PostMessage(std::move(done));
 }
 
 void ControlLooper::Handle(const Message& message) {

@@ -18,10 +18,10 @@ class Refusals;
 /// 'CNNT' connects, enters the start path and lists; 'RCNN' ("path") connects again after a loss.
 /// 'PCHN' ("cwd") changes the directory and lists; 'CRDR' lists again; 'HSYM' ("sym") finds out
 /// where a link leads. 'DELE' ("path", and one "name" and "type" per entry), 'RNFL' ("path",
-/// "original", "renameto") and 'MKDR' ("path", "name", answered with 'ENBL' whatever came of it)
-/// change the directory. 'VWFL' ("path", "file") shows a remote file as text, 'VWDR' the latest
-/// listing as it came. 'FRTR' is reserved. Quit closes the connection and ends the looper soon,
-/// whatever it waits for.
+/// "original", "renameto") and 'MKDR' ("path", "name") change the directory. 'VWFL' ("path",
+/// "file") shows a remote file as text, 'VWDR' the latest listing as it came. 'FRTR' is reserved.
+/// Behind every request, whatever came of it, the window gets 'DONE' ("request": the code). Quit
+/// closes the connection and ends the looper soon, whatever it waits for.
 class ControlLooper : public Looper {
  public:
   ControlLooper(std::string host, std::uint16_t port, const std::string& user,

@@ -18,8 +18,9 @@ class OwnerUi {
 
   /// Hands the owner a message. Texts stand in it as Message::AddText puts them: 'FERR' (fatal,
   /// "error", perhaps "detail"), 'GERR' (warning, "warning"), 'LOST' (the connection is gone,
-  /// "warning"), 'DWLD' ("FileName": download this row), 'ADDI' (an upload arrived), 'ENBL' (the
-  /// directory that was asked for is made, or is not).
+  /// "warning"), 'DWLD' ("FileName": download this row), 'ADDI' (an upload arrived), 'DONE' (a
+  /// looper has carried out the request of the code "request", or has not; the listing of one that
+  /// lists may still be arriving).
   virtual bool PostMessage(Message message) = 0;
 
   virtual bool PlaySound(Sound sound) = 0;

@@ -35,7 +35,9 @@ void ControlLooper::MessageReceived(const Message& message) {
   } catch (const std::exception& error) {
     Warn(*window_, Text("The request could not be carried out: %1", error.what()));
   }
-  if (message.what == "MKDR"_what) window_->PostMessage(Message("ENBL"_what));
+  Message done("DONE"_what);
+  done.AddInt32("request", static_cast<std::int32_t>(message.what));
+  window_->PostMessage(std::move(done));
 }
 
 void ControlLooper::Handle(const Message& message) {

@@ -17,10 +17,11 @@ class ListingCache;
 /// 'CNNT' connects, enters the site's path and lists; 'RCNN' ("path") connects again after a loss.
 /// 'PCHN' ("path", "cwd") changes from the directory "path" to "cwd" and lists; 'CRDR' ("path")
 /// lists again; 'HSYM' ("path", "sym") finds out where a link leads. 'DELE' ("path", and one "name"
-/// and "type" per entry), 'RNFL' ("path", "original", "renameto") and 'MKDR' ("path", "name",
-/// followed by 'ENBL' whatever came of it) change what stands in the directory "path". 'VWFL'
-/// ("path", "file") shows a remote file as text, 'VWDR' ("path") a directory's listing as it came.
-/// 'FRTR' is reserved. Quit closes the connection and ends the looper soon, whatever it waits for.
+/// and "type" per entry), 'RNFL' ("path", "original", "renameto") and 'MKDR' ("path", "name")
+/// change what stands in the directory "path". 'VWFL' ("path", "file") shows a remote file as text,
+/// 'VWDR' ("path") a directory's listing as it came. 'FRTR' is reserved. Behind every request,
+/// whatever came of it, the window gets 'DONE' ("request": the code). Quit closes the connection
+/// and ends the looper soon, whatever it waits for.
 class ControlLooper : public Looper {
  public:
   /// `session` is the site's, and not connected yet.

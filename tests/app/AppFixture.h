@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -45,19 +46,32 @@ inline std::string Text(const Message& message) {
 /// Keeps what a browser window asks of its connection, a line for each request.
 class RecordingLooper : public Looper {
  public:
-  RecordingLooper() : Looper("recording") {}
+  explicit RecordingLooper(std::shared_ptr<BrowserUi> window)
+      : Looper("recording"), window_(std::move(window)) {}
   [[nodiscard]] std::string Asked() {
     MutexLock hold(lock_);
     return asked_;
   }
+  /// Tells the window that a request is carried out.
+  void Finish(std::uint32_t request) {
+    Message done("DONE"_what);
+    done.AddInt32("request", static_cast<std::int32_t>(request));
+    window_->PostMessage(std::move(done));
+  }
+
+  std::atomic<bool> busy{false};  ///< requests stay under way
 
  protected:
   void MessageReceived(const Message& message) override {
-    MutexLock hold(lock_);
-    asked_ += Text(message) + "\n";
+    {
+      MutexLock hold(lock_);
+      asked_ += Text(message) + "\n";
+    }
+    if (!busy) Finish(message.what);
   }
 
  private:
+  const std::shared_ptr<BrowserUi> window_;
   Mutex lock_;
   std::string asked_ GUARDED_BY(lock_);
 };
@@ -80,7 +94,8 @@ class AppFixture : public testing::Test {
     factory_.looper = [this](const Connection& connection, std::shared_ptr<BrowserUi> window) {
       connections_.push_back(connection);
       link_ = std::move(window);
-      looper_ = std::make_shared<RecordingLooper>();
+      looper_ = std::make_shared<RecordingLooper>(link_);
+      looper_->busy = busy_;
       return looper_;
     };
     factory_.transfer = [this](const Connection&, std::shared_ptr<TransferUi> row,
@@ -105,6 +120,7 @@ class AppFixture : public testing::Test {
     settings_.DwnldDir = folder_.path().toStdString();
     settings_.showwindow = false;  // keys go to the window in front
     ProcessSettings::Set(settings_);
+    EXPECT_TRUE(Wait([&] { return IsReady(); }));
   }
   ~AppFixture() override {
     app_.reset();
@@ -118,6 +134,10 @@ class AppFixture : public testing::Test {
   /// A command's key in the browser window.
   void Command(Qt::Key key) { QTest::keyClick(window_, key, Qt::ControlModifier); }
   [[nodiscard]] DirListView& View() const { return window_->Listing(); }
+  /// Whether the window lets the user make requests.
+  [[nodiscard]] bool IsReady() const {
+    return window_->findChild<QPushButton*>("upload")->isEnabled();
+  }
   /// Fills the window's listing, below "." and "..", as its connection would.
   void List(std::vector<fileStruct> entries) {
     const auto* status = window_->findChild<QLabel*>("StatusString");
@@ -131,6 +151,10 @@ class AppFixture : public testing::Test {
     ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
   }
   static bool Wait(const auto& until) { return QTest::qWaitFor(until, 5000); }
+  /// Whether one more transfer begins than `before`.
+  bool Begins(std::size_t before = 0) {
+    return Wait([&] { return transfers_.size() + here_.size() == before + 1; });
+  }
   /// Whether `requests`, each on a line, are the last that the connection is asked for.
   [[nodiscard]] bool Asks(const std::string& requests) {
     return Wait([&] { return looper_->Asked().ends_with("\n" + requests + "\n"); });
@@ -157,6 +181,7 @@ class AppFixture : public testing::Test {
   std::vector<std::shared_ptr<IdleTransfer>> transfers_;
   std::vector<std::shared_ptr<IdleTransfer>> here_;  // on a browser window's own connection
   bool noEngine_ = false;
+  bool busy_ = false;  // the requests of the next connection stay under way
   std::vector<Connection> connections_;
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert

@@ -1,13 +1,22 @@
 #include <QDir>
+#include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMimeData>
+#include <QScreen>
 #include <QTimer>
 #include <atomic>
 #include <thread>
 
 #include "AppFixture.h"
+#include "app/browser/BrowserSession.h"
+#include "app/browser/BrowserTransfers.h"
+#include "app/browser/MViewFile.h"
+#include "app/browser/UploadPanel.h"
+#include "app/browser/WindowLog.h"
+#include "app/connect/ShortCutEditWindow.h"
 
 namespace corvane {
 namespace {
@@ -92,7 +101,7 @@ TEST_F(Browser, AFinishedUploadIsRenewedOrAddedInNameOrder) {
   EXPECT_EQ(sizes, " <dir> 2.00 KB 2.00 KB <dir>");
 }
 
-TEST_F(Browser, AsksOnceBeforeExistingFilesAreTouched) {
+TEST_F(Browser, AsksOnceBeforeWhatIsThereIsTouched) {
   const QDir folder(folder_.path());
   for (const auto& [name, size] : {std::pair("a", 0), {"c", 0}, {"same", 1}, {"longer", 2}}) {
     QFile local(folder.filePath(name));
@@ -113,9 +122,12 @@ TEST_F(Browser, AsksOnceBeforeExistingFilesAreTouched) {
       {"tree", 0, "tree", true},
       {"tree", 1, "", {}},
       {"link", 0, "", {}},
+      {"sub", 0, "", {}},
       {"../evil", 0, "", {}},
       {"../evil a/b good", 0, "good", true},
-      {"b sub tree", -1, "b sub tree", true},
+      {"b sub tree", 0, "b sub tree", true},
+      {"b sub tree", 1, "b", true},
+      {"b tree", 2, "", {}},
       {"a b c link", 0, "a b c link", true},
       {"a b c link", 1, "b", true},
       {"a b c link", 2, "", {}},
@@ -133,6 +145,9 @@ TEST_F(Browser, AsksOnceBeforeExistingFilesAreTouched) {
     View().SelectRow(2);
     QTest::keyClick(&View(), Qt::Key_End, Qt::ShiftModifier);
     Command(Qt::Key_D);
+    EXPECT_TRUE(Wait([&, asks = button >= 0] { return !asks || !alerts_.empty(); }))
+        << names.data();
+    EXPECT_TRUE(downloaded.isEmpty() || Begins()) << names.data();
     QApplication::processEvents();
     EXPECT_EQ(alerts_.size(), button < 0 ? 0U : 1U) << names.data();
     QByteArrayList taken;
@@ -145,45 +160,134 @@ TEST_F(Browser, AsksOnceBeforeExistingFilesAreTouched) {
   }
 }
 
-TEST_F(Browser, AsksForAPlaceWhereNoneIsChosen) {
-  settings_.DwnldDir = "empty";
+TEST_F(Browser, AsksBeforeAnUploadReplacesWhatTheListingShows) {
+  List({File("a"), File("dir", kDirectorySize)});
+  using Paths = std::vector<std::string>;
+  // What is uploaded, the button pressed (-1: no question), and what goes.
+  const std::tuple<Paths, int, Paths> cases[] = {
+      {{"/l/new", "/l/b/"}, -1, {"/l/new", "/l/b/"}},
+      {{"/l/new", "/l/dir/"}, 0, {"/l/new", "/l/dir/"}},
+      {{"/l/new", "/l/dir/"}, 1, {"/l/new"}},
+      {{"/l/a"}, 1, {}},
+      {{"/l/a", "/l/new"}, 2, {}},
+  };
+  for (const auto& [paths, button, uploaded] : cases) {
+    transfers_.clear();
+    alerts_.clear();
+    button_ = button;
+    window_->Transfers().Upload(paths);
+    QApplication::processEvents();
+    EXPECT_EQ(alerts_.size(), button < 0 ? 0U : 1U);
+    EXPECT_TRUE(alerts_.empty() || alerts_[0].preset == 1);
+    EXPECT_EQ(transfers_.empty() ? Paths() : transfers_[0]->description.localItems, uploaded);
+  }
+}
+
+TEST_F(Browser, EachPanelMovesWhatItWasOpenedFor) {
+  settings_.DwnldDir = (folder_.path() + "/gone").toStdString();
   ProcessSettings::Set(settings_);
+  link_->SetPath("/pub");
   List({File("song.mp3"), File("text")});
-  window_->MessageReceived(With("DWLD"_what, "FileName", "text"));
-  auto* panel = window_->findChild<QFileDialog*>();
-  ASSERT_NE(panel, nullptr);
-  EXPECT_FALSE(panel->isModal());
-  panel->setDirectory(folder_.path());
-  auto* name = panel->findChild<QLineEdit*>();
+  window_->MessageReceived(With("DWLD"_what, "FileName", "song.mp3"));
+  const auto panels = [&] { return window_->findChildren<QFileDialog*>(); };
+  EXPECT_TRUE(Wait([&] { return panels().size() == 1; }));
+  window_->MessageReceived(With("DWLD"_what, "FileName", "text"));  // counts instead
+  EXPECT_TRUE(Wait([&] { return panels()[0]->selectedFiles()[0].endsWith("text"); }));
+  View().SelectRow(2);
+  QTest::keyClick(&View(), Qt::Key_End, Qt::ShiftModifier);
+  window_->MessageReceived(Message("DWLD"_what));
+  EXPECT_TRUE(Wait([&] { return panels().size() == 2; }));
+  QFileDialog* save = panels()[0];
+  QFileDialog* folder = panels()[1];
+  window_->MessageReceived(Message("UPLD"_what));
+  EXPECT_EQ(panels().size(), 3);
+  for (const QFileDialog* panel : panels()) EXPECT_FALSE(panel->isModal());
+  auto* upload = window_->findChild<UploadPanel*>();
+  link_->SetPath("/elsewhere");  // too late to change where it goes
+  List({File("up")});
+  Q_EMIT upload->Chosen({"/l/up"});
+  ASSERT_TRUE(Begins());
+  EXPECT_EQ(transfers_[0]->description.remoteDirectory, "/pub");
+  EXPECT_FALSE(transfers_[0]->description.download);
+  save->setDirectory(folder_.path());
+  auto* name = save->findChild<QLineEdit*>();
   name->setText("other name");
   QTest::keyClick(name, Qt::Key_Return);
-  ASSERT_EQ(transfers_.size(), 1U);
-  const transferStruct& description = transfers_[0]->description;
+  ASSERT_TRUE(Begins(1));
+  const transferStruct& description = transfers_[1]->description;
+  EXPECT_EQ(description.remoteDirectory, "/pub");
   EXPECT_EQ(description.targetFolder, folder_.path().toStdString());
   EXPECT_EQ(description.items[0].name, "text");
   EXPECT_EQ(description.items[0].displayName, "other name");
+  Q_EMIT folder->fileSelected(folder_.path());
+  ASSERT_TRUE(Begins(2));
+  EXPECT_EQ(transfers_[2]->description.items.size(), 2U);
 }
 
-TEST_F(Browser, DoubleClickEntersADirectoryUnlessDisabled) {
-  List({File("pub", kDirectorySize)});
+// A double click that comes twice must not enter the directory of that name in the new one too.
+TEST_F(Browser, RequestsWaitForTheListingAndCarryTheirDirectory) {
+  link_->SetPath("/pub");
+  List({File("src", kDirectorySize)});
   const QPoint row = View().visualRect(View().Rows().index(2, DirListModel::kName)).center();
   const auto doubleClick = [&] {
     QTest::mouseClick(View().viewport(), Qt::LeftButton, {}, row);
     QTest::mouseDClick(View().viewport(), Qt::LeftButton, {}, row);
   };
-  View().SelectRow(2);
   View().DisableAll();
   doubleClick();
   View().EnableAll();
-  Command(Qt::Key_Up);
+  looper_->busy = true;
   doubleClick();
-  EXPECT_TRUE(Asks("PCHN cwd=..\nPCHN cwd=pub")) << looper_->Asked();
+  doubleClick();
+  QTest::keyClick(&View(), Qt::Key_Return);
+  for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Period, Qt::Key_F, Qt::Key_T, Qt::Key_U}) {
+    Command(key);
+  }
+  EXPECT_TRUE(Asks("PCHN cwd=src path=/pub")) << looper_->Asked();
+  EXPECT_TRUE(alerts_.empty() && !IsReady() && window_->findChild<QFileDialog*>() == nullptr);
+  link_->BeginListing();
+  link_->SetPath("/pub/src");
+  looper_->Finish("PCHN"_what);
+  QApplication::processEvents();
+  EXPECT_FALSE(IsReady()) << "the listing has not ended";
+  link_->PostMessage(With("GERR"_what, "warning", "The listing could not be shown."));
+  EXPECT_TRUE(Wait([&] { return IsReady(); }));
+  looper_->busy = false;
+  Command(Qt::Key_F);
+  EXPECT_TRUE(Asks("VWDR path=/pub/src")) << looper_->Asked();
+  Command(Qt::Key_Up);
+  EXPECT_TRUE(Asks("PCHN cwd=.. path=/pub/src")) << looper_->Asked();
+}
+
+TEST_F(Browser, BeforeTheFirstListingNothingIsAskedOfTheWrongDirectory) {
+  busy_ = true;
+  Message open = With("OPNC"_what, "host", "second.test");
+  open.AddString("path", "/start");
+  app_->PostMessage(open);
+  MWindow& second = *app_->WindowList().back();
+  EXPECT_FALSE(second.findChild<QPushButton*>("upload")->isEnabled());
+  QMimeData data;
+  data.setData("text/uri-list", "file:///a");
+  QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+  QApplication::sendEvent(&second, &drop);
+  EXPECT_FALSE(drop.isAccepted() || !transfers_.empty());
+  second.MessageReceived(Message("NWST"_what));
+  EXPECT_EQ(app_->Editor()->findChild<QLineEdit*>("Path")->text(), "/start");
+}
+
+TEST_F(Browser, ALateAnswerLeavesTheSelectionAlone) {
+  List({File("asked"), File("chosen")});
+  View().SelectRow(3);
+  window_->MessageReceived(With("DWLD"_what, "FileName", "asked"));
+  ASSERT_TRUE(Begins());
+  EXPECT_EQ(transfers_[0]->description.items.at(0).name, "asked");
+  EXPECT_EQ(Selected(), "chosen");
 }
 
 TEST_F(Browser, PathFieldSendsWhatWasTypedOrTheBytesThatCame) {
   const std::string latin = "/gr\xFC\xDF";
   link_->SetPath(latin);
-  ASSERT_TRUE(Wait([&] { return window_->CurrentDirectory() == latin; }));
+  ASSERT_TRUE(Wait([&] { return window_->Session().CurrentDirectory() == latin; }));
   auto* path = window_->findChild<QLineEdit*>("Path");
   path->setFocus();
   QTest::keyClick(path, Qt::Key_Return);
@@ -191,9 +295,44 @@ TEST_F(Browser, PathFieldSendsWhatWasTypedOrTheBytesThatCame) {
   QTest::keyClick(path, Qt::Key_Return);
   path->clear();
   QTest::keyClick(path, Qt::Key_Return);
-  Command(Qt::Key_Period);
-  EXPECT_TRUE(Asks("PCHN cwd=" + latin + "\nPCHN cwd=/pub/\xC3\xBC\nPCHN cwd=."))
+  const std::string from = " path=" + latin;
+  EXPECT_TRUE(Asks("PCHN cwd=" + latin + from + "\nPCHN cwd=/pub/\xC3\xBC" + from))
       << looper_->Asked();
+}
+
+// Asked of the window: what runs, and whether that makes it ask before it closes.
+TEST_F(Browser, ClosingAsksBeforeItEndsADeletion) {
+  List({File("a")});
+  View().SelectRow(2);
+  looper_->busy = true;
+  Command(Qt::Key_T);
+  EXPECT_TRUE(Asks("DELE path= name=a")) << looper_->Asked();
+  button_ = 1;
+  window_->close();
+  app_->QuitRequested();
+  QApplication::processEvents();
+  ASSERT_EQ(alerts_.size(), 3U);
+  EXPECT_EQ(alerts_[1].preset + alerts_[2].preset, 2);
+  EXPECT_EQ(alerts_[2].detail, "Entries on server.test are still being deleted.");
+  ASSERT_FALSE(window_.isNull() || app_->Quitting());
+  looper_->Finish("DELE"_what);
+  EXPECT_TRUE(Wait([&] { return window_->WouldEnd().isEmpty(); }));
+  window_->close();
+  EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
+  EXPECT_EQ(alerts_.size(), 3U);
+}
+
+TEST_F(Browser, WindowsOfItsOwnStandOnTheScreen) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  window_->setGeometry(screen.right() - 500, screen.bottom() - 460, 480, 450);
+  window_->MessageReceived(Message("SHLG"_what));
+  const auto viewer = link_->OpenViewer("v");
+  EXPECT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));
+  for (const QWidget* each : std::initializer_list<QWidget*>{window_->findChild<MViewFile*>(),
+                                                             window_->findChild<WindowLog*>()}) {
+    const QRect place = each->geometry();
+    EXPECT_TRUE(screen.contains(place)) << place.right() << " " << place.bottom();
+  }
 }
 
 TEST_F(Browser, WarningsLeaveTheWindowAndFatalErrorsCloseIt) {

@@ -2,6 +2,7 @@
 #include <QPlainTextEdit>
 
 #include "AppFixture.h"
+#include "app/browser/BrowserCommands.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/NewDir.h"
 #include "app/browser/RenameWin.h"
@@ -53,6 +54,25 @@ TEST_F(Commands, AreEnabledByTheFirstSelectedRow) {
     View().SelectRow(row);
     EXPECT_EQ(View().SetupPopUpMenu()->actions().at(1)->isEnabled(), usable);
   }
+}
+
+// Each row of the manual's table is one or more keys, and what they do.
+TEST_F(Commands, HaveTheKeysThatTheManualNames) {
+  QFile manual(CORVANE_DOCS "/keys.md");
+  ASSERT_TRUE(manual.open(QFile::ReadOnly));
+  const QString section = QString(manual.readAll()).section("## ", 2, 2);
+  QStringList written;
+  for (const QString& line : section.split('\n')) {
+    const QString keys = line.section('|', 1, 1).trimmed();
+    if (keys.startsWith("Ctrl+")) written << keys;
+  }
+  QStringList known;
+  for (const QString& line : BrowserCommands::Keys().split('\n', Qt::SkipEmptyParts)) {
+    known << line.section('\t', 0, 0).replace("Del", "Delete").replace("Deleteete", "Delete");
+  }
+  written.sort();
+  known.sort();
+  EXPECT_EQ(written.join('\n').toStdString(), known.join('\n').toStdString());
 }
 
 TEST_F(Commands, DeleteAsksFirstAndSparesTheDots) {
@@ -115,11 +135,10 @@ TEST_F(Commands, TheListingWaitsForANewDirectory) {
     auto* field = window_->findChild<NewDir*>()->findChild<QLineEdit*>();
     field->setText(name);
     QTest::keyClick(field, Qt::Key_Return);
-    EXPECT_EQ(View().IsEnabled(), *name == '\0');
+    EXPECT_EQ(IsReady(), *name == '\0');
   }
-  EXPECT_TRUE(Asks("MKDR path=/pub name=new"));
-  link_->PostMessage(Message("ENBL"_what));
-  EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
+  EXPECT_TRUE(Asks("MKDR name=new path=/pub"));
+  EXPECT_TRUE(Wait([&] { return IsReady(); }));
 }
 
 TEST_F(Commands, FilesAndFoldersAreChosenTogetherForUpload) {
@@ -168,11 +187,14 @@ TEST_F(Commands, OffersToConnectAgain) {
 TEST_F(Commands, OffersTheOtherKindOfDataConnection) {
   Message warning = With("GERR"_what, "warning", "no way");
   warning.AddBool("passive", false);
+  const QRect frame(60, 50, 500, 460);
+  window_->setGeometry(frame);
   link_->PostMessage(warning);
   EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
   ASSERT_EQ(connections_.size(), 2U);
   EXPECT_TRUE(connections_[1].passive);
   EXPECT_EQ(connections_[1].host + connections_[1].path, "server.test/pub");
+  EXPECT_EQ(app_->WindowList().back()->geometry(), frame);
 }
 
 TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {

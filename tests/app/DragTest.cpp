@@ -6,6 +6,7 @@
 #include <QMimeData>
 
 #include "AppFixture.h"
+#include "app/browser/BrowserTransfers.h"
 #include "app/browser/DragData.h"
 #include "app/browser/ExtractService.h"
 
@@ -43,29 +44,28 @@ TEST_F(Drag, RowsButTheDotsCanBePulledWithTheLeftButton) {
   ASSERT_TRUE(Pull(3));
   List({File("new")});  // too late to change what is dragged
   Q_EMIT Panel()->fileSelected(folder_.path());
-  ASSERT_EQ(transfers_.size(), 1U);
+  ASSERT_TRUE(Begins());
   std::string names;
   for (const fileStruct& item : transfers_[0]->description.items) names += item.name + " ";
   EXPECT_EQ(names, "dir one two ");
 }
 
 TEST_F(Drag, AFolderIsDownloadedIntoOnlyWhenItIsThere) {
-  DownloadRequest request;
-  request.items.push_back(File("one"));
+  BrowserTransfers::Chosen request = window_->Transfers().Named("one");
   const std::string folder = folder_.path().toStdString();
   ASSERT_TRUE(QFile(folder_.filePath("file")).open(QFile::WriteOnly));
   for (const char* wrong : {"/missing", "/file"}) {
     const std::size_t alerts = alerts_.size();
-    window_->DownloadInto(folder + wrong, request);
+    window_->Transfers().DownloadInto(folder + wrong, request);
     EXPECT_TRUE(Wait([&] { return alerts_.size() == alerts + 1; })) << wrong;
   }
   EXPECT_TRUE(transfers_.empty());
-  window_->DownloadInto(folder, request);
+  window_->Transfers().DownloadInto(folder, request);
   ASSERT_TRUE(Wait([&] { return transfers_.size() == 1; }));
   EXPECT_EQ(transfers_[0]->description.targetFolder, folder);
   ASSERT_TRUE(Panel().isNull());
-  request.items[0].name = "a/b";  // the panel can give it another name
-  window_->DownloadInto(folder, request);
+  request.entries[0].local = "a/b";  // the panel can give it another name
+  window_->Transfers().DownloadInto(folder, request);
   EXPECT_FALSE(Panel().isNull());
 }
 

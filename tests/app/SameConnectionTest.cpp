@@ -11,8 +11,10 @@ class SameConnection : public AppFixture {
     window_->findChild<QCheckBox*>("SameCon")->setChecked(true);
   }
   void Download() {
+    const std::size_t before = transfers_.size() + here_.size();
     View().SelectRow(2);
     Command(Qt::Key_D);
+    EXPECT_TRUE(noEngine_ || Begins(before));
   }
   [[nodiscard]] QString Shown(const char* view) const {
     return window_->findChild<QLabel*>(view)->text();
@@ -34,7 +36,9 @@ TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
     View().SelectRow(3);  // must not bring the commands back
     const std::size_t begun = here_.size();
     Command(Qt::Key_D);
+    alerts_.clear();
     window_->MessageReceived(With("DWLD"_what, "FileName", "other"));
+    EXPECT_TRUE(Wait([&] { return alerts_.size() == 1; })) << "the connection is in use";
     EXPECT_EQ(here_.size(), begun);
     row.BeginFile("file");
     row.Progress().files = 7;
@@ -55,13 +59,20 @@ TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
   EXPECT_TRUE(transfers_.empty());
   noEngine_ = true;
   Download();
-  EXPECT_FALSE(View().IsEnabled());
+  EXPECT_TRUE(Wait([&] { return Shown("FileName").contains("No engine."); }));
   EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
 }
 
-TEST_F(SameConnection, ClosingTheWindowCancels) {
+TEST_F(SameConnection, ClosingTheWindowAsksAndCancels) {
   Download();
+  button_ = 1;
   window_->close();
+  QApplication::processEvents();
+  ASSERT_FALSE(window_.isNull() || here_[0]->Cancelled());
+  button_ = 0;
+  window_->close();
+  QApplication::processEvents();
+  EXPECT_EQ(alerts_.size(), 2U);
   EXPECT_TRUE(here_[0]->Cancelled());
   EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
   EXPECT_FALSE(here_[0]->row->SetEndState(TransferEnd::Cancelled, ""));

@@ -1,6 +1,7 @@
 #include <QTreeWidget>
 
 #include "AppFixture.h"
+#include "app/browser/BrowserSession.h"
 #include "app/connect/ShortCutEditWindow.h"
 #include "app/connect/ShortCutWindow.h"
 #include "app/connect/ShortcutField.h"
@@ -115,7 +116,7 @@ TEST_F(Shortcuts, CopiesUrlsWithTheirPortAtTheEnd) {
 
 TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
   link_->SetPath("/pub/\xFC");
-  EXPECT_TRUE(Wait([&] { return window_->CurrentDirectory() == "/pub/\xFC"; }));
+  EXPECT_TRUE(Wait([&] { return window_->Session().CurrentDirectory() == "/pub/\xFC"; }));
   PutInFront(*window_);
   Command(Qt::Key_S);
   ASSERT_FALSE(app_->Editor().isNull());

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "AppFixture.h"
+#include "app/browser/BrowserSession.h"
 #include "app/desktop/Reveal.h"
 
 namespace corvane {
@@ -17,7 +18,7 @@ class Transfers : public AppFixture {
 
   TransferItem& Start(const std::string& host = "server.test", const std::string& name = "file") {
     DownloadRequest request;
-    request.listener.noted = [this](std::string_view line) { window_->LogLater(line); };
+    request.listener.noted = [this](std::string_view line) { window_->Session().Log(line); };
     request.connection.host = host;
     request.where = "/d";
     request.size = 1000;

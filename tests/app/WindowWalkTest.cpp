@@ -63,6 +63,7 @@ class WindowWalk : public AppFixture {
     }
     window_->findChild<QCheckBox*>("SameCon")->setChecked(true);
     Command(Qt::Key_D);
+    EXPECT_TRUE(Wait([&] { return !here_.empty(); }));
     here_.back()->row->SetEndState(TransferEnd::Failed, "Cancelled.");
     const auto& running = app_->Transfers();
     EXPECT_TRUE(Wait([&] { return running.RunningCount() == 1 && View().IsEnabled(); }));

@@ -188,9 +188,9 @@ TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
   w.server.On("MKD", {.reply = "550 It already exists.\r\n"});
   w.Post("MKDR"_what, "name", "new", "/pub");
   EXPECT_TRUE(w.Warned(4));
-  const auto answered = [&w] {
-    return std::ranges::count(w.browser->Seen().messages, Message("ENBL"_what)) == 2;
-  };
+  Message done("DONE"_what);
+  done.AddInt32("request", static_cast<std::int32_t>("MKDR"_what));
+  const auto answered = [&] { return std::ranges::count(w.browser->Seen().messages, done) == 2; };
   EXPECT_TRUE(WaitFor(answered));
 }
 

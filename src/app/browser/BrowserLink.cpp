@@ -3,8 +3,9 @@
 #include <QElapsedTimer>
 #include <utility>
 
+#include "app/browser/BrowserEvents.h"
+#include "app/browser/BrowserSession.h"
 #include "app/browser/MViewFile.h"
-#include "app/browser/MWindow.h"
 #include "app/shared/GuiThread.h"
 #include "app/shared/SoundPlayer.h"
 
@@ -25,7 +26,7 @@ Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 }  // namespace
 
-BrowserLink::BrowserLink(MWindow& window) : window_(&window) {}
+BrowserLink::BrowserLink(BrowserSession& session) : session_(&session) {}
 
 bool BrowserLink::SetStatus(std::string_view text) {
   return Push(Status{std::string(text)});
@@ -141,7 +142,7 @@ void BrowserLink::Hop() {
 void BrowserLink::Drain() {
   QElapsedTimer turn;
   turn.start();
-  for (bool first = true; !closing_ && !window_.isNull(); first = false) {
+  for (bool first = true; !closing_ && !session_.isNull(); first = false) {
     Event event;
     {
       MutexLock hold(lock_);
@@ -155,21 +156,22 @@ void BrowserLink::Drain() {
       event = std::move(events_.front());
       events_.pop_front();
     }
-    MWindow& window = *window_;
+    BrowserSession& session = *session_;
+    BrowserEvents& window = session.Window();
     std::visit(Overloaded{[&](const Status& it) { window.ShowStatus(it.text); },
                           [&](const Log& it) { window.AppendLog(it.text); },
-                          [&](const Path& it) { window.ShowPath(it.path); },
-                          [&](const Begin&) { window.GetRidofListing(); },
+                          [&](const Path& it) { session.Entered(it.path); },
+                          [&](const Begin&) { session.ListingBegan(); },
                           [&](Rows& it) { window.AddRows(std::move(it.items)); },
-                          [&](const End& it) { window.ListingEnded(it.count); },
+                          [&](const End& it) { session.ListingEnded(it.count); },
                           [&](const Remove& it) { window.RemoveRow(it.name); },
                           [&](const Rename& it) { window.RenameRow(it.from, it.to, it.directory); },
                           [&](const Change& it) { window.ChangeValues(it.name, it.size); },
                           [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },
-                          [&](const Message& it) { window.MessageReceived(it); }},
+                          [&](const Message& it) { session.MessageReceived(it); }},
                event);
   }
-  if (!closing_ && !window_.isNull()) Hop();
+  if (!closing_ && !session_.isNull()) Hop();
 }
 
 }  // namespace corvane

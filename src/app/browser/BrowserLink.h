@@ -18,18 +18,18 @@
 
 namespace corvane {
 
-class MWindow;
+class BrowserSession;
 class ViewerLink;
 
 /// A browser window as its connection sees it. Outlives the window: looper and workers share it.
-/// What arrives is collected here, in order, and handed to the window once per turn of its event
-/// loop, a bounded piece at a time, so that no listing keeps the window from answering.
+/// What arrives is collected here, in order, and handed to the window's session once per turn of
+/// the event loop, a bounded piece at a time, so that no listing keeps the window from answering.
 class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<BrowserLink> {
  public:
   /// GUI thread.
-  explicit BrowserLink(MWindow& window);
+  explicit BrowserLink(BrowserSession& session);
 
-  /// GUI thread: from now on every call answers false and nothing reaches the window.
+  /// GUI thread: from now on every call returns false and nothing reaches the window.
   void Close() { closing_ = true; }
   /// GUI thread.
   void SetListingEnabled(bool enabled) { listingEnabled_ = enabled; }
@@ -92,7 +92,7 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   [[nodiscard]] std::shared_ptr<const EntryAttributes> Shared(EntryAttributes attributes)
       REQUIRES(lock_);
 
-  const QPointer<MWindow> window_;  // looked at on the GUI thread only
+  const QPointer<BrowserSession> session_;  // looked at on the GUI thread only
   std::atomic<bool> closing_{false};
   std::atomic<bool> listingEnabled_{true};
   Mutex lock_;

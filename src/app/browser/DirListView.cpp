@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "app/browser/BrowserCommands.h"
 #include "app/browser/DirListHeader.h"
 #include "app/shared/ScreenText.h"
 
@@ -178,7 +179,7 @@ void DirListView::EnableAll() {
 }
 
 void DirListView::Invoke() {
-  if (enabled_ && FirstSelected() >= 0) Q_EMIT Requested(Message("SNGL"_what));
+  if (enabled_ && ready_ && FirstSelected() >= 0) Q_EMIT Invoked();
 }
 
 void DirListView::TypeAhead(char key, quint64 milliseconds) {
@@ -230,34 +231,11 @@ void DirListView::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 QMenu* DirListView::SetupPopUpMenu() {
-  auto* menu = new QMenu(this);
-  menu->setObjectName("PopUpMenu");
-  const auto add = [&](const QString& text, const char* key, const Message& message) {
-    QAction* action =
-        menu->addAction(text + '\t' + QKeySequence(key).toString(QKeySequence::NativeText));
-    connect(action, &QAction::triggered, this, [this, message] { Q_EMIT Requested(message); });
-    return action;
-  };
-  const auto changeDir = [](const char* where) {
-    Message message("PCHN"_what);
-    message.AddString("cwd", where);
-    return message;
-  };
   const int first = FirstSelected();
-  add(tr("Copy URL"), "Ctrl+C", Message("COPY"_what));
-  add(tr("View File"), "Ctrl+L", Message("VWFL"_what))
-      ->setEnabled(first >= 0 && model_->At(first).Type() == kFile);
-  menu->addSeparator();
-  add(tr("Parent Dir"), "Ctrl+E", changeDir(".."));
-  add(tr("Refresh Listing"), "Ctrl+.", changeDir("."));
-  menu->addSeparator();
-  add(tr("Download"), "Ctrl+D", Message("DWLD"_what));
-  add(tr("Rename"), "Ctrl+E", Message("RNFW"_what));
-  add(tr("Delete"), "Ctrl+T", Message("DELE"_what));
-  add(tr("Create Dir"), "Ctrl+M", Message("MKDR"_what));
-  menu->addSeparator();
-  add(tr("Add Shortcut"), "Ctrl+S", Message("NWST"_what));
-  return menu;
+  const CommandState state{.ready = enabled_ && ready_,
+                           .selected = first < 0 ? 0 : model_->At(first).Type()};
+  return BrowserCommands::MakePopUp(
+      this, state, [this](const BrowserCommand& command) { Q_EMIT Chosen(command); });
 }
 
 void DirListView::resizeEvent(QResizeEvent* event) {
@@ -288,7 +266,7 @@ void DirListView::ShowInfo() {
   show(permissions_, tr("Perm: "), shown.permissions);
   show(user_, tr("User: "), shown.owner);
   show(group_, tr("Group: "), shown.group);
-  Q_EMIT SelectionChanged(usable && enabled_);
+  Q_EMIT SelectionChanged();
 }
 
 }  // namespace corvane

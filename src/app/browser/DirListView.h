@@ -8,13 +8,14 @@
 #include <vector>
 
 #include "app/browser/DirListModel.h"
-#include "kit/Message.h"
 
 class QGroupBox;
 class QLabel;
 class QMenu;
 
 namespace corvane {
+
+struct BrowserCommand;
 
 /// The remote directory of one browser window. GUI thread.
 class DirListView : public QTreeView {
@@ -52,16 +53,20 @@ class DirListView : public QTreeView {
   void EnableAll();
   [[nodiscard]] bool IsEnabled() const { return enabled_; }
 
-  /// A new menu for the selection; the caller owns it. Its items come back through Requested.
+  /// Whether the connection takes requests; rows are opened only then.
+  void SetReady(bool ready) { ready_ = ready; }
+
+  /// A new menu for the selection; the caller owns it. Its items come back through Chosen.
   [[nodiscard]] QMenu* SetupPopUpMenu();
 
   [[nodiscard]] QSize sizeHint() const override;
 
  Q_SIGNALS:
-  /// A command for the browser window.
-  void Requested(const corvane::Message& message);
-  /// `usable`: the first selected row is an entry that can be downloaded.
-  void SelectionChanged(bool usable);
+  /// The first selected row is to be opened.
+  void Invoked();
+  /// A command of the pop-up menu.
+  void Chosen(const corvane::BrowserCommand& command);
+  void SelectionChanged();
   void EnabledChanged(bool enabled);
   /// The selected rows are being pulled, with the pointer on `row`, which is one of them.
   void DragBegins(int row);
@@ -93,6 +98,7 @@ class DirListView : public QTreeView {
   int sortColumn_ = DirListModel::kName;
   Qt::SortOrder sortOrder_ = Qt::AscendingOrder;
   bool enabled_ = true;
+  bool ready_ = false;
 };
 
 }  // namespace corvane

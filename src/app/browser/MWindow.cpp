@@ -3,26 +3,29 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
-#include <QLabel>
+#include <QDragEnterEvent>
 #include <QLineEdit>
-#include <ctime>
+#include <QMenuBar>
+#include <QMimeData>
 #include <utility>
 
+#include "app/browser/BrowserAlerts.h"
+#include "app/browser/BrowserCommands.h"
 #include "app/browser/BrowserHost.h"
-#include "app/browser/BrowserLink.h"
+#include "app/browser/BrowserSession.h"
+#include "app/browser/BrowserTransfers.h"
+#include "app/browser/BrowserView.h"
 #include "app/browser/DirListView.h"
+#include "app/browser/DragData.h"
+#include "app/browser/EntryCommands.h"
+#include "app/browser/LocalDrop.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/WindowLog.h"
-#include "app/shared/Alerts.h"
 #include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
-#include "app/shared/SmallView.h"
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
-#include "ftp/MFtp.h"
-#include "net/NLException.h"
-#include "util/Shortcut.h"
 
 namespace corvane {
 namespace {
@@ -32,273 +35,278 @@ std::string WithoutTrailingSlash(std::string path) {
   return path;
 }
 
-std::tm LocalTimeNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  return local;
-}
-
 }  // namespace
 
 MWindow::MWindow(BrowserHost& app, const QRect& frame, Connection connection)
-    : app_(app), connection_(std::move(connection)), link_(std::make_shared<BrowserLink>(*this)) {
+    : app_(app), session_(std::make_unique<BrowserSession>(*this, std::move(connection))) {
+  const QString host = ToText(session_->To().host);
   setAttribute(Qt::WA_DeleteOnClose);
-  setWindowTitle(tr("Connected To: %1").arg(ToText(connection_.host)));
+  setWindowTitle(tr("Connected To: %1").arg(host));
   setMaximumSize(4000, 4000);
   setGeometry(frame);
-  log_ = new WindowLog(this, tr("Log Window: %1").arg(ToText(connection_.host)));
-  MakeViews();
+  log_ = new WindowLog(this, tr("Log Window: %1").arg(host));
+  alerts_ = new BrowserAlerts(app_, *this);
+  entries_ = new EntryCommands(*this);
+  transfers_ = new BrowserTransfers(app_, *this);
+  MakeView();
   MakeMenus();
-  SetLeastSize();
-  StartLooper();
+  view_->SetLeastHeight(menuBar()->sizeHint().height());
+  setMinimumWidth(420);
+  session_->Begin(app_.Workers());
 }
 
 MWindow::~MWindow() {
   // The base class still moves the focus and takes the views apart.
   qApp->disconnect(this);
-  listing_->disconnect(this);
+  view_->Listing().disconnect(this);
   Disconnect();
-  Frames::Keep(kConnectionFrame, *this);
+  if (!closed_) Frames::Keep(kConnectionFrame, *this);
 }
 
-void MWindow::StartLooper() {
-  try {
-    looper_ = app_.Workers().looper(connection_, link_);
-  } catch (const NLException& error) {
-    FailToStart(Translated(ToText(Reason(error))));
-    return;
-  }
-  Message connect("CNNT"_what);
-  connect.AddString("host", connection_.host);
-  connect.AddString("user", connection_.user);
-  connect.AddString("pass", connection_.pass);
-  connect.AddString("path", connection_.path);
-  connect.AddDouble("port", connection_.port);
-  if (!looper_->Run() || !looper_->PostMessage(std::move(connect))) {
-    FailToStart(tr("The system has no thread to give."));
+void MWindow::MakeView() {
+  view_ = new BrowserView(this, app_.MakeTransferView(this));
+  setCentralWidget(view_);
+  view_->Path().setText(ToText(session_->To().path));
+  view_->Path().installEventFilter(this);
+  setAcceptDrops(true);
+  DirListView* listing = &view_->Listing();
+  connect(&view_->Path(), &QLineEdit::returnPressed, this, &MWindow::PathEntered);
+  connect(view_, &BrowserView::DownloadPressed, this,
+          [this] { MessageReceived(Message("DWLD"_what)); });
+  connect(view_, &BrowserView::UploadPressed, this,
+          [this] { MessageReceived(Message("UPLD"_what)); });
+  connect(listing, &DirListView::Invoked, this, [this] { MessageReceived(Message("SNGL"_what)); });
+  connect(listing, &DirListView::Chosen, this, &MWindow::RunCommand);
+  connect(listing, &DirListView::SelectionChanged, this, &MWindow::MenusBeginning);
+  connect(listing, &DirListView::EnabledChanged, this, &MWindow::ListingEnabled);
+  connect(listing, &DirListView::DragBegins, transfers_, &BrowserTransfers::DragRows);
+  connect(&view_->Transfer(), &TransferView::Settled, this, &MWindow::TransferSettled);
+  connect(session_.get(), &BrowserSession::ReadyChanged, this, &MWindow::MenusBeginning);
+  connect(qApp, &QApplication::focusChanged, this, [this, listing](QWidget*, QWidget* now) {
+    if (now != &view_->Path() && now != listing) return;
+    lastFocus_ = now;
+    MenusBeginning();
+  });
+}
+
+void MWindow::MakeMenus() {
+  menuBar()->setObjectName("MenuBar");
+  commands_ = new BrowserCommands(
+      *menuBar(), [this](const BrowserCommand& command) { RunCommand(command); },
+      [this](QMenu& menu, int fixed) { AddWindowItems(menu, fixed, app_.BrowserWindows(), this); });
+  commands_->setParent(this);
+  connect(commands_, &BrowserCommands::MenusBeginning, this, &MWindow::MenusBeginning);
+  MenusBeginning();
+}
+
+void MWindow::RunCommand(const BrowserCommand& command) {
+  switch (command.target) {
+    case BrowserCommand::Target::Window: MessageReceived(Message(command.code)); break;
+    case BrowserCommand::Target::Connection: session_->ChangeDirectory(command.where); break;
+    case BrowserCommand::Target::Program: app_.PostMessage(Message(command.code)); break;
   }
 }
 
-// The alert comes once the window stands.
-void MWindow::FailToStart(const QString& why) {
-  Message error("FERR"_what);
-  error.AddString("error", tr("The connection could not be begun.").toStdString());
-  error.AddString("detail", why.toStdString());
-  link_->PostMessage(std::move(error));
+void MWindow::MenusBeginning() {
+  if (commands_ == nullptr) return;
+  const DirListView& listing = view_->Listing();
+  const int row = listing.FirstSelected();
+  const bool ready = session_->IsReady() && listing.IsEnabled();
+  commands_->Update({.ready = ready,
+                     .selected = row < 0 ? 0 : listing.Rows().At(row).Type(),
+                     .pathUsed = lastFocus_ == &view_->Path(),
+                     .anyUsed = !lastFocus_.isNull()});
+  view_->SetUsable(ready, listing.IsEnabled());
+}
+
+void MWindow::ListingEnabled(bool enabled) {
+  session_->SetListingEnabled(enabled);
+  commands_->SetCommandsEnabled(enabled);
+  MenusBeginning();
+}
+
+DirListView& MWindow::Listing() {
+  return view_->Listing();
+}
+
+bool MWindow::IsTransferring() const {
+  return view_->Transfer().Running();
+}
+
+QString MWindow::WouldEnd() const {
+  const QString host = ToText(session_->To().host);
+  if (IsTransferring()) return tr("A transfer runs on the connection to %1.").arg(host);
+  if (session_->IsDeleting()) return tr("Entries on %1 are still being deleted.").arg(host);
+  return {};
 }
 
 void MWindow::Disconnect() {
-  link_->Close();
-  pane_->LetGo();
-  if (looper_ != nullptr) looper_->Quit();
-  looper_.reset();
+  view_->Transfer().LetGo();
+  session_->End();
 }
 
+void MWindow::CloseNow() {
+  mayClose_ = true;
+  close();
+}
+
+// The frame is kept at once: a window that is opened in place of this one stands there.
 void MWindow::closeEvent(QCloseEvent* event) {
+  if (const QString running = WouldEnd(); !mayClose_ && !running.isEmpty()) {
+    event->ignore();
+    return alerts_->AskToClose(running);
+  }
+  closed_ = true;
+  Frames::Keep(kConnectionFrame, *this);
   hide();
   Disconnect();
   event->accept();
 }
 
-bool MWindow::SendToLooper(const Message& message) {
-  if (looper_ != nullptr && looper_->PostMessage(message)) return true;
-  // A full queue means a hundred requests are waiting; one more would not be noticed.
-  QApplication::beep();
-  return false;
-}
-
 void MWindow::MessageReceived(const Message& message) {
   switch (message.what) {
-    case "PCHN"_what:
-      if (message.FindString("cwd").has_value()) {
-        SendToLooper(message);
-      } else {
-        ChangeDirectory();
-      }
-      break;
+    case "PCHN"_what: ChangeDirectory(); break;
     case "NWST"_what: AddShortcut(); break;
-    case "DELE"_what: DeleteRequested(); break;
-    case "MKDR"_what: ShowNewDir(); break;
-    case "CRDR"_what: CreateDirectory(); break;
-    case "RNFW"_what: ShowRename(); break;
-    case "RNFL"_what: RenameRequested(); break;
-    case "VWFL"_what: ViewFile(); break;
-    case "VWDR"_what: SendToLooper(message); break;
-    case "ENBL"_what:
-      if (!IsTransferring()) listing_->EnableAll();
-      break;
+    case "DELE"_what: entries_->Delete(); break;
+    case "MKDR"_what: entries_->ShowNewDir(); break;
+    case "RNFW"_what: entries_->ShowRename(); break;
+    case "VWFL"_what: entries_->ViewFile(); break;
+    case "VWDR"_what: session_->Send(Message("VWDR"_what)); break;
     case "SNGL"_what: OpenSelected(); break;
     case "DWLD"_what: DownloadRequested(message); break;
-    case "UPLD"_what: ChooseUploads(); break;
+    case "UPLD"_what: transfers_->ChooseUploads(); break;
     case "COPY"_what: CopySelected(); break;
     case "SALL"_what: SelectEverything(); break;
     case "ADDI"_what: FinishedUpload(message); break;
-    case "FERR"_what: FatalError(message); break;
-    case "GERR"_what:
-      if (const auto passive = message.FindBool("passive")) {
-        OfferOtherMode(message, *passive);
-      } else {
-        Warn(Translated(ToLines(message.FindString("warning").value_or(""))), tr("Warning"));
-      }
-      break;
-    case "LOST"_what:
-      OfferToConnect(Translated(ToLines(message.FindString("warning").value_or(""))));
-      break;
-    case "TMOT"_what:
-      closingForError_ = true;
-      close();
-      break;
+    case "FERR"_what: alerts_->FatalError(message); break;
+    case "GERR"_what: alerts_->Warned(message); break;
+    case "LOST"_what: alerts_->Lost(message); break;
+    case "TMOT"_what: CloseNow(); break;
     case "SHLG"_what: log_->BringForward(); break;
     case "SHWD"_what: BringForward(this); break;
+    case "_QRQ"_what: close(); break;
     default: break;
   }
 }
 
-void MWindow::FatalError(const Message& message) {
-  const QString text = Translated(ToLines(message.FindString("error").value_or("")));
-  const QString detail = Translated(ToLines(message.FindString("detail").value_or("")));
-  if (connectedOnce_) {
-    return OfferToConnect(detail.isEmpty() ? text : text + '\n' + detail);
-  }
-  if (std::exchange(closingForError_, true)) return;
-  Alerts::Show(
-      this, {.icon = QMessageBox::Critical, .title = tr("Error"), .text = text, .detail = detail},
-      [this](int) { close(); });
-}
-
-// A server that is refused much is not to fill the screen: what comes while some alerts wait for an
-// answer is in the log.
 void MWindow::Warn(const QString& text, const QString& title) {
-  constexpr int kMostAlerts = 3;
-  if (openWarnings_ == kMostAlerts) {
-    log_->Append(text.toStdString() + "\n");
-    return;
-  }
-  ++openWarnings_;
-  Alerts::Show(this, {.title = title, .text = text}, [this](int) { --openWarnings_; });
+  alerts_->Warn(text, title);
 }
 
 void MWindow::ShowStatus(std::string_view text) {
-  status_->setText(Translated(ToText(text)));
-  status_->setToolTip(Harmless(status_->text()));
-  // A label's accessible name stands in for its text, so it holds the text too.
-  status_->setAccessibleName(tr("Status: %1").arg(status_->text()));
+  view_->ShowStatus(Translated(ToText(text)));
 }
 
 void MWindow::AppendLog(std::string_view text) {
   log_->Append(text);
 }
 
-void MWindow::LogLater(std::string_view text) {
-  link_->AppendLog(text);
-}
-
-bool MWindow::IsTransferring() const {
-  return pane_->Running();
-}
-
 void MWindow::ShowPath(std::string_view path) {
-  connectedOnce_ = true;
-  currentDirectory_ = path;
-  // What is being typed stays.
-  if (!path_->hasFocus() || !path_->isModified()) path_->setText(ToText(path));
+  view_->ShowPath(ToText(path));
 }
 
 void MWindow::GetRidofListing() {
-  listing_->clearSelection();
-  listing_->Rows().Clear();
-  count_->SetText(0);
+  view_->ClearListing();
 }
 
 void MWindow::AddRows(std::vector<MWListItem> items) {
-  listing_->Rows().Append(std::move(items));
+  view_->Listing().Rows().Append(std::move(items));
 }
 
 void MWindow::ListingEnded(std::size_t count) {
-  count_->SetText(static_cast<int>(count));
-  listing_->SortByName();
+  view_->ShowCount(count);
+  view_->Listing().SortByName();
+}
+
+void MWindow::RemoveRow(const std::string& name) {
+  view_->RemoveRow(name);
+}
+
+void MWindow::RenameRow(const std::string& from, const std::string& to,
+                        const std::string& directory) {
+  if (directory == session_->CurrentDirectory()) view_->RenameRow(from, to);
+}
+
+void MWindow::ChangeValues(const std::string& name, std::int64_t size) {
+  view_->ChangeValues(name, size);
 }
 
 void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) {
   auto* viewer = new MViewFile(this, Translated(ToText(title)), link);
-  viewer->move(frameGeometry().topLeft() + QPoint(-20, 40));
+  Frames::PutBelow(*viewer, *this);
   viewer->show();
 }
 
-void MWindow::ChangeDirectoryTo(const std::string& name) {
-  Message message("PCHN"_what);
-  message.AddString("cwd", name);
-  SendToLooper(message);
-}
-
 void MWindow::ChangeDirectory() {
-  if (path_->hasFocus() && !path_->text().isEmpty()) {
-    PathEntered();
-    return;
-  }
-  const int row = listing_->FirstSelected();
-  if (row >= 0 && listing_->Rows().At(row).Type() == kDirectory) {
-    ChangeDirectoryTo(listing_->Rows().At(row).Name());
+  if (view_->Path().hasFocus() && !view_->Path().text().isEmpty()) return PathEntered();
+  const DirListView& listing = view_->Listing();
+  const int row = listing.FirstSelected();
+  if (row >= 0 && listing.Rows().At(row).Type() == kDirectory) {
+    session_->ChangeDirectory(listing.Rows().At(row).Name());
   }
 }
 
 void MWindow::PathEntered() {
-  if (path_->text().isEmpty()) return;
-  path_->setModified(false);
+  QLineEdit& path = view_->Path();
+  if (path.text().isEmpty()) return;
+  path.setModified(false);
   ShowStatus("Changing Dir..");
-  ChangeDirectoryTo(EditedBytes(path_->text(), currentDirectory_));
+  session_->ChangeDirectory(EditedBytes(path.text(), session_->CurrentDirectory()));
 }
 
 void MWindow::AddShortcut() {
-  app_.ShowEditor({.label = connection_.host,
-                   .host = connection_.host,
-                   .user = connection_.user,
-                   .pass = connection_.pass,
-                   .path = currentDirectory_,
-                   .port = std::to_string(connection_.port),
-                   .passive = connection_.passive},
+  const Connection& to = session_->To();
+  app_.ShowEditor({.label = to.host,
+                   .host = to.host,
+                   .user = to.user,
+                   .pass = to.pass,
+                   .path = session_->Place(),
+                   .port = std::to_string(to.port),
+                   .passive = to.passive},
                   *this);
 }
 
 void MWindow::OpenSelected() {
-  const int row = listing_->FirstSelected();
+  const DirListView& listing = view_->Listing();
+  const int row = listing.FirstSelected();
   if (row < 0) return;
-  const MWListItem& item = listing_->Rows().At(row);
+  const MWListItem& item = listing.Rows().At(row);
   switch (item.Type()) {
-    case kDirectory: ChangeDirectoryTo(item.Name()); break;
+    case kDirectory: session_->ChangeDirectory(item.Name()); break;
     case kFile: MessageReceived(Message("DWLD"_what)); break;
-    case kLink: {
-      Message message("HSYM"_what);
-      message.AddString("sym", item.Name());
-      SendToLooper(message);
-      break;
-    }
+    case kLink: session_->FollowLink(item.Name()); break;
     default: break;
   }
 }
 
 void MWindow::CopySelected() {
-  if (lastFocus_ == path_) {
-    path_->copy();
-    return;
-  }
+  if (lastFocus_ == &view_->Path()) return view_->Path().copy();
+  DirListView& listing = view_->Listing();
+  const std::string directory = "ftp://" + session_->To().host + session_->CurrentDirectory() + "/";
   QString text;
-  for (const int row : listing_->SelectedRows()) {
-    text += ToText("ftp://" + connection_.host + currentDirectory_ + "/" +
-                   listing_->Rows().At(row).Name()) +
-            '\n';
+  for (const int row : listing.SelectedRows()) {
+    text += ToText(directory + listing.Rows().At(row).Name()) + '\n';
   }
   if (text.isEmpty()) return;
   QApplication::clipboard()->setText(text);
-  listing_->clearSelection();
+  listing.clearSelection();
 }
 
 void MWindow::SelectEverything() {
-  if (lastFocus_ == path_) {
-    path_->selectAll();
+  if (lastFocus_ == &view_->Path()) {
+    view_->Path().selectAll();
   } else {
-    listing_->selectAll();
+    view_->Listing().selectAll();
+  }
+}
+
+// The connection names a row; the user chooses some. What it names may come late, so that what is
+// selected meanwhile stays.
+void MWindow::DownloadRequested(const Message& message) {
+  if (const auto name = message.FindString("FileName"); name.has_value()) {
+    transfers_->Download(transfers_->Named(*name));
+  } else if (view_->Listing().FirstSelected() > 0) {
+    transfers_->Download(transfers_->Selected());
   }
 }
 
@@ -306,21 +314,53 @@ void MWindow::FinishedUpload(const Message& message) {
   const std::string name = message.FindString("FileName").value_or("");
   const std::string path = message.FindString("Path").value_or("");
   const bool isFile = !message.FindString("Type").value_or("").starts_with('d');
-  if (name.empty() || WithoutTrailingSlash(path) != WithoutTrailingSlash(currentDirectory_)) return;
-  const std::int64_t size = isFile ? message.FindInt64("fSize").value_or(0) : kDirectorySize;
-  const int row = listing_->Rows().Find(name);
-  if (row < 0) {
-    fileStruct entry;
-    entry.name = name;
-    entry.type = isFile ? kFile : kDirectory;
-    entry.permissions = isFile ? "-r--r--r--" : "dr-xr--r--";
-    entry.size = size;
-    entry.time = LocalTimeNow();
-    listing_->InsertItem(entry, name);
-    count_->SetText(count_->Count() + 1);
-  } else if (row > 1 && isFile) {
-    listing_->Rows().SetSizeAndTime(row, size, LocalTimeNow());
+  const std::string& shown = session_->CurrentDirectory();
+  if (name.empty() || WithoutTrailingSlash(path) != WithoutTrailingSlash(shown)) return;
+  view_->ShowUploaded(name, isFile, message.FindInt64("fSize").value_or(0));
+}
+
+void MWindow::TransferSettled(const TransferNews& news) {
+  view_->Listing().EnableAll();
+  if (!news.failure.isEmpty()) session_->Log(news.failure.toStdString() + "\n");
+}
+
+bool MWindow::Takes(const QDropEvent& drop) const {
+  const QMimeData& offer = *drop.mimeData();
+  return view_->Listing().IsEnabled() && session_->IsReady() && drop.source() == nullptr &&
+         !offer.hasFormat(DragData::kRows) && offer.hasUrls() &&
+         drop.possibleActions().testFlag(Qt::CopyAction);
+}
+
+// Copying, whatever the source would like: after a move it would delete its files.
+void MWindow::dragEnterEvent(QDragEnterEvent* event) {
+  event->setDropAction(Takes(*event) ? Qt::CopyAction : Qt::IgnoreAction);
+  event->setAccepted(event->dropAction() == Qt::CopyAction);
+}
+
+void MWindow::dragMoveEvent(QDragMoveEvent* event) {
+  event->setDropAction(Takes(*event) ? Qt::CopyAction : Qt::IgnoreAction);
+  event->setAccepted(event->dropAction() == Qt::CopyAction);
+}
+
+void MWindow::dropEvent(QDropEvent* event) {
+  event->ignore();
+  if (!Takes(*event)) return;
+  const LocalDrop drop = LocalDrop::Read(event->mimeData()->data("text/uri-list").toStdString());
+  if (!drop.paths.empty()) {
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    transfers_->Upload(drop.paths);
   }
+  if (const QString complaint = drop.Complaint(); !complaint.isEmpty()) Warn(complaint);
+}
+
+// The path field would take files as text.
+bool MWindow::eventFilter(QObject* object, QEvent* event) {
+  if (event->type() != QEvent::DragEnter) return QMainWindow::eventFilter(object, event);
+  auto* enter = static_cast<QDragEnterEvent*>(event);
+  if (!enter->mimeData()->hasUrls()) return false;
+  enter->ignore();
+  return true;
 }
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
+#include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Windows.h"
 
@@ -39,7 +40,7 @@ void WindowLog::Append(std::string_view text) {
 
 void WindowLog::BringForward() {
   if (!isVisible() && parentWidget() != nullptr) {
-    move(parentWidget()->frameGeometry().topLeft() + QPoint(-20, 40));
+    Frames::PutBelow(*this, *parentWidget());
   }
   corvane::BringForward(this);
 }

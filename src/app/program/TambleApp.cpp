@@ -1,7 +1,6 @@
 #include "app/program/TambleApp.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 #include <algorithm>
@@ -36,7 +35,7 @@ void ChooseDownloadFolder() {
   SettingsValues settings = ProcessSettings::Get();
   if (settings.DwnldDir != "empty") return;
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-  if (folder.isEmpty() || !QDir(folder).exists()) return;
+  if (folder.isEmpty()) return;
   settings.DwnldDir = QFile::encodeName(folder).toStdString();
   ProcessSettings::Set(std::move(settings));
 }
@@ -46,13 +45,13 @@ void ChooseDownloadFolder() {
 TambleApp::TambleApp(WorkerFactory workers) : workers_(std::move(workers)) {}
 
 TambleApp::~TambleApp() {
-  const StoredSettings::GatheredFrames together;
   delete preferences_;
   delete editor_;
   delete shortcuts_;
   while (!windowList_.empty()) delete windowList_.back();
   transfers_.reset();
   start_.reset();
+  frames_.reset();
 }
 
 void TambleApp::ReadyToRun(const std::optional<Message>& open) {
@@ -69,6 +68,7 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
 
 void TambleApp::ReadSettings() {
   unread_ = StoredSettings::ReadAtStart();
+  if (!frames_.has_value()) frames_.emplace();
   ChooseDownloadFolder();
 }
 
@@ -185,15 +185,27 @@ int TambleApp::RunningTransfers() const {
   return transfers_->RunningCount() + static_cast<int>(here);
 }
 
+QStringList TambleApp::RunningDeletions() const {
+  QStringList lines;
+  for (const MWindow* window : windowList_) {
+    if (!window->IsTransferring()) lines.append(window->WouldEnd());
+  }
+  lines.removeAll(QString());
+  return lines;
+}
+
 void TambleApp::QuitRequested() {
   const int running = RunningTransfers();
-  if (running == 0 && !askingToQuit_) return AskAboutShortcuts();
+  const QStringList deletions = RunningDeletions();
+  if (running == 0 && deletions.isEmpty() && !askingToQuit_) return AskAboutShortcuts();
   BringForward(start_.get());
   if (std::exchange(askingToQuit_, true)) return;
   Alerts::Show(start_.get(),
                {.title = tr("Alert!"),
-                .text = running == 1 ? tr("Quit and stop 1 transfer?")
-                                     : tr("Quit and stop %n transfers?", "", running),
+                .text = running == 0   ? tr("Quit and stop deleting?")
+                        : running == 1 ? tr("Quit and stop 1 transfer?")
+                                       : tr("Quit and stop %n transfers?", "", running),
+                .detail = deletions.join('\n'),
                 .buttons = {tr("&Quit"), tr("&Keep running")},
                 .preset = 1},
                [this](int button) {

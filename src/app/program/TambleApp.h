@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "app/desktop/Notifier.h"
 #include "app/transfers/TransferHost.h"
 #include "kit/Message.h"
+#include "settings/StoredSettings.h"
 
 namespace corvane {
 
@@ -77,9 +79,12 @@ class TambleApp : public QObject,
   static void Answer(const Message& message, QWidget* window);
   void ReadSettings();
   [[nodiscard]] int RunningTransfers() const;
+  /// What else than transfers quitting would end, a line for each window.
+  [[nodiscard]] QStringList RunningDeletions() const;
   void AskAboutShortcuts();
 
   WorkerFactory workers_;
+  std::optional<StoredSettings::GatheredFrames> frames_;  // from the start on, stored at the end
   Notifier notifier_;
   std::vector<MWindow*> windowList_;
   std::unique_ptr<StartWin> start_;

@@ -71,6 +71,12 @@ QRect Frames::ForBrowser() {
   return FitInto(frame, screen);
 }
 
+void Frames::PutBelow(QWidget& window, const QWidget& opener) {
+  // Both windows have the same frame around them.
+  const QPoint place = opener.geometry().topLeft() + QPoint(-20, 40);
+  window.setGeometry(OnScreen(QRect(place, window.size())));
+}
+
 void Frames::Keep(const FrameSetting& setting, const QWidget& window) {
   const bool whole = window.isMaximized() || window.isFullScreen();
   StoredSettings::SaveFrame(setting, FromQt(whole ? window.normalGeometry() : window.geometry()));

@@ -20,7 +20,10 @@ class Frames {
   /// The stored frame for a new browser window: cut off at the screen's edges, and widened when it
   /// is too narrow.
   [[nodiscard]] static QRect ForBrowser();
-  /// Stores where `window` stands, or stood before it was maximised.
+  /// Moves `window`, which is not shown yet, to the left edge of `opener` and below its title,
+  /// where a screen has room for it.
+  static void PutBelow(QWidget& window, const QWidget& opener);
+  /// Remembers where `window` stands, or stood before it was maximised.
   static void Keep(const FrameSetting& setting, const QWidget& window);
 
   [[nodiscard]] static QRect FitInto(QRect frame, const QRect& screen);

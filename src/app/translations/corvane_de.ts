@@ -1057,6 +1057,56 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>&amp;Try Passive Connections</source>
         <translation>&amp;Passive Verbindungen versuchen</translation>
     </message>
+    <message>
+        <source>Close the window and stop that?</source>
+        <translation>Das Fenster schließen und das abbrechen?</translation>
+    </message>
+    <message>
+        <source>&amp;Close Window</source>
+        <translation>Fenster &amp;schließen</translation>
+    </message>
+    <message>
+        <source>no folder</source>
+        <translation>kein Ordner</translation>
+    </message>
+    <message>
+        <source>1 of these entries exists already. Overwrite it?</source>
+        <translation>1 dieser Einträge ist schon vorhanden. Soll er überschrieben werden?</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n of these entries exist already. Overwrite them?</source>
+        <translation>
+            <numerusform>%n dieser Einträge ist schon vorhanden. Soll er überschrieben werden?</numerusform>
+            <numerusform>%n dieser Einträge sind schon vorhanden. Sollen sie überschrieben werden?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Files in folders that have the same names as those on the server are replaced.</source>
+        <translation>Dateien in Ordnern, die so heißen wie die auf dem Server, werden ersetzt.</translation>
+    </message>
+    <message>
+        <source>1 of these names exists on the server already. Replace what is there?</source>
+        <translation>1 dieser Namen ist auf dem Server schon vorhanden. Soll ersetzt werden, was dort steht?</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n of these names exist on the server already. Replace what is there?</source>
+        <translation>
+            <numerusform>%n dieser Namen ist auf dem Server schon vorhanden. Soll ersetzt werden, was dort steht?</numerusform>
+            <numerusform>%n dieser Namen sind auf dem Server schon vorhanden. Soll ersetzt werden, was dort steht?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>&amp;Replace</source>
+        <translation>&amp;Ersetzen</translation>
+    </message>
+    <message>
+        <source>A transfer runs on the connection to %1.</source>
+        <translation>Auf der Verbindung zu %1 läuft eine Übertragung.</translation>
+    </message>
+    <message>
+        <source>Entries on %1 are still being deleted.</source>
+        <translation>Auf %1 wird noch gelöscht.</translation>
+    </message>
 </context>
 <context>
     <name>corvane::MyStatusBar</name>
@@ -1604,6 +1654,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>&amp;Keep running</source>
         <translation>&amp;Weiterlaufen lassen</translation>
+    </message>
+    <message>
+        <source>Quit and stop deleting?</source>
+        <translation>Beenden und das Löschen abbrechen?</translation>
     </message>
 </context>
 <context>

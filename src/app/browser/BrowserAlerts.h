@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include "kit/Message.h"
+
+namespace corvane {
+
+struct BrowserHost;
+class MWindow;
+
+/// What a browser window tells and asks on behalf of its connection. GUI thread.
+class BrowserAlerts : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `window` owns this object.
+  BrowserAlerts(BrowserHost& host, MWindow& window);
+
+  /// Shows a warning; while several wait for an answer already, the log gets it.
+  void Warn(const QString& text, const QString& title);
+  /// 'GERR'.
+  void Warned(const Message& message);
+  /// 'FERR': closes the window afterwards, unless the connection stood once.
+  void FatalError(const Message& message);
+  /// 'LOST'.
+  void Lost(const Message& message);
+  /// Asks whether to close the window although something runs.
+  void AskToClose(const QString& running);
+
+ private:
+  void OfferToConnect(const QString& text);
+  /// Says why no data connection came about, and offers a new login that makes them the other way.
+  void OfferOtherMode(const QString& text, bool passive);
+  void OpenInOtherMode(bool passive);
+
+  BrowserHost& host_;
+  MWindow& window_;
+  int openWarnings_ = 0;
+  bool failed_ = false;
+  bool offering_ = false;  // to connect again, in this mode or the other
+  bool asking_ = false;    // whether to close
+};
+
+}  // namespace corvane

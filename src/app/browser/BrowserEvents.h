@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/browser/MWListItem.h"
+#include "kit/Message.h"
+
+namespace corvane {
+
+class ViewerLink;
+
+/// What a browser window hears of its connection, in the order in which the connection said it.
+/// GUI thread. Texts and names are raw bytes.
+struct BrowserEvents {
+  virtual ~BrowserEvents() = default;
+
+  virtual void MessageReceived(const Message& message) = 0;
+  virtual void ShowStatus(std::string_view text) = 0;
+  virtual void AppendLog(std::string_view text) = 0;
+  /// The session's current directory has become `path`.
+  virtual void ShowPath(std::string_view path) = 0;
+  /// Empties the listing.
+  virtual void GetRidofListing() = 0;
+  virtual void AddRows(std::vector<MWListItem> items) = 0;
+  /// No more rows come; `count` leaves "." and ".." out.
+  virtual void ListingEnded(std::size_t count) = 0;
+  virtual void RemoveRow(const std::string& name) = 0;
+  /// Counts only while `directory` is shown.
+  virtual void RenameRow(const std::string& from, const std::string& to,
+                         const std::string& directory) = 0;
+  /// A link leads to a file of `size` bytes.
+  virtual void ChangeValues(const std::string& name, std::int64_t size) = 0;
+  virtual void OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) = 0;
+};
+
+}  // namespace corvane

@@ -1,0 +1,150 @@
+#include "app/browser/BrowserSession.h"
+
+#include <QApplication>
+#include <algorithm>
+#include <utility>
+
+#include "app/browser/BrowserEvents.h"
+#include "app/browser/BrowserLink.h"
+#include "app/browser/MWindow.h"
+#include "app/shared/EngineTexts.h"
+#include "app/shared/ScreenText.h"
+#include "ftp/MFtp.h"
+#include "net/NLException.h"
+
+namespace corvane {
+namespace {
+
+/// Whether a request may end in a new listing.
+bool Lists(std::uint32_t request) {
+  switch (request) {
+    case "CNNT"_what:
+    case "RCNN"_what:
+    case "PCHN"_what:
+    case "HSYM"_what:
+    case "MKDR"_what: return true;
+    default: return false;
+  }
+}
+
+}  // namespace
+
+BrowserSession::BrowserSession(BrowserEvents& window, Connection connection)
+    : window_(window),
+      connection_(std::move(connection)),
+      link_(std::make_shared<BrowserLink>(*this)) {}
+
+BrowserSession::~BrowserSession() {
+  End();
+}
+
+void BrowserSession::Begin(const WorkerFactory& workers) {
+  try {
+    looper_ = workers.looper(connection_, link_);
+  } catch (const NLException& error) {
+    FailToStart(Translated(ToText(Reason(error))));
+    return;
+  }
+  Message connect("CNNT"_what);
+  connect.AddString("host", connection_.host);
+  connect.AddString("user", connection_.user);
+  connect.AddString("pass", connection_.pass);
+  connect.AddString("path", connection_.path);
+  connect.AddDouble("port", connection_.port);
+  if (!looper_->Run() || !Send(std::move(connect))) {
+    FailToStart(MWindow::tr("The system has no thread to give."));
+  }
+}
+
+void BrowserSession::FailToStart(const QString& why) {
+  Message error("FERR"_what);
+  error.AddString("error", MWindow::tr("The connection could not be begun.").toStdString());
+  error.AddString("detail", why.toStdString());
+  PostToWindow(std::move(error));
+}
+
+void BrowserSession::End() {
+  link_->Close();
+  if (looper_ != nullptr) looper_->Quit();
+  looper_.reset();
+  deleting_ = 0;
+}
+
+const std::string& BrowserSession::Place() const {
+  return currentDirectory_.empty() ? connection_.path : currentDirectory_;
+}
+
+void BrowserSession::ChangeDirectory(const std::string& where) {
+  Message message("PCHN"_what);
+  message.AddString("cwd", where);
+  Send(std::move(message));
+}
+
+void BrowserSession::FollowLink(const std::string& name) {
+  Message message("HSYM"_what);
+  message.AddString("sym", name);
+  Send(std::move(message));
+}
+
+void BrowserSession::ConnectAgain() {
+  Send(Message("RCNN"_what));
+}
+
+// A full queue means a hundred requests are waiting; one more would not be noticed.
+bool BrowserSession::Send(Message message) {
+  if (!message.FindString("path").has_value()) message.AddString("path", currentDirectory_);
+  const std::uint32_t request = message.what;
+  if (looper_ == nullptr || !looper_->PostMessage(std::move(message))) {
+    QApplication::beep();
+    return false;
+  }
+  if (Lists(request)) ++asked_;
+  if (request == "DELE"_what) ++deleting_;
+  Q_EMIT ReadyChanged();
+  return true;
+}
+
+void BrowserSession::Log(std::string_view text) {
+  link_->AppendLog(text);
+}
+
+void BrowserSession::PostToWindow(Message message) {
+  link_->PostMessage(std::move(message));
+}
+
+void BrowserSession::SetListingEnabled(bool enabled) {
+  link_->SetListingEnabled(enabled);
+}
+
+void BrowserSession::Entered(const std::string& path) {
+  connected_ = true;
+  currentDirectory_ = path;
+  window_.ShowPath(path);
+}
+
+void BrowserSession::ListingBegan() {
+  arriving_ = true;
+  Q_EMIT ReadyChanged();
+  window_.GetRidofListing();
+}
+
+void BrowserSession::ListingEnded(std::size_t count) {
+  arriving_ = false;
+  window_.ListingEnded(count);
+  Q_EMIT ReadyChanged();
+}
+
+// A warning or a loss may be the end of a listing that does not come whole.
+void BrowserSession::MessageReceived(const Message& message) {
+  if (message.what == "DONE"_what) {
+    const auto request = static_cast<std::uint32_t>(message.FindInt32("request").value_or(0));
+    if (Lists(request)) asked_ = std::max(asked_ - 1, 0);
+    if (request == "DELE"_what) deleting_ = std::max(deleting_ - 1, 0);
+  } else if (message.what == "GERR"_what || message.what == "LOST"_what) {
+    arriving_ = false;
+  }
+  Q_EMIT ReadyChanged();
+  window_.MessageReceived(message);
+}
+
+}  // namespace corvane

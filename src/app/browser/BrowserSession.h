@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QObject>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "app/shared/Connection.h"
+#include "app/shared/WorkerFactory.h"
+#include "kit/Looper.h"
+#include "kit/Message.h"
+
+namespace corvane {
+
+class BrowserLink;
+struct BrowserEvents;
+
+/// The connection that a browser window shows. Owns its looper's start and end, sends the window's
+/// requests, each with the directory that it was made in, and knows what is under way. GUI thread.
+class BrowserSession : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `window` outlives the session.
+  BrowserSession(BrowserEvents& window, Connection connection);
+  ~BrowserSession() override;
+
+  /// Starts connecting. What fails comes as 'FERR' in a later turn of the event loop.
+  void Begin(const WorkerFactory& workers);
+  /// Lets go of the connection: whatever it does ends in the background.
+  void End();
+
+  [[nodiscard]] const Connection& To() const { return connection_; }
+  /// The looper, for a transfer on this connection; null once it has ended.
+  [[nodiscard]] const std::shared_ptr<Looper>& Control() const { return looper_; }
+  /// The directory shown, as the server calls it; empty as long as it has not said.
+  [[nodiscard]] const std::string& CurrentDirectory() const { return currentDirectory_; }
+  /// Where to come back to: the directory shown, or the one to begin with.
+  [[nodiscard]] const std::string& Place() const;
+  /// Whether the server has let the user in once.
+  [[nodiscard]] bool WasConnected() const { return connected_; }
+  /// Whether a request may be made: none that ends in a listing is under way.
+  [[nodiscard]] bool IsReady() const { return looper_ != nullptr && asked_ == 0 && !arriving_; }
+  [[nodiscard]] bool IsDeleting() const { return deleting_ > 0; }
+
+  // Requests. A full queue is answered by a beep.
+
+  /// Enters a directory, as typed or named in the listing, and lists it.
+  void ChangeDirectory(const std::string& where);
+  /// Finds out where a link leads, and goes there.
+  void FollowLink(const std::string& name);
+  /// Connects again after a loss.
+  void ConnectAgain();
+  /// 'DELE', 'MKDR', 'RNFL', 'VWFL', 'VWDR'; "path" is added where it is missing. False when the
+  /// request is not taken.
+  bool Send(Message message);
+
+  /// Appends to the window's log a bounded piece at a time, however much it is.
+  void Log(std::string_view text);
+  /// Hands the window a message in a later turn of the event loop.
+  void PostToWindow(Message message);
+  /// Says whether the listing is disabled by a transfer on this connection.
+  void SetListingEnabled(bool enabled);
+
+  // From the link.
+  [[nodiscard]] BrowserEvents& Window() { return window_; }
+  void Entered(const std::string& path);
+  void ListingBegan();
+  void ListingEnded(std::size_t count);
+  void MessageReceived(const Message& message);
+
+ Q_SIGNALS:
+  /// IsReady() may have changed.
+  void ReadyChanged();
+
+ private:
+  void FailToStart(const QString& why);
+
+  BrowserEvents& window_;
+  const Connection connection_;
+  std::shared_ptr<BrowserLink> link_;
+  std::shared_ptr<Looper> looper_;
+  std::string currentDirectory_;
+  bool connected_ = false;
+  bool arriving_ = false;  // a listing has begun and not ended
+  int asked_ = 0;          // requests under way that may end in a listing
+  int deleting_ = 0;       // requests under way that delete
+};
+
+}  // namespace corvane

@@ -7,7 +7,6 @@
 
 namespace corvane {
 
-struct BrowserHost;
 class MWindow;
 
 /// What a browser window tells and asks on behalf of its connection. GUI thread.
@@ -16,7 +15,7 @@ class BrowserAlerts : public QObject {
 
  public:
   /// `window` owns this object.
-  BrowserAlerts(BrowserHost& host, MWindow& window);
+  explicit BrowserAlerts(MWindow& window);
 
   /// Shows a warning; while several wait for an answer already, the log gets it.
   void Warn(const QString& text, const QString& title);
@@ -31,15 +30,11 @@ class BrowserAlerts : public QObject {
 
  private:
   void OfferToConnect(const QString& text);
-  /// Says why no data connection came about, and offers a new login that makes them the other way.
-  void OfferOtherMode(const QString& text, bool passive);
-  void OpenInOtherMode(bool passive);
 
-  BrowserHost& host_;
   MWindow& window_;
   int openWarnings_ = 0;
   bool failed_ = false;
-  bool offering_ = false;  // to connect again, in this mode or the other
+  bool offering_ = false;  // to connect again
   bool asking_ = false;    // whether to close
 };
 

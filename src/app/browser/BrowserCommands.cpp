@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "app/browser/MWindow.h"
-#include "ftp/fileStruct.h"
+#include "remote/fileStruct.h"
 #include "kit/Message.h"
 
 namespace corvane {

@@ -20,7 +20,7 @@ struct BrowserEvents {
   virtual ~BrowserEvents() = default;
 
   virtual void MessageReceived(const Message& message) = 0;
-  virtual void ShowStatus(std::string_view text) = 0;
+  virtual void ShowStatus(const Text& text) = 0;
   virtual void AppendLog(std::string_view text) = 0;
   /// The session's current directory has become `path`.
   virtual void ShowPath(std::string_view path) = 0;
@@ -29,13 +29,13 @@ struct BrowserEvents {
   virtual void AddRows(std::vector<MWListItem> items) = 0;
   /// No more rows come; `count` leaves "." and ".." out.
   virtual void ListingEnded(std::size_t count) = 0;
-  virtual void RemoveRow(const std::string& name) = 0;
-  /// Counts only while `directory` is shown.
+  /// Counts only while `directory` is shown, as does the next.
+  virtual void RemoveRow(const std::string& name, const std::string& directory) = 0;
   virtual void RenameRow(const std::string& from, const std::string& to,
                          const std::string& directory) = 0;
   /// A link leads to a file of `size` bytes.
   virtual void ChangeValues(const std::string& name, std::int64_t size) = 0;
-  virtual void OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) = 0;
+  virtual void OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) = 0;
 };
 
 }  // namespace corvane

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/shared/TransferRequest.h"
+#include "app/shared/TransferListener.h"
 #include "app/shared/WorkerFactory.h"
 #include "kit/Message.h"
 #include "util/Shortcut.h"
@@ -23,8 +23,7 @@ struct BrowserHost {
   /// Opens the editor for a new shortcut beside `opener`, filled with `shortcut`.
   virtual void ShowEditor(const Shortcut& shortcut, const QWidget& opener) = 0;
   /// Begins a transfer on a connection of its own.
-  virtual void Transfer(DownloadRequest request) = 0;
-  virtual void Transfer(UploadRequest request) = 0;
+  virtual void Transfer(transferStruct description, TransferListener listener) = 0;
   /// A view for transfers on the window's own connection; `parent` owns it.
   [[nodiscard]] virtual TransferView* MakeTransferView(QWidget* parent) = 0;
   /// The open browser windows, oldest first.

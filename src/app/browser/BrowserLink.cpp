@@ -1,6 +1,7 @@
 #include "app/browser/BrowserLink.h"
 
 #include <QElapsedTimer>
+#include <ctime>
 #include <utility>
 
 #include "app/browser/BrowserEvents.h"
@@ -28,8 +29,8 @@ Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 BrowserLink::BrowserLink(BrowserSession& session) : session_(&session) {}
 
-bool BrowserLink::SetStatus(std::string_view text) {
-  return Push(Status{std::string(text)});
+bool BrowserLink::SetStatus(const Text& text) {
+  return Push(Status{text});
 }
 
 bool BrowserLink::AppendLog(std::string_view text) {
@@ -45,18 +46,25 @@ bool BrowserLink::BeginListing() {
     MutexLock hold(lock_);
     attributes_.clear();
   }
-  return Push(Begin{});
+  Rows dots;
+  const std::time_t now = std::time(nullptr);
+  for (const char* name : {".", ".."}) {
+    fileStruct entry;
+    ::localtime_r(&now, &entry.time);
+    dots.items.emplace_back(entry, name);
+  }
+  return Push(Begin{}) && Push(std::move(dots));
 }
 
-bool BrowserLink::AddEntries(std::vector<fileStruct> entries) {
+bool BrowserLink::AddEntries(std::vector<RemoteEntry> entries) {
   if (closing_) return false;
   Rows rows;
   rows.items.reserve(entries.size());
   {
     MutexLock hold(lock_);
-    for (fileStruct& entry : entries) {
-      rows.items.emplace_back(entry, Shared({std::move(entry.permissions), std::move(entry.owner),
-                                             std::move(entry.group)}));
+    for (RemoteEntry& entry : entries) {
+      rows.items.emplace_back(
+          entry, Shared({std::move(entry.mode), std::move(entry.owner), std::move(entry.group)}));
     }
   }
   return Push(std::move(rows));
@@ -66,8 +74,8 @@ bool BrowserLink::EndListing(std::size_t count) {
   return Push(End{count});
 }
 
-bool BrowserLink::RemoveEntry(std::string_view name) {
-  return Push(Remove{std::string(name)});
+bool BrowserLink::RemoveEntry(std::string_view name, std::string_view directory) {
+  return Push(Remove{std::string(name), std::string(directory)});
 }
 
 bool BrowserLink::RenameEntry(std::string_view from, std::string_view to,
@@ -79,13 +87,9 @@ bool BrowserLink::ChangeValues(std::string_view name, std::int64_t size) {
   return Push(Change{std::string(name), size});
 }
 
-bool BrowserLink::IsListingEnabled() {
-  return !closing_ && listingEnabled_;
-}
-
-std::shared_ptr<TextSink> BrowserLink::OpenViewer(std::string_view title) {
+std::shared_ptr<TextSink> BrowserLink::OpenViewer(const Text& title) {
   auto link = std::make_shared<ViewerLink>();
-  if (!Push(Viewer{link, std::string(title)})) return nullptr;
+  if (!Push(Viewer{link, title})) return nullptr;
   return link;
 }
 
@@ -93,8 +97,8 @@ bool BrowserLink::PostMessage(Message message) {
   return Push(std::move(message));
 }
 
-bool BrowserLink::PlaySound(std::string_view path) {
-  SoundPlayer::Play(path);
+bool BrowserLink::PlaySound(Sound sound) {
+  SoundPlayer::Play(sound);
   return !closing_;
 }
 
@@ -164,7 +168,7 @@ void BrowserLink::Drain() {
                           [&](const Begin&) { session.ListingBegan(); },
                           [&](Rows& it) { window.AddRows(std::move(it.items)); },
                           [&](const End& it) { session.ListingEnded(it.count); },
-                          [&](const Remove& it) { window.RemoveRow(it.name); },
+                          [&](const Remove& it) { window.RemoveRow(it.name, it.directory); },
                           [&](const Rename& it) { window.RenameRow(it.from, it.to, it.directory); },
                           [&](const Change& it) { window.ChangeValues(it.name, it.size); },
                           [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },

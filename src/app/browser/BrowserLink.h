@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "app/browser/MWListItem.h"
-#include "remote/BrowserUi.h"
 #include "kit/Mutex.h"
+#include "remote/BrowserUi.h"
 
 namespace corvane {
 
@@ -31,26 +31,23 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
 
   /// GUI thread: from now on every call returns false and nothing reaches the window.
   void Close() { closing_ = true; }
-  /// GUI thread.
-  void SetListingEnabled(bool enabled) { listingEnabled_ = enabled; }
 
-  bool SetStatus(std::string_view text) override;
+  bool SetStatus(const Text& text) override;
   bool AppendLog(std::string_view text) override;
   bool SetPath(std::string_view path) override;
   bool BeginListing() override;
-  bool AddEntries(std::vector<fileStruct> entries) override;
+  bool AddEntries(std::vector<RemoteEntry> entries) override;
   bool EndListing(std::size_t count) override;
-  bool RemoveEntry(std::string_view name) override;
+  bool RemoveEntry(std::string_view name, std::string_view directory) override;
   bool RenameEntry(std::string_view from, std::string_view to, std::string_view directory) override;
   bool ChangeValues(std::string_view name, std::int64_t size) override;
-  [[nodiscard]] bool IsListingEnabled() override;
-  [[nodiscard]] std::shared_ptr<TextSink> OpenViewer(std::string_view title) override;
+  [[nodiscard]] std::shared_ptr<TextSink> OpenViewer(const Text& title) override;
   bool PostMessage(Message message) override;
-  bool PlaySound(std::string_view path) override;
+  bool PlaySound(Sound sound) override;
 
  private:
   struct Status {
-    std::string text;
+    Text text;
   };
   struct Log {
     std::string text;
@@ -67,6 +64,7 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   };
   struct Remove {
     std::string name;
+    std::string directory;
   };
   struct Rename {
     std::string from;
@@ -79,7 +77,7 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   };
   struct Viewer {
     std::shared_ptr<ViewerLink> link;
-    std::string title;
+    Text title;
   };
   using Event =
       std::variant<Status, Log, Path, Begin, Rows, End, Remove, Rename, Change, Viewer, Message>;
@@ -94,7 +92,6 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
 
   const QPointer<BrowserSession> session_;  // looked at on the GUI thread only
   std::atomic<bool> closing_{false};
-  std::atomic<bool> listingEnabled_{true};
   Mutex lock_;
   std::deque<Event> events_ GUARDED_BY(lock_);
   bool hopPending_ GUARDED_BY(lock_) = false;

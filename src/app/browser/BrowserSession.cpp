@@ -6,11 +6,6 @@
 
 #include "app/browser/BrowserEvents.h"
 #include "app/browser/BrowserLink.h"
-#include "app/browser/MWindow.h"
-#include "app/shared/EngineTexts.h"
-#include "app/shared/ScreenText.h"
-#include "ftp/MFtp.h"
-#include "net/NLException.h"
 
 namespace corvane {
 namespace {
@@ -29,37 +24,22 @@ bool Lists(std::uint32_t request) {
 
 }  // namespace
 
-BrowserSession::BrowserSession(BrowserEvents& window, Connection connection)
-    : window_(window),
-      connection_(std::move(connection)),
-      link_(std::make_shared<BrowserLink>(*this)) {}
+BrowserSession::BrowserSession(BrowserEvents& window, Site site)
+    : window_(window), site_(std::move(site)), link_(std::make_shared<BrowserLink>(*this)) {}
 
 BrowserSession::~BrowserSession() {
   End();
 }
 
 void BrowserSession::Begin(const WorkerFactory& workers) {
-  try {
-    looper_ = workers.looper(connection_, link_);
-  } catch (const NLException& error) {
-    FailToStart(Translated(ToText(Reason(error))));
-    return;
-  }
-  Message connect("CNNT"_what);
-  connect.AddString("host", connection_.host);
-  connect.AddString("user", connection_.user);
-  connect.AddString("pass", connection_.pass);
-  connect.AddString("path", connection_.path);
-  connect.AddDouble("port", connection_.port);
-  if (!looper_->Run() || !Send(std::move(connect))) {
-    FailToStart(MWindow::tr("The system has no thread to give."));
-  }
+  looper_ = workers.looper(site_, link_);
+  if (!looper_->Run() || !Send(Message("CNNT"_what))) FailToStart();
 }
 
-void BrowserSession::FailToStart(const QString& why) {
+void BrowserSession::FailToStart() {
   Message error("FERR"_what);
-  error.AddString("error", MWindow::tr("The connection could not be begun.").toStdString());
-  error.AddString("detail", why.toStdString());
+  error.AddText("error", Text::WithReason(Text("The connection could not be begun."),
+                                          Text("The system has no thread to give.")));
   PostToWindow(std::move(error));
 }
 
@@ -71,7 +51,7 @@ void BrowserSession::End() {
 }
 
 const std::string& BrowserSession::Place() const {
-  return currentDirectory_.empty() ? connection_.path : currentDirectory_;
+  return currentDirectory_.empty() ? site_.path : currentDirectory_;
 }
 
 void BrowserSession::ChangeDirectory(const std::string& where) {
@@ -112,10 +92,6 @@ void BrowserSession::PostToWindow(Message message) {
   link_->PostMessage(std::move(message));
 }
 
-void BrowserSession::SetListingEnabled(bool enabled) {
-  link_->SetListingEnabled(enabled);
-}
-
 void BrowserSession::Entered(const std::string& path) {
   connected_ = true;
   currentDirectory_ = path;
@@ -134,14 +110,11 @@ void BrowserSession::ListingEnded(std::size_t count) {
   Q_EMIT ReadyChanged();
 }
 
-// A warning or a loss may be the end of a listing that does not come whole.
 void BrowserSession::MessageReceived(const Message& message) {
   if (message.what == "DONE"_what) {
     const auto request = static_cast<std::uint32_t>(message.FindInt32("request").value_or(0));
     if (Lists(request)) asked_ = std::max(asked_ - 1, 0);
     if (request == "DELE"_what) deleting_ = std::max(deleting_ - 1, 0);
-  } else if (message.what == "GERR"_what || message.what == "LOST"_what) {
-    arriving_ = false;
   }
   Q_EMIT ReadyChanged();
   window_.MessageReceived(message);

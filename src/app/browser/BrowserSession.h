@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "app/shared/Connection.h"
 #include "app/shared/WorkerFactory.h"
 #include "kit/Looper.h"
 #include "kit/Message.h"
+#include "remote/Site.h"
 
 namespace corvane {
 
@@ -23,7 +23,7 @@ class BrowserSession : public QObject {
 
  public:
   /// `window` outlives the session.
-  BrowserSession(BrowserEvents& window, Connection connection);
+  BrowserSession(BrowserEvents& window, Site site);
   ~BrowserSession() override;
 
   /// Starts connecting. What fails comes as 'FERR' in a later turn of the event loop.
@@ -31,7 +31,9 @@ class BrowserSession : public QObject {
   /// Lets go of the connection: whatever it does ends in the background.
   void End();
 
-  [[nodiscard]] const Connection& To() const { return connection_; }
+  [[nodiscard]] const Site& To() const { return site_; }
+  /// The window as its workers see it.
+  [[nodiscard]] const std::shared_ptr<BrowserLink>& Link() const { return link_; }
   /// The looper, for a transfer on this connection; null once it has ended.
   [[nodiscard]] const std::shared_ptr<Looper>& Control() const { return looper_; }
   /// The directory shown, as the server calls it; empty as long as it has not said.
@@ -60,8 +62,6 @@ class BrowserSession : public QObject {
   void Log(std::string_view text);
   /// Hands the window a message in a later turn of the event loop.
   void PostToWindow(Message message);
-  /// Says whether the listing is disabled by a transfer on this connection.
-  void SetListingEnabled(bool enabled);
 
   // From the link.
   [[nodiscard]] BrowserEvents& Window() { return window_; }
@@ -75,10 +75,10 @@ class BrowserSession : public QObject {
   void ReadyChanged();
 
  private:
-  void FailToStart(const QString& why);
+  void FailToStart();
 
   BrowserEvents& window_;
-  const Connection connection_;
+  const Site site_;
   std::shared_ptr<BrowserLink> link_;
   std::shared_ptr<Looper> looper_;
   std::string currentDirectory_;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "app/browser/BrowserHost.h"
+#include "app/browser/BrowserLink.h"
 #include "app/browser/BrowserSession.h"
 #include "app/browser/BrowserView.h"
 #include "app/browser/DirListView.h"
@@ -18,6 +19,7 @@
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
 #include "kit/Background.h"
+#include "remote/RemotePath.h"
 #include "settings/ProcessSettings.h"
 #include "util/ErrorText.h"
 #include "util/LocalFolder.h"
@@ -44,18 +46,9 @@ void ShowPanel(QFileDialog* panel) {
 
 TransferPlan::Entry AsEntry(const fileStruct& record) {
   return {.name = record.name,
-          .local = LocalName(record),
+          .local = record.name,
           .kind = static_cast<RemoteEntry::Kind>(record.type),
           .size = record.size < 0 ? -1 : record.size};
-}
-
-fileStruct AsRecord(const TransferPlan::Entry& entry) {
-  fileStruct record;
-  record.name = entry.name;
-  record.displayName = entry.local;
-  record.type = static_cast<std::int32_t>(entry.kind);
-  record.size = entry.kind == RemoteEntry::Kind::Directory ? kDirectorySize : entry.size;
-  return record;
 }
 
 }  // namespace
@@ -202,18 +195,16 @@ void BrowserTransfers::SettleDownload(const std::string& directory, TransferPlan
 }
 
 void BrowserTransfers::Start(const std::string& directory, const TransferPlan& plan) {
-  DownloadRequest request;
-  request.connection = window_.Session().To();
-  request.remoteDirectory = directory;
-  request.where = plan.folder;
-  request.listener = Listener();
+  transferStruct description = Described(directory);
+  description.targetFolder = plan.folder;
   for (const TransferPlan::Entry& entry : plan.entries) {
     if (entry.policy == Policy::Skip) continue;
-    request.items.push_back(AsRecord(entry));
-    request.size = request.items.back().size;
-    if (entry.policy == Policy::Resume) request.overwrite = false;
+    description.jobs.push_back({PathBelow(directory, entry.name),
+                                PathBelow(plan.folder, entry.local), entry.kind, entry.size,
+                                entry.policy});
+    description.size = entry.size;
   }
-  if (!request.items.empty()) HandOver(std::move(request));
+  HandOver(std::move(description));
 }
 
 void BrowserTransfers::ChooseUploads() {
@@ -253,37 +244,42 @@ void BrowserTransfers::SettleUpload(const UploadPlace& place,
 }
 
 void BrowserTransfers::StartUpload(const TransferPlan& plan) {
-  UploadRequest request;
-  request.connection = window_.Session().To();
-  request.remoteDirectory = plan.folder;
-  request.listener = Listener();
+  transferStruct description = Described(plan.folder);
+  description.download = false;
   for (const TransferPlan::Entry& entry : plan.entries) {
-    if (entry.policy != Policy::Skip) request.localItems.push_back(entry.name);
+    if (entry.policy == Policy::Skip) continue;
+    description.jobs.push_back({PathBelow(plan.folder, entry.local),
+                                WithoutTrailingSlash(entry.name), entry.kind, -1, entry.policy});
   }
-  if (!request.localItems.empty()) HandOver(std::move(request));
+  HandOver(std::move(description));
 }
 
-void BrowserTransfers::HandOver(DownloadRequest request) {
-  if (window_.View().UsesSameConnection()) return TransferHere(Description(std::move(request)));
-  host_.Transfer(std::move(request));
+transferStruct BrowserTransfers::Described(const std::string& directory) const {
+  transferStruct description;
+  description.site = window_.Session().To();
+  description.remoteDirectory = directory;
+  description.bufferSize = ProcessSettings::Get().buffersize;
+  return description;
 }
 
-void BrowserTransfers::HandOver(UploadRequest request) {
-  if (window_.View().UsesSameConnection()) return TransferHere(Description(std::move(request)));
-  host_.Transfer(std::move(request));
+void BrowserTransfers::HandOver(transferStruct description) {
+  if (description.jobs.empty()) return;
+  if (window_.View().UsesSameConnection()) return TransferHere(std::move(description));
+  host_.Transfer(std::move(description), Listener());
 }
 
 // The commands are disabled while a transfer runs here, but a panel may still be open.
 void BrowserTransfers::TransferHere(transferStruct description) {
-  const std::shared_ptr<Looper> looper = window_.Session().Control();
+  const BrowserSession& session = window_.Session();
   TransferView& view = window_.View().Transfer();
-  if (looper == nullptr || view.Busy()) {
+  if (session.Control() == nullptr || view.Busy()) {
     return window_.Warn(MWindow::tr("This connection is busy with another transfer."));
   }
   window_.Listing().DisableAll();
-  view.Begin(window_.Session().To(), std::move(description), Listener(),
-             [this, looper](std::shared_ptr<TransferUi> row, transferStruct what) {
-               return host_.Workers().sameConnection(looper, std::move(row), std::move(what));
+  view.Begin(std::move(description), Listener(),
+             [this, looper = session.Control(), link = session.Link()](
+                 std::shared_ptr<TransferUi> row, transferStruct what) {
+               return host_.Workers().sameConnection(looper, link, std::move(row), std::move(what));
              });
 }
 
@@ -294,8 +290,8 @@ TransferListener BrowserTransfers::Listener() {
                 if (!window.isNull()) window->MessageReceived(entry);
               },
           .noted =
-              [window](std::string_view line) {
-                if (!window.isNull()) window->Session().Log(line);
+              [window](const Text& note) {
+                if (!window.isNull()) window->Session().Log(note.English() + "\n");
               }};
 }
 

@@ -8,7 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "app/shared/TransferRequest.h"
+#include "app/shared/TransferListener.h"
 #include "workers/TransferPlan.h"
 
 class QFileDialog;
@@ -75,8 +75,9 @@ class BrowserTransfers : public QObject {
   void StartUpload(const TransferPlan& plan);
 
   /// To the transfer window or, where the box is ticked, to this window's own connection.
-  void HandOver(DownloadRequest request);
-  void HandOver(UploadRequest request);
+  void HandOver(transferStruct description);
+  /// A transfer with nothing in it yet.
+  [[nodiscard]] transferStruct Described(const std::string& directory) const;
   void TransferHere(transferStruct description);
   /// Hears of a transfer while the window stands.
   [[nodiscard]] TransferListener Listener();

@@ -65,7 +65,7 @@ void EntryCommands::Delete() {
                [this, entries](int button) {
                  if (button != 0) return;
                  window_.Listing().clearSelection();
-                 window_.ShowStatus("Connected.");
+                 window_.ShowStatus(Text("Connected."));
                  window_.Session().Send(entries);
                });
 }

@@ -21,9 +21,9 @@
 #include "app/browser/LocalDrop.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/WindowLog.h"
-#include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Shown.h"
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
 
@@ -37,15 +37,15 @@ std::string WithoutTrailingSlash(std::string path) {
 
 }  // namespace
 
-MWindow::MWindow(BrowserHost& app, const QRect& frame, Connection connection)
-    : app_(app), session_(std::make_unique<BrowserSession>(*this, std::move(connection))) {
+MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)
+    : app_(app), session_(std::make_unique<BrowserSession>(*this, std::move(site))) {
   const QString host = ToText(session_->To().host);
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Connected To: %1").arg(host));
   setMaximumSize(4000, 4000);
   setGeometry(frame);
   log_ = new WindowLog(this, tr("Log Window: %1").arg(host));
-  alerts_ = new BrowserAlerts(app_, *this);
+  alerts_ = new BrowserAlerts(*this);
   entries_ = new EntryCommands(*this);
   transfers_ = new BrowserTransfers(app_, *this);
   MakeView();
@@ -120,7 +120,6 @@ void MWindow::MenusBeginning() {
 }
 
 void MWindow::ListingEnabled(bool enabled) {
-  session_->SetListingEnabled(enabled);
   commands_->SetCommandsEnabled(enabled);
   MenusBeginning();
 }
@@ -193,8 +192,8 @@ void MWindow::Warn(const QString& text, const QString& title) {
   alerts_->Warn(text, title);
 }
 
-void MWindow::ShowStatus(std::string_view text) {
-  view_->ShowStatus(Translated(ToText(text)));
+void MWindow::ShowStatus(const Text& text) {
+  view_->ShowStatus(ShownInLine(text));
 }
 
 void MWindow::AppendLog(std::string_view text) {
@@ -218,8 +217,8 @@ void MWindow::ListingEnded(std::size_t count) {
   view_->Listing().SortByName();
 }
 
-void MWindow::RemoveRow(const std::string& name) {
-  view_->RemoveRow(name);
+void MWindow::RemoveRow(const std::string& name, const std::string& directory) {
+  if (directory == session_->CurrentDirectory()) view_->RemoveRow(name);
 }
 
 void MWindow::RenameRow(const std::string& from, const std::string& to,
@@ -231,8 +230,8 @@ void MWindow::ChangeValues(const std::string& name, std::int64_t size) {
   view_->ChangeValues(name, size);
 }
 
-void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) {
-  auto* viewer = new MViewFile(this, Translated(ToText(title)), link);
+void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) {
+  auto* viewer = new MViewFile(this, Shown(title), link);
   Frames::PutBelow(*viewer, *this);
   viewer->show();
 }
@@ -250,16 +249,16 @@ void MWindow::PathEntered() {
   QLineEdit& path = view_->Path();
   if (path.text().isEmpty()) return;
   path.setModified(false);
-  ShowStatus("Changing Dir..");
+  ShowStatus(Text("Changing Dir.."));
   session_->ChangeDirectory(EditedBytes(path.text(), session_->CurrentDirectory()));
 }
 
 void MWindow::AddShortcut() {
-  const Connection& to = session_->To();
+  const Site& to = session_->To();
   app_.ShowEditor({.label = to.host,
                    .host = to.host,
                    .user = to.user,
-                   .pass = to.pass,
+                   .pass = to.password,
                    .path = session_->Place(),
                    .port = std::to_string(to.port),
                    .passive = to.passive},

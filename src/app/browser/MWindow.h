@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "app/browser/BrowserEvents.h"
-#include "app/shared/Connection.h"
+#include "remote/Site.h"
 
 namespace corvane {
 
@@ -36,7 +36,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
 
  public:
   /// Starts connecting at once; the caller shows the window. `app` outlives it.
-  MWindow(BrowserHost& app, const QRect& frame, Connection connection);
+  MWindow(BrowserHost& app, const QRect& frame, Site site);
   ~MWindow() override;
 
   [[nodiscard]] BrowserSession& Session() { return *session_; }
@@ -57,17 +57,17 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void Warn(const QString& text, const QString& title = tr("Warning"));
 
   void MessageReceived(const Message& message) override;
-  void ShowStatus(std::string_view text) override;
+  void ShowStatus(const Text& text) override;
   void AppendLog(std::string_view text) override;
   void ShowPath(std::string_view path) override;
   void GetRidofListing() override;
   void AddRows(std::vector<MWListItem> items) override;
   void ListingEnded(std::size_t count) override;
-  void RemoveRow(const std::string& name) override;
+  void RemoveRow(const std::string& name, const std::string& directory) override;
   void RenameRow(const std::string& from, const std::string& to,
                  const std::string& directory) override;
   void ChangeValues(const std::string& name, std::int64_t size) override;
-  void OpenViewer(const std::shared_ptr<ViewerLink>& link, std::string_view title) override;
+  void OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) override;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -11,9 +11,9 @@
 #include "app/connect/ShortCutWindow.h"
 #include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
-#include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "settings/ShortcutStore.h"
 
@@ -123,7 +123,7 @@ void ShortCutEditWindow::Store(const Shortcut& entered) {
 void ShortCutEditWindow::Add(const Shortcut& entered) {
   const ShortcutStore::Added added = ShortcutStore::Add(entered);
   if (!added.failure.empty()) {
-    return Warn(tr("The shortcut could not be saved."), Translated(ToText(added.failure)));
+    return Warn(tr("The shortcut could not be saved."), Shown(Text::Raw(added.failure)));
   }
   if (added.within) {
     app_.ConnectionWindow().MessageReceived(Message("REDO"_what));

@@ -15,9 +15,9 @@
 #include "app/connect/ShortCutItem.h"
 #include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
-#include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "settings/ShortcutStore.h"
 #include "util/ParseUrl.h"
@@ -214,7 +214,7 @@ bool ShortCutWindow::Save() {
   if (!failure.empty()) {
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("The shortcuts could not be saved."),
-                        .detail = Translated(ToText(failure))});
+                        .detail = Shown(Text::Raw(failure))});
     return false;
   }
   SetChanged(false);

@@ -15,9 +15,9 @@
 
 #include "app/desktop/Autostart.h"
 #include "app/shared/Alerts.h"
-#include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "settings/StoredSettings.h"
 
@@ -268,7 +268,7 @@ void PrefWindow::Save() {
     return;
   }
   Alerts::Show(this,
-               {.title = tr("Warning!"), .text = problem, .detail = Translated(ToText(failure))});
+               {.title = tr("Warning!"), .text = problem, .detail = Shown(Text::Raw(failure))});
 }
 
 }  // namespace corvane

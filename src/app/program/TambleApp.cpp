@@ -16,10 +16,10 @@
 #include "app/program/About.h"
 #include "app/program/PrefWindow.h"
 #include "app/shared/Alerts.h"
-#include "app/shared/EngineTexts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/Icons.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "app/transfers/DownLoadWin.h"
 #include "app/transfers/TransferPane.h"
@@ -86,11 +86,11 @@ void TambleApp::PostMessage(const Message& message) {
 }
 
 void TambleApp::OpenBrowser(const Message& message) {
-  Connection to;
+  Site to;
   to.host = message.FindString("host").value_or("");
   if (to.host.empty()) return;
   to.user = message.FindString("user").value_or("anonymous");
-  to.pass = message.FindString("pass").value_or("guest@a.b");
+  to.password = message.FindString("pass").value_or("guest@a.b");
   to.path = message.FindString("path").value_or("");
   to.port = static_cast<std::uint16_t>(message.FindInt16("port").value_or(21));
   to.passive = message.FindBool("passive").value_or(false);
@@ -121,7 +121,7 @@ void TambleApp::ShowShortcuts() {
     if (!list.failure.empty()) {
       return Alerts::Show(start_.get(), {.title = tr("Warning!"),
                                          .text = tr("The shortcuts could not be read."),
-                                         .detail = Translated(ToText(list.failure))});
+                                         .detail = Shown(Text::Raw(list.failure))});
     }
     shortcuts_ = new ShortCutWindow(*this, list.shortcuts);
   }
@@ -137,7 +137,7 @@ void TambleApp::ShowPreferences() {
   Alerts::Show(preferences_,
                {.title = tr("Warning!"),
                 .text = tr("Your preferences could not be read. What you see are the defaults."),
-                .detail = Translated(ToText(unread_))});
+                .detail = Shown(Text::Raw(unread_))});
 }
 
 void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,
@@ -158,12 +158,8 @@ void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener) {
   ShowEditor(shortcut, opener, {});
 }
 
-void TambleApp::Transfer(DownloadRequest request) {
-  transfers_->AddDownload(std::move(request));
-}
-
-void TambleApp::Transfer(UploadRequest request) {
-  transfers_->AddUpload(std::move(request));
+void TambleApp::Transfer(transferStruct description, TransferListener listener) {
+  transfers_->Add(std::move(description), std::move(listener));
 }
 
 TransferView* TambleApp::MakeTransferView(QWidget* parent) {

@@ -57,8 +57,7 @@ class TambleApp : public QObject,
                   std::function<bool(const Shortcut&)> change) override;
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener) override;
 
-  void Transfer(DownloadRequest request) override;
-  void Transfer(UploadRequest request) override;
+  void Transfer(transferStruct description, TransferListener listener) override;
   [[nodiscard]] TransferView* MakeTransferView(QWidget* parent) override;
   void TransferEnded(const TransferNews& news) override { notifier_.Ended(news); }
   void RevealFile(QWidget* window, const std::string& path) override;

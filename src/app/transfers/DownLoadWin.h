@@ -2,7 +2,7 @@
 
 #include <QMainWindow>
 
-#include "app/shared/TransferRequest.h"
+#include "app/shared/TransferListener.h"
 #include "app/transfers/TransferListView.h"
 #include "kit/Message.h"
 

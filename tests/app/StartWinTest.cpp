@@ -9,6 +9,7 @@
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
 #include "settings/ShortcutStore.h"
+#include "settings/StoredSettings.h"
 
 namespace corvane {
 namespace {
@@ -81,6 +82,11 @@ TEST_F(Start, WindowsComeBackWhereTheyWere) {
   start_.setGeometry(frame);
   app_->Transfers().setGeometry(QRect(5000, 5000, 300, 250));
   window_->setGeometry(wide);
+  window_->close();  // stores nothing yet
+  StoredSettings::ReadAtStart();
+  EXPECT_EQ(StoredSettings::Frame(kConnectionFrame), kConnectionFrame.fallback);
+  app_->PostMessage(With("OPNC"_what, "host", "h"));
+  app_->WindowList().back()->setGeometry(wide);
   app_ = std::make_unique<TambleApp>(factory_);
   app_->ReadyToRun(With("OPNC"_what, "host", "h"));
   EXPECT_EQ(app_->ConnectionWindow().geometry(), frame);

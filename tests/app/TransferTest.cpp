@@ -5,6 +5,7 @@
 #include "AppFixture.h"
 #include "app/browser/BrowserSession.h"
 #include "app/desktop/Reveal.h"
+#include "app/transfers/TransferTexts.h"
 
 namespace corvane {
 namespace {
@@ -91,13 +92,13 @@ TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
     progress.start = 300;  // what was there before counts for the total, not for the rate
     progress.done = 200;
     progress.elapsed = 2'000'000;
-    EXPECT_EQ(item.RateText(), "100 bytes/sec");
+    EXPECT_EQ(TransferTexts(item).RateText(), "100 bytes/sec");
     EXPECT_EQ(BarColour(), QColor(0, 152, 51));
     End(transfers_.size() - 1, end, why);
     EXPECT_EQ(BarColour(), colour);
-    EXPECT_EQ(item.FailureText(), shown);
-    EXPECT_EQ(item.TotalText(), "500/1000");
-    EXPECT_TRUE(item.Summary().contains(item.Finished() ? "Finished" : shown));
+    EXPECT_EQ(TransferTexts(item).FailureText(), shown);
+    EXPECT_EQ(TransferTexts(item).TotalText(), "500/1000");
+    EXPECT_TRUE(TransferTexts(item).Summary().contains(item.Finished() ? "Finished" : shown));
   }
   EXPECT_FALSE(list_.Ticking());
 }
@@ -120,8 +121,8 @@ TEST_F(Transfers, CancelsWhatRunsAndRemovesWhatHasEnded) {
   Select({0, 1, 3});
   QTest::keyClick(&list_, Qt::Key_Backspace);
   ASSERT_EQ(list_.Items().Count(), 3);
-  EXPECT_EQ(list_.Items().At(0).ServerLine(), "Server: 2");
-  EXPECT_EQ(list_.Items().At(2).ServerLine(), "Server: 5");
+  EXPECT_EQ(TransferTexts(list_.Items().At(0)).ServerLine(), "Server: 2");
+  EXPECT_EQ(TransferTexts(list_.Items().At(2)).ServerLine(), "Server: 5");
   EXPECT_EQ(list_.SelectedRows(), std::vector<int>{1});
 }
 
@@ -194,7 +195,7 @@ TEST_F(Transfers, FinishedOnesLeaveByThemselvesWhereAsked) {
   End(0, TransferEnd::Failed);
   transfers_[1]->row->SetEndState(TransferEnd::Finished, "");
   EXPECT_TRUE(Wait([&] { return list_.Items().Count() == 1; }));
-  EXPECT_EQ(list_.Items().At(0).FailureText(), "Could not connect.");
+  EXPECT_EQ(TransferTexts(list_.Items().At(0)).FailureText(), "Could not connect.");
 }
 
 TEST_F(Transfers, ClosingHidesAndARowMayGoWhileItsWorkerTalks) {

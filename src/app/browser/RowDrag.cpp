@@ -25,7 +25,7 @@ constexpr QPoint kPointer(10, 10);
 constexpr int kIconSize = 16;
 constexpr int kMostTextWidth = 300;
 constexpr int kAnswerMilliseconds = 5000;  // for the target to tell its folder after the drop
-constexpr int kLateMilliseconds = 300;     // the same once it says that it is done
+constexpr int kLateMilliseconds = 300;     // to tell it once it says that it is done
 
 /// Whether the pointer is on a window of this program that hears of no drag there: on its frame, or
 /// on a window that an alert blocks.

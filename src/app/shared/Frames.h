@@ -15,7 +15,7 @@ class Frames {
  public:
   /// The stored frame, moved and shrunk so that all of it is on a screen.
   [[nodiscard]] static QRect Restored(const FrameSetting& setting);
-  /// `frame`, moved and shrunk likewise.
+  /// `frame`, moved and shrunk so that all of it is on a screen.
   [[nodiscard]] static QRect OnScreen(const QRect& frame);
   /// The stored frame for a new browser window: cut off at the screen's edges, and widened when it
   /// is too narrow.

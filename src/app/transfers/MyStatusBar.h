@@ -22,7 +22,7 @@ class MyStatusBar : public QWidget {
   /// The transfer to show, or null. It must outlive the bar or be taken back before it goes.
   void SetItem(const TransferItem* item);
 
-  /// The same picture for the rows of a list, which have no widgets.
+  /// Draws such a bar, for the rows of a list, which have no widgets.
   static void Draw(QPainter& painter, const QPalette& palette, const QRect& bar,
                    const TransferItem& item);
 

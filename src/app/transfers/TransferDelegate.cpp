@@ -9,6 +9,7 @@
 #include "app/shared/Icons.h"
 #include "app/transfers/MyStatusBar.h"
 #include "app/transfers/TransferModel.h"
+#include "app/transfers/TransferTexts.h"
 #include "util/GetTruncatedString.h"
 
 namespace corvane {
@@ -100,23 +101,25 @@ void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
 
 void TransferDelegate::PaintTexts(QPainter& painter, const QStyleOptionViewItem& option,
                                   const QRect& area, const TransferItem& item) const {
+  const TransferTexts texts(item);
   const int height = area.height() / 3;
   QRect line(area.left(), area.top(), area.width(), height);
-  DrawLine(painter, line, item.ServerLine(), item.RateText());
+  DrawLine(painter, line, texts.ServerLine(), texts.RateText());
 
   line.translate(0, height);
   const int room = std::max(kTargetWidth, line.width() - kIconSize - 2 * kMargin) -
-                   option.fontMetrics.horizontalAdvance(item.TargetTitle());
-  DrawLine(painter, line, item.TargetTitle() + Truncated(item.TargetPath(), option.font, room), {});
+                   option.fontMetrics.horizontalAdvance(texts.TargetTitle());
+  DrawLine(painter, line, texts.TargetTitle() + Truncated(texts.TargetPath(), option.font, room),
+           {});
 
   line.translate(0, height);
   if (item.Failed()) {
     AlertIcon().paint(
         &painter, QRect(line.left(), line.top() + (height - kIconSize) / 2, kIconSize, kIconSize));
     line.setLeft(line.left() + kIconSize + kMargin);
-    DrawLine(painter, line, item.FailureLine(), item.TotalText());
+    DrawLine(painter, line, texts.FailureLine(), texts.TotalText());
   } else {
-    DrawLine(painter, line, item.Label(), item.TotalText(), item.CountText());
+    DrawLine(painter, line, texts.Label(), texts.TotalText(), texts.CountText());
   }
 }
 

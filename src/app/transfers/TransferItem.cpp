@@ -4,23 +4,10 @@
 #include <iterator>
 #include <utility>
 
-#include "app/shared/ScreenText.h"
-#include "app/shared/Shown.h"
+#include "app/transfers/TransferTexts.h"
 #include "remote/RemotePath.h"
 
 namespace corvane {
-namespace {
-
-constexpr std::size_t kNotesShown = 20;
-constexpr qsizetype kNoteLength = 200;
-
-/// One note as one short line.
-QString NoteLine(const Text& note) {
-  const QString line = ShownInLine(note);
-  return line.size() <= kNoteLength ? line : line.first(kNoteLength) + QChar(0x2026);
-}
-
-}  // namespace
 
 TransferItem::TransferItem(transferStruct description, TransferListener listener)
     : description_(std::move(description)),
@@ -86,97 +73,19 @@ void TransferItem::MessageReceived(const Message& message) {
   if (message.what == "ADDI"_what && listener_.arrived) listener_.arrived(message);
 }
 
-QString TransferItem::ServerLine() const {
-  return tr("Server: %1").arg(ToText(description_.site.host));
-}
-
-QString TransferItem::TargetTitle() const {
-  return IsDownload() ? tr("Saving to: ") : tr("Uploading to: ");
-}
-
-QString TransferItem::TargetPath() const {
-  return ToText(IsDownload() ? description_.targetFolder : description_.remoteDirectory);
+TransferNews TransferItem::News() const {
+  const TransferTexts texts(*this);
+  return {.download = IsDownload(),
+          .finished = Finished(),
+          .cancelled = WasCancelled(),
+          .file = texts.FileName(),
+          .server = texts.ServerLine(),
+          .failure = texts.FailureLine()};
 }
 
 std::string TransferItem::LocalPath() const {
   return description_.jobs.size() == 1 ? description_.jobs.front().local
                                        : PathBelow(description_.targetFolder, "");
-}
-
-QString TransferItem::FileName() const {
-  return ToText(report_.file);
-}
-
-QString TransferItem::Label() const {
-  if (Running() && !report_.label.IsEmpty()) return ShownInLine(report_.label);
-  if (!report_.file.empty()) return tr("File: %1").arg(FileName());
-  return {};
-}
-
-QString TransferItem::CountText() const {
-  QStringList counts;
-  const std::int64_t files = link_->Progress().files;
-  if (files > 0) counts.append(tr("%n done", "", static_cast<int>(files)));
-  if (Finished() && HasNotes())
-    counts.append(tr("%n left out", "", static_cast<int>(notes_.size())));
-  return counts.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(counts.join(", "));
-}
-
-QString TransferItem::RateText() const {
-  const TransferProgress& progress = link_->Progress();
-  const double seconds = static_cast<double>(progress.elapsed.load()) / 1e6;
-  const double rate = seconds > 0 ? static_cast<double>(progress.done.load()) / seconds : 0;
-  return tr("%1 bytes/sec").arg(rate, 0, 'f', 0);
-}
-
-QString TransferItem::TotalText() const {
-  if (!report_.trailing.IsEmpty()) return Shown(report_.trailing);
-  const TransferProgress& progress = link_->Progress();
-  const std::int64_t there = progress.start + progress.done;
-  if (progress.total <= 0) return there > 0 ? QString::number(there) : QString();
-  return QStringLiteral("%1/%2").arg(there).arg(progress.total.load());
-}
-
-QString TransferItem::FailureText() const {
-  if (!Failed()) return {};
-  if (!report_.reason.IsEmpty()) return Shown(report_.reason);
-  return *report_.end == TransferEnd::Cancelled ? tr("Cancelled.") : tr("The transfer failed.");
-}
-
-QString TransferItem::FailureLine() const {
-  if (!Failed()) return {};
-  std::string file = report_.file;
-  if (file.empty() && description_.jobs.size() == 1)
-    file = SplitPath(description_.jobs.front().remote).second;
-  const QString reason = FailureText().simplified();
-  return file.empty() ? reason : ToText(file) + ": " + reason;
-}
-
-QString TransferItem::Details() const {
-  QStringList lines{Failed() ? FailureText() : TargetTitle() + TargetPath()};
-  const std::size_t shown = std::min(notes_.size(), kNotesShown);
-  for (std::size_t note = 0; note < shown; ++note) lines.append(NoteLine(notes_[note]));
-  if (notes_.size() > shown)
-    lines.append(tr("and %n more", "", static_cast<int>(notes_.size() - shown)));
-  return lines.join('\n');
-}
-
-TransferNews TransferItem::News() const {
-  return {.download = IsDownload(),
-          .finished = Finished(),
-          .cancelled = WasCancelled(),
-          .file = FileName(),
-          .server = ServerLine(),
-          .failure = FailureLine()};
-}
-
-QString TransferItem::Summary() const {
-  QStringList parts{ServerLine(), TargetTitle() + TargetPath(), Label() + CountText(), TotalText()};
-  if (Running()) parts.append(RateText());
-  if (Finished()) parts.append(tr("Finished"));
-  if (Failed()) parts.append(FailureLine());
-  parts.removeAll(QString());
-  return parts.join(QStringLiteral(", "));
 }
 
 double TransferItem::Fraction() const {

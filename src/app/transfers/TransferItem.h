@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,34 +41,18 @@ class TransferItem : public QObject {
   [[nodiscard]] bool WasCancelled() const { return report_.end == TransferEnd::Cancelled; }
   [[nodiscard]] bool IsDownload() const { return description_.download; }
   [[nodiscard]] bool HasNotes() const { return !notes_.empty(); }
+  /// How it ended, once it has.
+  [[nodiscard]] TransferNews News() const;
   /// Where a download goes, raw: the file or folder where it is one, else the folder around them
   /// with a slash at its end.
   [[nodiscard]] std::string LocalPath() const;
 
-  [[nodiscard]] QString ServerLine() const;
-  /// What stands before the target path, and the path itself.
-  [[nodiscard]] QString TargetTitle() const;
-  [[nodiscard]] QString TargetPath() const;
-  /// The file in hand.
-  [[nodiscard]] QString FileName() const;
-  /// "File: name" or, while it runs, the status text that stands in its place.
-  [[nodiscard]] QString Label() const;
-  /// What goes behind the label: how many files of a folder are done and, at the end, how many
-  /// entries were left out.
-  [[nodiscard]] QString CountText() const;
-  [[nodiscard]] QString RateText() const;
-  /// Bytes done and in all, in digits.
-  [[nodiscard]] QString TotalText() const;
-  /// What failed; empty while nothing has.
-  [[nodiscard]] QString FailureText() const;
-  /// The same in one line, with the name of the file.
-  [[nodiscard]] QString FailureLine() const;
-  /// Why it failed, or where it goes, and the beginning of the notes: for a tooltip, in lines.
-  [[nodiscard]] QString Details() const;
-  /// How it ended, once it has.
-  [[nodiscard]] TransferNews News() const;
-  /// The whole row as one text.
-  [[nodiscard]] QString Summary() const;
+  [[nodiscard]] const transferStruct& Description() const { return description_; }
+  /// What the worker has said last.
+  [[nodiscard]] const TransferReport& LastReport() const { return report_; }
+  /// A line for each entry that failed or was left out.
+  [[nodiscard]] const std::vector<Text>& Notes() const { return notes_; }
+  [[nodiscard]] const TransferProgress& Progress() const { return link_->Progress(); }
   /// 0 to 1.
   [[nodiscard]] double Fraction() const;
 
@@ -97,7 +80,7 @@ class TransferItem : public QObject {
   std::shared_ptr<TransferLink> link_;
   std::shared_ptr<MThread> worker_;
   TransferReport report_;
-  std::vector<Text> notes_;  // a line for each entry that failed or was left out
+  std::vector<Text> notes_;
   bool settled_ = false;
 };
 

@@ -33,7 +33,7 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
   /// GUI thread.
   explicit TransferLink(TransferItem& item);
 
-  /// GUI thread: from now on every call answers false and nothing reaches the row.
+  /// GUI thread: from now on every call returns false and nothing reaches the row.
   void Close() { closing_ = true; }
   /// GUI thread: hands the row what has been collected.
   void Drain() EXCLUDES(lock_);

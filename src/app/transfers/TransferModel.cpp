@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/shared/ScreenText.h"
+#include "app/transfers/TransferTexts.h"
 
 namespace corvane {
 
@@ -46,10 +47,11 @@ int TransferModel::rowCount(const QModelIndex& parent) const {
 QVariant TransferModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const TransferItem& item = At(index.row());
+  const TransferTexts texts(item);
   switch (role) {
-    case Qt::DisplayRole: return item.Label() + item.CountText();
-    case Qt::AccessibleTextRole: return item.Summary();
-    case Qt::ToolTipRole: return Harmless(item.Details());
+    case Qt::DisplayRole: return texts.Label() + texts.CountText();
+    case Qt::AccessibleTextRole: return texts.Summary();
+    case Qt::ToolTipRole: return Harmless(texts.Details());
     default: return {};
   }
 }

@@ -8,6 +8,7 @@
 
 #include "app/shared/ScreenText.h"
 #include "app/transfers/MyStatusBar.h"
+#include "app/transfers/TransferTexts.h"
 
 namespace corvane {
 namespace {
@@ -70,7 +71,7 @@ void TransferPane::Begin(transferStruct description,
   connect(item_.get(), &TransferItem::Changed, this, &TransferPane::Refresh);
   connect(item_.get(), &TransferItem::Ended, this, &TransferPane::Ended);
   connect(item_.get(), &TransferItem::Settled, this, [this](TransferItem* settled) {
-    setToolTip(Harmless(settled->Details()));
+    setToolTip(Harmless(TransferTexts(*settled).Details()));
     button_->setEnabled(true);
     const bool seen = settled->WasCancelled() || (settled->Finished() && !settled->HasNotes());
     if (seen) hideLater_.start();
@@ -79,7 +80,7 @@ void TransferPane::Begin(transferStruct description,
   button_->setText(tr("Cancel"));
   button_->setEnabled(true);
   cancelKey_->setEnabled(true);
-  setToolTip(Harmless(item_->Details()));
+  setToolTip(Harmless(TransferTexts(*item_).Details()));
   Refresh();
   show();
   ticker_.start();
@@ -99,9 +100,10 @@ void TransferPane::Tick() {
 
 void TransferPane::Refresh() {
   Show(direction_, item_->IsDownload() ? tr("Download: ") : tr("Upload: "));
-  Show(rate_, item_->RateText());
-  const QString text = item_->Failed() ? item_->FailureLine() : item_->FileName();
-  const QString count = item_->Failed() ? QString() : item_->CountText();
+  const TransferTexts texts(*item_);
+  Show(rate_, texts.RateText());
+  const QString text = item_->Failed() ? texts.FailureLine() : texts.FileName();
+  const QString count = item_->Failed() ? QString() : texts.CountText();
   const QFontMetrics metrics = file_->fontMetrics();
   const int room = file_->width() - metrics.horizontalAdvance(count);
   Show(file_, metrics.elidedText(text, Qt::ElideRight, room) + count);

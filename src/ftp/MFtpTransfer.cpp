@@ -98,7 +98,7 @@ bool MFtp::Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
     Fail("Could not write the file: " + ErrorText(error));
     return true;
   };
-  if (job.empty && failed(file.Truncate())) return false;
+  if (job.empty && failed(file.StartAfresh())) return false;
   const bool bounded = job.offset > 0 && job.expected >= 0;
   std::int64_t room = job.expected - job.offset;
   NLEndpoint* endpoint = DataEndpoint();
@@ -111,7 +111,7 @@ bool MFtp::Receive(TransferUi& row, LocalFile& file, const DownloadJob& job,
     room -= count;
     if (bounded && room < 0) {
       // It is the whole file that comes: what was written of it must not stay in the middle.
-      if (failed(file.Truncate(job.offset))) return false;
+      if (failed(file.StartAfresh())) return false;
       ignoredOffset_ = true;
       Fail("The server does not resume.");
       return false;

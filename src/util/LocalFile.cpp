@@ -1,8 +1,8 @@
 #include "util/LocalFile.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,134 +21,176 @@ int RefusalOf(const struct stat& status) {
 // O_NONBLOCK matters only for what is about to be refused: opening a FIFO must not wait.
 constexpr int kAlways = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-// Opens an entry of `folder`, makes it where the mode says so; answers the descriptor or -1.
-int OpenEntry(int folder, const char* name, LocalFile::Mode mode, bool& created) {
-  const int flags = kAlways | O_NOFOLLOW;
-  if (mode == LocalFile::Mode::Read) return ::openat(folder, name, O_RDONLY | flags);
-  if (mode == LocalFile::Mode::Resume) return ::openat(folder, name, O_WRONLY | flags);
-  // The entry may come or go between the two calls when somebody else works in the folder.
-  for (int attempt = 0; attempt < 3; ++attempt) {
-    int fd = ::openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | flags, 0666);
-    created = fd >= 0;
-    if (fd >= 0 || errno != EEXIST) return fd;
-    fd = ::openat(folder, name, O_WRONLY | flags);
-    if (fd >= 0 || errno != ENOENT) return fd;
-  }
-  return -1;
-}
-
 // A write of more than this makes the kernel look for big blocks of memory, which costs more than
 // the calls that it saves.
 constexpr std::size_t kPiece = std::size_t{128} * 1024;
 
+// So much is written between two calls that start the write-back.
+constexpr std::int64_t kWriteBackStep = std::int64_t{8} << 20;
+
 }  // namespace
 
-bool IsNamed(int folder, const std::string& name, int fd) {
-  struct stat ours {};
-  struct stat named {};
-  return ::fstat(fd, &ours) == 0 &&
-         ::fstatat(folder, name.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
-         ours.st_dev == named.st_dev && ours.st_ino == named.st_ino;
-}
-
-int LocalFile::Open(const std::string& folder, std::string_view name, Mode mode) {
-  LocalFolder opened;
-  const int error = opened.Open(folder);
-  return error != 0 ? error : Open(opened, name, mode);
-}
-
 int LocalFile::Open(const LocalFolder& folder, std::string_view name, Mode mode) {
-  *this = LocalFile();
+  Discard();
   if (!IsSafeLocalName(name)) return EINVAL;
-  const std::string entry(name);
-  UniqueFd directory(::fcntl(folder.Fd(), F_DUPFD_CLOEXEC, 0));
-  if (!directory) return errno;
+  name_ = name;
+  folder_.reset(::fcntl(folder.Fd(), F_DUPFD_CLOEXEC, 0));
+  if (!folder_) return errno;
+  const int error = OpenEntry(mode);
+  if (error != 0) Discard();
+  return error;
+}
 
+int LocalFile::OpenEntry(Mode mode) {
+  if (mode == Mode::Read) return OpenPresent(O_RDONLY);
+  writes_ = true;
+  if (mode == Mode::CreateNew) return OpenNew();
+  if (mode == Mode::Replace) return OpenPart();
+  if (const int error = OpenPresent(O_RDWR); error != 0) return error;
+  position_ = pushed_ = initialSize_;
+  return PartFile::ClearStale(folder_.get(), name_);
+}
+
+// Opens the plain file at the name, locked where it is to be written.
+int LocalFile::OpenPresent(int flags) {
   // Looking first keeps devices from being opened at all; looking again below is what holds.
   struct stat status {};
-  if (::fstatat(directory.get(), entry.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+  if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+  if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
+  own_.reset(OpenBeneath(folder_.get(), name_, flags | kAlways));
+  if (!own_ || ::fstat(own_.get(), &status) != 0) return errno;
+  if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
+  initialSize_ = status.st_size;
+  return flags == O_RDONLY ? 0 : LockEntry(folder_.get(), name_, own_.get());
+}
+
+int LocalFile::OpenNew() {
+  own_.reset(OpenBeneath(folder_.get(), name_, O_RDWR | O_CREAT | O_EXCL | kAlways, 0666));
+  if (!own_) return errno;
+  created_ = true;
+  if (const int error = LockEntry(folder_.get(), name_, own_.get()); error != 0) return error;
+  // Looked at after the lock was taken: a writer of the part file looks the other way round.
+  return PartFile::ClearStale(folder_.get(), name_);
+}
+
+int LocalFile::OpenPart() {
+  struct stat status {};
+  if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
     if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
   }
-  bool created = false;
-  UniqueFd fd(OpenEntry(directory.get(), entry.c_str(), mode, created));
-  if (!fd || ::fstat(fd.get(), &status) != 0) return errno;
-  if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
-  if (mode != Mode::Read) {
-    // One writer at a time. Whoever had the lock may have removed the file before letting go.
-    if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return EWOULDBLOCK;
-    if (!IsNamed(directory.get(), entry, fd.get())) return EWOULDBLOCK;
-  }
-  if (mode == Mode::Resume && ::lseek(fd.get(), 0, SEEK_END) < 0) return errno;
+  if (const int error = part_.Make(folder_.get(), name_); error != 0) return error;
+  if (const int error = OpenPresent(O_WRONLY); error != 0) return error == ENOENT ? 0 : error;
+  return KeepMode();
+}
 
-  folder_ = std::move(directory);
-  fd_ = std::move(fd);
-  name_ = entry;
-  created_ = created;
-  initialSize_ = status.st_size;
+int LocalFile::KeepMode() {
+  struct stat status {};
+  if (::fstat(own_.get(), &status) != 0) return errno;
+  // A file system without permissions refuses the call, and there is nothing to keep.
+  if (::fchmod(part_.Fd(), status.st_mode & 0777U) != 0 && errno != EPERM && errno != ENOTSUP)
+    return errno;
   return 0;
 }
 
 int LocalFile::OpenForReading(const std::string& path) {
-  *this = LocalFile();
+  Discard();
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) return errno;
   if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
   UniqueFd fd(::open(path.c_str(), O_RDONLY | kAlways));
   if (!fd || ::fstat(fd.get(), &status) != 0) return errno;
   if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
-  fd_ = std::move(fd);
+  own_ = std::move(fd);
   initialSize_ = status.st_size;
   return 0;
 }
 
-int LocalFile::Truncate(std::int64_t size) {
-  struct stat status {};
-  if (::fstat(fd_.get(), &status) != 0) return errno;
-  // Truncating an empty file would only make some file systems flush it when it is closed.
-  if (status.st_size != size && ::ftruncate(fd_.get(), size) != 0) return errno;
-  return Seek(size);
+int LocalFile::Read(std::span<char> buffer, std::size_t& got) {
+  const int error = ReadAt(position_, buffer, got);
+  position_ += static_cast<std::int64_t>(got);
+  return error;
 }
 
-std::int64_t LocalFile::Position() const {
-  return std::max<std::int64_t>(::lseek(fd_.get(), 0, SEEK_CUR), 0);
-}
-
-int LocalFile::Seek(std::int64_t offset) {
-  return ::lseek(fd_.get(), offset, SEEK_SET) < 0 ? errno : 0;
-}
-
-int LocalFile::Write(std::span<const char> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd_.get(), bytes.data(), std::min(bytes.size(), kPiece));
-    if (written < 0 && errno != EINTR) return errno;
-    if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
+int LocalFile::ReadAt(std::int64_t offset, std::span<char> buffer, std::size_t& got) const {
+  got = 0;
+  while (got < buffer.size()) {
+    const std::span<char> rest = buffer.subspan(got);
+    const ssize_t count =
+        ::pread(Target(), rest.data(), rest.size(), offset + static_cast<std::int64_t>(got));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    if (count == 0) break;
+    got += static_cast<std::size_t>(count);
   }
   return 0;
 }
 
-int LocalFile::Read(std::span<char> buffer, std::size_t& got) {
-  got = 0;
-  for (;;) {
-    const ssize_t count = ::read(fd_.get(), buffer.data(), buffer.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return errno;
-    got = static_cast<std::size_t>(count);
-    return 0;
+int LocalFile::Write(std::span<const char> bytes) {
+  while (!bytes.empty()) {
+    const std::size_t piece = std::min(bytes.size(), kPiece);
+    const ssize_t written = ::pwrite(Target(), bytes.data(), piece, position_);
+    if (written < 0 && errno != EINTR) return errno;
+    if (written <= 0) continue;
+    bytes = bytes.subspan(static_cast<std::size_t>(written));
+    position_ += written;
+    StartWriteBack();
   }
+  return 0;
 }
 
-int LocalFile::Close() {
-  folder_.reset();
-  if (!fd_) return 0;
-  return ::close(fd_.release()) != 0 ? errno : 0;
+// The sooner the disk begins the shorter is the wait at the end. Only a hint, so that errors do not
+// matter here; Commit finds them.
+void LocalFile::StartWriteBack() {
+  if (position_ - pushed_ < kWriteBackStep) return;
+  static_cast<void>(
+      ::sync_file_range(Target(), pushed_, position_ - pushed_, SYNC_FILE_RANGE_WRITE));
+  pushed_ = position_;
+}
+
+int LocalFile::StartAfresh() {
+  if (!writes_) return EBADF;
+  if (part_ && ::ftruncate(part_.Fd(), 0) != 0) return errno;
+  if (!part_ && !(created_ && position_ == 0)) {
+    // What was added to a file that is resumed is known to be wrong.
+    if (!created_ && position_ > initialSize_ && ::ftruncate(own_.get(), initialSize_) != 0)
+      return errno;
+    if (const int error = part_.Make(folder_.get(), name_); error != 0) return error;
+    if (const int error = KeepMode(); error != 0) return error;
+  }
+  position_ = pushed_ = 0;
+  return 0;
+}
+
+int LocalFile::Commit(Durability durability) {
+  const bool named = created_ || part_;
+  const bool now = writes_ && durability == Durability::Now;
+  if ((now || part_) && ::fsync(Target()) != 0) return errno;
+  if (part_) {
+    if (const int error = part_.TakeName(name_); error != 0) return error;
+  }
+  if (now && named) {
+    if (const int error = SyncEntries(folder_.get()); error != 0) return error;
+  }
+  created_ = false;
+  const int late = part_ ? part_.Close() : 0;
+  const int error = own_ && ::close(own_.release()) != 0 ? errno : late;
+  Discard();
+  return error;
 }
 
 void LocalFile::Discard() {
+  part_.Remove();
   // Only the very file that Open made is removed, not what somebody put in its place since.
-  if (created_ && folder_ && IsNamed(folder_.get(), name_, fd_.get())) {
+  struct stat status {};
+  if (created_ && ::fstat(own_.get(), &status) == 0 && status.st_size == 0 &&
+      IsNamed(folder_.get(), name_, own_.get())) {
     ::unlinkat(folder_.get(), name_.c_str(), 0);
   }
-  *this = LocalFile();
+  own_.reset();
+  folder_.reset();
+  name_.clear();
+  created_ = writes_ = false;
+  initialSize_ = position_ = pushed_ = 0;
 }
 
 }  // namespace corvane

@@ -1,67 +1,90 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "util/LocalFolder.h"
+#include "util/PartFile.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {
 
-/// Whether `name`, seen from the directory `folder`, is the open file itself and not a link to it.
-[[nodiscard]] bool IsNamed(int folder, const std::string& name, int fd);
+/// When what was written has to be on the disk.
+enum class Durability {
+  Now,    ///< when Commit returns
+  Later,  ///< after LocalFolder::SyncAll; a file that replaces another is written out all the same
+};
 
-/// One local file of a transfer. Every call that can fail answers 0 or an errno number. Not locked.
+/// One local file of a transfer. What a writer has not committed when the object ends is discarded.
+/// Calls that can fail return 0 or an errno number. Any thread, one at a time; blocks on the disk.
 class LocalFile {
  public:
   enum class Mode {
-    Create,  ///< for writing; made when missing, but not emptied until Truncate is called
-    Resume,  ///< for writing at the end; must exist
-    Read,    ///< for reading; must be a plain file
+    CreateNew,  ///< made under its own name; EEXIST if anything stands there
+    Replace,    ///< written to a part file that takes the name at Commit; until then what stands
+                ///< there stays whole, if anything does
+    Resume,     ///< a file that is there, for reading and for writing at its end
+    Read,       ///< a file that is there, for reading
   };
 
   LocalFile() = default;
+  LocalFile(const LocalFile&) = delete;
+  LocalFile& operator=(const LocalFile&) = delete;
+  ~LocalFile() { Discard(); }
 
-  /// Opens `name` inside the directory `folder`. `name` must pass IsSafeLocalName (else EINVAL);
-  /// a symbolic link at `name` is not followed (ELOOP), a directory or device is refused. A file
-  /// that another LocalFile has open for writing is refused too (EWOULDBLOCK).
-  [[nodiscard]] int Open(const std::string& folder, std::string_view name, Mode mode);
-  /// The same in an open folder.
+  /// Opens `name` inside `folder`. `name` must pass IsSafeLocalName (else EINVAL); a symbolic link
+  /// at `name` is not followed (ELOOP), and a directory (EISDIR) or device (ENOTSUP) is refused.
+  /// A file that another LocalFile writes, under its name or into a part file, is refused to a
+  /// second writer (EWOULDBLOCK). A file that is replaced must be writable, and its permissions
+  /// pass to the new one.
   [[nodiscard]] int Open(const LocalFolder& folder, std::string_view name, Mode mode);
   /// Opens a path that the user chose for reading; links are followed, only a plain file is taken.
   [[nodiscard]] int OpenForReading(const std::string& path);
 
-  [[nodiscard]] bool IsOpen() const { return static_cast<bool>(fd_); }
-  [[nodiscard]] int Fd() const { return fd_.get(); }
-  /// True when Open made the file.
-  [[nodiscard]] bool Created() const { return created_; }
-  /// The file's length when it was opened, in bytes.
+  /// The length in bytes of what stood at the name when it was opened; 0 for a new file.
   [[nodiscard]] std::int64_t InitialSize() const { return initialSize_; }
+  /// The offset in bytes of the next read or write.
+  [[nodiscard]] std::int64_t Position() const { return position_; }
 
-  /// Cuts the file to `size` bytes, which it has, and goes to its end.
-  [[nodiscard]] int Truncate(std::int64_t size = 0);
-  /// Where the next read or write happens; 0 when that cannot be told.
-  [[nodiscard]] std::int64_t Position() const;
-  /// Goes to `offset` from the start.
-  [[nodiscard]] int Seek(std::int64_t offset);
+  /// Reads up to the buffer's length into `buffer`; `got` is the count, 0 at the end.
+  [[nodiscard]] int Read(std::span<char> buffer, std::size_t& got);
+  /// Reads at `offset` until the buffer is full or the file ends. Position() stays.
+  [[nodiscard]] int ReadAt(std::int64_t offset, std::span<char> buffer, std::size_t& got) const;
   /// Writes all bytes.
   [[nodiscard]] int Write(std::span<const char> bytes);
-  /// Reads up to the buffer's length; the count in `got`, 0 at the end.
-  [[nodiscard]] int Read(std::span<char> buffer, std::size_t& got);
-  /// Closes; late write errors show here.
-  [[nodiscard]] int Close();
-  /// Closes and, when Open made the file, removes it again.
+  /// Begins again at 0 in a part file, as Replace does. What stood at the name when it was opened
+  /// stays as it was until Commit, and so does what was written to a file of CreateNew; what a part
+  /// file or a resumed file got is given up.
+  [[nodiscard]] int StartAfresh();
+
+  /// Ends the work: writes out what `durability` asks for, gives a part file its name and closes.
+  /// The file is finished only when this returns 0. After an error Discard is still to be called.
+  [[nodiscard]] int Commit(Durability durability);
+  /// Closes and removes what is of no use: a part file, and a file that CreateNew made when nothing
+  /// was written to it. What was written under the file's own name stays, so that it can be
+  /// resumed.
   void Discard();
 
  private:
-  UniqueFd folder_;
-  UniqueFd fd_;
+  int OpenEntry(Mode mode);
+  int OpenPresent(int flags);
+  int OpenNew();
+  int OpenPart();
+  int KeepMode();
+  void StartWriteBack();
+  [[nodiscard]] int Target() const { return part_ ? part_.Fd() : own_.get(); }
+
   std::string name_;
+  UniqueFd folder_;
+  UniqueFd own_;   // what stands at the name; its lock is held as long as the part file is written
+  PartFile part_;  // refers to folder_
   bool created_ = false;
+  bool writes_ = false;
   std::int64_t initialSize_ = 0;
+  std::int64_t position_ = 0;
+  std::int64_t pushed_ = 0;  // so far the kernel was told to write back
 };
 
 }  // namespace corvane

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -12,23 +13,30 @@ constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
 }  // namespace
 
-bool IsSafeLocalName(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." &&
-         name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
-}
-
 int LocalFolder::Open(const std::string& path) {
+  made_ = false;
   fd_.reset(::open(path.c_str(), kFlags));
   return fd_ ? 0 : errno;
 }
 
 int LocalFolder::Enter(const LocalFolder& above, std::string_view name) {
   fd_.reset();
+  made_ = false;
   if (!IsSafeLocalName(name)) return EINVAL;
   const std::string entry(name);
-  if (::mkdirat(above.Fd(), entry.c_str(), 0777) != 0 && errno != EEXIST) return errno;
-  fd_.reset(::openat(above.Fd(), entry.c_str(), kFlags | O_NOFOLLOW));
+  made_ = ::mkdirat(above.Fd(), entry.c_str(), 0777) == 0;
+  if (!made_ && errno != EEXIST) return errno;
+  fd_.reset(OpenBeneath(above.Fd(), entry, kFlags));
   return fd_ ? 0 : errno;
+}
+
+int LocalFolder::SyncAll() const {
+  const UniqueFd opened(::openat(fd_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened) return ::syncfs(opened.get()) == 0 ? 0 : errno;
+  // A folder may let its owner write into it and not read it.
+  if (errno != EACCES) return errno;
+  ::sync();
+  return 0;
 }
 
 }  // namespace corvane

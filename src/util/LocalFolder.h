@@ -3,29 +3,32 @@
 #include <string>
 #include <string_view>
 
+#include "util/Beneath.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {
 
-/// True when a name that came from a server may name an entry in a local folder: not empty, not
-/// "." or "..", no "/" and no NUL.
-[[nodiscard]] bool IsSafeLocalName(std::string_view name);
-
 /// An open folder of a download. What is below it is reached step by step from its descriptor, so
-/// that nothing outside is reached, whoever changes the names meanwhile. Calls answer 0 or an errno
-/// number.
+/// that nothing outside is reached, whoever changes the names meanwhile. Calls return 0 or an errno
+/// number. One thread at a time.
 class LocalFolder {
  public:
-  /// A path that the user chose; links are followed.
+  /// Opens a path that the user chose; links are followed.
   [[nodiscard]] int Open(const std::string& path);
-  /// The folder `name` inside `above`, made when missing. `name` must pass IsSafeLocalName (else
-  /// EINVAL); a symbolic link or a file in its place is refused.
+  /// Opens the folder `name` inside `above` and makes it when it is missing. `name` must pass
+  /// IsSafeLocalName (else EINVAL); a symbolic link or a file in its place is refused.
   [[nodiscard]] int Enter(const LocalFolder& above, std::string_view name);
+  /// True when Enter made the folder, false when it was there.
+  [[nodiscard]] bool Made() const { return made_; }
+  /// Writes everything on the folder's file system to the disk: one call for a whole tree whose
+  /// files were committed with Durability::Later. Blocks as long as the disk needs.
+  [[nodiscard]] int SyncAll() const;
 
   [[nodiscard]] int Fd() const { return fd_.get(); }
 
  private:
   UniqueFd fd_;
+  bool made_ = false;
 };
 
 }  // namespace corvane

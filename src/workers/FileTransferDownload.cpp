@@ -89,11 +89,9 @@ FileTransfer::Step FileTransfer::DownloadFile(const LocalFolder& folder, const E
     return Fail(entry, "The local file is longer than the server's.");
 
   const int result = Fetch(file, entry, resume);
-  if (result != 1) {
-    if (file.Position() == 0) file.Discard();
+  if (result != 1)
     return result == 0 ? Fail(entry, engine_.LastFailure()) : Stop(entry, engine_.LastFailure());
-  }
-  if (const int late = file.Close(); late != 0)
+  if (const int late = file.Commit(Durability::Now); late != 0)
     return Stop(entry, "Could not write the file: " + ErrorText(late));
   return EndFile(entry);
 }
@@ -106,7 +104,8 @@ int FileTransfer::OpenTarget(const LocalFolder& folder, const Entry& entry, Loca
     if (error != ENOENT || !entry.inFolder) return error;
     resume = false;
   }
-  return file.Open(folder, entry.local, LocalFile::Mode::Create);
+  const int error = file.Open(folder, entry.local, LocalFile::Mode::CreateNew);
+  return error == EEXIST ? file.Open(folder, entry.local, LocalFile::Mode::Replace) : error;
 }
 
 // What MFtp::Download answers.

@@ -9,7 +9,7 @@
 #include "app/browser/MWindow.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/ScreenText.h"
-#include "util/LocalFile.h"
+#include "util/Beneath.h"
 
 namespace corvane {
 namespace {

@@ -18,7 +18,7 @@
 #include "app/transfers/DownLoadWin.h"
 #include "app/transfers/TransferPane.h"
 #include "settings/ProcessSettings.h"
-#include "util/LocalFile.h"
+#include "util/Beneath.h"
 
 namespace corvane {
 namespace {

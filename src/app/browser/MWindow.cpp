@@ -22,7 +22,8 @@
 #include "app/transfers/TransferPane.h"
 #include "ftp/MFtp.h"
 #include "net/NLException.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
+#include "util/Url.h"
 
 namespace corvane {
 namespace {
@@ -41,7 +42,7 @@ std::tm LocalTimeNow() {
 
 }  // namespace
 
-MWindow::MWindow(TambleApp& app, const QRect& frame, Connection connection)
+MWindow::MWindow(TambleApp& app, const QRect& frame, Site connection)
     : app_(app), connection_(std::move(connection)), link_(std::make_shared<BrowserLink>(*this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Connected To: %1").arg(ToText(connection_.host)));
@@ -71,13 +72,7 @@ void MWindow::StartLooper() {
     FailToStart(Translated(ToText(Reason(error))));
     return;
   }
-  Message connect("CNNT"_what);
-  connect.AddString("host", connection_.host);
-  connect.AddString("user", connection_.user);
-  connect.AddString("pass", connection_.pass);
-  connect.AddString("path", connection_.path);
-  connect.AddDouble("port", connection_.port);
-  if (!looper_->Run() || !looper_->PostMessage(std::move(connect))) {
+  if (!looper_->Run() || !looper_->PostMessage(Message("CNNT"_what))) {
     FailToStart(tr("The system has no thread to give."));
   }
 }
@@ -253,14 +248,9 @@ void MWindow::PathEntered() {
 }
 
 void MWindow::AddShortcut() {
-  app_.ShowEditor({.label = connection_.host,
-                   .host = connection_.host,
-                   .user = connection_.user,
-                   .pass = connection_.pass,
-                   .path = currentDirectory_,
-                   .port = std::to_string(connection_.port),
-                   .passive = connection_.passive},
-                  *this);
+  Shortcut shortcut{.label = connection_.host, .site = connection_};
+  shortcut.site.path = currentDirectory_;
+  app_.ShowEditor(shortcut, *this);
 }
 
 void MWindow::OpenSelected() {
@@ -287,9 +277,11 @@ void MWindow::CopySelected() {
   }
   QString text;
   for (const int row : listing_->SelectedRows()) {
-    text += ToText("ftp://" + connection_.host + currentDirectory_ + "/" +
-                   listing_->Rows().At(row).Name()) +
-            '\n';
+    const Url url{
+        .host = connection_.host,
+        .port = connection_.port,
+        .path = WithoutTrailingSlash(currentDirectory_) + "/" + listing_->Rows().At(row).Name()};
+    text += QString::fromStdString(url.Written()) + '\n';
   }
   if (text.isEmpty()) return;
   QApplication::clipboard()->setText(text);

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "app/browser/MWListItem.h"
-#include "app/shared/Connection.h"
 #include "app/transfers/TransferRequest.h"
 #include "kit/Looper.h"
 #include "kit/Message.h"
+#include "remote/Site.h"
 
 class QAction;
 class QCheckBox;
@@ -46,7 +46,7 @@ class MWindow : public QMainWindow {
 
  public:
   /// Starts connecting at once; the caller shows the window.
-  MWindow(TambleApp& app, const QRect& frame, Connection connection);
+  MWindow(TambleApp& app, const QRect& frame, Site connection);
   ~MWindow() override;
 
   /// Menu items, buttons, the listing and the connection speak to the window in messages.
@@ -155,7 +155,7 @@ class MWindow : public QMainWindow {
   void AskAndHandOver(DownloadRequest request, std::int64_t localSize);
 
   TambleApp& app_;
-  const Connection connection_;
+  const Site connection_;
   std::shared_ptr<BrowserLink> link_;
   std::shared_ptr<Looper> looper_;
   std::string currentDirectory_;

@@ -169,16 +169,12 @@ void MWindow::OfferOtherMode(const Message& warning, bool passive) {
   Alerts::Show(this, question, [this, passive](int button) {
     offering_ = false;
     if (button != 0) return;
-    const auto open =
-        OpenMessage({.host = connection_.host,
-                     .user = connection_.user,
-                     .pass = connection_.pass,
-                     .path = currentDirectory_.empty() ? connection_.path : currentDirectory_,
-                     .port = std::to_string(connection_.port),
-                     .passive = !passive});
+    Site site = connection_;
+    if (!currentDirectory_.empty()) site.path = currentDirectory_;
+    site.passive = !passive;
     TambleApp& app = app_;
     close();  // the new window stands where this one stood
-    if (open.has_value()) app.PostMessage(*open);
+    app.PostMessage(OpenMessage(site));
   });
 }
 

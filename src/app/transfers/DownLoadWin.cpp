@@ -65,18 +65,18 @@ void DownLoadWin::MenusBeginning() {
 }
 
 void DownLoadWin::AddDownload(DownloadRequest request) {
-  const Connection connection = request.connection;
+  const Site connection = request.connection;
   MWindow* window = request.window;
   Add(connection, Description(std::move(request)), window);
 }
 
 void DownLoadWin::AddUpload(UploadRequest request) {
-  const Connection connection = request.connection;
+  const Site connection = request.connection;
   MWindow* window = request.window;
   Add(connection, Description(std::move(request)), window);
 }
 
-void DownLoadWin::Add(const Connection& connection, transferStruct description, MWindow* browser) {
+void DownLoadWin::Add(const Site& connection, transferStruct description, MWindow* browser) {
   TransferItem& item = list_->Items().Add(
       std::make_unique<TransferItem>(connection, std::move(description), browser));
   connect(&item, &TransferItem::Settled, this, &DownLoadWin::ItemSettled);

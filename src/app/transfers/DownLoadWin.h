@@ -34,7 +34,7 @@ class DownLoadWin : public QMainWindow {
  private:
   void MakeMenus();
   void MenusBeginning();
-  void Add(const Connection& connection, transferStruct description, MWindow* browser);
+  void Add(const Site& connection, transferStruct description, MWindow* browser);
   void ItemSettled(TransferItem* item);
   void CancelSelected();
   void RemoveSelected();

@@ -25,8 +25,7 @@ QString NoteLine(const std::string& note) {
 
 }  // namespace
 
-TransferItem::TransferItem(const Connection& connection, transferStruct description,
-                           MWindow* browser)
+TransferItem::TransferItem(const Site& connection, transferStruct description, MWindow* browser)
     : connection_(connection),
       description_(std::move(description)),
       browser_(browser),

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "app/shared/Connection.h"
 #include "app/transfers/TransferLink.h"
+#include "remote/Site.h"
 #include "workers/MThread.h"
 #include "workers/transferStruct.h"
 
@@ -29,7 +29,7 @@ class TransferItem : public QObject {
 
   /// `browser`: the window that asked. It is told of each entry that an upload brought, and its log
   /// gets the notes.
-  TransferItem(const Connection& connection, transferStruct description, MWindow* browser);
+  TransferItem(const Site& connection, transferStruct description, MWindow* browser);
   ~TransferItem() override;
 
   /// Makes the worker and starts it. A worker that cannot start ends the transfer as failed.
@@ -95,7 +95,7 @@ class TransferItem : public QObject {
  private:
   void LogNotes() const;
 
-  Connection connection_;
+  Site connection_;
   transferStruct description_;
   QPointer<MWindow> browser_;
   std::shared_ptr<TransferLink> link_;

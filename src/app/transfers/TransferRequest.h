@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "app/shared/Connection.h"
 #include "ftp/fileStruct.h"
+#include "remote/Site.h"
 #include "workers/transferStruct.h"
 
 namespace corvane {
@@ -15,7 +15,7 @@ class MWindow;
 
 /// What a browser window asks to have moved. Names and paths are raw bytes.
 struct DownloadRequest {
-  Connection connection;
+  Site connection;
   std::string remoteDirectory;
   std::string where;              ///< the local folder
   std::vector<fileStruct> items;  ///< displayName: the local name
@@ -25,7 +25,7 @@ struct DownloadRequest {
 };
 
 struct UploadRequest {
-  Connection connection;
+  Site connection;
   std::string remoteDirectory;
   std::vector<std::string> localItems;  ///< paths
   QPointer<MWindow> window;             ///< the same; told of each entry that arrived, too

@@ -96,7 +96,7 @@ int main(int argc, char** argv) {
   QApplication qt(argc, argv);
   std::vector<Row> rows;
   corvane::WorkerFactory factory;
-  factory.transfer = [&rows](const corvane::Connection&, Row row, const corvane::transferStruct&) {
+  factory.transfer = [&rows](const corvane::Site&, Row row, const corvane::transferStruct&) {
     rows.push_back(std::move(row));
     return std::make_shared<Idle>();
   };

@@ -15,7 +15,7 @@
 
 #include "prefs/PrefPaths.h"
 #include "prefs/TemporaryFile.h"
-#include "util/LocalFile.h"
+#include "util/Beneath.h"
 
 namespace corvane {
 namespace {
@@ -56,11 +56,6 @@ int WriteAll(int fd, std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
   return 0;
-}
-
-// Some file systems cannot sync a directory and say EINVAL.
-int SyncDirectory(int folder) {
-  return ::fsync(folder) == 0 || errno == EINVAL ? 0 : errno;
 }
 
 }  // namespace
@@ -137,7 +132,7 @@ int PrefFile::Replace(const Message& message) {
   // The new file has been locked since it was made, so that the lock never has a gap.
   if (const int error = fresh.RenameTo(name_)) return error;
   fd_ = fresh.Release();
-  return SyncDirectory(folder.get());
+  return SyncEntries(folder.get());
 }
 
 int PrefFile::KeepWhatIsDamaged(int folder) const {

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "util/LocalFile.h"
+#include "util/Beneath.h"
 
 namespace corvane {
 namespace {

@@ -9,7 +9,7 @@
 #include <filesystem>
 
 #include "prefs/PrefPaths.h"
-#include "util/LocalFile.h"
+#include "util/Beneath.h"
 
 namespace corvane {
 

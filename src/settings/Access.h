@@ -9,7 +9,7 @@
 
 namespace corvane {
 
-/// Typed access to the items of a preference set. Readers answer the default when the item is
+/// Typed access to the items of a preference set. Readers return the default when the item is
 /// missing or of another type. Writers that fail print what they could not do and go on; why is
 /// told by PreferenceSet::Finish.
 

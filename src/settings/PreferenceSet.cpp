@@ -19,12 +19,24 @@ PreferenceSet::PreferenceSet(const char* name, Saving saving) : saving_(saving) 
   const PREFStatus loaded = PREFLoadSet(app_, name, true, &set_);
   Note(loaded);
   damaged_ = loaded == -ENOMEM;
-  if (set_ == nullptr || saving_ == Saving::AtOnce) return;
-  // What another program saved since the load is kept; a file that was made just now has nothing to
-  // read.
+  if (set_ == nullptr) return;
+  if (saving_ == Saving::AtOnce) {
+    // A file that was cut short has loaded as an empty set; only reading it again tells.
+    const Message* items = PREFGetMessage(set_);
+    if (items != nullptr && items->Names().empty()) Reload();
+    return;
+  }
+  // What another program saved since the load is kept.
   const PREFStatus begun = PREFBeginTransaction(set_, &transaction_);
   Note(begun);
-  if (begun == 0) PREFReloadSet(set_);
+  if (begun == 0) Reload();
+}
+
+// A file that was made just now has nothing to read, which is no failure.
+void PreferenceSet::Reload() {
+  if (PREFReloadSet(set_) != -EIO) return;
+  Note(-EIO);
+  damaged_ = true;
 }
 
 PreferenceSet::~PreferenceSet() {
@@ -47,7 +59,8 @@ void PreferenceSet::Write() {
   unsaved_ = false;
   // Who waited for the file in vain does not wait a second time.
   const bool refused = saving_ == Saving::Gathered && transaction_ == nullptr;
-  const PREFStatus saved = refused ? -EBUSY : PREFSaveSet(set_);
+  // What is damaged stays as it is, for the user to look at.
+  const PREFStatus saved = refused ? -EBUSY : damaged_ ? -EIO : PREFSaveSet(set_);
   Note(saved);
   if (saved != 0) std::puts("Cannot save settings");
 }

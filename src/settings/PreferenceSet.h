@@ -14,25 +14,26 @@ class PreferenceSet {
     Gathered,  ///< the file is held against other processes, and written once at the end
   };
 
-  /// Opens the set `name` of this user. One that cannot be loaded reads as empty.
+  /// Opens the set `name` of this user. One that cannot be loaded reads as empty and is not saved.
   explicit PreferenceSet(const char* name, Saving saving = Saving::AtOnce);
   /// Writes what was gathered.
   ~PreferenceSet();
   PreferenceSet(const PreferenceSet&) = delete;
   PreferenceSet& operator=(const PreferenceSet&) = delete;
 
-  /// Null when the set could not be loaded; the store's functions then answer failures.
+  /// Null when the set could not be loaded; the store's functions then return failures.
   [[nodiscard]] PREFSet* Handle() const { return set_; }
 
   /// Saves the set, now or at the end; prints "Cannot save settings" on failure.
   void Save();
-  /// Writes what was gathered. Answers why something could not be stored, for the user; "" when all
+  /// Writes what was gathered. Returns why something could not be stored, for the user; "" when all
   /// is on the disk.
   std::string Finish();
   /// Notes a status of the store; the first failure stays.
   void Note(PREFStatus status);
 
  private:
+  void Reload();
   void Write();
 
   const Saving saving_;

@@ -5,7 +5,8 @@
 
 namespace corvane {
 
-/// The settings in force, as one copy. Names and meanings are those of the stored set.
+/// The settings in force, as one copy, each with its default. SettingsTable says how each of them
+/// is stored and shown.
 struct SettingsValues {
   std::string DwnldDir = "empty";          ///< folder for downloads; "empty" or "": none, ask
   std::string DfltPass = "guest@host.in";  ///< password offered for anonymous logins
@@ -18,10 +19,13 @@ struct SettingsValues {
   std::string proxyAddress;
   std::string proxyPort = "21";  ///< decimal text
   bool useSameConnection = false;
-  bool removeItem = false;   ///< take finished transfers off the list
-  bool defaultpass = false;  ///< never set
-  bool notify = true;        ///< tell the desktop of transfers that end behind the user's back
-  bool showwindow = true;    ///< show the transfer window when a transfer is queued
+  bool removeItem = false;    ///< take finished transfers off the list
+  bool defaultpass = false;   ///< never set
+  bool notify = true;         ///< tell the desktop of transfers that end behind the user's back
+  bool showwindow = true;     ///< show the transfer window when a transfer is queued
+  bool classicStyle = false;  ///< the described figures, texts and editing in place of today's
+
+  friend bool operator==(const SettingsValues&, const SettingsValues&) = default;
 };
 
 /// The process-wide settings. Any thread reads a consistent copy at any time.

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "settings/Access.h"
-#include "settings/ShortcutStore.h"
+#include "settings/SettingsTable.h"
 
 namespace corvane {
 namespace {
@@ -21,55 +21,65 @@ struct KeptFrame {
 std::map<std::string, KeptFrame> frames;  // by their keys
 int gathering = 0;
 
-// Offered in place of a password that was left empty.
-constexpr const char* kSomePassword = "guest@a.b";
-
-void BringUpToDate(PreferenceSet& set) {
+// Shortcuts of an older version that cannot be converted now are converted at the next start.
+void BringUpToDate(PreferenceSet& set, const StoredSettings::Conversion& convert) {
   const std::int32_t version = GetInt32(set, "version", kVersion);
-  // Shortcuts that could not be converted now are converted at the next start.
-  const bool done = version >= kFlaglessShortcuts || ShortcutStore::ConvertShortcuts() != 0;
+  const bool done = version >= kFlaglessShortcuts || convert();
   if (version < kVersion && done) SaveInt32(set, "version", kVersion);
   set.Save();
 }
 
-SettingsValues Read(const PreferenceSet& set) {
-  SettingsValues values;
-  const auto text = [&set](const char* name, std::string& value) {
-    value = GetString(set, name, value);
-  };
-  const auto flag = [&set](const char* name, bool& value) {
-    value = GetInt32(set, name, value ? 1 : 0) != 0;
-  };
-  text("downloaddir", values.DwnldDir);
-  text("defaultpass", values.DfltPass);
-  text("loginSsnd", values.loginSsnd);
-  text("loginFsnd", values.loginFsnd);
-  text("upldsnd", values.upldsnd);
-  text("dwnldsnd", values.dwnldsnd);
-  values.buffersize = GetInt32(set, "buffersize", values.buffersize);
-  text("ftpproxyaddress", values.proxyAddress);
-  values.proxyPort = GetString(set, "ftpproxyport", "");
-  if (values.proxyPort.empty()) values.proxyPort = "21";
-  flag("shwtranwin", values.showwindow);
-  flag("notify", values.notify);
-  flag("useproxy", values.useProxy);
-  flag("removeitem", values.removeItem);
-  // Stored as a text under the same key, so the number is never there and the flag stays false.
-  flag("defaultpass", values.defaultpass);
-  flag("useSameConnection", values.useSameConnection);
-  return values;
-}
+struct ReadValue {
+  const PreferenceSet& set;
+  const Setting& setting;
+  SettingsValues& values;
 
-std::string OrElse(const std::string& text, const char* fallback) {
-  return text.empty() ? fallback : text;
+  void operator()(std::string SettingsValues::*text) const {
+    values.*text = GetString(set, setting.key, values.*text);
+    if ((values.*text).empty()) values.*text = setting.readsEmpty;
+  }
+  void operator()(bool SettingsValues::*flag) const {
+    values.*flag = GetInt32(set, setting.key, values.*flag ? 1 : 0) != 0;
+  }
+  void operator()(std::int32_t SettingsValues::*number) const {
+    values.*number = GetInt32(set, setting.key, values.*number);
+  }
+};
+
+/// Stores what the user entered, and puts into `values` what is in force from now on.
+struct StoreValue {
+  PreferenceSet& set;
+  const Setting& setting;
+  SettingsValues& values;
+
+  void operator()(std::string SettingsValues::*text) const {
+    const std::string entered = values.*text;
+    if (entered.empty()) values.*text = setting.emptied;
+    SaveString(set, setting.key, setting.storesEmptied ? values.*text : entered);
+  }
+  void operator()(bool SettingsValues::*flag) const {
+    SaveInt32(set, setting.key, values.*flag ? 1 : 0);
+  }
+  void operator()(std::int32_t SettingsValues::*number) const {
+    SaveInt32(set, setting.key, values.*number);
+  }
+};
+
+// The variable's value goes from one record to the other.
+void Copy(const Setting& setting, const SettingsValues& from, SettingsValues& to) {
+  std::visit([&](auto variable) { to.*variable = from.*variable; }, setting.variable);
 }
 
 }  // namespace
 
-std::string StoredSettings::ReadAtStart() {
+std::string StoredSettings::ReadAtStart(const Conversion& convert) {
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
-  BringUpToDate(set);
-  ProcessSettings::Set(Read(set));
+  BringUpToDate(set, convert);
+  SettingsValues values;
+  for (const Setting& setting : AllSettings()) {
+    std::visit(ReadValue{set, setting, values}, setting.variable);
+  }
+  ProcessSettings::Set(std::move(values));
   for (const FrameSetting& setting : {kMainFrame, kTransferFrame, kConnectionFrame}) {
     frames[setting.key].frame = GetWindowSetting(set, setting.key, setting.fallback);
   }
@@ -78,38 +88,28 @@ std::string StoredSettings::ReadAtStart() {
 
 std::string StoredSettings::Apply(const SettingsValues& entered) {
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
+  const SettingsValues before = ProcessSettings::Get();
   SettingsValues now = entered;
-  now.showwindow = ProcessSettings::Get().showwindow;
-  const auto sound = [&set](const char* name, std::string& path) {
-    path = OrElse(path, "none");
-    SaveString(set, name, path);
-  };
-  now.DfltPass = OrElse(entered.DfltPass, kSomePassword);
-  SaveString(set, "defaultpass", now.DfltPass);
-  SaveInt32(set, "shwtranwin", entered.showwindow ? 1 : 0);
-  SaveInt32(set, "removeitem", entered.removeItem ? 1 : 0);
-  SaveInt32(set, "notify", entered.notify ? 1 : 0);
-  // An emptied field stays empty on the disk: who emptied it wants to be asked, where one who never
-  // chose gets the desktop's folder.
-  now.DwnldDir = OrElse(entered.DwnldDir, "empty");
-  SaveString(set, "downloaddir", entered.DwnldDir);
-  SaveString(set, "ftpproxyaddress", entered.proxyAddress);
-  SaveString(set, "ftpproxyport", entered.proxyPort);
-  SaveInt32(set, "useproxy", entered.useProxy ? 1 : 0);
-  SaveInt32(set, "useSameConnection", entered.useSameConnection ? 1 : 0);
-  sound("dwnldsnd", now.dwnldsnd);
-  sound("upldsnd", now.upldsnd);
-  sound("loginSsnd", now.loginSsnd);
-  sound("loginFsnd", now.loginFsnd);
-  SaveInt32(set, "buffersize", entered.buffersize);
+  for (const Setting& setting : AllSettings()) {
+    if (setting.tab == SettingsTab::None) continue;
+    std::visit(StoreValue{set, setting, now}, setting.variable);
+    if (setting.atNextStart) Copy(setting, before, now);
+  }
   ProcessSettings::Set(std::move(now));
   set.Save();
   return set.Finish();
 }
 
-bool StoredSettings::ShowsTransferWindow() {
+SettingsValues StoredSettings::ForEditing() {
   const PreferenceSet set(kSet);
-  return GetInt32(set, "shwtranwin", ProcessSettings::Get().showwindow ? 1 : 0) != 0;
+  SettingsValues values = ProcessSettings::Get();
+  for (const Setting& setting : AllSettings()) {
+    if (setting.atNextStart) std::visit(ReadValue{set, setting, values}, setting.variable);
+    const auto* text = std::get_if<std::string SettingsValues::*>(&setting.variable);
+    if (text != nullptr && !setting.storesEmptied && values.**text == setting.emptied)
+      (values.**text).clear();
+  }
+  return values;
 }
 
 Rect StoredSettings::Frame(const FrameSetting& setting) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "kit/Rect.h"
@@ -20,15 +21,18 @@ inline constexpr FrameSetting kConnectionFrame{"connwinframe", {120, 50, 560, 53
 /// The set "settings" on the disk. GUI thread.
 class StoredSettings {
  public:
-  /// Reads every setting into ProcessSettings, defaults for what is missing, and brings stored data
-  /// of an older version up to date. Answers why the set could not be read, "" when it was.
-  static std::string ReadAtStart();
-  /// Takes over what the user set in the preferences window and stores it. An empty password, sound
-  /// or download folder means none. `showwindow` is stored, and in force from the next start on.
-  /// Answers why it could not be stored, "" when it was.
+  /// Converts the shortcuts of versions below 1000; false when it could not be done.
+  using Conversion = std::function<bool()>;
+  /// Reads every setting into ProcessSettings, defaults for what is missing. Stored data of an
+  /// older version is brought up to date, the shortcuts by `convert`. Returns why the set could not
+  /// be read, "" when it was.
+  static std::string ReadAtStart(const Conversion& convert);
+  /// Takes over what the user set in the preferences window and stores it, as SettingsTable says.
+  /// Returns why it could not be stored, "" when it was.
   static std::string Apply(const SettingsValues& entered);
-  /// What is stored, and not yet in force, for `showwindow`.
-  [[nodiscard]] static bool ShowsTransferWindow();
+  /// The settings as the preferences window shows them: those in force, and what is stored of those
+  /// that wait for the next start.
+  [[nodiscard]] static SettingsValues ForEditing();
 
   /// A window's frame as it was read at start or saved since.
   [[nodiscard]] static Rect Frame(const FrameSetting& setting);

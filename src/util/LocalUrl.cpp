@@ -5,7 +5,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+
+#include "util/Percent.h"
 
 namespace corvane {
 namespace {
@@ -22,31 +23,10 @@ bool IsThisHost(std::string_view host) {
   return ::gethostname(name.data(), name.size() - 1) == 0 && SameIgnoringCase(host, name.data());
 }
 
-// The byte behind a "%"; nothing without two hexadecimal digits.
-std::optional<char> Escaped(std::string_view digits) {
-  if (digits.size() < 2) return {};
-  unsigned value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + 2, value, 16);
-  if (error != std::errc() || end != digits.data() + 2) return {};
-  return static_cast<char>(value);
-}
-
-std::optional<std::string> Unescaped(std::string_view text) {
-  std::string path;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char c = text[i];
-    if (c == '%') {
-      const std::optional<char> byte = Escaped(text.substr(i + 1, 2));
-      if (!byte.has_value()) return {};
-      c = *byte;
-      i += 2;
-    } else if (c == '?' || c == '#' || static_cast<unsigned char>(c) <= ' ' || c == 127) {
-      return {};
-    }
-    if (c == '\0' || c == '\r' || c == '\n') return {};
-    path += c;
-  }
-  return path;
+// False with a query or fragment, and with what a URL never holds unescaped.
+bool IsPlainPath(std::string_view path) {
+  return std::ranges::none_of(
+      path, [](unsigned char c) { return c == '?' || c == '#' || c <= ' ' || c == 127; });
 }
 
 }  // namespace
@@ -59,8 +39,8 @@ std::optional<std::string> LocalPathOf(std::string_view url) {
     if (!IsThisHost(url.substr(2, slash - 2))) return {};
     url.remove_prefix(slash);
   }
-  if (!url.starts_with('/')) return {};
-  return Unescaped(url);
+  if (!url.starts_with('/') || !IsPlainPath(url)) return {};
+  return PercentDecoded(url);
 }
 
 std::string FolderOf(std::string_view path) {

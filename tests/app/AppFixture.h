@@ -22,10 +22,10 @@
 #include "app/connect/StartWin.h"
 #include "app/program/TambleApp.h"
 #include "app/shared/Alerts.h"
-#include "app/shared/Connection.h"
 #include "app/transfers/DownLoadWin.h"
 #include "kit/Mutex.h"
 #include "net/NLException.h"
+#include "remote/Site.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
@@ -91,14 +91,14 @@ struct IdleTransfer : public MThread {
 class AppFixture : public testing::Test {
  protected:
   AppFixture() {
-    factory_.looper = [this](const Connection& connection, std::shared_ptr<BrowserUi> window) {
+    factory_.looper = [this](const Site& connection, std::shared_ptr<BrowserUi> window) {
       connections_.push_back(connection);
       link_ = std::move(window);
       looper_ = std::make_shared<RecordingLooper>(link_);
       looper_->busy = busy_;
       return looper_;
     };
-    factory_.transfer = [this](const Connection&, std::shared_ptr<TransferUi> row,
+    factory_.transfer = [this](const Site&, std::shared_ptr<TransferUi> row,
                                transferStruct description) {
       transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
       return transfers_.back();
@@ -182,7 +182,7 @@ class AppFixture : public testing::Test {
   std::vector<std::shared_ptr<IdleTransfer>> here_;  // on a browser window's own connection
   bool noEngine_ = false;
   bool busy_ = false;  // the requests of the next connection stay under way
-  std::vector<Connection> connections_;
+  std::vector<Site> connections_;
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert
   WorkerFactory factory_;

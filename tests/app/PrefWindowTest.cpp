@@ -7,7 +7,8 @@
 
 #include "AppFixture.h"
 #include "app/desktop/Autostart.h"
-#include "settings/StoredSettings.h"
+#include "settings/Access.h"
+#include "sites/ReadAtStart.h"
 
 namespace corvane {
 namespace {
@@ -38,18 +39,19 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     Field(sound).setText(*sound == 'U' ? "" : sound);
   }
   for (const char* box : {"ShowTranWin", "RemoveItem", "Notify", "ShowInTray", "UseSameConnection",
-                          "ProxyCheckBox"}) {
+                          "ClassicStyle", "ProxyCheckBox"}) {
     Box(box).toggle();
   }
   window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);
-  const std::pair<const char*, const char*> faults[] = {{"", "21"}, {"proxy", "many"}, {"p", ""}};
+  const std::pair<const char*, const char*> faults[] = {
+      {"", "21"}, {"proxy", "many"}, {"p", ""}, {"p", "0"}};
   for (const auto& [host, port] : faults) {
     Field("ProxyAddr").setText(host);
     Field("ProxyPort").setText(port);
     Press("save");
   }
   EXPECT_EQ(alerts_.size(), std::size(faults));
-  Field("ProxyPort").setText("8021");
+  Field("ProxyPort").setText(" 8021 ");
   Press("save");
   EXPECT_TRUE(Closed());
   Open();
@@ -82,10 +84,10 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     EXPECT_EQ(now.showwindow, restarted) << "kept, but not in force before the next start";
     EXPECT_EQ(now.loginSsnd + now.loginFsnd + now.upldsnd + now.dwnldsnd,
               "LoginSuccessLoginFailurenoneDownload Sound");
-    EXPECT_EQ(now.proxyAddress + now.proxyPort + std::to_string(now.buffersize), "p8021131072");
+    EXPECT_EQ(now.proxyAddress + now.proxyPort + std::to_string(now.buffersize), "p 8021 131072");
     EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy && !now.defaultpass);
-    EXPECT_FALSE(now.notify);
-    StoredSettings::ReadAtStart();
+    EXPECT_TRUE(!now.notify && now.classicStyle);
+    EXPECT_EQ(ReadAtStart(), "");
   }
 }
 
@@ -103,6 +105,41 @@ TEST_F(Preferences, APanelFillsTheSoundFieldInFocus) {
   QTest::keyClick(name, Qt::Key_Return);
   EXPECT_EQ(Field("Download Sound").text(), sound.fileName());
   EXPECT_EQ(Field("LoginSuccess").text(), "none");
+}
+
+// A proxy that is set there must not be bypassed without a word.
+TEST_F(Preferences, ThatCannotBeReadAreSaidAndNoConnectionIsMadeUnasked) {
+  Press("cancel");
+  EXPECT_TRUE(Closed());
+  QFile set(config_.filePath("_LP_x-ovak-Corvane/settings"));
+  ASSERT_TRUE(set.open(QFile::WriteOnly) && set.write("cut short") > 0);
+  set.close();
+  connections_.clear();
+  button_ = 1;
+  app_ = std::make_unique<TambleApp>(factory_);
+  app_->ReadyToRun(With("OPNC"_what, "host", "h"));
+  QApplication::processEvents();
+  EXPECT_EQ(alerts_.size(), 2U) << "at the start, and before the connection";
+  EXPECT_TRUE(connections_.empty());
+  button_ = 0;
+  for (const std::size_t count : {1U, 2U}) {
+    app_->PostMessage(With("OPNC"_what, "host", "h"));
+    EXPECT_TRUE(Wait([&] { return connections_.size() == count; }));
+  }
+  EXPECT_EQ(alerts_.size(), 3U) << "asked once";
+
+  // As soon as they can be read they are in force, their proxy too.
+  app_ = std::make_unique<TambleApp>(factory_);
+  app_->ReadyToRun();
+  ASSERT_TRUE(set.remove());
+  {
+    PreferenceSet mended("settings");
+    SaveInt32(mended, "useproxy", 1);
+    SaveString(mended, "ftpproxyaddress", "proxy.test");
+    SaveString(mended, "ftpproxyport", " 8021");
+  }
+  app_->PostMessage(With("OPNC"_what, "host", "h"));
+  EXPECT_EQ(connections_.back().proxy, (Proxy{"proxy.test", 8021}));
 }
 
 TEST_F(Preferences, SaysWhenNothingCouldBeStored) {

@@ -122,7 +122,7 @@ TEST_F(Running, LaterStartsHandOverWhateverOthersDo) {
   EXPECT_EQ(Another({"ftp://u:p@h:2121/x"}), Start::HandedOver);
   ASSERT_EQ(taken_.size(), 1U);
   EXPECT_EQ(taken_[0].FindInt16("port"), 2121);
-  EXPECT_EQ(Another({"ftp://h/a\nb"}), Start::Refused);
+  EXPECT_EQ(Another({"ftp://h/" + std::string(RequestServer::kLongest, 'x')}), Start::Refused);
   EXPECT_EQ(taken_.size(), 1U);
 }
 

@@ -7,7 +7,9 @@
 #include "app/connect/ShortcutField.h"
 #include "app/desktop/ReplicantView.h"
 #include "app/desktop/RequestServer.h"
-#include "settings/ShortcutStore.h"
+#include "app/program/PrefWindow.h"
+#include "settings/Access.h"
+#include "sites/ShortcutStore.h"
 
 namespace corvane {
 namespace {
@@ -22,7 +24,8 @@ class Shortcuts : public AppFixture {
   }
 
   static Shortcut Named(const char* label) {
-    return {.label = label, .host = "h", .user = "u", .pass = "p", .path = "/d", .port = "2121"};
+    return {.label = label,
+            .site = {.host = "h", .port = 2121, .user = "u", .password = "p", .path = "/d"}};
   }
   void Key(int key, Qt::KeyboardModifiers modifiers = {}) {
     PutInFront(*list_);
@@ -39,7 +42,8 @@ class Shortcuts : public AppFixture {
   }
   static std::string Stored() {
     std::string labels;
-    for (const Shortcut& shortcut : ShortcutStore::ReadForMenu()) labels += shortcut.label + " ";
+    for (const Shortcut& shortcut : ShortcutStore::ReadForMenu().shortcuts)
+      labels += shortcut.label + " ";
     return labels;
   }
 
@@ -62,8 +66,8 @@ TEST_F(Shortcuts, EditsStayInTheWindowUntilTheyAreSaved) {
   EXPECT_FALSE(list_->Changed());
   EXPECT_EQ(Stored(), "one new three ");
   Shortcut expected = Named("new");
-  expected.port = "21";
-  expected.passive = true;
+  expected.site.port = 21;
+  expected.site.passive = true;
   EXPECT_TRUE(ShortcutStore::Read(1) == expected);
 }
 
@@ -83,6 +87,19 @@ TEST_F(Shortcuts, RemovesAllButTheLast) {
 }
 
 TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
+  button_ = Alerts::kDismissed;  // Escape: neither
+  Select(0);
+  Key(Qt::Key_Backspace);
+  list_->close();
+  QApplication::processEvents();
+  ASSERT_FALSE(list_.isNull());
+  EXPECT_TRUE(list_->isVisible() && list_->Changed());
+  EXPECT_EQ(Stored(), "one two three ");
+  button_ = 0;
+  list_->close();
+  EXPECT_TRUE(Wait([&] { return list_.isNull(); }));
+  app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
+  list_ = app_->Shortcuts();
   const std::pair<int, const char*> cases[] = {{0, "one two three "}, {1, "two three "}};
   for (const auto& [button, stored] : cases) {
     alerts_.clear();
@@ -105,13 +122,13 @@ TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
   EXPECT_EQ(Stored(), "three ");
 }
 
-TEST_F(Shortcuts, CopiesUrlsWithTheirPortAtTheEnd) {
-  app_->ShowEditor({.host = "i"}, *list_);
+TEST_F(Shortcuts, CopiesUrlsThatAreReadAgain) {
+  app_->ShowEditor({.site = {.host = "i", .path = "/a b"}}, *list_);
   PressOk();
   Key(Qt::Key_A, Qt::ControlModifier);
   Key(Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text(),
-            "ftp://h/d:2121\nftp://h/d:2121\nftp://h/d:2121\nftp://i/\n");
+            "ftp://h:2121/d\nftp://h:2121/d\nftp://h:2121/d\nftp://i/a%20b\n");
 }
 
 TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
@@ -136,25 +153,80 @@ TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
     QApplication::processEvents();
     Field(name).setText(before);
   }
+  for (const char* port : {"many", "0"}) {
+    Field("Port").setText(port);
+    PressOk();
+    EXPECT_EQ(alerts_.back().text, "The port has to be a number from 1 to 65535.");
+  }
+  Field("Port").clear();
   Field("Label").clear();
   Key(Qt::Key_N, Qt::ControlModifier);  // the editor is in use, and stays as it is
   EXPECT_EQ(Field("Host").text(), "server.test");
   QTest::keyClick(&Field("Port"), Qt::Key_Return);
   EXPECT_TRUE(Closed());
   EXPECT_EQ(Stored(), "one two three server.test ");
-  EXPECT_EQ(ShortcutStore::Read(3)->path, "/pub/\xFC");
+  EXPECT_EQ(ShortcutStore::Read(3)->site.path, "/pub/\xFC");
   EXPECT_EQ(app_->ConnectionWindow().CutMenu().Count(), 4);
   EXPECT_EQ(list_->List().topLevelItem(3)->text(1), "server.test");
+}
+
+TEST_F(Shortcuts, SortingIsForTheEyeAndTheMenuKeepsItsOrder) {
+  list_->List().sortItems(0, Qt::AscendingOrder);
+  EXPECT_EQ(list_->List().topLevelItem(1)->text(0), "three");
+  EXPECT_FALSE(list_->Changed());
+  Select(0);
+  Key(Qt::Key_Delete);
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Stored(), "two three ");
+}
+
+TEST_F(Shortcuts, BehindOneThatCannotBeReadAreNotLostUnasked) {
+  {
+    PreferenceSet set("shortcuts");
+    SaveString(set, "1", "no connection");
+  }
+  list_->close();
+  EXPECT_TRUE(Wait([&] { return list_.isNull(); }));
+  app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
+  list_ = app_->Shortcuts();
+  for (const bool anyway : {false, true}) {
+    button_ = anyway ? 0 : 1;
+    alerts_.clear();
+    Key(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(alerts_.size(), 1U);
+    QApplication::processEvents();
+    EXPECT_EQ(ShortcutStore::CountOutOfReach(), anyway ? 0 : 2);
+  }
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(alerts_.size(), 1U) << "nothing is lost any more";
+}
+
+TEST_F(Shortcuts, QuittingAsksAboutWhatWasTyped) {
+  Select(0);
+  Key(Qt::Key_E, Qt::ControlModifier);
+  Field("Label").setText("typed");
+  app_->ShowPreferences();
+  app_->Preferences()->findChild<QLineEdit*>("defaultpass")->setText("typed");
+  button_ = 1;
+  app_->QuitRequested();
+  QApplication::processEvents();
+  EXPECT_EQ(alerts_.size(), 1U);
+  EXPECT_FALSE(app_->Quitting());
+  EXPECT_EQ(Field("Label").text(), "typed");
+  button_ = 0;
+  app_->QuitRequested();
+  EXPECT_TRUE(Wait([&] { return app_->Quitting(); }));
+  EXPECT_EQ(alerts_.size(), 3U) << "once for each window";
 }
 
 TEST_F(Shortcuts, AreOpenedFromTheTray) {
   std::vector<Message> launched;
   ReplicantView tray([&](const Message& message) { launched.push_back(message); });
   Shortcut odd = Named("");  // shown by its host
-  odd.user.clear();
-  odd.passive = true;
+  odd.site.user.clear();
+  odd.site.passive = true;
   Shortcut wrong = Named("a & b");
-  wrong.port = "70000";
+  wrong.site.port = 0;
   EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), odd, wrong}), "");
   Q_EMIT tray.PopUpMenu().aboutToShow();
   QStringList texts;
@@ -167,10 +239,10 @@ TEST_F(Shortcuts, AreOpenedFromTheTray) {
   EXPECT_EQ(launched[0], Message("RUNN"_what));
   for (std::size_t i = 1; i < launched.size(); ++i) {
     app_->PostMessage(*RequestServer::Read(RequestServer::Line(launched[i])));
-    const Connection& to = connections_.back();
+    const Site& to = connections_.back();
     EXPECT_EQ(to.port, 2121);
     EXPECT_EQ(to.passive, i == 2);
-    EXPECT_EQ(to.user + to.pass + to.host + to.path, i == 2 ? "anonymousph/d" : "uph/d");
+    EXPECT_EQ(to.user + to.password + to.host + to.path, i == 2 ? "anonymousph/d" : "uph/d");
   }
   // The list of a new user has one entry, which is stored then.
   QFile::remove(config_.filePath("_LP_x-ovak-Corvane/shortcuts"));

@@ -3,20 +3,22 @@
 
 #include "AppFixture.h"
 #include "app/connect/Password.h"
-#include "app/connect/PastedUrl.h"
 #include "app/connect/ShortcutField.h"
 #include "app/shared/CommandLine.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
-#include "settings/ShortcutStore.h"
 #include "settings/StoredSettings.h"
+#include "sites/ShortcutStore.h"
 
 namespace corvane {
 namespace {
 
-class Start : public AppFixture {
+/// In both styles: the parameter says whether it is the classic one.
+class Start : public AppFixture, public testing::WithParamInterface<bool> {
  protected:
   Start() : start_(app_->ConnectionWindow()), password_(*start_.findChild<Password*>()) {
+    settings_.classicStyle = GetParam();
+    ProcessSettings::Set(settings_);
     PutInFront(start_);
   }
 
@@ -29,6 +31,11 @@ class Start : public AppFixture {
     }
     return text + password_.actualText();
   }
+  /// A key that writes a character, as far as the password field sees it.
+  void Press(QChar written) {
+    QKeyEvent key(QEvent::KeyPress, 0, Qt::NoModifier, QString(written));
+    QApplication::sendEvent(&password_, &key);
+  }
   void Key(int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
     QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), modifiers);
   }
@@ -37,10 +44,12 @@ class Start : public AppFixture {
   Password& password_;
 };
 
-TEST_F(Start, ConnectsToWhatTheFieldsSay) {
+TEST_P(Start, ConnectsToWhatTheFieldsSay) {
+  const bool classic = GetParam();
   // Port field, and the port connected to; nothing where the field is refused.
   const std::pair<const char*, std::optional<int>> ports[] = {
-      {"", 21}, {"2121abc", 2121}, {"abc", 0}, {"65535", 65535}, {"65536", {}}, {"-1", {}}};
+      {"", 21},    {"2121abc", 2121}, {" 2121", 2121}, {"65535", 65535},
+      {"abc", {}}, {"65536", {}},     {"-1", {}},      {"0", {}}};
   Key(Qt::Key_Return, {});
   EXPECT_EQ(alerts_.size(), 1U);
   Field("Host").setText("h");
@@ -56,8 +65,8 @@ TEST_F(Start, ConnectsToWhatTheFieldsSay) {
     if (!port.has_value()) continue;
     EXPECT_EQ(connections_[0].port, *port);
     EXPECT_EQ(connections_[0].user, "anonymous");
-    EXPECT_EQ(connections_[0].pass, ProcessSettings::Get().DfltPass);
-    EXPECT_EQ(password_.text().size(), std::ssize(ProcessSettings::Get().DfltPass) + 1);
+    EXPECT_EQ(connections_[0].password, settings_.DfltPass);
+    EXPECT_EQ(password_.text().size(), std::ssize(settings_.DfltPass) + (classic ? 1 : 0));
     EXPECT_FALSE(connections_[0].passive);
   }
   start_.findChild<QCheckBox*>("Passive")->click();
@@ -67,16 +76,21 @@ TEST_F(Start, ConnectsToWhatTheFieldsSay) {
   Field("Port").setText("1");
   QTest::keyClick(&password_, Qt::Key_Return);
   ASSERT_EQ(connections_.size(), 1U);
-  EXPECT_EQ(connections_[0].pass, "secret");
+  EXPECT_EQ(connections_[0].password, "secret");
   EXPECT_TRUE(connections_[0].passive);
 
-  Field("Host").setText("ftp://other@i/pub");  // keeps what it does not name
-  Field("User").setText("joe");
+  Field("Host").setText("ftp://joe@i/pub");  // keeps what it does not name
   QTest::keyClick(&password_, Qt::Key_Return);
-  EXPECT_EQ(Fields(), "i|joe|/pub|1|other");
+  EXPECT_EQ(Fields(), "i|joe|/pub|1|secret");
+  connections_.clear();
+  alerts_.clear();
+  Field("Host").setText("ftp://i:port/pub");
+  QTest::keyClick(&password_, Qt::Key_Return);
+  EXPECT_EQ(alerts_.size(), 1U);
+  EXPECT_TRUE(connections_.empty());
 }
 
-TEST_F(Start, WindowsComeBackWhereTheyWere) {
+TEST_P(Start, WindowsComeBackWhereTheyWere) {
   const QRect frame(60, 70, 400, 300);
   const QRect wide(30, 40, 600, 500);
   start_.setGeometry(frame);
@@ -109,14 +123,12 @@ TEST(Frames, AreFittedToTheScreen) {
   }
 }
 
-TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {
+TEST_P(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {
   const std::pair<const char*, const char*> cases[] = {
-      {"ftp://u:p@h/pub:2121", "h|u|/pub|2121|p"},
-      {"ftp://u:p@h:2121/pub\nftp://other", "h|u||2121/pub|p"},
-      {"ftp://h/pub", "h||/pub|21|"},
-      {"ftp://host:21/pub", "21|host|/pub|21|"},
-      {"ftp://p@h", "h|||21|p"},
-      {"ftp://", "|||21|"},
+      {"ftp://u:p@h:2121/pub\nftp://other", "h|u|/pub|2121|p"},
+      {"ftp://h/p%C3%BC b", "h||/p\u00FC b|21|"},
+      {"ftp://u@[::1]", "::1|u||21|"},
+      {"ftp://", "ftp://|||21|"},
       {"plain text", "plain text|||21|"},
   };
   for (const auto& [clipboard, fields] : cases) {
@@ -130,7 +142,7 @@ TEST_F(Start, PastesAUrlIntoTheFieldsAndAnythingElseIntoTheOneInFocus) {
   }
 }
 
-TEST_F(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
+TEST_P(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
   Field("Host").setText("copied");
   Field("Host").selectAll();
   Key(Qt::Key_C);
@@ -148,29 +160,44 @@ TEST_F(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
   windows->close();
 }
 
-TEST_F(Start, PasswordKeysChangeTheHiddenText) {
-  // Keys typed ("<" is Backspace, "D" Delete, "[" selects the last two stars), the hidden text, and
-  // how many stars are shown.
-  const std::tuple<const char*, const char*, int> cases[] = {
-      {"abc", "abc", 3},    {"abc<", "a", 2},  {"abcD", "abc", 3}, {"ab[x", "x", 1},
-      {"abcd[x", "abx", 3}, {"abcd[<", "", 2}, {"<a", "a", 1},
+TEST_P(Start, PasswordKeysChangeTheHiddenText) {
+  // Keys typed ("<" is Backspace, "D" Delete, "[" selects the last two stars, "^" goes to the
+  // beginning), and the hidden text and how many stars are shown: today's and of old.
+  const std::tuple<const char*, const char*, int, const char*, int> cases[] = {
+      {"abc", "abc", 3, "abc", 3},
+      {"abc<", "ab", 2, "a", 2},
+      {"abcD", "abc", 3, "abc", 3},
+      {"abc^D", "bc", 2, "abc", 3},
+      {"ab[x", "x", 1, "x", 1},
+      {"abcd[x", "abx", 3, "abx", 3},
+      {"abcd[<", "ab", 2, "", 2},
+      {"<a", "a", 1, "a", 1},
+      {"abc^x", "xabc", 4, "abcx", 4},
+      {"abc[D", "a", 1, "abc", 3},
+      {"p\u00E4ss[x", "p\u00E4x", 3, "p\u00E4x", 3},
+      {"p\u00E4<x", "px", 2, "px", 2},
   };
-  for (const auto& [keys, hidden, stars] : cases) {
+  for (const auto& [keys, today, shown, ofOld, shownOfOld] : cases) {
     password_.SetActualText("");
-    for (const char key : std::string_view(keys)) {
-      switch (key) {
-        case '<': QTest::keyClick(&password_, Qt::Key_Backspace); break;
-        case 'D': QTest::keyClick(&password_, Qt::Key_Delete); break;
-        case '[': password_.setSelection(static_cast<int>(password_.text().size()) - 2, 2); break;
-        default: QTest::keyClick(&password_, key);
+    for (const QChar key : QString(keys)) {
+      switch (key.unicode()) {
+        case u'<': QTest::keyClick(&password_, Qt::Key_Backspace); break;
+        case u'D': QTest::keyClick(&password_, Qt::Key_Delete); break;
+        case u'[': password_.setSelection(static_cast<int>(password_.text().size()) - 2, 2); break;
+        case u'^': password_.setCursorPosition(0); break;
+        default: Press(key);
       }
     }
-    EXPECT_EQ(password_.actualText(), hidden) << keys;
-    EXPECT_EQ(password_.text(), QString(stars, u'*')) << keys;
+    EXPECT_EQ(password_.actualText(), GetParam() ? ofOld : today) << keys;
+    EXPECT_EQ(password_.text(), QString(GetParam() ? shownOfOld : shown, u'*')) << keys;
   }
+  // Typing over a password that was filled in.
+  password_.SetActualText("p\u00E4ssword");
+  password_.selectAll();
+  Press('x');
+  EXPECT_EQ(password_.actualText(), GetParam() ? "px" : "x");
   password_.SetActualText("");
-  QKeyEvent key(QEvent::KeyPress, Qt::Key_Udiaeresis, Qt::NoModifier, QStringLiteral("ü"));
-  QApplication::sendEvent(&password_, &key);
+  Press(u'\u00FC');
   QApplication::clipboard()->setText("ü!\nnext line");
   password_.setFocus();
   Key(Qt::Key_V);
@@ -180,9 +207,10 @@ TEST_F(Start, PasswordKeysChangeTheHiddenText) {
   EXPECT_EQ(password_.text() + ToText(password_.actualText()), "");
 }
 
-TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
-  std::vector<Shortcut> list(11, {.label = "l", .host = "h9", .path = "/\xFC"});
-  list[1] = {.label = "a&b", .host = "h1", .user = "u", .pass = "p", .port = "2", .passive = true};
+TEST_P(Start, ShortcutsFillTheFieldsByTheirKeys) {
+  std::vector<Shortcut> list(11, {.label = "l", .site = {.host = "h9", .path = "/\xFC"}});
+  list[1] = {.label = "a&b",
+             .site = {.host = "h1", .port = 2, .user = "u", .password = "p", .passive = true}};
   ASSERT_EQ(ShortcutStore::SaveAll(list), "");
   start_.MessageReceived(Message("REDO"_what));
   Key(Qt::Key_1);
@@ -201,17 +229,17 @@ TEST_F(Start, ShortcutsFillTheFieldsByTheirKeys) {
   EXPECT_EQ(Fields(), "|||21|");
 }
 
-TEST(CommandLine, IsReadAsWritten) {
+INSTANTIATE_TEST_SUITE_P(Styles, Start, testing::Bool());
+
+TEST(CommandLine, IsReadAsAUrl) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{}, ""},
-      {{"ftp://h/pub/"}, "OPNC host=h path=/pub/"},
-      {{"ftp://h/"}, "OPNC host=h"},
-      {{"ftp://p@h/x"}, "OPNC pass=p host=h path=/x"},
-      {{"ftp://h:2121/"}, "OPNC user=h host=2121"},
-      {{"ftp://u:p@h:65535/a:b@c"}, "OPNC user=u pass=p host=h path=/a:b@c port=65535"},
+      {{"ftp://h/pub/"}, "OPNC host=h path=/pub/ port=21"},
+      {{"ftp://h/"}, "OPNC host=h port=21"},
+      {{"ftp://u@h:2121/x"}, "OPNC host=h user=u path=/x port=2121"},
+      {{"ftp://u:p%40@[::1]:65535/a:b@c"}, "OPNC host=::1 user=u pass=p@ path=/a:b@c port=65535"},
       {{"ftp://u:p@h:0/"}, "usage"},
-      {{"ftp://u:p@h:99999/"}, "usage"},
-      {{"ftp://"}, ""},
+      {{"ftp://"}, "usage"},
       {{"h/pub"}, ""},
       {{"--deskbar"}, "usage"},
       {{"ftp://h", "ftp://i"}, "usage"},

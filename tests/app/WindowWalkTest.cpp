@@ -12,7 +12,7 @@
 #include "app/browser/MViewFile.h"
 #include "app/program/Translations.h"
 #include "app/shared/EngineTexts.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 namespace corvane {
 namespace {

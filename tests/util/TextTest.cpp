@@ -5,36 +5,9 @@
 #include "util/Encodings.h"
 #include "util/FileSizeString.h"
 #include "util/GetTruncatedString.h"
-#include "util/ParseUrl.h"
 
 namespace corvane {
 namespace {
-
-std::string Describe(const std::optional<Shortcut>& s) {
-  if (!s) return "";
-  return s->label + "|" + s->host + "|" + s->user + "|" + s->pass + "|" + s->path + "|" + s->port +
-         (s->passive ? "|P" : "|A");
-}
-
-TEST(ParseUrl, ReadsTheStoredForm) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"Afiles*ftp://anonymous:x@host:21/pub/", "files|host|anonymous|x|/pub/|21|A"},
-      {"Pfiles*ftp://u:p@h:2121", "files|h|u|p||2121|P"},
-      {"Afiles*ftp://u:p@h/pub", "files|h/|u|p|/pub||A"},
-      {"xa b*ftp://u:@h:", "a b|h|u||||P"},
-      // A path may stand before the port, and takes what is left of it again.
-      {"Al*ftp://u:p@h/a:7/b", "l|h/|u|p|/b|7|A"},
-      {"Al*ftp://name@host:21/", "l|host||name|/|21|A"},
-      {"Al*ftp://u:a@b@h:21/", "l|h|u|b|/|21|A"},
-      {"Al*ftp://u:p:q@h:21/", "l|p|u||/|q@h:21|A"},
-  };
-  for (const auto& [text, expected] : cases) EXPECT_EQ(Describe(ParseUrl(text, false)), expected);
-  EXPECT_EQ(Describe(ParseUrl("ftp://u:p@h:21/pub", true)), "|h|u|p|/pub|21|A");
-  EXPECT_FALSE(ParseUrl("Pl*ftp://u:p@h:21/pub", true));
-  for (const char* bad : {"A*ftp://", "A*http://h:21/", "A*ftp://u:p@h", "Aftp://u:p@h:21/", ""}) {
-    EXPECT_FALSE(ParseUrl(bad, false)) << bad;
-  }
-}
 
 TEST(FileSizeString, CutsAndPads) {
   std::string sizes;

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "app/browser/MWindow.h"
-#include "remote/fileStruct.h"
 #include "kit/Message.h"
+#include "remote/fileStruct.h"
 
 namespace corvane {
 namespace {

@@ -5,7 +5,7 @@
 #include "app/shared/TransferListener.h"
 #include "app/shared/WorkerFactory.h"
 #include "kit/Message.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 class QWidget;
 

@@ -13,9 +13,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/shared/Shown.h"
 #include "app/shared/GuiThread.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "util/Encodings.h"
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "remote/BrowserUi.h"
 #include "kit/Mutex.h"
+#include "remote/BrowserUi.h"
 
 class QLabel;
 class QLineEdit;

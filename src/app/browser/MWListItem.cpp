@@ -46,7 +46,8 @@ std::string FileSizeText(std::int64_t size) {
   constexpr std::int64_t kKilo = 1024;
   constexpr std::int64_t kMega = 1'024'000;
   if (size < kKilo) return " " + std::to_string(size) + " B";
-  if (size < kMega) return Printed(" %.2f KB", static_cast<double>(static_cast<float>(size) / kKilo));
+  if (size < kMega)
+    return Printed(" %.2f KB", static_cast<double>(static_cast<float>(size) / kKilo));
   return Printed(" %.2f  MB", static_cast<double>(static_cast<float>(size) / kMega));
 }
 

@@ -26,6 +26,9 @@
 #include "app/shared/Shown.h"
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
+#include "remote/RemotePath.h"
+#include "sites/Shortcut.h"
+#include "util/Url.h"
 
 namespace corvane {
 namespace {
@@ -254,15 +257,9 @@ void MWindow::PathEntered() {
 }
 
 void MWindow::AddShortcut() {
-  const Site& to = session_->To();
-  app_.ShowEditor({.label = to.host,
-                   .host = to.host,
-                   .user = to.user,
-                   .pass = to.password,
-                   .path = session_->Place(),
-                   .port = std::to_string(to.port),
-                   .passive = to.passive},
-                  *this);
+  Shortcut shortcut{.label = session_->To().host, .site = session_->To()};
+  shortcut.site.path = session_->Place();
+  app_.ShowEditor(shortcut, *this);
 }
 
 void MWindow::OpenSelected() {
@@ -281,10 +278,11 @@ void MWindow::OpenSelected() {
 void MWindow::CopySelected() {
   if (lastFocus_ == &view_->Path()) return view_->Path().copy();
   DirListView& listing = view_->Listing();
-  const std::string directory = "ftp://" + session_->To().host + session_->CurrentDirectory() + "/";
+  Url url{.host = session_->To().host, .port = session_->To().port};
   QString text;
   for (const int row : listing.SelectedRows()) {
-    text += ToText(directory + listing.Rows().At(row).Name()) + '\n';
+    url.path = PathBelow(session_->CurrentDirectory(), listing.Rows().At(row).Name());
+    text += QString::fromStdString(url.Written()) + '\n';
   }
   if (text.isEmpty()) return;
   QApplication::clipboard()->setText(text);

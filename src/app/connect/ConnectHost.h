@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "kit/Message.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 class QWidget;
 

@@ -8,6 +8,7 @@
 
 #include "app/connect/Password.h"
 #include "app/shared/ScreenText.h"
+#include "util/PortFrom.h"
 
 namespace corvane {
 
@@ -50,25 +51,26 @@ QLineEdit* ConnectionForm::Prepare(QLineEdit* field, const char* name, const QSt
 void ConnectionForm::FillTexts(const Shortcut& connection) {
   filled_ = connection;
   if (label != nullptr) label->setText(ToText(connection.label));
-  host->setText(ToText(connection.host));
-  user->setText(ToText(connection.user));
-  password->SetActualText(connection.pass);
-  path->setText(ToText(connection.path));
+  host->setText(ToText(connection.site.host));
+  user->setText(ToText(connection.site.user));
+  password->SetActualText(connection.site.password);
+  path->setText(ToText(connection.site.path));
 }
 
 void ConnectionForm::FillMode(const Shortcut& connection) {
-  port->setText(connection.port.empty() ? QStringLiteral("21") : ToText(connection.port));
-  passive->setChecked(connection.passive);
+  port->setText(QString::number(connection.site.port));
+  passive->setChecked(connection.site.passive);
 }
 
 Shortcut ConnectionForm::Entered() const {
+  const std::uint16_t number = port->text().isEmpty() ? 21 : PortFrom(ToBytes(port->text()));
   return {.label = label != nullptr ? EditedBytes(label->text(), filled_.label) : "",
-          .host = EditedBytes(host->text(), filled_.host),
-          .user = EditedBytes(user->text(), filled_.user),
-          .pass = password->actualText(),
-          .path = EditedBytes(path->text(), filled_.path),
-          .port = port->text().isEmpty() ? "21" : ToBytes(port->text()),
-          .passive = passive->isChecked()};
+          .site = {.host = EditedBytes(host->text(), filled_.site.host),
+                   .port = number,
+                   .user = EditedBytes(user->text(), filled_.site.user),
+                   .password = password->actualText(),
+                   .path = EditedBytes(path->text(), filled_.site.path),
+                   .passive = passive->isChecked()}};
 }
 
 }  // namespace corvane

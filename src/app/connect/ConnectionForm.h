@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 class QCheckBox;
 class QLineEdit;
@@ -24,9 +24,9 @@ class ConnectionForm : public QWidget {
 
   /// Fills label, host, user, password and path.
   void FillTexts(const Shortcut& connection);
-  /// Fills the port, "21" for none, and the box.
+  /// Fills the port and the box.
   void FillMode(const Shortcut& connection);
-  /// What the fields say now; an empty port is "21".
+  /// What the fields say now; an empty port is 21, and one that is no number from 1 to 65535 is 0.
   [[nodiscard]] Shortcut Entered() const;
 
   QLineEdit* label = nullptr;  ///< null in a form without

@@ -8,7 +8,7 @@ namespace corvane {
 
 class Password;
 
-/// Turns the keys of its Password field into hidden text, before the field sees them. GUI thread.
+/// Hands the keys of its Password field to its hidden text, before the field sees them. GUI thread.
 class PassFilter : public QObject {
   Q_OBJECT
 
@@ -22,8 +22,6 @@ class PassFilter : public QObject {
   bool eventFilter(QObject* target, QEvent* event) override;
 
  private:
-  void Backspace();
-
   Password& field_;
 };
 

@@ -21,25 +21,42 @@ Password::Password(QWidget* parent) : QLineEdit(parent) {
 }
 
 void Password::SetActualText(std::string_view text, int more) {
-  const QScopedValueRollback<bool> ours(changingStars_, true);
-  hidden_ = text;
-  setText(QString(ToText(text).size() + more, u'*'));
+  HiddenText filled{.bytes = std::string(text)};
+  filled.stars = filled.cursor = CharactersIn(filled.bytes) + more;
+  Show(filled);
 }
 
-void Password::PopChar() {
-  if (!hidden_.empty()) hidden_.pop_back();
+HiddenText Password::State() const {
+  return {.bytes = hidden_,
+          .stars = text().size(),
+          .cursor = cursorPosition(),
+          .selected = selectionLength(),
+          .selection = selectionStart()};
+}
+
+void Password::Show(const HiddenText& changed) {
+  const QScopedValueRollback<bool> ours(changingStars_, true);
+  hidden_ = changed.bytes;
+  setText(QString(changed.stars, u'*'));
+  setCursorPosition(static_cast<int>(changed.cursor));
 }
 
 void Password::Type(const QString& text) {
-  const QScopedValueRollback<bool> ours(changingStars_, true);
-  for (qsizetype i = 0; i < selectionLength(); ++i) PopChar();
-  PushChar(ToBytes(text));
-  insert(QString(text.toUcs4().size(), u'*'));
+  HiddenText state = State();
+  Style::InForce().Type(state, text);
+  Show(state);
 }
 
-void Password::EraseStars() {
-  const QScopedValueRollback<bool> ours(changingStars_, true);
-  backspace();
+void Password::Backspace() {
+  HiddenText state = State();
+  Style::InForce().Backspace(state);
+  Show(state);
+}
+
+void Password::Delete() {
+  HiddenText state = State();
+  Style::InForce().Delete(state);
+  Show(state);
 }
 
 void Password::PasteFrom(QClipboard::Mode mode) {
@@ -59,8 +76,10 @@ void Password::TextChanged(const QString& shown) {
     SetActualText((written == shown ? "" : hidden_) + ToBytes(written));
   } else if (shown.isEmpty()) {
     hidden_.clear();
-  } else {
-    for (qsizetype i = 0; i < lost; ++i) PopChar();
+  } else if (lost > 0) {
+    HiddenText state = State();
+    Style::InForce().Lose(state, lost);
+    hidden_ = state.bytes;
   }
 }
 

@@ -5,34 +5,30 @@
 #include <string>
 #include <string_view>
 
+#include "app/shared/Style.h"
+
 namespace corvane {
 
-/// A field for a password: it holds one "*" for each key, and the text itself stays hidden.
-///
-/// The hidden text grows and shrinks at its end, by what PassFilter makes of the keys. Nothing can
-/// be copied out of it. GUI thread.
+/// A field for a password: it shows stars, and the text itself stays hidden. PassFilter hands it
+/// the keys, and the style in force says what they do to the hidden text. Nothing can be copied out
+/// of it. GUI thread.
 class Password : public QLineEdit {
   Q_OBJECT
 
  public:
   explicit Password(QWidget* parent = nullptr);
 
-  /// What was typed, in UTF-8.
+  /// What was typed, in UTF-8, or the bytes that SetActualText was given.
   [[nodiscard]] const std::string& actualText() const { return hidden_; }
   /// Sets the hidden text; what is shown stays.
   void ByPass(std::string_view text) { hidden_ = text; }
   /// Sets the hidden text, and shows a "*" for each character and `more` beyond.
   void SetActualText(std::string_view text, int more = 0);
 
-  /// Appends to the hidden text what one key has written.
-  void PushChar(std::string_view key) { hidden_ += key; }
-  /// Takes the last byte off the hidden text, if there is one.
-  void PopChar();
-
-  /// Puts `text`, in place of what is selected, behind the hidden text.
+  /// What a key, a paste or a drop writes.
   void Type(const QString& text);
-  /// Takes the "*" before the cursor, or what is selected, off what is shown.
-  void EraseStars();
+  void Backspace();
+  void Delete();
   void PasteFrom(QClipboard::Mode mode);
 
  protected:
@@ -42,6 +38,8 @@ class Password : public QLineEdit {
   void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
+  [[nodiscard]] HiddenText State() const;
+  void Show(const HiddenText& changed);
   void TextChanged(const QString& shown);
 
   std::string hidden_;

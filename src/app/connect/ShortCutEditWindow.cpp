@@ -15,7 +15,7 @@
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
-#include "settings/ShortcutStore.h"
+#include "sites/ShortcutStore.h"
 
 namespace corvane {
 
@@ -77,8 +77,9 @@ void ShortCutEditWindow::PlaceBeside(const QWidget& opener) {
 
 Shortcut ShortCutEditWindow::Entered() const {
   Shortcut entered = form_->Entered();
-  if (entered.label.empty()) entered.label = entered.host;
-  if (!entered.path.empty() && entered.path.front() != '/') entered.path.insert(0, "/");
+  if (entered.label.empty()) entered.label = entered.site.host;
+  std::string& path = entered.site.path;
+  if (!path.empty() && path.front() != '/') path.insert(0, "/");
   return entered;
 }
 
@@ -89,7 +90,11 @@ void ShortCutEditWindow::Warn(const QString& text, const QString& detail) {
 // The stored form has no way to write a character that it uses itself.
 void ShortCutEditWindow::Save() {
   const Shortcut entered = Entered();
-  if (entered.host.empty()) return Warn(tr("Please enter the address of the server."));
+  if (entered.site.host.empty()) return Warn(tr("Please enter the address of the server."));
+  if (entered.site.port == 0) {
+    form_->port->setFocus();
+    return Warn(tr("The port has to be a number from 1 to 65535."));
+  }
   const auto result = ShortcutStore::ComesBack(entered);
   if (result == ShortcutStore::Return::Whole) return Store(entered);
   const QString detail =

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "kit/Message.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 class QPushButton;
 

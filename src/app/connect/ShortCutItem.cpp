@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "app/shared/ScreenText.h"
-#include "settings/ShortcutStore.h"
+#include "sites/ShortcutStore.h"
 
 namespace corvane {
 
@@ -31,10 +31,10 @@ ShortCutItem::ShortCutItem(Shortcut shortcut) : id_(NextId()) {
 void ShortCutItem::SetRecord(Shortcut shortcut) {
   record_ = std::move(shortcut);
   setText(0, Cell(record_.label));
-  setText(1, Cell(record_.host));
-  setText(2, Cell(record_.path));
-  setText(3, record_.passive ? QCoreApplication::translate("ShortCutItem", "Passive")
-                             : QCoreApplication::translate("ShortCutItem", "Active"));
+  setText(1, Cell(record_.site.host));
+  setText(2, Cell(record_.site.path));
+  setText(3, record_.site.passive ? QCoreApplication::translate("ShortCutItem", "Passive")
+                                  : QCoreApplication::translate("ShortCutItem", "Active"));
 }
 
 std::string ShortCutItem::ReturnUrl() const {

@@ -3,7 +3,7 @@
 #include <QTreeWidgetItem>
 #include <string>
 
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 namespace corvane {
 

@@ -19,8 +19,9 @@
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
-#include "settings/ShortcutStore.h"
-#include "util/ParseUrl.h"
+#include "sites/ParseUrl.h"
+#include "sites/ShortcutStore.h"
+#include "util/Url.h"
 
 namespace corvane {
 namespace {
@@ -189,9 +190,9 @@ void ShortCutWindow::CopySelected() {
   QString text;
   for (int row = 0; row < list_->topLevelItemCount(); ++row) {
     if (!Row(row)->isSelected()) continue;
-    const Shortcut& record = Row(row)->Record();
-    const std::string port = record.port == "21" ? "" : ":" + record.port;
-    text += ToText("ftp://" + record.host + record.path + port) + '\n';
+    const Site& site = Row(row)->Record().site;
+    const Url url{.host = site.host, .port = site.port, .path = site.path};
+    text += QString::fromStdString(url.Written()) + '\n';
   }
   if (!text.isEmpty()) QApplication::clipboard()->setText(text);
 }
@@ -204,12 +205,31 @@ void ShortCutWindow::AddRow(std::string_view url) {
   Select(item);
 }
 
-bool ShortCutWindow::Save() {
+void ShortCutWindow::Save(std::function<void()> then) {
+  const auto store = [this, then = std::move(then)] {
+    if (Store() && then) then();
+  };
+  const int lost = ShortcutStore::CountOutOfReach();
+  if (lost == 0) return store();
+  Alerts::Show(this,
+               {.title = tr("Warning!"),
+                .text = tr("One stored shortcut cannot be read. Saving the list loses it and all "
+                           "that lie behind it, %n in all.",
+                           "", lost),
+                .buttons = {tr("&Save Anyway"), tr("&Cancel")},
+                .preset = 1},
+               [store](int button) {
+                 if (button == 0) store();
+               });
+}
+
+// Sorting is for the eye: the menu keeps the order in which the shortcuts were made.
+bool ShortCutWindow::Store() {
+  std::vector<const ShortCutItem*> rows;
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) rows.push_back(Row(row));
+  std::ranges::sort(rows, {}, &ShortCutItem::Id);
   std::vector<Shortcut> shortcuts;
-  shortcuts.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
-  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
-    shortcuts.push_back(Row(row)->Record());
-  }
+  for (const ShortCutItem* row : rows) shortcuts.push_back(row->Record());
   const std::string failure = ShortcutStore::SaveAll(shortcuts);
   if (!failure.empty()) {
     Alerts::Show(this, {.title = tr("Warning!"),
@@ -231,12 +251,15 @@ void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
                 .text = tr("You have made some changes.  Would you like to save them or discard "
                            "them?"),
                 .buttons = {tr("&Discard"), tr("&Save")},
-                .preset = kSave},
+                .preset = kSave,
+                .dismissible = true},
                [this](int button) {
                  asking_ = false;
-                 if (button == kSave && !Save()) return;
+                 auto next = std::exchange(then_, {});
+                 if (button == kSave) Save(std::move(next));
+                 if (button != 0) return;
                  SetChanged(false);
-                 std::exchange(then_, {})();
+                 next();
                });
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "kit/Message.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 class QAction;
 class QTreeWidget;
@@ -29,7 +29,8 @@ class ShortCutWindow : public QMainWindow {
 
   /// Whether there is something to save.
   [[nodiscard]] bool Changed() const { return changed_; }
-  /// Asks whether to save or to discard, does it, and goes on with `then`; not if saving fails.
+  /// Asks whether to save or to discard, does it, and goes on with `then`; not if the user
+  /// dismisses the question or saving fails.
   void AskAboutChanges(std::function<void()> then);
 
   [[nodiscard]] QTreeWidget& List() { return *list_; }
@@ -51,7 +52,10 @@ class ShortCutWindow : public QMainWindow {
   void RemoveSelected();
   void CopySelected();
   void AddRow(std::string_view url);
-  bool Save();
+  /// Stores the list and goes on with `then`; asks first where that loses stored entries that
+  /// cannot be read.
+  void Save(std::function<void()> then = {});
+  bool Store();
 
   ShortcutHost& app_;
   QTreeWidget* list_;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 class QActionGroup;
 class QMenu;

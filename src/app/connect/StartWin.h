@@ -52,7 +52,7 @@ class StartWin : public QMainWindow {
   void ReadShortcuts();
   void ChooseShortcut(std::int32_t index);
   bool PasteUrl(std::string_view text);
-  void TakeUrlFromHost();
+  bool TakeUrlFromHost();
   void Copy();
   void Paste();
 

@@ -8,7 +8,7 @@
 #include "app/shared/Icons.h"
 #include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
-#include "settings/ShortcutStore.h"
+#include "sites/ShortcutStore.h"
 
 namespace corvane {
 
@@ -34,7 +34,7 @@ void ReplicantView::SetupPopUpMenu() {
 }
 
 void ReplicantView::SetupShortcuts(QMenu* menu) {
-  const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForMenu();
+  const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForMenu().shortcuts;
   if (shortcuts.empty()) menu->addAction(tr("The shortcuts could not be read."))->setEnabled(false);
   for (const Shortcut& shortcut : shortcuts) {
     connect(menu->addAction(ItemText(NameOf(shortcut))), &QAction::triggered, this,
@@ -43,15 +43,10 @@ void ReplicantView::SetupShortcuts(QMenu* menu) {
 }
 
 void ReplicantView::Open(const Shortcut& shortcut) {
-  auto message = OpenMessage(shortcut);
-  if (!message.has_value()) {
+  if (shortcut.site.port == 0) {
     return Warn(tr("The port of this shortcut is no number from 1 to 65535."));
   }
-  // What is empty is the running program's to fill up.
-  for (const char* name : {"user", "pass"}) {
-    if (message->FindString(name) == "") message->RemoveName(name);
-  }
-  launch_(*message);
+  launch_(OpenMessage(shortcut.site));
 }
 
 // Beside the context menu, which the tray itself opens. Only X11 lets a program without a window

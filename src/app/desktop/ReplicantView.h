@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "kit/Message.h"
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 namespace corvane {
 

@@ -14,6 +14,7 @@
 
 #include "app/desktop/StartupNotice.h"
 #include "app/shared/CommandLine.h"
+#include "app/shared/OpenMessage.h"
 #include "util/UniqueFd.h"
 
 namespace corvane {
@@ -41,11 +42,11 @@ std::optional<std::string> Decoded(std::string_view text) {
   return bytes.decoded.toStdString();
 }
 
-/// A flattened 'OPNC' with a host.
+/// A flattened 'OPNC' that names a site.
 std::optional<Message> Unwrapped(std::string_view text) {
   auto message = Message::Unflatten(Decoded(text).value_or(""));
-  const bool opens = message.has_value() && message->what == "OPNC"_what &&
-                     !message->FindString("host").value_or("").empty();
+  const bool opens =
+      message.has_value() && message->what == "OPNC"_what && SiteIn(*message).has_value();
   return opens ? message : std::nullopt;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -11,7 +12,6 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <array>
 
 #include "app/desktop/Autostart.h"
 #include "app/shared/Alerts.h"
@@ -20,33 +20,21 @@
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "settings/StoredSettings.h"
+#include "util/PortFrom.h"
 
 namespace corvane {
 namespace {
 
-struct BufferSize {
-  const char* label;
-  std::int32_t bytes;
-};
-
-constexpr std::array kBufferSizes{
-    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", "   8 KB"), 8192},
-    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", " 32 KB"), 32768},
-    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", " 64 KB"), 65536},
-    BufferSize{QT_TRANSLATE_NOOP("corvane::PrefWindow", "128 KB"), 131072}};
-
-/// The settings in force, but what is stored of the one that waits for the next start.
-SettingsValues Current() {
-  SettingsValues values = ProcessSettings::Get();
-  values.showwindow = StoredSettings::ShowsTransferWindow();
-  if (values.DwnldDir == "empty") values.DwnldDir.clear();
-  return values;
+QString Translate(const char* text) {
+  return *text == '\0' ? QString() : QCoreApplication::translate("corvane::PrefWindow", text);
 }
 
 }  // namespace
 
 PrefWindow::PrefWindow()
-    : QWidget(nullptr, kFixedWindow), shown_(Current()), tabs_(new QTabWidget(this)) {
+    : QWidget(nullptr, kFixedWindow),
+      shown_(StoredSettings::ForEditing()),
+      tabs_(new QTabWidget(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Corvane: Preferences"));
   tabs_->setObjectName("tab_view");
@@ -59,14 +47,55 @@ PrefWindow::PrefWindow()
   layout->setSizeConstraint(QLayout::SetFixedSize);
   move(Frames::OnScreen(QRect(QPoint(250, 92), sizeHint())).topLeft());
   AddCloseKeys(this);
-  password_->setFocus();
+  filled_ = Entered();
+  FieldOf(&SettingsValues::DfltPass)->setFocus();
 }
 
-QLineEdit* PrefWindow::AddField(QFormLayout* form, const char* name, const QString& label,
+// The field, box or list of one setting, filled with what is in force.
+void PrefWindow::Add(QFormLayout* form, const Setting& setting) {
+  const QString label = Translate(setting.label);
+  const QString hint = Translate(setting.hint);
+  QWidget* control = nullptr;
+  if (const auto* text = std::get_if<std::string SettingsValues::*>(&setting.variable)) {
+    control = AddField(form, label, hint, shown_.**text);
+  } else if (const auto* flag = std::get_if<bool SettingsValues::*>(&setting.variable)) {
+    control = AddBox(form, label, hint, shown_.**flag);
+  } else {
+    const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting.variable);
+    control = AddList(form, label, setting.choices, shown_.**number);
+  }
+  control->setObjectName(setting.control);
+  controls_.emplace_back(&setting, control);
+}
+
+QWidget* PrefWindow::ControlOf(const Setting::Variable& variable) const {
+  const auto found = std::ranges::find_if(
+      controls_, [&](const auto& entry) { return entry.first->variable == variable; });
+  return found != controls_.end() ? found->second : nullptr;
+}
+
+QLineEdit* PrefWindow::FieldOf(std::string SettingsValues::*text) const {
+  return static_cast<QLineEdit*>(ControlOf(text));
+}
+
+QCheckBox* PrefWindow::BoxOf(bool SettingsValues::*flag) const {
+  return static_cast<QCheckBox*>(ControlOf(flag));
+}
+
+void PrefWindow::AddTab(QFormLayout* form, SettingsTab tab) {
+  for (const Setting& setting : AllSettings()) {
+    if (setting.tab != tab) continue;
+    Add(form, setting);
+    if (setting.variable == Setting::Variable(&SettingsValues::DwnldDir))
+      AddButton(form, "findfolder", tr("Select &Folder"), "FRTR"_what);
+  }
+}
+
+QLineEdit* PrefWindow::AddField(QFormLayout* form, const QString& label, const QString& hint,
                                 const std::string& text) {
   auto* field = new QLineEdit(ToText(text));
-  field->setObjectName(name);
   field->setAccessibleName(QString(label).remove('&').remove(':').trimmed());
+  field->setPlaceholderText(hint);
   field->setMinimumWidth(fontMetrics().horizontalAdvance('n') * 32);
   field->setCursorPosition(0);
   connect(field, &QLineEdit::returnPressed, this, &PrefWindow::Save);
@@ -74,13 +103,28 @@ QLineEdit* PrefWindow::AddField(QFormLayout* form, const char* name, const QStri
   return field;
 }
 
-QCheckBox* PrefWindow::AddBox(QFormLayout* form, const char* name, const QString& label,
+QCheckBox* PrefWindow::AddBox(QFormLayout* form, const QString& label, const QString& hint,
                               bool checked) {
   auto* box = new QCheckBox(label);
-  box->setObjectName(name);
+  box->setToolTip(hint);
   box->setChecked(checked);
   form->addRow(box);
   return box;
+}
+
+// A value that is no choice shows as the next bigger one.
+QComboBox* PrefWindow::AddList(QFormLayout* form, const QString& label,
+                               std::span<const SettingsChoice> choices, std::int32_t chosen) {
+  auto* list = new QComboBox;
+  list->setAccessibleName(QString(label).remove('&').remove(':'));
+  int fitting = 0;
+  for (const auto& [value, text] : choices) {
+    list->addItem(Translate(text), value);
+    if (value < chosen) fitting = std::min(list->count(), static_cast<int>(choices.size()) - 1);
+  }
+  list->setCurrentIndex(fitting);
+  form->addRow(label, list);
+  return list;
 }
 
 // A click leaves the focus in the field that the button is about.
@@ -100,41 +144,17 @@ void PrefWindow::AddButton(QFormLayout* form, const char* name, const QString& l
 QWidget* PrefWindow::MakeMisc() {
   auto* page = new QWidget;
   auto* form = new QFormLayout(page);
-  password_ = AddField(form, "defaultpass", tr("&Default Password:"), shown_.DfltPass);
-  folder_ = AddField(form, "download path", tr("D&ownload Folder:"), shown_.DwnldDir);
-  folder_->setPlaceholderText(tr("Ask for each download"));
-  AddButton(form, "findfolder", tr("Select &Folder"), "FRTR"_what);
-  showTransfers_ =
-      AddBox(form, "ShowTranWin", tr("Show &Transfer Window on new transfer."), shown_.showwindow);
-  showTransfers_->setToolTip(tr("In force from the next start on."));
-  removeItem_ = AddBox(form, "RemoveItem", tr("&Remove transfer item after transfer is done."),
-                       shown_.removeItem);
-  notify_ = AddBox(form, "Notify", tr("Show a &notification when transfers end."), shown_.notify);
-  notify_->setToolTip(tr("Only while no window of Corvane is active."));
-  tray_ = AddBox(form, "ShowInTray", tr("Show &in the tray at login."), Autostart::IsSet());
-  tray_->setToolTip(tr("An icon whose menu opens your shortcuts."));
-  sameConnection_ =
-      AddBox(form, "UseSameConnection", tr("&Always use same connection to transfer files."),
-             shown_.useSameConnection);
-  bufferSize_ = new QComboBox;
-  bufferSize_->setObjectName("BufferSize");
-  bufferSize_->setAccessibleName(tr("Buffer Size"));
-  for (const auto& [label, bytes] : kBufferSizes) bufferSize_->addItem(tr(label), bytes);
-  const auto fitting = std::ranges::find_if(
-      kBufferSizes, [this](const BufferSize& size) { return shown_.buffersize <= size.bytes; });
-  bufferSize_->setCurrentIndex(
-      static_cast<int>(std::min(fitting, std::prev(kBufferSizes.end())) - kBufferSizes.begin()));
-  form->addRow(tr("&Buffer Size:"), bufferSize_);
+  AddTab(form, SettingsTab::Misc);
+  tray_ = AddBox(form, tr("Show &in the tray at login."),
+                 tr("An icon whose menu opens your shortcuts."), Autostart::IsSet());
+  tray_->setObjectName("ShowInTray");
   return page;
 }
 
 QWidget* PrefWindow::MakeSound() {
   auto* page = new QWidget;
   auto* form = new QFormLayout(page);
-  loginSuccess_ = AddField(form, "LoginSuccess", tr("&Login Success:"), shown_.loginSsnd);
-  loginFailure_ = AddField(form, "LoginFailure", tr("Login &Failure:"), shown_.loginFsnd);
-  upload_ = AddField(form, "Upload Sound", tr("U&pload Sound:"), shown_.upldsnd);
-  download_ = AddField(form, "Download Sound", tr("&Download Sound:"), shown_.dwnldsnd);
+  AddTab(form, SettingsTab::Sound);
   AddButton(form, "SelectUPSound", tr("S&elect Sound"), "SSND"_what);
   auto* info = new QLabel(tr("Select the TextBox you want to set the sound for first."));
   info->setObjectName("info");
@@ -145,10 +165,9 @@ QWidget* PrefWindow::MakeSound() {
 QWidget* PrefWindow::MakeProxy() {
   auto* page = new QWidget;
   auto* form = new QFormLayout(page);
-  useProxy_ = AddBox(form, "ProxyCheckBox", tr("&Enable Proxy"), shown_.useProxy);
-  proxyHost_ = AddField(form, "ProxyAddr", tr("Proxy &Host :"), shown_.proxyAddress);
-  proxyPort_ = AddField(form, "ProxyPort", tr("Proxy &Port :"), shown_.proxyPort);
-  connect(useProxy_, &QCheckBox::toggled, this, [this] { MessageReceived(Message("prxy"_what)); });
+  AddTab(form, SettingsTab::Proxy);
+  connect(BoxOf(&SettingsValues::useProxy), &QCheckBox::toggled, this,
+          [this] { MessageReceived(Message("prxy"_what)); });
   ProxyToggled();
   return page;
 }
@@ -197,8 +216,9 @@ void PrefWindow::SelectFolder() {
   panel->setFileMode(QFileDialog::Directory);
   panel->setOption(QFileDialog::ShowDirsOnly);
   panel->setLabelText(QFileDialog::Accept, tr("Select"));
-  panel->setDirectory(folder_->text());
-  connect(panel, &QFileDialog::fileSelected, folder_, &QLineEdit::setText);
+  QLineEdit* folder = FieldOf(&SettingsValues::DwnldDir);
+  panel->setDirectory(folder->text());
+  connect(panel, &QFileDialog::fileSelected, folder, &QLineEdit::setText);
   BringForward(panel);
 }
 
@@ -211,44 +231,46 @@ void PrefWindow::SelectSound() {
 }
 
 void PrefWindow::PutSound(const QString& path) {
-  for (QLineEdit* field : {loginSuccess_, loginFailure_, upload_, download_}) {
-    if (field == focusWidget()) field->setText(path);
+  for (const auto& [setting, control] : controls_) {
+    if (setting->tab != SettingsTab::Sound || control != focusWidget()) continue;
+    static_cast<QLineEdit*>(control)->setText(path);
   }
 }
 
 void PrefWindow::ProxyToggled() {
-  proxyHost_->setEnabled(useProxy_->isChecked());
-  proxyPort_->setEnabled(useProxy_->isChecked());
+  const bool on = BoxOf(&SettingsValues::useProxy)->isChecked();
+  FieldOf(&SettingsValues::proxyAddress)->setEnabled(on);
+  FieldOf(&SettingsValues::proxyPort)->setEnabled(on);
 }
 
 SettingsValues PrefWindow::Entered() const {
   SettingsValues entered = shown_;
-  const auto take = [](const QLineEdit* field, std::string& value) {
-    value = EditedBytes(field->text(), value);
-  };
-  take(password_, entered.DfltPass);
-  take(folder_, entered.DwnldDir);
-  entered.showwindow = showTransfers_->isChecked();
-  entered.removeItem = removeItem_->isChecked();
-  entered.notify = notify_->isChecked();
-  entered.useSameConnection = sameConnection_->isChecked();
-  entered.buffersize = bufferSize_->currentData().toInt();
-  take(loginSuccess_, entered.loginSsnd);
-  take(loginFailure_, entered.loginFsnd);
-  take(upload_, entered.upldsnd);
-  take(download_, entered.dwnldsnd);
-  entered.useProxy = useProxy_->isChecked();
-  take(proxyHost_, entered.proxyAddress);
-  take(proxyPort_, entered.proxyPort);
+  for (const auto& [setting, control] : controls_) {
+    if (const auto* text = std::get_if<std::string SettingsValues::*>(&setting->variable)) {
+      std::string& value = entered.**text;
+      value = EditedBytes(static_cast<QLineEdit*>(control)->text(), value);
+    } else if (const auto* flag = std::get_if<bool SettingsValues::*>(&setting->variable)) {
+      entered.** flag = static_cast<QCheckBox*>(control)->isChecked();
+    } else {
+      const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting->variable);
+      entered.** number = static_cast<QComboBox*>(control)->currentData().toInt();
+    }
+  }
   return entered;
 }
 
+bool PrefWindow::Changed() const {
+  return Entered() != filled_ || tray_->isChecked() != Autostart::IsSet();
+}
+
 bool PrefWindow::CheckProxy() {
-  if (!useProxy_->isChecked()) return true;
-  const bool noHost = proxyHost_->text().isEmpty();
-  if (!noHost && proxyPort_->text().toUShort() != 0) return true;
+  if (!BoxOf(&SettingsValues::useProxy)->isChecked()) return true;
+  QLineEdit* host = FieldOf(&SettingsValues::proxyAddress);
+  QLineEdit* port = FieldOf(&SettingsValues::proxyPort);
+  const bool noHost = host->text().isEmpty();
+  if (!noHost && PortFrom(ToBytes(port->text())) != 0) return true;
   tabs_->setCurrentIndex(tabs_->count() - 1);
-  (noHost ? proxyHost_ : proxyPort_)->setFocus();
+  (noHost ? host : port)->setFocus();
   Alerts::Show(this, {.title = tr("Warning!"),
                       .text = noHost ? tr("Please enter the address of the proxy.")
                                      : tr("The proxy's port has to be a number from 1 to 65535.")});

@@ -3,10 +3,13 @@
 #include <QPointer>
 #include <QWidget>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "kit/Message.h"
-#include "settings/ProcessSettings.h"
+#include "settings/SettingsTable.h"
 
 class QCheckBox;
 class QComboBox;
@@ -26,15 +29,25 @@ class PrefWindow : public QWidget {
   PrefWindow();
 
   void MessageReceived(const Message& message);
+  /// Whether something stands here that is not saved.
+  [[nodiscard]] bool Changed() const;
 
  private:
   QWidget* MakeMisc();
   QWidget* MakeSound();
   QWidget* MakeProxy();
   QWidget* MakeButtons();
-  QLineEdit* AddField(QFormLayout* form, const char* name, const QString& label,
+  /// The settings of a tab, and the buttons that belong to one of them.
+  void AddTab(QFormLayout* form, SettingsTab tab);
+  void Add(QFormLayout* form, const Setting& setting);
+  QLineEdit* AddField(QFormLayout* form, const QString& label, const QString& hint,
                       const std::string& text);
-  QCheckBox* AddBox(QFormLayout* form, const char* name, const QString& label, bool checked);
+  QCheckBox* AddBox(QFormLayout* form, const QString& label, const QString& hint, bool checked);
+  QComboBox* AddList(QFormLayout* form, const QString& label,
+                     std::span<const SettingsChoice> choices, std::int32_t chosen);
+  [[nodiscard]] QWidget* ControlOf(const Setting::Variable& variable) const;
+  [[nodiscard]] QLineEdit* FieldOf(std::string SettingsValues::*text) const;
+  [[nodiscard]] QCheckBox* BoxOf(bool SettingsValues::*flag) const;
   void AddButton(QFormLayout* form, const char* name, const QString& label, std::uint32_t what);
 
   void SelectFolder();
@@ -48,23 +61,11 @@ class PrefWindow : public QWidget {
   bool CheckProxy();
   void Save();
 
-  const SettingsValues shown_;  // what the fields were filled with
+  const SettingsValues shown_;  // what the controls were filled with
+  SettingsValues filled_;       // and what they say of it
   QTabWidget* tabs_;
-  QLineEdit* password_ = nullptr;
-  QLineEdit* folder_ = nullptr;
-  QCheckBox* showTransfers_ = nullptr;
-  QCheckBox* removeItem_ = nullptr;
-  QCheckBox* notify_ = nullptr;
+  std::vector<std::pair<const Setting*, QWidget*>> controls_;
   QCheckBox* tray_ = nullptr;
-  QCheckBox* sameConnection_ = nullptr;
-  QComboBox* bufferSize_ = nullptr;
-  QLineEdit* loginSuccess_ = nullptr;
-  QLineEdit* loginFailure_ = nullptr;
-  QLineEdit* upload_ = nullptr;
-  QLineEdit* download_ = nullptr;
-  QCheckBox* useProxy_ = nullptr;
-  QLineEdit* proxyHost_ = nullptr;
-  QLineEdit* proxyPort_ = nullptr;
   QPointer<QFileDialog> panel_;
 };
 

@@ -18,14 +18,17 @@
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/Icons.h"
+#include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
 #include "app/transfers/DownLoadWin.h"
 #include "app/transfers/TransferPane.h"
 #include "settings/ProcessSettings.h"
-#include "settings/ShortcutStore.h"
 #include "settings/StoredSettings.h"
+#include "sites/ProxyOf.h"
+#include "sites/ReadAtStart.h"
+#include "sites/ShortcutStore.h"
 
 namespace corvane {
 namespace {
@@ -61,13 +64,14 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   start_ = std::make_unique<StartWin>(*this, Frames::Restored(kMainFrame));
   transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame));
   transfers_->show();
-  start_->Init();
   start_->show();
+  start_->Init();
+  if (!unread_.empty()) WarnOfUnread(start_.get());
   if (open.has_value()) PostMessage(*open);
 }
 
 void TambleApp::ReadSettings() {
-  unread_ = StoredSettings::ReadAtStart();
+  unread_ = ReadAtStart();
   if (!frames_.has_value()) frames_.emplace();
   ChooseDownloadFolder();
 }
@@ -86,14 +90,26 @@ void TambleApp::PostMessage(const Message& message) {
 }
 
 void TambleApp::OpenBrowser(const Message& message) {
-  Site to;
-  to.host = message.FindString("host").value_or("");
-  if (to.host.empty()) return;
-  to.user = message.FindString("user").value_or("anonymous");
-  to.password = message.FindString("pass").value_or("guest@a.b");
-  to.path = message.FindString("path").value_or("");
-  to.port = static_cast<std::uint16_t>(message.FindInt16("port").value_or(21));
-  to.passive = message.FindBool("passive").value_or(false);
+  if (!SiteIn(message).has_value()) return;
+  if (!unread_.empty()) ReadSettings();
+  if (unread_.empty() || withDefaults_) return Open(message);
+  Alerts::Show(start_.get(),
+               {.title = tr("Warning!"),
+                .text = tr("Your preferences could not be read: a proxy that you have set would be "
+                           "bypassed. Connect all the same?"),
+                .detail = Shown(Text::Raw(unread_)),
+                .buttons = {tr("Co&nnect"), tr("&Cancel")},
+                .preset = 1},
+               [this, message](int button) {
+                 if (button != 0) return;
+                 withDefaults_ = true;
+                 Open(message);
+               });
+}
+
+void TambleApp::Open(const Message& message) {
+  Site to = SiteIn(message).value();
+  to.proxy = ProxyOf(ProcessSettings::Get());
   auto* window = new MWindow(*this, Frames::ForBrowser(), std::move(to));
   windowList_.push_back(window);
   connect(window, &QObject::destroyed, this, [this, window] { std::erase(windowList_, window); });
@@ -133,8 +149,11 @@ void TambleApp::ShowPreferences() {
   if (!unread_.empty()) ReadSettings();
   preferences_ = new PrefWindow;
   BringForward(preferences_);
-  if (unread_.empty()) return;
-  Alerts::Show(preferences_,
+  if (!unread_.empty()) WarnOfUnread(preferences_);
+}
+
+void TambleApp::WarnOfUnread(QWidget* window) {
+  Alerts::Show(window,
                {.title = tr("Warning!"),
                 .text = tr("Your preferences could not be read. What you see are the defaults."),
                 .detail = Shown(Text::Raw(unread_))});
@@ -193,7 +212,7 @@ QStringList TambleApp::RunningDeletions() const {
 void TambleApp::QuitRequested() {
   const int running = RunningTransfers();
   const QStringList deletions = RunningDeletions();
-  if (running == 0 && deletions.isEmpty() && !askingToQuit_) return AskAboutShortcuts();
+  if (running == 0 && deletions.isEmpty() && !askingToQuit_) return AskAboutText();
   BringForward(start_.get());
   if (std::exchange(askingToQuit_, true)) return;
   Alerts::Show(start_.get(),
@@ -206,7 +225,29 @@ void TambleApp::QuitRequested() {
                 .preset = 1},
                [this](int button) {
                  askingToQuit_ = false;
-                 if (button == 0) AskAboutShortcuts();
+                 if (button == 0) AskAboutText();
+               });
+}
+
+void TambleApp::AskAboutText() {
+  QWidget* typed = nullptr;
+  if (!preferences_.isNull() && preferences_->Changed()) typed = preferences_;
+  if (!editor_.isNull() && editor_->Busy()) typed = editor_;
+  if (typed == nullptr) return AskAboutShortcuts();
+  BringForward(typed);
+  if (std::exchange(askingToQuit_, true)) return;
+  Alerts::Show(typed,
+               {.title = tr("Alert!"),
+                .text = tr("What you entered here is not saved. Quit and lose it?"),
+                .buttons = {tr("&Quit"), tr("&Go Back")},
+                .preset = 1},
+               [this, typed](int button) {
+                 askingToQuit_ = false;
+                 if (button != 0) return;
+                 // It deletes itself; what comes next waits until it is gone.
+                 connect(typed, &QObject::destroyed, this, &TambleApp::AskAboutText,
+                         Qt::QueuedConnection);
+                 typed->close();
                });
 }
 

@@ -73,13 +73,19 @@ class TambleApp : public QObject,
   [[nodiscard]] const std::vector<MWindow*>& WindowList() const { return windowList_; }
 
  private:
+  /// Opens a browser window, once the user has agreed to it where the settings are unread.
   void OpenBrowser(const Message& message);
+  void Open(const Message& message);
+  void WarnOfUnread(QWidget* window);
   /// Brings forward what a message asked for.
   static void Answer(const Message& message, QWidget* window);
   void ReadSettings();
   [[nodiscard]] int RunningTransfers() const;
   /// What else than transfers quitting would end, a line for each window.
   [[nodiscard]] QStringList RunningDeletions() const;
+  /// Asks about what stands in the editor and the preferences, then about the list of shortcuts,
+  /// and quits.
+  void AskAboutText();
   void AskAboutShortcuts();
 
   WorkerFactory workers_;
@@ -92,7 +98,8 @@ class TambleApp : public QObject,
   QPointer<ShortCutEditWindow> editor_;
   QPointer<PrefWindow> preferences_;
   std::unique_ptr<About> about_;
-  std::string unread_;  // why the settings could not be read yet
+  std::string unread_;         // why the settings could not be read yet
+  bool withDefaults_ = false;  // the user connects although the settings are unread
   bool askingToQuit_ = false;
   bool quitting_ = false;
 };

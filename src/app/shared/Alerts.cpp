@@ -57,11 +57,19 @@ void Alerts::Show(QWidget* window, const Question& question, Answer then) {
   }
   EvenOut(buttons);
   box->setDefaultButton(qobject_cast<QPushButton*>(buttons.at(question.preset)));
-  box->setEscapeButton(buttons.last());
-  QObject::connect(box, &QMessageBox::finished, window, [box, buttons, then = std::move(then)] {
-    const auto pressed = buttons.indexOf(box->clickedButton());
-    if (then) then(static_cast<int>(pressed < 0 ? buttons.size() - 1 : pressed));
-  });
+  const auto otherwise = question.dismissible ? kDismissed : static_cast<int>(buttons.size()) - 1;
+  if (question.dismissible) {
+    // The toolkit lets Escape press nothing but a button.
+    box->setEscapeButton(box->addButton(QMessageBox::Cancel));
+    box->escapeButton()->hide();
+  } else {
+    box->setEscapeButton(buttons.last());
+  }
+  QObject::connect(box, &QMessageBox::finished, window,
+                   [box, buttons, otherwise, then = std::move(then)] {
+                     const auto pressed = static_cast<int>(buttons.indexOf(box->clickedButton()));
+                     if (then) then(pressed < 0 ? otherwise : pressed);
+                   });
   box->open();
 }
 

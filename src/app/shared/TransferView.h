@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
-#include "app/shared/TransferNews.h"
 #include "app/shared/TransferListener.h"
+#include "app/shared/TransferNews.h"
 #include "remote/TransferUi.h"
 #include "workers/MThread.h"
 #include "workers/transferStruct.h"

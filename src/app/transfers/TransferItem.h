@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "app/shared/TransferNews.h"
 #include "app/shared/TransferListener.h"
+#include "app/shared/TransferNews.h"
 #include "app/shared/TransferView.h"
 #include "app/transfers/TransferLink.h"
 #include "workers/MThread.h"

@@ -9,19 +9,19 @@
 #include <string_view>
 #include <vector>
 
-#include "remote/TransferUi.h"
 #include "kit/Mutex.h"
+#include "remote/TransferUi.h"
 
 namespace corvane {
 
 class TransferItem;
 
-/// What a transfer has told its row so far, apart from the progress. 
+/// What a transfer has told its row so far, apart from the progress.
 struct TransferReport {
-  std::string file;      ///< the file in hand
-  Text label;            ///< a status; replaced by the file's label when a file begins
-  Text trailing;         ///< the text behind the bar, where the transfer gives one
-  Text reason;           ///< what failed
+  std::string file;  ///< the file in hand
+  Text label;        ///< a status; replaced by the file's label when a file begins
+  Text trailing;     ///< the text behind the bar, where the transfer gives one
+  Text reason;       ///< what failed
   std::optional<TransferEnd> end;
 };
 

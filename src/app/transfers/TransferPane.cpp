@@ -62,8 +62,8 @@ QLabel* TransferPane::MakeLabel(const char* name, const QString& accessible) {
   return label;
 }
 
-void TransferPane::Begin(transferStruct description,
-                         TransferListener listener, const MakeWorker& make) {
+void TransferPane::Begin(transferStruct description, TransferListener listener,
+                         const MakeWorker& make) {
   hideLater_.stop();
   bar_->SetItem(nullptr);
   item_ = std::make_unique<TransferItem>(std::move(description), std::move(listener));

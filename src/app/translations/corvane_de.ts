@@ -1250,10 +1250,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Dateien immer über &amp;dieselbe Verbindung übertragen</translation>
     </message>
     <message>
-        <source>Buffer Size</source>
-        <translation>Puffergröße</translation>
-    </message>
-    <message>
         <source>&amp;Buffer Size:</source>
         <translation>Pu&amp;ffergröße:</translation>
     </message>
@@ -1340,6 +1336,14 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>The preferences are saved, all but what is shown in the tray at login.</source>
         <translation>Die Einstellungen sind gespeichert, nur nicht, ob das Symbol beim Anmelden gezeigt wird.</translation>
+    </message>
+    <message>
+        <source>C&amp;lassic style</source>
+        <translation>Klass&amp;ischer Stil</translation>
+    </message>
+    <message>
+        <source>Figures, texts and editing as they were of old.</source>
+        <translation>Zahlen, Texte und Eingabe wie in alter Zeit.</translation>
     </message>
 </context>
 <context>
@@ -1442,6 +1446,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>The shortcut could not be saved.</source>
         <translation>Die Verknüpfung konnte nicht gespeichert werden.</translation>
     </message>
+    <message>
+        <source>The port has to be a number from 1 to 65535.</source>
+        <translation>Der Port muss eine Zahl von 1 bis 65535 sein.</translation>
+    </message>
 </context>
 <context>
     <name>corvane::ShortCutWindow</name>
@@ -1524,6 +1532,21 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>&amp;Discard</source>
         <translation>&amp;Verwerfen</translation>
+    </message>
+    <message numerus="yes">
+        <source>One stored shortcut cannot be read. Saving the list loses it and all that lie behind it, %n in all.</source>
+        <translation>
+            <numerusform>Eine gespeicherte Verknüpfung ist nicht lesbar. Wird die Liste gespeichert, so geht sie verloren.</numerusform>
+            <numerusform>Eine gespeicherte Verknüpfung ist nicht lesbar. Wird die Liste gespeichert, so geht sie mit allen dahinter verloren, zusammen %n.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>&amp;Save Anyway</source>
+        <translation>&amp;Trotzdem speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
     </message>
 </context>
 <context>
@@ -1617,6 +1640,14 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>&amp;Transfer List</source>
         <translation>Übertragungs&amp;liste</translation>
     </message>
+    <message>
+        <source>This address cannot be read.</source>
+        <translation>Diese Adresse ist nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>The shortcuts could not be read.</source>
+        <translation>Die Verknüpfungen konnten nicht gelesen werden.</translation>
+    </message>
 </context>
 <context>
     <name>corvane::TambleApp</name>
@@ -1658,6 +1689,24 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Quit and stop deleting?</source>
         <translation>Beenden und das Löschen abbrechen?</translation>
+        <source>Your preferences could not be read: a proxy that you have set would be bypassed. Connect all the same?</source>
+        <translation>Ihre Einstellungen konnten nicht gelesen werden: Ein eingestellter Proxy würde umgangen. Trotzdem verbinden?</translation>
+    </message>
+    <message>
+        <source>Co&amp;nnect</source>
+        <translation>&amp;Verbinden</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>What you entered here is not saved. Quit and lose it?</source>
+        <translation>Was Sie hier eingegeben haben, ist nicht gespeichert. Beenden und verwerfen?</translation>
+    </message>
+    <message>
+        <source>&amp;Go Back</source>
+        <translation>&amp;Zurück</translation>
     </message>
 </context>
 <context>

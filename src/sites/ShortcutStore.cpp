@@ -1,15 +1,19 @@
-#include "settings/ShortcutStore.h"
+#include "sites/ShortcutStore.h"
 
+#include <array>
+#include <charconv>
 #include <limits>
 
 #include "settings/Access.h"
-#include "util/ParseUrl.h"
+#include "sites/ParseUrl.h"
 
 namespace corvane {
 namespace {
 
 constexpr const char* kSet = "shortcuts";
 constexpr const char* kLast = "howmany";  // the number of the last entry
+// Stored together with the converted entries, and there until the settings are known to say so too.
+constexpr const char* kConverted = "converted";
 constexpr auto kGathered = PreferenceSet::Saving::Gathered;
 
 std::optional<Shortcut> ReadEntry(const PreferenceSet& set, std::int32_t index) {
@@ -19,6 +23,24 @@ std::optional<Shortcut> ReadEntry(const PreferenceSet& set, std::int32_t index) 
 void StoreEntry(PreferenceSet& set, std::int32_t index, const Shortcut& shortcut) {
   SaveInt32(set, kLast, index);
   SaveString(set, std::to_string(index).c_str(), ShortcutStore::StoredForm(shortcut));
+}
+
+// How many entries are stored from number `first` to `last`, readable or not. Goes by what is
+// there, because `last` may be any number.
+std::int32_t CountEntries(const PreferenceSet& set, std::int32_t first, std::int32_t last) {
+  std::int32_t count = 0;
+  PREFDataCookie* cookie = nullptr;
+  std::array<char, 32> name{};
+  std::uint32_t type = 0;
+  while (PREFListData(set.Handle(), &cookie, name.data(), std::ssize(name), &type) == 0) {
+    const std::string_view text(name.data());
+    std::int32_t number = -1;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool whole = error == std::errc() && stop == text.data() + text.size();
+    if (whole && type == "BYTE"_what && number >= first && number <= last) ++count;
+  }
+  PREFDisposeDataCookie(cookie);
+  return count;
 }
 
 // `last` is what the store says; the entries that are there end the walk.
@@ -34,51 +56,59 @@ std::vector<Shortcut> ReadAll(const PreferenceSet& set, std::int32_t last) {
 
 Shortcut FirstEntry() {
   return {.label = "Be Inc.",
-          .host = "ftp.funet.fi",
-          .user = "anonymous",
-          .pass = "guest@host.in",
-          .path = "/pub/contrib/",
-          .port = "21"};
+          .site = {.host = "ftp.funet.fi",
+                   .user = "anonymous",
+                   .password = "guest@host.in",
+                   .path = "/pub/contrib/"}};
 }
 
 }  // namespace
 
 std::string ShortcutStore::StoredForm(const Shortcut& shortcut) {
-  std::string text = shortcut.passive ? "P" : "A";
-  text += shortcut.label + "*ftp://" + shortcut.user + ":" + shortcut.pass + "@" + shortcut.host +
-          ":" + shortcut.port;
-  if (!shortcut.path.starts_with('/')) text += '/';
-  return text + shortcut.path;
+  const Site& site = shortcut.site;
+  std::string text = site.passive ? "P" : "A";
+  text += shortcut.label + "*ftp://" + site.user + ":" + site.password + "@" + site.host + ":" +
+          std::to_string(site.port);
+  if (!site.path.starts_with('/')) text += '/';
+  return text + site.path;
 }
 
 ShortcutStore::Return ShortcutStore::ComesBack(const Shortcut& shortcut) {
   auto stored = ParseUrl(StoredForm(shortcut), false);
   if (!stored.has_value()) return Return::Nothing;
   Shortcut wanted = shortcut;
-  if (!wanted.path.starts_with('/')) wanted.path.insert(0, "/");
-  if (wanted.user == "anonymous") stored->pass = wanted.pass;
+  wanted.site.proxy.reset();
+  if (!wanted.site.path.starts_with('/')) wanted.site.path.insert(0, "/");
+  if (wanted.site.user == "anonymous") stored->site.password = wanted.site.password;
   return *stored == wanted ? Return::Whole : Return::Changed;
 }
 
-std::vector<Shortcut> ShortcutStore::ReadForMenu() {
+ShortcutStore::List ShortcutStore::ReadForMenu() {
   {
-    const PreferenceSet set(kSet);
+    PreferenceSet set(kSet);
     const std::int32_t last = GetInt32(set, kLast, -1);
-    if (set.Handle() == nullptr || last != -1) return ReadAll(set, last);
+    if (set.Handle() == nullptr || last != -1) return {ReadAll(set, last), set.Finish()};
   }
   PreferenceSet set(kSet, kGathered);
   // Another program may have been first.
   const std::int32_t last = GetInt32(set, kLast, -1);
-  if (set.Handle() == nullptr || last != -1) return ReadAll(set, last);
+  if (set.Handle() == nullptr || last != -1) return {ReadAll(set, last), set.Finish()};
   const Shortcut first = FirstEntry();
   SaveString(set, "default", StoredForm(first));
   StoreEntry(set, 0, first);
-  return {first};
+  return {{first}, set.Finish()};
 }
 
 ShortcutStore::List ShortcutStore::ReadForList() {
   PreferenceSet set(kSet);
   return {ReadAll(set, GetInt32(set, kLast, 0)), set.Finish()};
+}
+
+std::int32_t ShortcutStore::CountOutOfReach() {
+  const PreferenceSet set(kSet);
+  const std::int32_t last = GetInt32(set, kLast, -1);
+  if (last < 0) return 0;
+  return CountEntries(set, static_cast<std::int32_t>(ReadAll(set, last).size()), last);
 }
 
 std::optional<Shortcut> ShortcutStore::Read(std::int32_t index) {
@@ -118,13 +148,21 @@ std::int32_t ShortcutStore::ConvertShortcuts() {
   PreferenceSet set(kSet, kGathered);
   const std::int32_t last = GetInt32(set, kLast, -1);
   if (last == -1) return set.Finish().empty() ? -1 : 0;
+  if (GetInt32(set, kConverted, 0) != 0) return 1;
+  SaveInt32(set, kConverted, 1);
   for (std::int32_t i = 0; i <= last; ++i) {
     const std::string name = std::to_string(i);
     const std::string entry = GetString(set, name.c_str(), "");
     if (entry.empty()) break;
     SaveString(set, name.c_str(), "A" + entry);
   }
+  set.Save();
   return set.Finish().empty() ? 1 : 0;
+}
+
+void ShortcutStore::EndConversion() {
+  PreferenceSet set(kSet, kGathered);
+  if (PREFDelete(set.Handle(), kConverted) == 0) set.Save();
 }
 
 }  // namespace corvane

@@ -2,24 +2,22 @@
 
 #include <string>
 
+#include "remote/Site.h"
+
 namespace corvane {
 
-/// One saved connection. All texts are the user's own; the port stays text until it is used.
+/// One saved connection. All texts are the user's own. A port of 0 stands for one that could not be
+/// read: the entry stays in the list and cannot be connected to.
 struct Shortcut {
   std::string label{};
-  std::string host{};
-  std::string user{};
-  std::string pass{};
-  std::string path{};
-  std::string port{};
-  bool passive = false;
+  Site site{};
 
   friend bool operator==(const Shortcut&, const Shortcut&) = default;
 };
 
 /// What a connection goes by: its label or, without one, its host.
 [[nodiscard]] inline const std::string& NameOf(const Shortcut& shortcut) {
-  return shortcut.label.empty() ? shortcut.host : shortcut.label;
+  return shortcut.label.empty() ? shortcut.site.host : shortcut.label;
 }
 
 }  // namespace corvane

@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
-#include "util/Shortcut.h"
+#include "sites/Shortcut.h"
 
 namespace corvane {
 
 /// The saved connections on the disk: the set "shortcuts", entries numbered from 0. GUI thread.
 ///
-/// Reading ends at the first entry that is missing or is no saved connection. Writers answer why
+/// Reading ends at the first entry that is missing or is no saved connection. Writers return why
 /// something could not be stored, "" when it was.
 class ShortcutStore {
  public:
@@ -32,9 +32,12 @@ class ShortcutStore {
   };
   /// All entries, in order. A store that was never written gets its first entry; one that cannot be
   /// read now is left as it is.
-  [[nodiscard]] static std::vector<Shortcut> ReadForMenu();
+  [[nodiscard]] static List ReadForMenu();
   /// All entries, in order.
   [[nodiscard]] static List ReadForList();
+  /// How many entries are stored behind the end of the reading, the one that ends it included:
+  /// saving a list loses them.
+  [[nodiscard]] static std::int32_t CountOutOfReach();
   /// The entry of that number.
   [[nodiscard]] static std::optional<Shortcut> Read(std::int32_t index);
 
@@ -50,9 +53,12 @@ class ShortcutStore {
   /// empty list leaves the first entry in reach.
   [[nodiscard]] static std::string SaveAll(const std::vector<Shortcut>& shortcuts);
 
-  /// Puts the flag of an active connection before each entry: the older form had none. Answers -1
-  /// when there is no list, 0 when it could not be stored, else 1.
+  /// Puts the flag of an active connection before each entry: the older form had none. Returns -1
+  /// when there is no list, 0 when it could not be stored, else 1. Until EndConversion a second
+  /// call changes nothing, in whatever process.
   static std::int32_t ConvertShortcuts();
+  /// To be called once the settings are stored with the version that says that all is converted.
+  static void EndConversion();
 };
 
 }  // namespace corvane

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/shared/Style.h"
+
+namespace corvane {
+
+/// Today's ways: the usual keys of a text field.
+class ModernStyle : public Style {
+ public:
+  void Type(HiddenText& text, const QString& typed) const override;
+  void Backspace(HiddenText& text) const override;
+  void Delete(HiddenText& text) const override;
+  void Lose(HiddenText& text, qsizetype stars) const override;
+  [[nodiscard]] int ExtraStars() const override { return 0; }
+};
+
+}  // namespace corvane

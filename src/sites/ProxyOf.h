@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+
+#include "remote/Site.h"
+#include "settings/ProcessSettings.h"
+
+namespace corvane {
+
+/// The proxy of the settings; nothing where none is used. One that is used but has no address has
+/// an empty host. A port that is no number is 0.
+[[nodiscard]] std::optional<Proxy> ProxyOf(const SettingsValues& settings);
+
+}  // namespace corvane

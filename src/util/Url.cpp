@@ -1,0 +1,98 @@
+#include "util/Url.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <charconv>
+
+#include "util/Percent.h"
+
+namespace corvane {
+namespace {
+
+constexpr std::string_view kScheme = "ftp://";
+constexpr std::uint16_t kUsualPort = 21;
+
+std::string_view Trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+// Puts the part's bytes into `bytes`; false where they cannot be read.
+bool Take(std::string_view part, std::string& bytes) {
+  auto decoded = PercentDecoded(part);
+  if (!decoded.has_value()) return false;
+  bytes = std::move(*decoded);
+  return true;
+}
+
+bool ReadLogin(std::string_view login, Url& url) {
+  const std::size_t colon = std::min(login.find(':'), login.size());
+  const std::string_view password = login.substr(std::min(colon + 1, login.size()));
+  return Take(login.substr(0, colon), url.user) && Take(password, url.password);
+}
+
+bool ReadPort(std::string_view digits, Url& url) {
+  if (digits.empty()) return true;  // "host:" names the usual one
+  std::uint16_t port = 0;
+  const char* end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, port);
+  if (error != std::errc() || stop != end || port == 0) return false;
+  url.port = port;
+  return true;
+}
+
+// "host:port" or "[address]:port".
+bool ReadHost(std::string_view text, Url& url) {
+  std::size_t end = text.find(':');
+  std::string_view host = text.substr(0, end);
+  if (text.starts_with('[')) {
+    const std::size_t bracket = text.find(']');
+    if (bracket == std::string_view::npos) return false;
+    host = text.substr(1, bracket - 1);
+    if (host.find(':') == std::string_view::npos) return false;
+    end = bracket + 1;
+    if (end < text.size() && text[end] != ':') return false;
+  }
+  if (!Take(host, url.host) || url.host.empty()) return false;
+  return end >= text.size() || ReadPort(text.substr(end + 1), url);
+}
+
+}  // namespace
+
+bool Url::IsMeant(std::string_view text) {
+  text = Trimmed(text);
+  return text.size() >= kScheme.size() &&
+         ::strncasecmp(text.data(), kScheme.data(), kScheme.size()) == 0;
+}
+
+std::optional<Url> Url::Read(std::string_view text) {
+  if (!IsMeant(text)) return {};
+  text = Trimmed(text).substr(kScheme.size());
+  Url url;
+  const std::size_t slash = std::min(text.find('/'), text.size());
+  std::string_view authority = text.substr(0, slash);
+  if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
+    if (!ReadLogin(authority.substr(0, at), url)) return {};
+    authority.remove_prefix(at + 1);
+  }
+  if (!ReadHost(authority, url) || !Take(text.substr(slash), url.path)) return {};
+  if (url.path == "/") url.path.clear();
+  return url;
+}
+
+std::string Url::Written() const {
+  constexpr std::string_view kInHost = "!$&'()*+,;=";
+  constexpr std::string_view kInPath = "!$&'()*+,;=:@/";
+  std::string text(kScheme);
+  if (host.find(':') != std::string::npos) {
+    text += "[" + PercentEncoded(host, ":") + "]";
+  } else {
+    text += PercentEncoded(host, kInHost);
+  }
+  if (port.value_or(kUsualPort) != kUsualPort) text += ":" + std::to_string(*port);
+  return text + PercentEncoded(path, kInPath);
+}
+
+}  // namespace corvane

@@ -1,0 +1,144 @@
+#include "sites/ShortcutStore.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include <tuple>
+
+#include "settings/StoredSettings.h"
+#include "sites/ReadAtStart.h"
+#include "support/Config.h"
+#include "support/Files.h"
+#include "util/UniqueFd.h"
+
+namespace corvane {
+namespace {
+
+class Shortcuts : public ConfigTest {
+ protected:
+  /// The entry's text, "-" when there is none.
+  static std::string Entry(const char* name) {
+    return GetString(PreferenceSet("shortcuts"), name, "-");
+  }
+  static std::int32_t Last() { return GetInt32(PreferenceSet("shortcuts"), "howmany", -1); }
+  static Shortcut Named(const std::string& label) {
+    return {.label = label, .site = {.host = "h", .user = "u", .password = "p", .path = "/"}};
+  }
+  static std::string Labels(const ShortcutStore::List& list) {
+    std::string labels;
+    for (const Shortcut& shortcut : list.shortcuts) labels += shortcut.label + " ";
+    return labels;
+  }
+  /// Stores entries as they are, the first under "0"; nullptr leaves one out.
+  static void Fill(const std::vector<const char*>& entries) {
+    Put("shortcuts", "howmany", static_cast<std::int32_t>(entries.size()) - 1);
+    for (std::size_t i = 0; i < entries.size(); ++i)
+      if (entries[i] != nullptr) Put("shortcuts", std::to_string(i).c_str(), entries[i]);
+  }
+};
+
+TEST_F(Shortcuts, OfTheOlderFormAreConvertedOnceWhateverIsKilled) {
+  EXPECT_EQ(ShortcutStore::ConvertShortcuts(), -1);
+  Fill({"files*ftp://u:p@h:21/", "more*ftp://u:p@h:21/", nullptr});
+  Put("settings", "version", 900);
+  // Killed before the settings say that it has been done.
+  EXPECT_EQ(ShortcutStore::ConvertShortcuts(), 1);
+  for (int start = 0; start < 2; ++start) EXPECT_EQ(ReadAtStart(), "");
+  EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 1100);
+  EXPECT_EQ(Entry("0"), "Afiles*ftp://u:p@h:21/");
+  EXPECT_EQ(Labels(ShortcutStore::ReadForList()), "files more ");
+  EXPECT_EQ(GetInt32(PreferenceSet("shortcuts"), "converted", -1), -1) << "no trace stays";
+}
+
+TEST_F(Shortcuts, AStoreThatWasNeverWrittenGetsItsFirstOne) {
+  EXPECT_EQ(Labels(ShortcutStore::ReadForList()), "");
+  EXPECT_EQ(ShortcutStore::Add(Named("early")).index, -1);
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "Be Inc. ");
+  EXPECT_EQ(Last(), 0);
+  EXPECT_EQ(Entry("default"), Entry("0"));
+  EXPECT_EQ(ShortcutStore::Add(Named("next")).index, 1);
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "Be Inc. next ");
+}
+
+TEST_F(Shortcuts, ASavedListLeavesWhatLiesBeyondItsEnd) {
+  const std::string old = ShortcutStore::StoredForm(Named("old"));
+  Fill(std::vector(5, old.c_str()));
+  EXPECT_EQ(ShortcutStore::CountOutOfReach(), 0);
+  EXPECT_EQ(ShortcutStore::SaveAll({Named("x"), Named("y"), Named("z")}), "");
+  EXPECT_EQ(Last(), 2);
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "x y z ");
+  EXPECT_EQ(Entry("4"), "Aold*ftp://u:p@h:21/");
+  EXPECT_EQ(ShortcutStore::SaveAll({}), "");
+  EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "x ");
+  EXPECT_EQ(Entry("1"), "-");
+}
+
+TEST_F(Shortcuts, ADamagedListIsReadToItsFirstGapAndLosesNothing) {
+  const std::int32_t absurd = 2'000'000'000;
+  Put("shortcuts", "howmany", absurd);
+  Put("shortcuts", "0", ShortcutStore::StoredForm(Named(std::string(1 << 20, 'x'))));
+  Put("shortcuts", "2", ShortcutStore::StoredForm(Named("lost")));
+  EXPECT_EQ(ShortcutStore::ReadForMenu().shortcuts.size(), 1U);
+  EXPECT_EQ(ShortcutStore::CountOutOfReach(), 1);
+  EXPECT_EQ(ShortcutStore::Add(Named("new")).index, 1);
+  EXPECT_EQ(ShortcutStore::ReadForList().shortcuts.size(), 3U);
+  EXPECT_EQ(Last(), absurd);
+  Put("shortcuts", "3", "no connection");
+  Put("shortcuts", "4", ShortcutStore::StoredForm(Named("lost")));
+  EXPECT_EQ(ShortcutStore::CountOutOfReach(), 2);
+  EXPECT_EQ(ShortcutStore::Add(Named("next")).index, 3);
+  EXPECT_EQ(ShortcutStore::ReadForList().shortcuts.size(), 5U);
+  EXPECT_EQ(Entry("2000000001"), "no connection");
+  Put("shortcuts", "howmany", 0x7FFFFFFF);
+  Put("shortcuts", "5", "no connection");
+  EXPECT_NE(ShortcutStore::Add(Named("none")).failure, "");
+}
+
+// A port of the user's own making does not end the list.
+TEST_F(Shortcuts, APortThatIsNoneStaysInTheListAsZero) {
+  Fill({"Aa*ftp://u:p@h:2121x/", "Ab*ftp://u:p@h:many/", "Ac*ftp://u:p@h:70000/",
+        "Ad*ftp://u:p@h:/", "Ae*ftp://u:p@h: 22 /"});
+  std::string ports;
+  for (const Shortcut& shortcut : ShortcutStore::ReadForList().shortcuts)
+    ports += std::to_string(shortcut.site.port) + " ";
+  EXPECT_EQ(ports, "2121 0 0 21 22 ");
+}
+
+TEST_F(Shortcuts, SayWhatWouldNotComeBack) {
+  using enum ShortcutStore::Return;
+  const std::tuple<const char*, const char*, const char*, const char*, ShortcutStore::Return>
+      cases[] = {
+          {"label", "user", "secret", "/pub/a b", Whole},
+          {"label", "", "", "", Whole},
+          {"a*b", "user", "secret", "/", Nothing},
+          {"label", "user", "p@ss", "/", Changed},
+          {"label", "user", "p:w", "/", Changed},
+          {"label", "anonymous", "me@home", "/", Whole},
+          {"label", "user", "secret", "/a:b", Changed},
+      };
+  for (const auto& [label, user, pass, path, result] : cases) {
+    const Shortcut shortcut{
+        .label = label,
+        .site = {.host = "h", .user = user, .password = pass, .path = path, .proxy = Proxy()}};
+    EXPECT_EQ(ShortcutStore::ComesBack(shortcut), result) << ShortcutStore::StoredForm(shortcut);
+  }
+}
+
+TEST_F(Shortcuts, AFileThatIsLockedIsNotTakenForAnEmptyOne) {
+  Put("shortcuts", "howmany", 0);
+  Put("shortcuts", "0", ShortcutStore::StoredForm(Named("one")));
+  const std::string before = Contents(File("shortcuts"));
+  const UniqueFd holder(::open(File("shortcuts").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(holder.get(), LOCK_EX), 0);
+  for (const auto& list : {ShortcutStore::ReadForMenu(), ShortcutStore::ReadForList()}) {
+    EXPECT_TRUE(list.shortcuts.empty());
+    EXPECT_NE(list.failure, "");
+  }
+  Put("settings", "version", 900);
+  EXPECT_EQ(ReadAtStart(), "");
+  EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 900);
+  EXPECT_EQ(Contents(File("shortcuts")), before);
+}
+
+}  // namespace
+}  // namespace corvane

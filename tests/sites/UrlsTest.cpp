@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+#include "sites/ParseUrl.h"
+#include "sites/ProxyOf.h"
+#include "sites/SiteOf.h"
+
+namespace corvane {
+namespace {
+
+std::string Describe(const Site& site) {
+  return site.host + "|" + site.user + "|" + site.password + "|" + site.path + "|" +
+         std::to_string(site.port);
+}
+
+std::string Describe(const std::optional<Shortcut>& s) {
+  return s ? s->label + "|" + Describe(s->site) + (s->site.passive ? "|P" : "|A") : "";
+}
+
+TEST(ParseUrl, ReadsTheStoredForm) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"Afiles*ftp://anonymous:x@host:21/pub/", "files|host|anonymous|x|/pub/|21|A"},
+      {"Pfiles*ftp://u:p@h:2121", "files|h|u|p||2121|P"},
+      {"Afiles*ftp://u:p@h/pub", "files|h/|u|p|/pub|21|A"},
+      {"xa b*ftp://u:@h:", "a b|h|u|||21|P"},
+      // A path may stand before the port, and takes what is left of it again.
+      {"Al*ftp://u:p@h/a:7/b", "l|h/|u|p|/b|7|A"},
+      {"Al*ftp://name@host:21/", "l|host||name|/|21|A"},
+      {"Al*ftp://u:a@b@h:21/", "l|h|u|b|/|21|A"},
+      {"Al*ftp://u:p:q@h:21/", "l|p|u||/|0|A"},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Describe(ParseUrl(text, false)), expected);
+  EXPECT_EQ(Describe(ParseUrl("ftp://u:p@h:21/pub", true)), "|h|u|p|/pub|21|A");
+  EXPECT_FALSE(ParseUrl("Pl*ftp://u:p@h:21/pub", true));
+  for (const char* bad : {"A*ftp://", "A*http://h:21/", "A*ftp://u:p@h", "Aftp://u:p@h:21/", ""}) {
+    EXPECT_FALSE(ParseUrl(bad, false)) << bad;
+  }
+}
+
+// The text, the site that it names ("" for none), and the URL that is written for it.
+TEST(Url, IsReadAndWrittenInOneWay) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"ftp://h", "h||||21", "ftp://h"},
+      {"ftp://h/", "h||||21", "ftp://h"},
+      {"FTP://h:/pub/", "h|||/pub/|21", "ftp://h/pub/"},
+      {"ftp://h:2121/pub", "h|||/pub|2121", "ftp://h:2121/pub"},
+      {" ftp://u@h:21/x\n", "h|u||/x|21", "ftp://h/x"},
+      {"ftp://u:p@h:2121/a:b@c", "h|u|p|/a:b@c|2121", "ftp://h:2121/a:b@c"},
+      {"ftp://u:a@b:c@h/x@y", "h|u|a@b:c|/x@y|21", "ftp://h/x@y"},
+      {"ftp://me%40home:p%3Aw%2F@h/a%20b%25", "h|me@home|p:w/|/a b%|21", "ftp://h/a%20b%25"},
+      {"ftp://h/a b#c?d", "h|||/a b#c?d|21", "ftp://h/a%20b%23c%3Fd"},
+      {"ftp://h/\xFC", "h|||/\xFC|21", "ftp://h/%FC"},
+      {"ftp://[::1]", "::1||||21", "ftp://[::1]"},
+      {"ftp://u:p@[fe80::1%25eth0]:2121/", "fe80::1%eth0|u|p||2121", "ftp://[fe80::1%25eth0]:2121"},
+      {"ftp://", "", ""},
+      {"ftp:///pub", "", ""},
+      {"ftp://u:p@/pub", "", ""},
+      {"ftp://h:0", "", ""},
+      {"ftp://h:65536", "", ""},
+      {"ftp://h:21x/", "", ""},
+      {"ftp://::1/", "", ""},
+      {"ftp://[::1", "", ""},
+      {"ftp://[::1]x/", "", ""},
+      {"ftp://[h]/", "", ""},
+      {"ftp://h/%zz", "", ""},
+      {"ftp://h/%0d%0aDELE x", "", ""},
+      {"ftp://h/a%00", "", ""},
+      {"ftp://h/a\nDELE x", "", ""},
+      {"http://h/", "", ""},
+      {"h/pub", "", ""},
+  };
+  for (const auto& [text, site, written] : cases) {
+    const auto url = Url::Read(text);
+    ASSERT_EQ(url ? Describe(SiteOf(*url)) : "", site) << text;
+    if (!url) continue;
+    EXPECT_EQ(url->Written(), written) << text;
+    const auto again = Url::Read(url->Written());
+    ASSERT_TRUE(again) << text;
+    EXPECT_EQ(again->host + again->path, url->host + url->path) << text;
+    EXPECT_EQ(SiteOf(*again).port, SiteOf(*url).port) << text;
+  }
+  EXPECT_TRUE(Url::IsMeant(" Ftp://h:0"));
+  EXPECT_FALSE(Url::IsMeant("ftp:/"));
+}
+
+TEST(ProxyOf, TakesThePortAsTheUserWroteIt) {
+  const std::tuple<bool, const char*, std::optional<Proxy>> cases[] = {
+      {false, "8021", {}},
+      {true, "8021", Proxy{"p", 8021}},
+      {true, " 8021 ", Proxy{"p", 8021}},
+      {true, "many", Proxy{"p", 0}},
+      {true, "70000", Proxy{"p", 0}},
+      {true, "", Proxy{"p", 0}},
+  };
+  for (const auto& [used, port, proxy] : cases)
+    EXPECT_EQ(ProxyOf({.useProxy = used, .proxyAddress = "p", .proxyPort = port}), proxy) << port;
+}
+
+}  // namespace
+}  // namespace corvane

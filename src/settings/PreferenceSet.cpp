@@ -65,13 +65,14 @@ void PreferenceSet::Write() {
   if (saved != 0) std::puts("Cannot save settings");
 }
 
-std::string PreferenceSet::Finish() {
+Text PreferenceSet::Finish() {
   if (unsaved_) Write();
   if (failure_ == 0) return {};
-  if (damaged_) return "The file is damaged. Move it away to begin with a new one.";
-  if (failure_ == -EBUSY) return "Another program holds the file.";
-  if (failure_ == kPrefPathTooLong) return "The path of the file is too long.";
-  return failure_ > kPrefInUse ? ErrorText(-failure_) : "The preference store failed.";
+  if (damaged_) return Text("The file is damaged. Move it away to begin with a new one.");
+  if (failure_ == -EBUSY) return Text("Another program holds the file.");
+  if (failure_ == kPrefPathTooLong) return Text("The path of the file is too long.");
+  return failure_ > kPrefInUse ? Text::Raw(ErrorText(-failure_))
+                               : Text("The preference store failed.");
 }
 
 }  // namespace corvane

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <string>
-
+#include "kit/Text.h"
 #include "prefs/PREF.h"
 
 namespace corvane {
@@ -26,9 +25,9 @@ class PreferenceSet {
 
   /// Saves the set, now or at the end; prints "Cannot save settings" on failure.
   void Save();
-  /// Writes what was gathered. Returns why something could not be stored, for the user; "" when all
-  /// is on the disk.
-  std::string Finish();
+  /// Writes what was gathered. Returns why something could not be stored, for the user; an empty
+  /// text when all is on the disk.
+  Text Finish();
   /// Notes a status of the store; the first failure stays.
   void Note(PREFStatus status);
 

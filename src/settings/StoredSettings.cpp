@@ -72,7 +72,7 @@ void Copy(const Setting& setting, const SettingsValues& from, SettingsValues& to
 
 }  // namespace
 
-std::string StoredSettings::ReadAtStart(const Conversion& convert) {
+Text StoredSettings::ReadAtStart(const Conversion& convert) {
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
   BringUpToDate(set, convert);
   SettingsValues values;
@@ -86,7 +86,7 @@ std::string StoredSettings::ReadAtStart(const Conversion& convert) {
   return set.Finish();
 }
 
-std::string StoredSettings::Apply(const SettingsValues& entered) {
+Text StoredSettings::Apply(const SettingsValues& entered) {
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
   const SettingsValues before = ProcessSettings::Get();
   SettingsValues now = entered;

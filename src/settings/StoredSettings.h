@@ -4,6 +4,7 @@
 #include <string>
 
 #include "kit/Rect.h"
+#include "kit/Text.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
@@ -25,11 +26,11 @@ class StoredSettings {
   using Conversion = std::function<bool()>;
   /// Reads every setting into ProcessSettings, defaults for what is missing. Stored data of an
   /// older version is brought up to date, the shortcuts by `convert`. Returns why the set could not
-  /// be read, "" when it was.
-  static std::string ReadAtStart(const Conversion& convert);
+  /// be read, an empty text when it was.
+  static Text ReadAtStart(const Conversion& convert);
   /// Takes over what the user set in the preferences window and stores it, as SettingsTable says.
-  /// Returns why it could not be stored, "" when it was.
-  static std::string Apply(const SettingsValues& entered);
+  /// Returns why it could not be stored, an empty text when it was.
+  static Text Apply(const SettingsValues& entered);
   /// The settings as the preferences window shows them: those in force, and what is stored of those
   /// that wait for the next start.
   [[nodiscard]] static SettingsValues ForEditing();

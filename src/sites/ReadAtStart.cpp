@@ -5,14 +5,14 @@
 
 namespace corvane {
 
-std::string ReadAtStart() {
+Text ReadAtStart() {
   bool converted = false;
-  std::string failure = StoredSettings::ReadAtStart([&converted] {
+  Text failure = StoredSettings::ReadAtStart([&converted] {
     converted = ShortcutStore::ConvertShortcuts() != 0;
     return converted;
   });
   // A program that is killed in between finds its mark at the next start and converts nothing.
-  if (converted && failure.empty()) ShortcutStore::EndConversion();
+  if (converted && failure.IsEmpty()) ShortcutStore::EndConversion();
   return failure;
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
+#include "kit/Text.h"
 
 namespace corvane {
 
 /// Reads the stored settings into ProcessSettings, and brings what an older version stored, the
-/// shortcuts included, up to date. Returns why the settings could not be read, "" when they were.
-/// GUI thread.
-[[nodiscard]] std::string ReadAtStart();
+/// shortcuts included, up to date. Returns why the settings could not be read, an empty text when
+/// they were. GUI thread.
+[[nodiscard]] Text ReadAtStart();
 
 }  // namespace corvane

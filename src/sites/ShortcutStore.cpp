@@ -119,21 +119,22 @@ ShortcutStore::Added ShortcutStore::Add(const Shortcut& shortcut) {
   PreferenceSet set(kSet, kGathered);
   const std::int32_t last = GetInt32(set, kLast, -1);
   if (last < 0) {
-    std::string failure = set.Finish();
-    return {-1, failure.empty() ? "There is no list of shortcuts to add it to." : failure};
+    Text failure = set.Finish();
+    return {-1, failure.IsEmpty() ? Text("There is no list of shortcuts to add it to.") : failure};
   }
   const auto end = static_cast<std::int32_t>(ReadAll(set, last).size());
   const bool within = end <= last;
   const std::string unreadable = within ? GetString(set, std::to_string(end).c_str(), "") : "";
   const bool longer = !within || !unreadable.empty();
-  if (longer && last == std::numeric_limits<std::int32_t>::max()) return {-1, "The list is full."};
+  if (longer && last == std::numeric_limits<std::int32_t>::max())
+    return {-1, Text("The list is full.")};
   if (!unreadable.empty()) SaveString(set, std::to_string(last + 1).c_str(), unreadable);
   StoreEntry(set, end, shortcut);
   SaveInt32(set, kLast, longer ? last + 1 : last);
   return {end, set.Finish(), within};
 }
 
-std::string ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
+Text ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
   PreferenceSet set(kSet, kGathered);
   if (GetInt32(set, kLast, 0) >= 0) PREFDelete(set.Handle(), "1");
   SaveInt32(set, "homany", -1);
@@ -147,7 +148,7 @@ std::string ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
 std::int32_t ShortcutStore::ConvertShortcuts() {
   PreferenceSet set(kSet, kGathered);
   const std::int32_t last = GetInt32(set, kLast, -1);
-  if (last == -1) return set.Finish().empty() ? -1 : 0;
+  if (last == -1) return set.Finish().IsEmpty() ? -1 : 0;
   if (GetInt32(set, kConverted, 0) != 0) return 1;
   SaveInt32(set, kConverted, 1);
   for (std::int32_t i = 0; i <= last; ++i) {
@@ -157,7 +158,7 @@ std::int32_t ShortcutStore::ConvertShortcuts() {
     SaveString(set, name.c_str(), "A" + entry);
   }
   set.Save();
-  return set.Finish().empty() ? 1 : 0;
+  return set.Finish().IsEmpty() ? 1 : 0;
 }
 
 void ShortcutStore::EndConversion() {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/Text.h"
 #include "sites/Shortcut.h"
 
 namespace corvane {
@@ -13,7 +14,7 @@ namespace corvane {
 /// The saved connections on the disk: the set "shortcuts", entries numbered from 0. GUI thread.
 ///
 /// Reading ends at the first entry that is missing or is no saved connection. Writers return why
-/// something could not be stored, "" when it was.
+/// something could not be stored, an empty text when it was.
 class ShortcutStore {
  public:
   /// The stored form, which ParseUrl reads. Nothing is escaped.
@@ -28,7 +29,7 @@ class ShortcutStore {
 
   struct List {
     std::vector<Shortcut> shortcuts;
-    std::string failure;  ///< why the store could not be read, "" when it was
+    Text failure{};  ///< why the store could not be read; empty when it was
   };
   /// All entries, in order. A store that was never written gets its first entry; one that cannot be
   /// read now is left as it is.
@@ -43,7 +44,7 @@ class ShortcutStore {
 
   struct Added {
     std::int32_t index = -1;
-    std::string failure;
+    Text failure{};
     bool within = false;  ///< in a gap: the entries behind it are in reach again
   };
   /// Stores one more entry, at the end or where reading ends before; an entry there that is no
@@ -51,7 +52,7 @@ class ShortcutStore {
   [[nodiscard]] static Added Add(const Shortcut& shortcut);
   /// Stores the whole list, in one piece. Entries beyond its end stay on the disk, out of reach; an
   /// empty list leaves the first entry in reach.
-  [[nodiscard]] static std::string SaveAll(const std::vector<Shortcut>& shortcuts);
+  [[nodiscard]] static Text SaveAll(const std::vector<Shortcut>& shortcuts);
 
   /// Puts the flag of an active connection before each entry: the older form had none. Returns -1
   /// when there is no list, 0 when it could not be stored, else 1. Until EndConversion a second

@@ -33,11 +33,6 @@
 namespace corvane {
 namespace {
 
-std::string WithoutTrailingSlash(std::string path) {
-  if (path.ends_with('/')) path.pop_back();
-  return path;
-}
-
 }  // namespace
 
 MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)

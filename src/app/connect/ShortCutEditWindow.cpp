@@ -127,8 +127,8 @@ void ShortCutEditWindow::Store(const Shortcut& entered) {
 
 void ShortCutEditWindow::Add(const Shortcut& entered) {
   const ShortcutStore::Added added = ShortcutStore::Add(entered);
-  if (!added.failure.empty()) {
-    return Warn(tr("The shortcut could not be saved."), Shown(Text::Raw(added.failure)));
+  if (!added.failure.IsEmpty()) {
+    return Warn(tr("The shortcut could not be saved."), Shown(added.failure));
   }
   if (added.within) {
     app_.ConnectionWindow().MessageReceived(Message("REDO"_what));

@@ -230,11 +230,11 @@ bool ShortCutWindow::Store() {
   std::ranges::sort(rows, {}, &ShortCutItem::Id);
   std::vector<Shortcut> shortcuts;
   for (const ShortCutItem* row : rows) shortcuts.push_back(row->Record());
-  const std::string failure = ShortcutStore::SaveAll(shortcuts);
-  if (!failure.empty()) {
+  const Text failure = ShortcutStore::SaveAll(shortcuts);
+  if (!failure.IsEmpty()) {
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("The shortcuts could not be saved."),
-                        .detail = Shown(Text::Raw(failure))});
+                        .detail = Shown(failure)});
     return false;
   }
   SetChanged(false);

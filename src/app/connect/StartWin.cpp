@@ -12,7 +12,7 @@
 #include "app/connect/Password.h"
 #include "app/connect/ShortcutField.h"
 #include "app/shared/Alerts.h"
-#include "app/shared/EngineTexts.h"
+#include "app/shared/Shown.h"
 #include "app/shared/Frames.h"
 #include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
@@ -83,10 +83,10 @@ void StartWin::Connect() {
 void StartWin::ReadShortcuts() {
   const ShortcutStore::List list = ShortcutStore::ReadForMenu();
   shortcuts_->Fill(list.shortcuts);
-  if (list.failure.empty()) return;
+  if (list.failure.IsEmpty()) return;
   Alerts::Show(this, {.title = tr("Warning!"),
                       .text = tr("The shortcuts could not be read."),
-                      .detail = Translated(ToText(list.failure))});
+                      .detail = Shown(list.failure)});
 }
 
 void StartWin::ChooseShortcut(std::int32_t index) {

@@ -280,17 +280,17 @@ bool PrefWindow::CheckProxy() {
 void PrefWindow::Save() {
   if (!CheckProxy()) return;
   QString problem = tr("The preferences are in force but could not be saved for the next start.");
-  std::string failure = StoredSettings::Apply(Entered());
-  if (const bool tray = tray_->isChecked(); failure.empty() && tray != Autostart::IsSet()) {
+  Text failure = StoredSettings::Apply(Entered());
+  if (const bool tray = tray_->isChecked(); failure.IsEmpty() && tray != Autostart::IsSet()) {
     problem = tr("The preferences are saved, all but what is shown in the tray at login.");
-    failure = Autostart::Set(tray);
+    failure = Text::Raw(Autostart::Set(tray));
   }
-  if (failure.empty()) {
+  if (failure.IsEmpty()) {
     close();
     return;
   }
   Alerts::Show(this,
-               {.title = tr("Warning!"), .text = problem, .detail = Shown(Text::Raw(failure))});
+               {.title = tr("Warning!"), .text = problem, .detail = Shown(failure)});
 }
 
 }  // namespace corvane

@@ -66,7 +66,7 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   transfers_->show();
   start_->show();
   start_->Init();
-  if (!unread_.empty()) WarnOfUnread(start_.get());
+  if (!unread_.IsEmpty()) WarnOfUnread(start_.get());
   if (open.has_value()) PostMessage(*open);
 }
 
@@ -91,13 +91,13 @@ void TambleApp::PostMessage(const Message& message) {
 
 void TambleApp::OpenBrowser(const Message& message) {
   if (!SiteIn(message).has_value()) return;
-  if (!unread_.empty()) ReadSettings();
-  if (unread_.empty() || withDefaults_) return Open(message);
+  if (!unread_.IsEmpty()) ReadSettings();
+  if (unread_.IsEmpty() || withDefaults_) return Open(message);
   Alerts::Show(start_.get(),
                {.title = tr("Warning!"),
                 .text = tr("Your preferences could not be read: a proxy that you have set would be "
                            "bypassed. Connect all the same?"),
-                .detail = Shown(Text::Raw(unread_)),
+                .detail = Shown(unread_),
                 .buttons = {tr("Co&nnect"), tr("&Cancel")},
                 .preset = 1},
                [this, message](int button) {
@@ -134,10 +134,10 @@ void TambleApp::AboutRequested() {
 void TambleApp::ShowShortcuts() {
   if (shortcuts_.isNull()) {
     const ShortcutStore::List list = ShortcutStore::ReadForList();
-    if (!list.failure.empty()) {
+    if (!list.failure.IsEmpty()) {
       return Alerts::Show(start_.get(), {.title = tr("Warning!"),
                                          .text = tr("The shortcuts could not be read."),
-                                         .detail = Shown(Text::Raw(list.failure))});
+                                         .detail = Shown(list.failure)});
     }
     shortcuts_ = new ShortCutWindow(*this, list.shortcuts);
   }
@@ -146,17 +146,17 @@ void TambleApp::ShowShortcuts() {
 
 void TambleApp::ShowPreferences() {
   if (!preferences_.isNull()) return BringForward(preferences_);
-  if (!unread_.empty()) ReadSettings();
+  if (!unread_.IsEmpty()) ReadSettings();
   preferences_ = new PrefWindow;
   BringForward(preferences_);
-  if (!unread_.empty()) WarnOfUnread(preferences_);
+  if (!unread_.IsEmpty()) WarnOfUnread(preferences_);
 }
 
 void TambleApp::WarnOfUnread(QWidget* window) {
   Alerts::Show(window,
                {.title = tr("Warning!"),
                 .text = tr("Your preferences could not be read. What you see are the defaults."),
-                .detail = Shown(Text::Raw(unread_))});
+                .detail = Shown(unread_)});
 }
 
 void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener,

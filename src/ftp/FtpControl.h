@@ -79,8 +79,8 @@ class FtpControl {
 
   void Send(std::string_view command, std::string_view logged);
   void ReadUnread();
-  using Reading = std::optional<Reply> (ReplyReader::*)(
-      const std::function<void(std::string_view)>& onLine);
+  using Reading =
+      std::optional<Reply> (ReplyReader::*)(const std::function<void(std::string_view)>& onLine);
   /// The reply that `read` finds; nothing when the wait for it was interrupted.
   std::optional<Reply> TryRead(Reading read = &ReplyReader::Read);
   [[noreturn]] void Lose(Text why);

@@ -41,8 +41,7 @@ Outcome HandOver(std::string_view text, std::size_t maxEntries, ListingSink& sin
     const bool tooMany = more && batch.size() < kBatch;
     if (!batch.empty() && !sink.Add(std::move(batch))) return Outcome::Cancelled();
     if (tooMany) {
-      return NotComplete(
-          {Outcome::Kind::Refused, 0, Text("it has more than 10,000,000 entries.")});
+      return NotComplete({Outcome::Kind::Refused, 0, Text("it has more than 10,000,000 entries.")});
     }
   }
   if (parser.Known() == 0 && parser.Strange() > 0) {

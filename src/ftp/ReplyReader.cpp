@@ -49,8 +49,7 @@ std::optional<Reply> ReplyReader::Read(const std::function<void(std::string_view
   }
 }
 
-std::optional<Reply> ReplyReader::ReadUnasked(
-    const std::function<void(std::string_view)>& onLine) {
+std::optional<Reply> ReplyReader::ReadUnasked(const std::function<void(std::string_view)>& onLine) {
   while (begun_ || !line_.empty() || IsPending(0)) {
     const std::optional<std::string> line = ReadLine();
     if (!line) return std::nullopt;

@@ -4,8 +4,7 @@
 #include <future>
 
 #include "ftp/Session.h"
-#include "net/NLEndpoint.h"
-#include "net/NLException.h"
+#include "support/FullPort.h"
 #include "support/WaitFor.h"
 
 namespace corvane {
@@ -17,32 +16,13 @@ constexpr char kLine[] = "-rw-r--r-- 1 u g 1 Jan 1 10:00 f\r\n";
 // A port below the ones that anybody listens on here.
 constexpr char kDeadPort[] = "227 Entering Passive Mode (127,0,0,1,0,1)\r\n";
 
-/// A port where a connect hangs, for its queue is full, as a PASV reply.
-struct FullPort {
-  FullPort() {
-    listener.bind(NLAddress("127.0.0.1", 0));
-    listener.listen(0);
-    for (NLEndpoint& filler : fillers) {
-      filler.setNonBlock(true);
-      try {
-        filler.connect(listener.localAddress());
-      } catch (const NLException&) {
-        // Under way, or not: the queue is full in the end.
-      }
-    }
-  }
-  [[nodiscard]] std::string Reply() const {
-    in_addr host{};
-    std::uint16_t port = 0;
-    listener.localAddress().get(host, &port);
-    return "227 Full (127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) +
-           ")\r\n";
-  }
-
-  NLEndpoint listener{NLEndpoint::stream};
-  NLEndpoint fillers[4] = {NLEndpoint(NLEndpoint::stream), NLEndpoint(NLEndpoint::stream),
-                           NLEndpoint(NLEndpoint::stream), NLEndpoint(NLEndpoint::stream)};
-};
+// A PASV reply that names a port where a connect hangs.
+std::string Hanging(const FullPort& full) {
+  std::uint16_t port = 0;
+  full.Address().get(static_cast<char*>(nullptr), &port);
+  return "227 (127,0,0,1," + std::to_string(port / 256) + "," + std::to_string(port % 256) +
+         ")\r\n";
+}
 
 TEST(Passive, TakesSixNumbersWhereverTheyStand) {
   const std::pair<const char*, bool> cases[] = {
@@ -90,7 +70,7 @@ TEST(Listing, EndsWholeOrSaysWhatIsMissing) {
       {{.data = kLine, .completion = "226 Done\r\n226 Done\r\n"}, "f|", "Done"},
       {{.reply = "350 Go on\r\n"}, "", "Refused: The server refused the request.\n\nGo on"},
       {{.reply = "450 No\r\n"}, "", "Busy: Error in parameters\n\nNo"},
-      {{.completion = "451 Cut\r\n"}, "", "Refused: " + cut + "Error in parameters\n\nCut"},
+      {{.completion = "451 Cut\r\n"}, "", "Refused: " + cut + "Cut"},
       {{.data = kLine, .completion = "451 Cut\r\n"}, "f|", "Refused: " + cut},
       {{.data = kLine, .dataLimit = 4, .dataEnd = DataEnd::Reset}, "", "Busy: " + cut},
       {{.data = "What do you want?\n"}, "", unknown},
@@ -120,18 +100,23 @@ TEST(Listing, AsksForLessWhereOptionsAreRefused) {
     s.LogIn();
     EXPECT_TRUE(s.List().IsDone());
     EXPECT_TRUE(s.List().IsDone());
-    EXPECT_EQ(s.Sent(),
-              setUp + "|LIST -la|" + setUp + "|LIST|" + setUp + "|LIST");
+    EXPECT_EQ(s.Sent(), setUp + "|LIST -la|" + setUp + "|LIST|" + setUp + "|LIST");
   }
 }
 
-// Where one way brings no data connection the other one is tried once, and kept.
+// Where one way brings no data connection the other one is tried once, and kept. A file is fetched
+// twice; "told" is of the second time.
 TEST(DataChannel, FindsTheWayThatWorks) {
+  const FullPort full;
   const ScriptedAction no = {.reply = "500 No\r\n"};
   const ScriptedAction dead = {.reply = kDeadPort};
+  const ScriptedAction hangs = {.reply = Hanging(full)};
   const ScriptedAction none = {.reply = "425 No\r\n"};
   const ScriptedAction late = {.reply = "150 Wait\r\n425 No\r\n"};
   const ScriptedAction done = {.reply = "226 Done\r\n"};
+  const ScriptedAction never = {.reply = "553 No\r\n"};
+  const ScriptedAction stranger = {.strangerFirst = true};
+  const std::string refused = ": The server refused the request.\n\nNo";
   struct Row {
     bool passive;
     ScriptedAction pasv, port;
@@ -139,25 +124,37 @@ TEST(DataChannel, FindsTheWayThatWorks) {
     std::string told;
     const char* sent;
   };
-  const std::string refusal = "Busy: The server refused the request.\n\nNo";
   const Row rows[] = {
       {false, {}, no, {{}, {}}, "Done", "PORT|PASV|RETR f|PASV|RETR f"},
       {true, no, {}, {{}, {}}, "Done", "PASV|PORT|RETR f|PORT|RETR f"},
       {true, dead, {}, {none, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
+      {true, hangs, {}, {late, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
+      {true, hangs, {}, {done, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
       {false, {}, {}, {none, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
       {false, {}, {}, {late, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
       {false, {}, {}, {done, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
-      // Neither works: the one asked for stays, and what is said is what became of the last.
-      {true, no, no, {}, "Refused: The server refuses passive connections.\n\nNo", "PASV|PORT|PASV"},
-      {false, dead, {}, {none, none, none}, refusal, "PORT|RETR f|PASV|RETR f|PORT|RETR f"},
+      {false, {}, {}, {stranger, {}}, "Done", "PORT|RETR f|PORT|RETR f"},
+      // A refusal that is not about data connections.
+      {true, hangs, {}, {never, never}, "Refused" + refused, "PASV|RETR f|PASV|RETR f"},
+      // Neither works: the way that was asked for stays.
+      {true,
+       no,
+       no,
+       {},
+       "Refused: The server refuses passive connections.\n\nNo",
+       "PASV|PORT|PASV"},
+      {false,
+       dead,
+       {},
+       {none, none, none},
+       "Busy" + refused,
+       "PORT|RETR f|PASV|RETR f|PORT|RETR f"},
       {true,
        dead,
        {},
        {late, late, late},
        "Busy: Passive connection failed.\n\nNo",
        "PASV|RETR f|PORT|RETR f|PASV|RETR f"},
-      // A refusal that is not about data connections.
-      {true, {}, {}, {{.reply = "550 No\r\n"}, {}}, "Done", "PASV|RETR f|PASV|RETR f"},
   };
   for (const Row& row : rows) {
     Session s(row.passive);
@@ -167,39 +164,12 @@ TEST(DataChannel, FindsTheWayThatWorks) {
     for (std::size_t i = 0; i < row.retr.size(); ++i)
       s.server.On("RETR", row.retr[i], static_cast<int>(i) + 1);
     s.LogIn();
+    const auto begin = std::chrono::steady_clock::now();
     (void)s.Get("/f");
     EXPECT_EQ(Told(s.Get("/f")), row.told) << s.server.Dialogue();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 3s) << s.server.Dialogue();
     EXPECT_EQ(s.raw, row.told == "Done" ? "bytes" : "");
     EXPECT_EQ(s.Sent(), row.sent);
-    EXPECT_TRUE(s.IsInStep());
-  }
-}
-
-TEST(DataChannel, TakesNoStrangersConnection) {
-  Session s;
-  s.server.Tree().AddFile("/f", "bytes");
-  s.server.On("RETR", {.strangerFirst = true});
-  s.LogIn();
-  EXPECT_TRUE(s.Get("/f").IsDone());
-  EXPECT_EQ(s.raw, "bytes");
-}
-
-TEST(DataChannel, SeesARefusalWhileItWaits) {
-  const FullPort full;
-  const std::tuple<bool, const char*, std::string> cases[] = {
-      {true, "553 No\r\n", "Refused: The server refused the request.\n\nNo"},
-      {true, "150 Wait\r\n553 No\r\n", "Busy: Active connection failed.\n\nNo"},
-      {false, "150 Wait\r\n553 No\r\n", "Busy: Passive connection failed.\n\nNo"},
-      {false, "226 Nothing\r\n", "Busy: Passive connection failed.\n\nThe server does not answer"},
-  };
-  for (const auto& [passive, reply, told] : cases) {
-    Session s(passive);
-    s.server.On("PASV", {.reply = full.Reply()});
-    s.server.On("RETR", {.reply = reply});
-    s.LogIn();
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(Told(s.Get("/f")), told) << s.server.Dialogue();
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 3s);
     EXPECT_TRUE(s.IsInStep());
   }
 }
@@ -252,12 +222,13 @@ TEST(Transfer, GoesOnlyAsAgreed) {
 
 TEST(Transfer, WritesAndTakesTheVerdict) {
   const std::tuple<ScriptedAction, std::string> cases[] = {
-      {{}, "Done"},
+      {ScriptedAction{}, "Done"},
       {{.completion = "452 Full\r\n"}, "Refused: Error in parameters\n\nFull"},
       {{.reply = "553 No\r\n"}, "Refused: The server refused the request.\n\nNo"},
       {{.dataLimit = 4, .dataEnd = DataEnd::Reset, .completion = "452 Full\r\n"},
        "Refused: Error in parameters\n\nFull"},
-      {{.dataLimit = 4, .dataEnd = DataEnd::Reset, .control = ControlEnd::Reset}, "Lost: *"},
+      {{.dataLimit = 4, .dataEnd = DataEnd::Reset, .completion = "", .control = ControlEnd::Reset},
+       "Lost: "},
   };
   const std::string bytes(std::size_t{8} << 20, 'b');
   for (const bool passive : {false, true}) {
@@ -269,7 +240,7 @@ TEST(Transfer, WritesAndTakesTheVerdict) {
       Outcome outcome = s.engine.OpenForWriting("/f", file);
       if (outcome.IsDone()) outcome = file->Write(bytes);
       if (outcome.IsDone()) outcome = file->Finish();
-      EXPECT_TRUE(Told(outcome).starts_with(told.substr(0, told.find('*')))) << Told(outcome);
+      EXPECT_TRUE(Told(outcome).starts_with(told)) << Told(outcome);
       EXPECT_TRUE(told != "Done" || s.server.Tree().File("/f") == bytes);
       EXPECT_EQ(s.IsInStep(), !s.engine.IsLost());
     }
@@ -283,10 +254,9 @@ TEST(Interrupt, LeavesTheSessionInStep) {
       {false, "PORT", {.late = true}},
       {false, "RETR", {.dataEnd = DataEnd::Stall}},
       {true, "RETR", {.dataEnd = DataEnd::Stall}},
-      {false, "RETR", {.reply = "150 Wait\r\n"}},
       {true, "RETR", {.late = true}},
       {false, "REST", {.late = true}},
-      {true, "PASV", {.reply = full.Reply()}},
+      {true, "PASV", {.reply = Hanging(full)}},
   };
   for (const bool close : {false, true}) {
     for (auto [passive, verb, action] : cases) {
@@ -296,7 +266,7 @@ TEST(Interrupt, LeavesTheSessionInStep) {
       s.server.Tree().AddFile("/f", "bytes");
       s.server.On(verb, action, 1);
       if (std::string_view(verb) == "PASV")
-        s.server.On("RETR", {.reply = "150 Wait\r\n", .late = true}, 1);
+        s.server.On("RETR", {.reply = "150 Wait\r\n425 No\r\n", .late = true}, 1);
       s.LogIn();
       auto got = std::async(std::launch::async, [&] { return s.Get("/f", 2); });
       EXPECT_TRUE(WaitFor([&] { return arrived.load(); }));
@@ -306,7 +276,6 @@ TEST(Interrupt, LeavesTheSessionInStep) {
       EXPECT_EQ(got.get().kind, Outcome::Kind::Cancelled) << s.server.Dialogue();
       if (close) continue;
       s.engine.Resume();
-      if (std::string_view(s.Sent()).ends_with("150")) continue;
       EXPECT_EQ(Told(s.Get("/f")), "Done") << s.server.Dialogue();
       EXPECT_EQ(s.raw, "bytes") << s.server.Dialogue();
       EXPECT_TRUE(s.IsInStep()) << s.server.Dialogue();

@@ -42,8 +42,10 @@ TEST(Looper, HandlesInOrderRefusesWhatDoesNotFitAndIsFreedWhenItQuits) {
     std::uint32_t posted = 1;
     while (looper->PostMessage(Message(posted))) ++posted;
     EXPECT_EQ(posted, 1 + Looper::kQueueLength);
-    if (interrupted) looper->Interrupt();
-    if (interrupted) EXPECT_TRUE(looper->HasHandled(posted));
+    if (interrupted) {
+      looper->Interrupt();
+      EXPECT_TRUE(looper->HasHandled(posted));
+    }
     looper->Quit();  // drops the queue, and interrupts the handler
     EXPECT_FALSE(looper->PostMessage(Message(posted)));
     ASSERT_TRUE(Background::WaitForNone(5s));

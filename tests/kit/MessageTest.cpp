@@ -15,6 +15,7 @@ Message Sample() {
   message.AddRect("frame", {1, 2.5F, 300, -4});
   message.AddString("name", "one");
   message.AddString("name", std::string_view("two\0three", 9));
+  message.AddText("why", Text("%1: %2", "raw \xFF %2", Text("%1 more", 3)));
   message.AddData("raw", "BLOB"_what, "\xFF\x01");
   return message;
 }
@@ -30,6 +31,9 @@ TEST(Message, FindsEveryTypeAgainAfterFlattening) {
   EXPECT_EQ(read->FindDouble("ratio"), -0.5);
   EXPECT_EQ(read->FindRect("frame"), (Rect{1, 2.5F, 300, -4}));
   EXPECT_EQ(read->FindString("name", 1), std::string("two\0three", 9));
+  EXPECT_EQ(read->FindText("why")->English(), "raw \xFF %2: 3 more");
+  EXPECT_EQ(read->FindText("name"), Text::Raw("one"));
+  EXPECT_FALSE(read->FindString("why"));
   EXPECT_EQ(read->FindData("raw", "BLOB"_what), "\xFF\x01");
 }
 
@@ -43,6 +47,20 @@ TEST(Message, RefusesWrongNamesIndicesAndTypes) {
   EXPECT_EQ(message, Sample());
   message.AddData("liar", *message.TypeOf("number"), "12345");  // five bytes are no Int32
   EXPECT_FALSE(message.FindInt32("liar"));
+  message.AddData("no text", *message.TypeOf("why"), "s\1\1\1\1");
+  EXPECT_FALSE(message.FindText("no text"));
+}
+
+TEST(Text, OfManyLinesFitsInAMessage) {
+  std::vector<Text> lines;
+  std::string english;
+  for (int i = 0; i < 1'001; ++i) {
+    lines.push_back(i % 3 == 0 ? Text() : Text("%1 more", i));
+    if (i % 3 != 0) english += std::to_string(i) + " more\n";
+  }
+  const auto read = Text::Unflatten(Text::Lines(lines).Flatten());
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->English() + "\n", english);
 }
 
 // No cut is a message. Whatever single byte is damaged, what is still read is written alike.

@@ -12,6 +12,7 @@
 
 #include "net/NLException.h"
 #include "net/NLPacket.h"
+#include "support/FullPort.h"
 #include "support/WaitFor.h"
 
 namespace corvane {
@@ -52,13 +53,6 @@ struct NLEndpointTest : testing::Test {
   NLEndpointTest() {
     listener.bind(kLoopback);
     listener.listen(5);
-    full.bind(kLoopback);
-    full.listen(0);
-    for (int i = 0; i < 4; ++i) {
-      NLEndpoint filler(NLEndpoint::stream);
-      filler.setNonBlock(true);
-      Failure([&] { filler.connect(full.localAddress()); });
-    }
   }
   std::unique_ptr<NLEndpoint> Connect(NLEndpoint& from) {
     from.connect(listener.localAddress());
@@ -66,7 +60,7 @@ struct NLEndpointTest : testing::Test {
   }
 
   NLEndpoint listener{NLEndpoint::stream};
-  NLEndpoint full{NLEndpoint::stream};  // its queue is full: a connect waits
+  FullPort full;
   NLEndpoint client{NLEndpoint::stream};
   char byte = 0;
 };
@@ -137,7 +131,7 @@ TEST_F(NLEndpointTest, ClosingAndAbortingWakeEveryBlockedCall) {
       {"connect(): ::connect()",
        [this](NLEndpoint& each) {
          each.close();
-         each.connect(full.localAddress());
+         each.connect(full.Address());
        }},
   };
   for (const auto& [label, call] : cases) {
@@ -160,7 +154,7 @@ TEST_F(NLEndpointTest, ClosingAndAbortingWakeEveryBlockedCall) {
 TEST_F(NLEndpointTest, AbortRacesConnectAndIsForGood) {
   for (int i = 0; i < 200; ++i) {
     NLEndpoint endpoint(NLEndpoint::stream);
-    const Work connect = [&] { Failure([&] { endpoint.connect(full.localAddress()); }); };
+    const Work connect = [&] { Failure([&] { endpoint.connect(full.Address()); }); };
     const auto done = std::async(std::launch::async, connect);
     endpoint.abort();
     ASSERT_EQ(done.wait_for(5s), std::future_status::ready);

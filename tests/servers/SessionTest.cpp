@@ -37,6 +37,15 @@ class SessionTest : public testing::TestWithParam<std::tuple<std::string, bool>>
     server_ = std::make_unique<RealServer>(name, remote_.Path());
   }
 
+  [[nodiscard]] Site Where() const {
+    return {.host = "127.0.0.1",
+            .port = server_->port,
+            .user = server_->user,
+            .password = server_->password,
+            .path = "pub",
+            .passive = std::get<1>(GetParam())};
+  }
+
   TemporaryDirectory remote_;
   const fs::path pub_ = remote_.Path() / "pub";
   std::unique_ptr<RealServer> server_;
@@ -61,21 +70,16 @@ TEST_P(SessionTest, TransfersTreesBothWays) {
   fs::create_directory(back);
   const auto expected = TreeOf(local.Path() / "d");
   for (const std::string step : {"send", "fetch", "resume"}) {
-    auto row = std::make_shared<RecordingTransferUi>();
+    const auto row = std::make_shared<RecordingTransferUi>();
+    const auto session = std::make_shared<MFtp>(Where(), row);
     transferStruct what;
-    what.engine = std::make_shared<MFtp>("127.0.0.1", server_->port, server_->user,
-                                         server_->password, std::get<1>(GetParam()), row);
-    what.remoteDirectory = "pub";
     what.download = step != "send";
-    what.overwrite = step != "resume";
     what.targetFolder = back;
     if (step == "resume") fs::resize_file(back / "d" / "up" / "\xC3\xA4", 300'001);
-    fileStruct item;
-    item.name = "d";
-    item.type = kDirectory;
-    what.items = {item};
-    what.localItems = {local.Path() / "d"};
-    std::make_shared<FileTransfer>(row, what, false)->Run();
+    const std::string here = what.download ? back / "d" : local.Path() / "d";
+    what.jobs = {{"pub/d", here, RemoteEntry::Kind::Directory, -1,
+                  step == "resume" ? Policy::Resume : Policy::CreateNew}};
+    std::make_shared<FileTransfer>(row, what, session)->Run();
     ASSERT_TRUE(WaitFor([&] { return row->End().has_value(); }, std::chrono::seconds(30)));
     EXPECT_EQ(row->End(), TransferEnd::Finished) << step << row->Seen().why;
     EXPECT_TRUE(TreeOf(what.download ? back / "d" : pub_ / "d") == expected) << step;
@@ -87,8 +91,7 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   fs::create_symlink(kKorean, pub_ / "to file");
   const auto ui = std::make_shared<RecordingBrowserUi>();
   const auto looper =
-      std::make_shared<ControlLooper>("127.0.0.1", server_->port, server_->user, server_->password,
-                                      "pub", std::get<1>(GetParam()), ui);
+      std::make_shared<ControlLooper>(Where(), std::make_shared<MFtp>(Where(), ui), ui);
   ASSERT_TRUE(looper->Run());
   const auto post = [&](std::uint32_t what,
                         std::vector<std::pair<const char*, std::string>> fields) {
@@ -97,7 +100,7 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
     EXPECT_TRUE(looper->PostMessage(std::move(message)));
   };
   using Names = std::set<std::string>;
-  Names names{".", "..", "a b", "empty", kKorean, "old", "to file", "to tree"};
+  Names names{"a b", "empty", kKorean, "old", "to file", "to tree"};
   const auto shows = [&] {
     const bool shown = WaitFor([&] {
       const auto now = ui->Seen().Names();
@@ -114,7 +117,7 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   ASSERT_TRUE(shows());
   post("RNFL"_what, {{"path", path}, {"original", "a b"}, {"renameto", "x -> y"}});
   ASSERT_TRUE(WaitFor([&] { return fs::exists(pub_ / "x -> y"); }));
-  post("PCHN"_what, {{"cwd", "."}});
+  post("CRDR"_what, {{"path", path}});
   names.erase("a b");
   names.insert("x -> y");
   ASSERT_TRUE(shows());
@@ -122,7 +125,9 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   entries.AddString("path", path);
   for (const char* name : {"empty", "x -> y", "n \xC3\xB6", "old"}) {
     entries.AddString("name", name);
-    entries.AddInt32("type", *name == 'n' || *name == 'o' ? kDirectory : kFile);
+    const bool folder = *name == 'n' || *name == 'o';
+    entries.AddInt32(
+        "type", static_cast<int>(folder ? RemoteEntry::Kind::Directory : RemoteEntry::Kind::File));
     names.erase(name);
   }
   EXPECT_TRUE(looper->PostMessage(entries));
@@ -130,9 +135,9 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   EXPECT_FALSE(fs::exists(pub_ / "old"));
   post("VWFL"_what, {{"path", path}, {"file", kKorean}});
   EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerText == "utf-8\n"; }));
-  post("HSYM"_what, {{"sym", "to file"}});
-  post("HSYM"_what, {{"sym", "to tree"}});
-  names = {".", "..", "one"};
+  post("HSYM"_what, {{"path", path}, {"sym", "to file"}});
+  post("HSYM"_what, {{"path", path}, {"sym", "to tree"}});
+  names = {"one"};
   EXPECT_TRUE(shows());
   EXPECT_EQ(ui->Seen().Texts("DWLD"_what, "FileName"), std::vector<std::string>{"to file"});
   EXPECT_EQ(ui->Seen().Texts("GERR"_what, "warning"), std::vector<std::string>{});

@@ -135,7 +135,7 @@ void BrowserSession::ListingEnded(std::size_t count) {
 }
 
 // A warning or a loss may be the end of a listing that does not come whole.
-void BrowserSession::MessageReceived(const Message& message) {
+void BrowserSession::NoteEnd(const Message& message) {
   if (message.what == "DONE"_what) {
     const auto request = static_cast<std::uint32_t>(message.FindInt32("request").value_or(0));
     if (Lists(request)) asked_ = std::max(asked_ - 1, 0);
@@ -143,6 +143,10 @@ void BrowserSession::MessageReceived(const Message& message) {
   } else if (message.what == "GERR"_what || message.what == "LOST"_what) {
     arriving_ = false;
   }
+}
+
+void BrowserSession::MessageReceived(const Message& message) {
+  NoteEnd(message);
   Q_EMIT ReadyChanged();
   window_.MessageReceived(message);
 }

@@ -76,6 +76,8 @@ class BrowserSession : public QObject {
 
  private:
   void FailToStart(const QString& why);
+  /// Takes note of what the message says has ended.
+  void NoteEnd(const Message& message);
 
   BrowserEvents& window_;
   const Connection connection_;

@@ -1,7 +1,6 @@
 #include "app/browser/BrowserCommands.h"
 
 #include <QAction>
-#include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <algorithm>
@@ -9,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/browser/MWindow.h"
 #include "kit/Message.h"
 #include "remote/fileStruct.h"
 
@@ -23,67 +21,44 @@ constexpr auto kWindow = BrowserCommand::Target::Window;
 constexpr auto kServer = BrowserCommand::Target::Connection;
 constexpr auto kProgram = BrowserCommand::Target::Program;
 
-// The pop-up menu shows Ctrl+E at "Parent Dir", as it always has.
-constexpr auto kCommands = std::to_array<BrowserCommand>({
-    {"NWST"_what, kWindow, nullptr, Menu::File, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Add Shortcut"), "Ctrl+S", nullptr, When::Always, 41,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Add Shortcut"), "Ctrl+S", When::Always},
-    {"SHMN"_what, kProgram, nullptr, Menu::File, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&New Connection"), "Ctrl+N", nullptr, When::Always, 0,
-     nullptr, nullptr, When::Always},
-    {"_QRQ"_what, kWindow, nullptr, Menu::File, 0, QT_TRANSLATE_NOOP("corvane::MWindow", "&Close"),
-     "Ctrl+W", nullptr, When::Always, 0, nullptr, nullptr, When::Always},
-    {"COPY"_what, kWindow, nullptr, Menu::Edit, 0, QT_TRANSLATE_NOOP("corvane::MWindow", "&Copy"),
-     "Ctrl+C", nullptr, When::Copyable, 11, QT_TRANSLATE_NOOP("corvane::DirListView", "Copy URL"),
-     "Ctrl+C", When::Always},
-    {"SALL"_what, kWindow, nullptr, Menu::Edit, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "Select &All"), "Ctrl+A", nullptr, When::Focused, 0,
-     nullptr, nullptr, When::Always},
-    {"DWLD"_what, kWindow, nullptr, Menu::Commands, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Download File"), "Ctrl+D", nullptr, When::Selected, 31,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Download"), "Ctrl+D", When::Ready},
-    {"UPLD"_what, kWindow, nullptr, Menu::Commands, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Upload File"), "Ctrl+U", nullptr, When::Ready, 0,
-     nullptr, nullptr, When::Always},
-    {"DELE"_what, kWindow, nullptr, Menu::Commands, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "De&lete File"), "Ctrl+T", "Del", When::Selected, 33,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Delete"), "Ctrl+T", When::Ready},
-    {"RNFW"_what, kWindow, nullptr, Menu::Commands, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "R&ename File/Dir"), "Ctrl+E", "F2", When::Selected, 32,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Rename"), "Ctrl+E", When::Ready},
-    {"PCHN"_what, kServer, "..", Menu::Commands, 1,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Parent Dir"), "Ctrl+Up", nullptr, When::Ready, 21,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Parent Dir"), "Ctrl+E", When::Ready},
-    {"PCHN"_what, kWindow, nullptr, Menu::Commands, 1,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Change Dir"), "Ctrl+Down", nullptr, When::Place, 0,
-     nullptr, nullptr, When::Always},
-    {"MKDR"_what, kWindow, nullptr, Menu::Commands, 1,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "Create Di&r"), "Ctrl+M", nullptr, When::Ready, 34,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Create Dir"), "Ctrl+M", When::Ready},
-    {"PCHN"_what, kServer, ".", Menu::Commands, 1,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "Re&fresh Listing"), "Ctrl+.", nullptr, When::Ready, 22,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "Refresh Listing"), "Ctrl+.", When::Ready},
-    {"VWDR"_what, kWindow, nullptr, Menu::Commands, 1,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "View Dir Li&sting"), "Ctrl+F", nullptr, When::Ready, 0,
-     nullptr, nullptr, When::Always},
-    {"VWFL"_what, kWindow, nullptr, Menu::Commands, 2,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&View File"), "Ctrl+L", nullptr, When::NoFolder, 12,
-     QT_TRANSLATE_NOOP("corvane::DirListView", "View File"), "Ctrl+L", When::File},
-    {"SHLG"_what, kWindow, nullptr, Menu::Windows, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Log Window"), "Ctrl+K", nullptr, When::Always, 0,
-     nullptr, nullptr, When::Always},
-    {"SHLG"_what, kProgram, nullptr, Menu::Windows, 0,
-     QT_TRANSLATE_NOOP("corvane::MWindow", "&Transfer List"), "Ctrl+X", nullptr, When::Always, 0,
-     nullptr, nullptr, When::Always},
-});
-
 QString Shown(const char* key) {
   return QKeySequence(key).toString(QKeySequence::NativeText);
 }
 
 }  // namespace
 
+// Beside "Parent Dir" the pop-up menu shows a key that is not its own.
 std::span<const BrowserCommand> BrowserCommands::All() {
+  // clang-format off
+  static constexpr auto kCommands = std::to_array<BrowserCommand>({
+      {"NWST"_what, kWindow, Menu::File, 0, When::Always, "Ctrl+S", QT_TR_NOOP("&Add Shortcut"),
+       {41, "Ctrl+S", QT_TR_NOOP("Add Shortcut"), When::Always}},
+      {"SHMN"_what, kProgram, Menu::File, 0, When::Always, "Ctrl+N", QT_TR_NOOP("&New Connection")},
+      {"_QRQ"_what, kWindow, Menu::File, 0, When::Always, "Ctrl+W", QT_TR_NOOP("&Close")},
+      {"COPY"_what, kWindow, Menu::Edit, 0, When::Copyable, "Ctrl+C", QT_TR_NOOP("&Copy"),
+       {11, "Ctrl+C", QT_TR_NOOP("Copy URL"), When::Always}},
+      {"SALL"_what, kWindow, Menu::Edit, 0, When::Focused, "Ctrl+A", QT_TR_NOOP("Select &All")},
+      {"DWLD"_what, kWindow, Menu::Commands, 0, When::Selected, "Ctrl+D", QT_TR_NOOP("&Download File"),
+       {31, "Ctrl+D", QT_TR_NOOP("Download"), When::Ready}},
+      {"UPLD"_what, kWindow, Menu::Commands, 0, When::Ready, "Ctrl+U", QT_TR_NOOP("&Upload File")},
+      {"DELE"_what, kWindow, Menu::Commands, 0, When::Selected, "Ctrl+T; Delete", QT_TR_NOOP("De&lete File"),
+       {33, "Ctrl+T", QT_TR_NOOP("Delete"), When::Ready}},
+      {"RNFW"_what, kWindow, Menu::Commands, 0, When::Selected, "Ctrl+E; F2", QT_TR_NOOP("R&ename File/Dir"),
+       {32, "Ctrl+E", QT_TR_NOOP("Rename"), When::Ready}},
+      {"PCHN"_what, kServer, Menu::Commands, 1, When::Ready, "Ctrl+Up", QT_TR_NOOP("&Parent Dir"),
+       {21, "Ctrl+E", QT_TR_NOOP("Parent Dir"), When::Ready}, ".."},
+      {"PCHN"_what, kWindow, Menu::Commands, 1, When::Place, "Ctrl+Down", QT_TR_NOOP("&Change Dir")},
+      {"MKDR"_what, kWindow, Menu::Commands, 1, When::Ready, "Ctrl+M", QT_TR_NOOP("Create Di&r"),
+       {34, "Ctrl+M", QT_TR_NOOP("Create Dir"), When::Ready}},
+      {"PCHN"_what, kServer, Menu::Commands, 1, When::Ready, "Ctrl+.", QT_TR_NOOP("Re&fresh Listing"),
+       {22, "Ctrl+.", QT_TR_NOOP("Refresh Listing"), When::Ready}, "."},
+      {"VWDR"_what, kWindow, Menu::Commands, 1, When::Ready, "Ctrl+F", QT_TR_NOOP("View Dir Li&sting")},
+      {"VWFL"_what, kWindow, Menu::Commands, 2, When::NoFolder, "Ctrl+L", QT_TR_NOOP("&View File"),
+       {12, "Ctrl+L", QT_TR_NOOP("View File"), When::File}},
+      {"SHLG"_what, kWindow, Menu::Windows, 0, When::Always, "Ctrl+K", QT_TR_NOOP("&Log Window")},
+      {"SHLG"_what, kProgram, Menu::Windows, 0, When::Always, "Ctrl+X", QT_TR_NOOP("&Transfer List")},
+  });
+  // clang-format on
   return kCommands;
 }
 
@@ -105,14 +80,14 @@ bool BrowserCommands::IsEnabled(When when, const CommandState& state) {
 
 BrowserCommands::BrowserCommands(QMenuBar& bar, Run run,
                                  const std::function<void(QMenu&, int)>& windows) {
-  MakeMenu(bar, Menu::File, MWindow::tr("&File"), run);
-  MakeMenu(bar, Menu::Edit, MWindow::tr("&Edit"), run);
-  commands_ = MakeMenu(bar, Menu::Commands, MWindow::tr("&Commands"), run);
-  QMenu* menu = MakeMenu(bar, Menu::Windows, MWindow::tr("&Windows"), run);
+  MakeMenu(bar, Menu::File, tr("&File"), run);
+  MakeMenu(bar, Menu::Edit, tr("&Edit"), run);
+  commands_ = MakeMenu(bar, Menu::Commands, tr("&Commands"), run);
+  QMenu* menu = MakeMenu(bar, Menu::Windows, tr("&Windows"), run);
   // The key is shown here too but belongs to "New Connection": a key of two items works for none.
-  const auto* connection = std::ranges::find(kCommands, "SHMN"_what, &BrowserCommand::code);
-  menu->addAction(MWindow::tr("&Control Window") + '\t' + Shown(connection->key), this,
-                  [run = std::move(run), connection] { run(*connection); });
+  const auto connection = std::ranges::find(All(), "SHMN"_what, &BrowserCommand::code);
+  menu->addAction(tr("&Control Window") + '\t' + Shown(connection->keys), this,
+                  [run = std::move(run), &command = *connection] { run(command); });
   const auto fixed = static_cast<int>(menu->actions().size());
   connect(menu, &QMenu::aboutToShow, this, [menu, fixed, windows] { windows(*menu, fixed); });
 }
@@ -120,15 +95,12 @@ BrowserCommands::BrowserCommands(QMenuBar& bar, Run run,
 QMenu* BrowserCommands::MakeMenu(QMenuBar& bar, Menu which, const QString& title, const Run& run) {
   QMenu* menu = bar.addMenu(title);
   int group = 0;
-  for (const BrowserCommand& command : kCommands) {
+  for (const BrowserCommand& command : All()) {
     if (command.menu != which) continue;
     if (command.group != group) menu->addSeparator();
     group = command.group;
-    QAction* action = menu->addAction(MWindow::tr(command.text), QKeySequence(command.key), this,
-                                      [run, &command] { run(command); });
-    if (command.second != nullptr) {
-      action->setShortcuts({action->shortcut(), QKeySequence(command.second)});
-    }
+    QAction* action = menu->addAction(tr(command.text), this, [run, &command] { run(command); });
+    action->setShortcuts(QKeySequence::listFromString(command.keys));
     actions_[&command] = action;
   }
   connect(menu, &QMenu::aboutToShow, this, &BrowserCommands::MenusBeginning);
@@ -138,20 +110,19 @@ QMenu* BrowserCommands::MakeMenu(QMenuBar& bar, Menu which, const QString& title
 QMenu* BrowserCommands::MakePopUp(QWidget* parent, const CommandState& state, const Run& run) {
   constexpr int kPerGroup = 10;
   std::vector<const BrowserCommand*> items;
-  for (const BrowserCommand& command : kCommands) {
-    if (command.popUp != 0) items.push_back(&command);
+  for (const BrowserCommand& command : All()) {
+    if (command.popUp.place != 0) items.push_back(&command);
   }
-  std::ranges::sort(items, {}, &BrowserCommand::popUp);
+  std::ranges::sort(items, {}, [](const BrowserCommand* each) { return each->popUp.place; });
   auto* menu = new QMenu(parent);
   menu->setObjectName("PopUpMenu");
-  int group = items.front()->popUp / kPerGroup;
+  int group = items.front()->popUp.place / kPerGroup;
   for (const BrowserCommand* command : items) {
-    if (command->popUp / kPerGroup != group) menu->addSeparator();
-    group = command->popUp / kPerGroup;
-    QAction* action =
-        menu->addAction(QCoreApplication::translate("corvane::DirListView", command->popUpText) +
-                        '\t' + Shown(command->popUpKey));
-    action->setEnabled(IsEnabled(command->popUpWhen, state));
+    const BrowserCommand::PopUp& item = command->popUp;
+    if (item.place / kPerGroup != group) menu->addSeparator();
+    group = item.place / kPerGroup;
+    QAction* action = menu->addAction(tr(item.text) + '\t' + Shown(item.key));
+    action->setEnabled(IsEnabled(item.when, state));
     connect(action, &QAction::triggered, parent, [run, command] { run(*command); });
   }
   return menu;
@@ -159,10 +130,9 @@ QMenu* BrowserCommands::MakePopUp(QWidget* parent, const CommandState& state, co
 
 QString BrowserCommands::Keys() {
   QString lines;
-  for (const BrowserCommand& command : kCommands) {
-    QString keys = command.key;
-    if (command.second != nullptr) keys += QStringLiteral(", ") + command.second;
-    lines += keys + '\t' + QString(command.text).remove('&') + '\n';
+  for (const BrowserCommand& command : All()) {
+    lines +=
+        QString(command.keys).replace("; ", ", ") + '\t' + QString(command.text).remove('&') + '\n';
   }
   return lines;
 }

@@ -34,19 +34,23 @@ struct BrowserCommand {
     Focused,   ///< the listing or the path field has been used
   };
 
+  /// Its item in the pop-up menu of a row.
+  struct PopUp {
+    int place = 0;  ///< counted from 1, with the group in the tens; 0 where there is none
+    const char* key = nullptr;  ///< shown only
+    const char* text = nullptr;
+    When when = When::Always;
+  };
+
   std::uint32_t code;
   Target target;
-  const char* where;  ///< null unless the target is the connection
   Menu menu;
-  int group;           ///< a line stands between groups
-  const char* text;    ///< in the menu bar
-  const char* key;     ///< null for none
-  const char* second;  ///< a key beside it, which hands expect from elsewhere; null for none
+  int group;  ///< a line stands between groups
   When when;
-  int popUp;              ///< place in the pop-up menu, its group in the tens; 0 where it is not
-  const char* popUpText;  ///< and what stands there
-  const char* popUpKey;
-  When popUpWhen;
+  const char* keys;  ///< the one shown, and others that hands expect from elsewhere
+  const char* text;  ///< in the menu bar
+  PopUp popUp{};
+  const char* where = nullptr;  ///< what the connection enters, where that is the target
 };
 
 /// What decides which commands are enabled.
@@ -73,7 +77,7 @@ class BrowserCommands : public QObject {
   [[nodiscard]] static bool IsEnabled(BrowserCommand::When when, const CommandState& state);
   /// A new pop-up menu for `state`; the caller owns it.
   [[nodiscard]] static QMenu* MakePopUp(QWidget* parent, const CommandState& state, const Run& run);
-  /// The keys and what they do, a line for each command: "Ctrl+T, Del\tDelete File".
+  /// The keys and what they do, a line for each command: "Ctrl+T, Delete\tDelete File".
   [[nodiscard]] static QString Keys();
 
   void Update(const CommandState& state);

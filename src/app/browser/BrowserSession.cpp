@@ -110,12 +110,16 @@ void BrowserSession::ListingEnded(std::size_t count) {
   Q_EMIT ReadyChanged();
 }
 
-void BrowserSession::MessageReceived(const Message& message) {
+void BrowserSession::NoteEnd(const Message& message) {
   if (message.what == "DONE"_what) {
     const auto request = static_cast<std::uint32_t>(message.FindInt32("request").value_or(0));
     if (Lists(request)) asked_ = std::max(asked_ - 1, 0);
     if (request == "DELE"_what) deleting_ = std::max(deleting_ - 1, 0);
   }
+}
+
+void BrowserSession::MessageReceived(const Message& message) {
+  NoteEnd(message);
   Q_EMIT ReadyChanged();
   window_.MessageReceived(message);
 }

@@ -76,6 +76,8 @@ class BrowserSession : public QObject {
 
  private:
   void FailToStart();
+  /// Takes note of what the message says has ended.
+  void NoteEnd(const Message& message);
 
   BrowserEvents& window_;
   const Site site_;

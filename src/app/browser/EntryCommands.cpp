@@ -32,7 +32,7 @@ QString DeleteQuestion(int count, int directories, const QString& name) {
                      .arg(name)
                : MWindow::tr("Delete \"%1\" from the server?").arg(name);
   }
-  const QString text = MWindow::tr("Delete these %n entries from the server?", "", count);
+  QString text = MWindow::tr("Delete these %n entries from the server?", "", count);
   if (directories == 0) return text;
   return text + "\n\n" + MWindow::tr("Directories go with everything in them.");
 }

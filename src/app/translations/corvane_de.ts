@@ -519,6 +519,133 @@
     </message>
 </context>
 <context>
+    <name>corvane::BrowserCommands</name>
+    <message>
+        <source>&amp;Add Shortcut</source>
+        <translation>&amp;Verknüpfung hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add Shortcut</source>
+        <translation>Verknüpfung hinzufügen</translation>
+    </message>
+    <message>
+        <source>&amp;New Connection</source>
+        <translation>&amp;Neue Verbindung</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>&amp;Copy</source>
+        <translation>&amp;Kopieren</translation>
+    </message>
+    <message>
+        <source>Copy URL</source>
+        <translation>Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>Select &amp;All</source>
+        <translation>&amp;Alles auswählen</translation>
+    </message>
+    <message>
+        <source>&amp;Download File</source>
+        <translation>&amp;Herunterladen</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>Herunterladen</translation>
+    </message>
+    <message>
+        <source>&amp;Upload File</source>
+        <translation>Hoch&amp;laden</translation>
+    </message>
+    <message>
+        <source>De&amp;lete File</source>
+        <translation>Lös&amp;chen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>R&amp;ename File/Dir</source>
+        <translation>&amp;Umbenennen</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>&amp;Parent Dir</source>
+        <translation>Ü&amp;bergeordneter Ordner</translation>
+    </message>
+    <message>
+        <source>Parent Dir</source>
+        <translation>Übergeordneter Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Change Dir</source>
+        <translation>&amp;Ordner wechseln</translation>
+    </message>
+    <message>
+        <source>Create Di&amp;r</source>
+        <translation>O&amp;rdner erstellen</translation>
+    </message>
+    <message>
+        <source>Create Dir</source>
+        <translation>Ordner erstellen</translation>
+    </message>
+    <message>
+        <source>Re&amp;fresh Listing</source>
+        <translation>&amp;Auflistung aktualisieren</translation>
+    </message>
+    <message>
+        <source>Refresh Listing</source>
+        <translation>Auflistung aktualisieren</translation>
+    </message>
+    <message>
+        <source>View Dir Li&amp;sting</source>
+        <translation>Auflistung an&amp;zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;View File</source>
+        <translation>&amp;Datei anzeigen</translation>
+    </message>
+    <message>
+        <source>View File</source>
+        <translation>Datei anzeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Log Window</source>
+        <translation>&amp;Protokoll</translation>
+    </message>
+    <message>
+        <source>&amp;Transfer List</source>
+        <translation>Übertragungs&amp;liste</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Commands</source>
+        <translation>B&amp;efehle</translation>
+    </message>
+    <message>
+        <source>&amp;Windows</source>
+        <translation>&amp;Fenster</translation>
+    </message>
+    <message>
+        <source>&amp;Control Window</source>
+        <translation>&amp;Verbindungsfenster</translation>
+    </message>
+</context>
+<context>
     <name>corvane::ConnectionForm</name>
     <message>
         <source>Label</source>
@@ -627,42 +754,6 @@
     <message>
         <source>Group</source>
         <translation>Gruppe</translation>
-    </message>
-    <message>
-        <source>Copy URL</source>
-        <translation>Adresse kopieren</translation>
-    </message>
-    <message>
-        <source>View File</source>
-        <translation>Datei anzeigen</translation>
-    </message>
-    <message>
-        <source>Parent Dir</source>
-        <translation>Übergeordneter Ordner</translation>
-    </message>
-    <message>
-        <source>Refresh Listing</source>
-        <translation>Auflistung aktualisieren</translation>
-    </message>
-    <message>
-        <source>Download</source>
-        <translation>Herunterladen</translation>
-    </message>
-    <message>
-        <source>Rename</source>
-        <translation>Umbenennen</translation>
-    </message>
-    <message>
-        <source>Delete</source>
-        <translation>Löschen</translation>
-    </message>
-    <message>
-        <source>Create Dir</source>
-        <translation>Ordner erstellen</translation>
-    </message>
-    <message>
-        <source>Add Shortcut</source>
-        <translation>Verknüpfung hinzufügen</translation>
     </message>
     <message>
         <source>Perm: </source>
@@ -928,94 +1019,6 @@
     <message>
         <source>Status</source>
         <translation>Status</translation>
-    </message>
-    <message>
-        <source>&amp;File</source>
-        <translation>&amp;Datei</translation>
-    </message>
-    <message>
-        <source>&amp;Add Shortcut</source>
-        <translation>&amp;Verknüpfung hinzufügen</translation>
-    </message>
-    <message>
-        <source>&amp;New Connection</source>
-        <translation>&amp;Neue Verbindung</translation>
-    </message>
-    <message>
-        <source>&amp;Close</source>
-        <translation>&amp;Schließen</translation>
-    </message>
-    <message>
-        <source>&amp;Edit</source>
-        <translation>&amp;Bearbeiten</translation>
-    </message>
-    <message>
-        <source>&amp;Copy</source>
-        <translation>&amp;Kopieren</translation>
-    </message>
-    <message>
-        <source>Select &amp;All</source>
-        <translation>&amp;Alles auswählen</translation>
-    </message>
-    <message>
-        <source>&amp;Commands</source>
-        <translation>B&amp;efehle</translation>
-    </message>
-    <message>
-        <source>&amp;Download File</source>
-        <translation>&amp;Herunterladen</translation>
-    </message>
-    <message>
-        <source>&amp;Upload File</source>
-        <translation>Hoch&amp;laden</translation>
-    </message>
-    <message>
-        <source>De&amp;lete File</source>
-        <translation>Lös&amp;chen</translation>
-    </message>
-    <message>
-        <source>R&amp;ename File/Dir</source>
-        <translation>&amp;Umbenennen</translation>
-    </message>
-    <message>
-        <source>&amp;Parent Dir</source>
-        <translation>Ü&amp;bergeordneter Ordner</translation>
-    </message>
-    <message>
-        <source>&amp;Change Dir</source>
-        <translation>&amp;Ordner wechseln</translation>
-    </message>
-    <message>
-        <source>Create Di&amp;r</source>
-        <translation>O&amp;rdner erstellen</translation>
-    </message>
-    <message>
-        <source>Re&amp;fresh Listing</source>
-        <translation>&amp;Auflistung aktualisieren</translation>
-    </message>
-    <message>
-        <source>View Dir Li&amp;sting</source>
-        <translation>Auflistung an&amp;zeigen</translation>
-    </message>
-    <message>
-        <source>&amp;View File</source>
-        <translation>&amp;Datei anzeigen</translation>
-    </message>
-    <message>
-        <source>&amp;Windows</source>
-        <translation>&amp;Fenster</translation>
-    </message>
-    <message>
-        <source>&amp;Log Window</source>
-        <translation>&amp;Protokoll</translation>
-    </message>
-    <message>
-        <source>&amp;Transfer List</source>
-        <translation>Übertragungs&amp;liste</translation>
-    </message>
-    <message>
-        <source>&amp;Control Window</source>
-        <translation>&amp;Verbindungsfenster</translation>
     </message>
     <message>
         <source>These names cannot be names of local files and are left out:</source>

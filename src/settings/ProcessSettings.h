@@ -23,7 +23,7 @@ struct SettingsValues {
   bool defaultpass = false;   ///< never set
   bool notify = true;         ///< tell the desktop of transfers that end behind the user's back
   bool showwindow = true;     ///< show the transfer window when a transfer is queued
-  bool classicStyle = false;  ///< the described figures, texts and editing in place of today's
+  bool classicStyle = false;  ///< which Style is in force
 
   friend bool operator==(const SettingsValues&, const SettingsValues&) = default;
 };

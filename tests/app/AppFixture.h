@@ -95,10 +95,7 @@ class AppFixture : public testing::Test {
       return here_.back();
     };
     qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
-    Alerts::AnswerWith([this](const Alerts::Question& question) {
-      alerts_.push_back(question);
-      return button_;
-    });
+    AnswerAlerts();
     app_ = std::make_unique<TambleApp>(factory_);
     app_->ReadyToRun(With("OPNC"_what, "host", "server.test"));
     window_ = app_->WindowList().back();
@@ -111,6 +108,13 @@ class AppFixture : public testing::Test {
     Alerts::AnswerWith({});
   }
 
+  /// Records every alert from now on and presses `button_`.
+  void AnswerAlerts() {
+    Alerts::AnswerWith([this](const Alerts::Question& question) {
+      alerts_.push_back(question);
+      return button_;
+    });
+  }
   static void PutInFront(QWidget& window) {
     window.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));

@@ -156,7 +156,7 @@ TEST_P(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
 
 TEST_P(Start, PasswordKeysChangeTheHiddenText) {
   // Keys typed ("<" is Backspace, "D" Delete, "[" selects the last two stars, "^" goes to the
-  // beginning), and the hidden text and how many stars are shown: today's and of old.
+  // beginning), and the hidden text and how many stars are shown, in both styles.
   const std::tuple<const char*, const char*, int, const char*, int> cases[] = {
       {"abc", "abc", 3, "abc", 3},
       {"abc<", "ab", 2, "a", 2},

@@ -16,7 +16,7 @@ struct SettingsValues {
   std::string dwnldsnd = "none";
   std::int32_t buffersize = 8192;  ///< bytes with which a transfer's buffer starts
   bool useProxy = false;
-  std::string proxyAddress;
+  std::string proxyAddress{};
   std::string proxyPort = "21";  ///< decimal text
   bool useSameConnection = false;
   bool removeItem = false;    ///< take finished transfers off the list

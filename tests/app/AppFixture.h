@@ -30,7 +30,7 @@
 namespace corvane {
 
 /// "CODE field=value ..." of a message's strings, and its port.
-inline std::string Text(const Message& message) {
+inline std::string Described(const Message& message) {
   std::string text;
   for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(message.what >> shift);
   for (const std::string& name : message.Names()) {
@@ -54,7 +54,7 @@ class RecordingLooper : public Looper {
  protected:
   void MessageReceived(const Message& message) override {
     MutexLock hold(lock_);
-    asked_ += Text(message) + "\n";
+    asked_ += Described(message) + "\n";
   }
 
  private:

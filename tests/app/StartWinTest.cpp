@@ -240,7 +240,9 @@ TEST(CommandLine, IsReadAsAUrl) {
   };
   for (const auto& [arguments, result] : cases) {
     const CommandLine line = CommandLine::Read(arguments);
-    const std::string read = line.open.has_value() ? Text(*line.open) : line.usage ? "usage" : "";
+    const std::string read = line.open.has_value() ? Described(*line.open)
+                             : line.usage          ? "usage"
+                                                   : "";
     EXPECT_EQ(read, result) << testing::PrintToString(arguments);
   }
 }

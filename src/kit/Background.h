@@ -7,7 +7,7 @@
 namespace corvane {
 
 /// The threads that work behind the windows, counted so that the end of the process can wait for
-/// them, but not for ever.
+/// them, for a limited time.
 class Background {
  public:
   /// Runs `work` on a detached thread of its own, named `name` (15 bytes are kept). `work` owns all

@@ -16,7 +16,7 @@ namespace corvane {
 /// may let go of it at any time; the object is destroyed when its last message has ended.
 class Looper : public std::enable_shared_from_this<Looper> {
  public:
-  /// More messages than this do not wait; further ones are refused.
+  /// How many messages the queue holds; further ones are refused.
   static constexpr std::size_t kQueueLength = 100;
 
   explicit Looper(std::string name);

@@ -44,7 +44,7 @@ class Message {
   /// Raw bytes under a type code of the caller's.
   bool AddData(std::string_view name, std::uint32_t type, std::string_view bytes);
 
-  /// Each Find answers the value at `index`, or nothing when name, index or type do not match.
+  /// Each Find returns the value at `index`, or nothing when name, index or type do not match.
   [[nodiscard]] std::optional<bool> FindBool(std::string_view name, std::size_t index = 0) const;
   [[nodiscard]] std::optional<std::int16_t> FindInt16(std::string_view name,
                                                       std::size_t index = 0) const;

@@ -8,7 +8,7 @@
 
 namespace corvane {
 
-/// A std::mutex that the compiler can follow.
+/// A std::mutex whose use clang checks at compile time.
 class CAPABILITY("mutex") Mutex {
  public:
   void lock() ACQUIRE() { mutex_.lock(); }

@@ -11,8 +11,9 @@
 /// them. Sets may be shared by threads and by processes; every call may come from any thread. When
 /// a library "libprefs.so" is installed that has the whole interface, all calls go to it.
 ///
-/// Functions answer 0 or a negative status: one of the codes below, or a negated errno number. A
-/// file that another process keeps locked is waited for about a second, then answered by -EBUSY.
+/// Functions return 0 or a negative status: one of the codes below, or a negated errno number. A
+/// file that another process keeps locked is waited for about a second; then the call returns
+/// -EBUSY.
 namespace corvane {
 
 using PREFStatus = std::int32_t;
@@ -66,8 +67,8 @@ PREFStatus PREFDelete(PREFSet* set, const char* name);
 /// Lends the set's message itself; null when there is none.
 Message* PREFGetMessage(PREFSet* set);
 
-/// The listings answer one name a call, cut to `size` bytes with its NUL, and kPrefNotFound at the
-/// end. A cookie starts as null, and goes back to its dispose function.
+/// Each call of a listing returns one name, cut to `size` bytes with its NUL, and kPrefNotFound at
+/// the end. A cookie starts as null, and goes back to its dispose function.
 PREFStatus PREFListData(PREFSet* set, PREFDataCookie** cookie, char* name, std::int32_t size,
                         std::uint32_t* type);
 PREFStatus PREFDisposeDataCookie(PREFDataCookie* cookie);

@@ -13,7 +13,7 @@ namespace corvane {
 ///
 /// The file is 4 bytes of length, in the machine's byte order, and the flattened message. The lock
 /// is a flock on the very file that stands at the path; a save puts a new file, already locked, in
-/// its place. The calls answer errno numbers, 0 for success.
+/// its place. Calls return 0 or an errno number.
 class PrefFile {
  public:
   /// How much of a set the file holds.
@@ -24,7 +24,7 @@ class PrefFile {
     Message message = Message();
   };
 
-  /// Makes the file when it is missing. Waits about a second for the lock, then answers EBUSY;
+  /// Makes the file when it is missing. Waits about a second for the lock, then returns EBUSY;
   /// EINVAL where something stands that is no regular file.
   [[nodiscard]] int Lock(const std::string& path, bool perUser);
   [[nodiscard]] Reading Read() const;

@@ -41,7 +41,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-PREFStatus Answer(Listing& listing, char* name, std::int32_t size, std::uint32_t* type = nullptr) {
+PREFStatus GiveNext(Listing& listing, char* name, std::int32_t size,
+                    std::uint32_t* type = nullptr) {
   const Item* const item = listing.Next();
   if (item == nullptr) return kPrefNotFound;
   const std::size_t length = item->name.copy(name, static_cast<std::size_t>(size) - 1);
@@ -105,14 +106,14 @@ PREFStatus ListData(PREFSet* set, PREFDataCookie** cookie, char* name, std::int3
     }
     *cookie = new PREFDataCookie(std::move(items));
   }
-  return Answer(**cookie, name, size, type);
+  return GiveNext(**cookie, name, size, type);
 }
 
 PREFStatus ListApplications(bool perUser, PREFApplicationCookie** cookie, char* name,
                             std::int32_t size) {
   if (cookie == nullptr || name == nullptr || size <= 0) return -EINVAL;
   if (*cookie == nullptr) *cookie = new PREFApplicationCookie(Applications(BaseDirectory(perUser)));
-  return Answer(**cookie, name, size);
+  return GiveNext(**cookie, name, size);
 }
 
 PREFStatus ListSets(PREFApp* app, bool perUser, PREFSetCookie** cookie, char* name,
@@ -123,7 +124,7 @@ PREFStatus ListSets(PREFApp* app, bool perUser, PREFSetCookie** cookie, char* na
   if (*cookie == nullptr) {
     *cookie = new PREFSetCookie(Sets(SetDirectory(BaseDirectory(perUser), app->name, perUser)));
   }
-  return Answer(**cookie, name, size);
+  return GiveNext(**cookie, name, size);
 }
 
 PREFStatus DisposeDataCookie(PREFDataCookie* cookie) {

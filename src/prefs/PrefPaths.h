@@ -5,8 +5,8 @@
 
 namespace corvane {
 
-/// The directory that holds every application's, read from the environment each time; "" when the
-/// environment names none.
+/// The directory in which each application has one for its sets, read from the environment each
+/// time; "" when the environment names none.
 [[nodiscard]] std::string BaseDirectory(bool perUser);
 /// BASE/_LP_APP
 [[nodiscard]] std::string AppDirectory(const std::string& base, std::string_view app);

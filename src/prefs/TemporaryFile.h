@@ -24,7 +24,7 @@ class TemporaryFile {
   [[nodiscard]] int Fd() const { return fd_.get(); }
   [[nodiscard]] UniqueFd Release() { return std::move(fd_); }
 
-  /// Removes the temporary files of processes that are no more.
+  /// Removes the temporary files of processes that have ended.
   static void RemoveStale(const std::string& path, int folder);
 
  private:

@@ -16,14 +16,14 @@ struct SettingsValues {
   std::string dwnldsnd = "none";
   std::int32_t buffersize = 8192;  ///< bytes with which a transfer's buffer starts
   bool useProxy = false;
-  std::string proxyAddress;
+  std::string proxyAddress{};
   std::string proxyPort = "21";  ///< decimal text
   bool useSameConnection = false;
   bool removeItem = false;    ///< take finished transfers off the list
   bool defaultpass = false;   ///< never set
   bool notify = true;         ///< tell the desktop of transfers that end behind the user's back
   bool showwindow = true;     ///< show the transfer window when a transfer is queued
-  bool classicStyle = false;  ///< the described figures, texts and editing in place of today's
+  bool classicStyle = false;  ///< which Style is in force
 
   friend bool operator==(const SettingsValues&, const SettingsValues&) = default;
 };

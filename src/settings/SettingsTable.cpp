@@ -70,7 +70,7 @@ const std::array kSettings{
             .control = "ClassicStyle",
             .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "C&lassic style"),
             .hint = QT_TRANSLATE_NOOP("corvane::PrefWindow",
-                                      "Figures, texts and editing as they were of old.")},
+                                      "Figures, texts and editing of the classic windows.")},
     Setting{.key = "buffersize",
             .variable = &Values::buffersize,
             .tab = Misc,

@@ -5,7 +5,7 @@
 namespace corvane {
 namespace {
 
-// Decodes the character at the front of `bytes`; answers its length, or 0 where it is ill-formed.
+// Decodes the character at the front of `bytes`; returns its length, or 0 where it is ill-formed.
 std::size_t DecodeUtf8(std::string_view bytes, std::uint32_t& code) {
   const auto byte = [bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
   const unsigned char lead = byte(0);

@@ -69,7 +69,8 @@ int LocalFile::OpenNew() {
   if (!own_) return errno;
   created_ = true;
   if (const int error = LockEntry(folder_.get(), name_, own_.get()); error != 0) return error;
-  // Looked at after the lock was taken: a writer of the part file looks the other way round.
+  // A writer of the part file locks that one first and looks for this one then: of two that begin
+  // at the same time at least one sees the other.
   return PartFile::ClearStale(folder_.get(), name_);
 }
 

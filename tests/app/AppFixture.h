@@ -31,7 +31,7 @@
 namespace corvane {
 
 /// "CODE field=value ..." of a message's strings, and its port.
-inline std::string Text(const Message& message) {
+inline std::string Described(const Message& message) {
   std::string text;
   for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(message.what >> shift);
   for (const std::string& name : message.Names()) {
@@ -65,7 +65,7 @@ class RecordingLooper : public Looper {
   void MessageReceived(const Message& message) override {
     {
       MutexLock hold(lock_);
-      asked_ += Text(message) + "\n";
+      asked_ += Described(message) + "\n";
     }
     if (!busy) Finish(message.what);
   }
@@ -110,10 +110,7 @@ class AppFixture : public testing::Test {
       return here_.back();
     };
     qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
-    Alerts::AnswerWith([this](const Alerts::Question& question) {
-      alerts_.push_back(question);
-      return button_;
-    });
+    AnswerAlerts();
     app_ = std::make_unique<TambleApp>(factory_);
     app_->ReadyToRun(With("OPNC"_what, "host", "server.test"));
     window_ = app_->WindowList().back();
@@ -127,6 +124,13 @@ class AppFixture : public testing::Test {
     Alerts::AnswerWith({});
   }
 
+  /// Records every alert from now on and presses `button_`.
+  void AnswerAlerts() {
+    Alerts::AnswerWith([this](const Alerts::Question& question) {
+      alerts_.push_back(question);
+      return button_;
+    });
+  }
   static void PutInFront(QWidget& window) {
     window.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));

@@ -162,7 +162,7 @@ TEST_P(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
 
 TEST_P(Start, PasswordKeysChangeTheHiddenText) {
   // Keys typed ("<" is Backspace, "D" Delete, "[" selects the last two stars, "^" goes to the
-  // beginning), and the hidden text and how many stars are shown: today's and of old.
+  // beginning), and the hidden text and how many stars are shown, in both styles.
   const std::tuple<const char*, const char*, int, const char*, int> cases[] = {
       {"abc", "abc", 3, "abc", 3},
       {"abc<", "ab", 2, "a", 2},
@@ -246,7 +246,9 @@ TEST(CommandLine, IsReadAsAUrl) {
   };
   for (const auto& [arguments, result] : cases) {
     const CommandLine line = CommandLine::Read(arguments);
-    const std::string read = line.open.has_value() ? Text(*line.open) : line.usage ? "usage" : "";
+    const std::string read = line.open.has_value() ? Described(*line.open)
+                             : line.usage          ? "usage"
+                                                   : "";
     EXPECT_EQ(read, result) << testing::PrintToString(arguments);
   }
 }

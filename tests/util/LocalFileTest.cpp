@@ -64,7 +64,9 @@ TEST_F(LocalFileTest, WhatStandsThereStaysUntilTheNewOneIsWhole) {
   };
   const auto there = [this](const char* text, const std::string& when) {
     ASSERT_EQ(fs::exists(folder / "f"), text != nullptr) << when;
-    if (text != nullptr) EXPECT_EQ(Contents(folder / "f"), text) << when;
+    if (text != nullptr) {
+      EXPECT_EQ(Contents(folder / "f"), text) << when;
+    }
   };
   for (const Row& row : rows) {
     for (const bool commit : {true, false}) {
@@ -75,10 +77,16 @@ TEST_F(LocalFileTest, WhatStandsThereStaysUntilTheNewOneIsWhole) {
       if (row.opened == 0) {
         EXPECT_EQ(file.InitialSize(), row.before != nullptr ? 3 : 0) << what;
         ASSERT_EQ(file.Write(std::string_view(row.writes)), 0) << what;
-        if (row.afresh) ASSERT_EQ(file.StartAfresh(), 0) << what;
-        if (row.afresh) ASSERT_EQ(file.Write("new"sv), 0) << what;
+        if (row.afresh) {
+          ASSERT_EQ(file.StartAfresh(), 0) << what;
+        }
+        if (row.afresh) {
+          ASSERT_EQ(file.Write("new"sv), 0) << what;
+        }
         there(row.meanwhile, what + ", meanwhile");
-        if (commit) ASSERT_EQ(file.Commit(Durability::Now), 0) << what;
+        if (commit) {
+          ASSERT_EQ(file.Commit(Durability::Now), 0) << what;
+        }
         file.Discard();
       }
       there(commit ? row.committed : row.discarded, what);
@@ -112,7 +120,9 @@ TEST_F(LocalFileTest, OneWriterAtATime) {
       if (first != Mode::CreateNew) Write(folder / "f", "old");
       ASSERT_EQ(file.Open(top, "f", first), 0);
       ASSERT_EQ(file.Write("abc"sv), 0);
-      if (afresh) ASSERT_EQ(file.StartAfresh(), 0);
+      if (afresh) {
+        ASSERT_EQ(file.StartAfresh(), 0);
+      }
       LocalFile other;
       for (const Mode second : {Mode::Replace, Mode::Resume})
         EXPECT_EQ(other.Open(top, "f", second), EWOULDBLOCK);

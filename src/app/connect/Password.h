@@ -44,7 +44,7 @@ class Password : public QLineEdit {
 
   std::string hidden_;
   qsizetype stars_ = 0;         // shown after the last change
-  bool changingStars_ = false;  // the hidden text has been seen to
+  bool changingStars_ = false;  // together with the hidden text
 };
 
 }  // namespace corvane

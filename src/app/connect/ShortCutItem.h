@@ -12,7 +12,7 @@ class ShortCutItem : public QTreeWidgetItem {
  public:
   explicit ShortCutItem(Shortcut shortcut);
 
-  /// Tells the row from every other that there was.
+  /// Identifies the row. A row that was made later has a higher number.
   [[nodiscard]] int Id() const { return id_; }
   [[nodiscard]] const Shortcut& Record() const { return record_; }
   void SetRecord(Shortcut shortcut);

@@ -226,9 +226,11 @@ void ShortCutWindow::Save(std::function<void()> then) {
 // Sorting is for the eye: the menu keeps the order in which the shortcuts were made.
 bool ShortCutWindow::Store() {
   std::vector<const ShortCutItem*> rows;
+  rows.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
   for (int row = 0; row < list_->topLevelItemCount(); ++row) rows.push_back(Row(row));
   std::ranges::sort(rows, {}, &ShortCutItem::Id);
   std::vector<Shortcut> shortcuts;
+  shortcuts.reserve(rows.size());
   for (const ShortCutItem* row : rows) shortcuts.push_back(row->Record());
   const Text failure = ShortcutStore::SaveAll(shortcuts);
   if (!failure.IsEmpty()) {
@@ -256,8 +258,8 @@ void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
                [this](int button) {
                  asking_ = false;
                  auto next = std::exchange(then_, {});
-                 if (button == kSave) Save(std::move(next));
-                 if (button != 0) return;
+                 if (button == kSave) return Save(std::move(next));
+                 if (button == Alerts::kDismissed) return;
                  SetChanged(false);
                  next();
                });

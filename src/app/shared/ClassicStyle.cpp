@@ -1,13 +1,10 @@
 #include "app/shared/ClassicStyle.h"
 
-#include <algorithm>
-
 namespace corvane {
 namespace {
 
-void PopBytes(HiddenText& text, qsizetype count) {
-  const auto gone = std::min(static_cast<std::size_t>(count), text.bytes.size());
-  text.bytes.resize(text.bytes.size() - gone);
+void PopChars(HiddenText& text, qsizetype count) {
+  for (; count > 0; --count) text.PopChar();
 }
 
 void EraseStars(HiddenText& text, qsizetype first, qsizetype count) {
@@ -21,11 +18,11 @@ void EraseStars(HiddenText& text, qsizetype first, qsizetype count) {
 // A byte goes for each selected star.
 void ClassicStyle::Type(HiddenText& text, const QString& typed) const {
   if (text.selected > 0) {
-    PopBytes(text, text.selected);
+    PopChars(text, text.selected);
     EraseStars(text, text.selection, text.selected);
   }
   const std::string bytes = typed.toStdString();
-  text.bytes += bytes;
+  text.PushChar(bytes);
   const qsizetype stars = CharactersIn(bytes);
   text.stars += stars;
   text.cursor += stars;
@@ -35,7 +32,7 @@ void ClassicStyle::Type(HiddenText& text, const QString& typed) const {
 // two bytes where nothing is selected.
 void ClassicStyle::Backspace(HiddenText& text) const {
   if (text.selected == 0 && text.cursor == 0) return;
-  PopBytes(text, text.selected + 2);
+  PopChars(text, text.selected + 2);
   if (text.selected > 0) {
     EraseStars(text, text.selection, text.selected);
   } else {
@@ -46,7 +43,7 @@ void ClassicStyle::Backspace(HiddenText& text) const {
 void ClassicStyle::Delete(HiddenText& /*text*/) const {}
 
 void ClassicStyle::Lose(HiddenText& text, qsizetype stars) const {
-  PopBytes(text, stars);
+  PopChars(text, stars);
 }
 
 }  // namespace corvane

@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// The ways of old: a password is changed at its end, byte by byte, whatever the stars say.
+/// A password is edited at its end, byte by byte, wherever the cursor stands among the stars.
 class ClassicStyle : public Style {
  public:
   void Type(HiddenText& text, const QString& typed) const override;

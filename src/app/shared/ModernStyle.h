@@ -4,7 +4,7 @@
 
 namespace corvane {
 
-/// Today's ways: the usual keys of a text field.
+/// The default: a password is edited like any other text, character by character.
 class ModernStyle : public Style {
  public:
   void Type(HiddenText& text, const QString& typed) const override;

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <string>
+#include <string_view>
 
 namespace corvane {
 
@@ -12,11 +13,17 @@ struct HiddenText {
   qsizetype cursor = 0;      ///< before the star of that number
   qsizetype selected = 0;    ///< how many stars are selected
   qsizetype selection = -1;  ///< the first of them; -1 where there is none
+
+  /// Appends what one key has written.
+  void PushChar(std::string_view key) { bytes += key; }
+  /// Takes the last byte off, if there is one.
+  void PopChar() {
+    if (!bytes.empty()) bytes.pop_back();
+  }
 };
 
-/// Everything in which the two styles of the program differ: today's ways, and those of old, which
-/// the preference "Classic style" brings back. Windows ask it and look at no preference
-/// themselves. Without state. GUI thread.
+/// Everything in which the two styles of the program differ. The preference "Classic style" chooses
+/// one; windows ask it and never look at that preference themselves. Without state. GUI thread.
 class Style {
  public:
   virtual ~Style() = default;

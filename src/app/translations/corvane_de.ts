@@ -1345,8 +1345,8 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Klass&amp;ischer Stil</translation>
     </message>
     <message>
-        <source>Figures, texts and editing as they were of old.</source>
-        <translation>Zahlen, Texte und Eingabe wie in alter Zeit.</translation>
+        <source>Figures, texts and editing of the classic windows.</source>
+        <translation>Zahlen, Texte und Eingabe der klassischen Fenster.</translation>
     </message>
 </context>
 <context>

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <mutex>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -59,8 +60,11 @@ void Print(const RemoteEntry& entry) {
   std::puts((line + "}").c_str());
 }
 
+// The text's own line ends stay; all else that is hostile becomes visible.
 void Complain(const Text& text) {
-  std::fprintf(stderr, "%s\n", DisplayText(text.English()).c_str());
+  std::istringstream lines(text.English());
+  for (std::string line; std::getline(lines, line);)
+    std::fprintf(stderr, "%s\n", DisplayText(line).c_str());
 }
 
 class Printer final : public ListingSink {

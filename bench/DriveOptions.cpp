@@ -64,13 +64,13 @@ const std::map<std::string, Option>& WithValue() {
 const std::map<std::string, Option>& WithoutValue() {
   static const std::map<std::string, Option> options = {
       {"--active",
-       [](Options& options, const std::string&) {
-         options.site.passive = false;
+       [](Options& asked, const std::string&) {
+         asked.site.passive = false;
          return "";
        }},
       {"--json",
-       [](Options& options, const std::string&) {
-         options.json = true;
+       [](Options& asked, const std::string&) {
+         asked.json = true;
          return "";
        }},
       {"--trust-any", [](Options&, const std::string&) { return "there are no certificates"; }},

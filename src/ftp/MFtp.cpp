@@ -1,5 +1,6 @@
 #include "ftp/MFtp.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -16,6 +17,25 @@ std::string Resolved(const std::string& path) {
   if (name != "..") return WithoutTrailingSlash(path);
   return directory == "/" ? directory : SplitPath(directory).first;
 }
+
+// Looks for a name in a listing.
+class NameSeeker final : public ListingSink {
+ public:
+  explicit NameSeeker(const std::string& name) : name_(name) {}
+
+  void Raw(std::string_view /*text*/) override {}
+  bool Add(std::vector<RemoteEntry> entries) override {
+    found_ = found_ || std::ranges::any_of(entries, [this](const RemoteEntry& entry) {
+               return entry.name == name_;
+             });
+    return true;
+  }
+  [[nodiscard]] bool Found() const { return found_; }
+
+ private:
+  const std::string& name_;
+  bool found_ = false;
+};
 
 }  // namespace
 
@@ -131,6 +151,23 @@ Outcome MFtp::Size(const std::string& path, std::optional<std::int64_t>& size) {
     if (value >= 0) size = value;
     return outcome;
   });
+}
+
+// Most servers tell by the size; the others by their listing.
+Outcome MFtp::Exists(const std::string& path, bool& exists) {
+  constexpr int kUnavailable = 550;
+  std::optional<std::int64_t> size;
+  Outcome outcome = Size(path, size);
+  exists = size.has_value();
+  if (outcome.IsDone() || outcome.kind == Outcome::Kind::Lost ||
+      outcome.kind == Outcome::Kind::Cancelled)
+    return outcome;
+  if (outcome.code == kUnavailable) return {};
+  const auto [directory, name] = SplitPath(path);
+  NameSeeker seeker(name);
+  outcome = List(directory, seeker);
+  exists = seeker.Found();
+  return outcome;
 }
 
 Outcome MFtp::MakeDirectory(const std::string& path) {

@@ -44,6 +44,7 @@ class MFtp final : public RemoteSession {
   Outcome Enter(const std::string& path, std::string& where) override;
   Outcome List(const std::string& path, ListingSink& sink) override;
   Outcome Size(const std::string& path, std::optional<std::int64_t>& size) override;
+  Outcome Exists(const std::string& path, bool& exists) override;
   Outcome MakeDirectory(const std::string& path) override;
   Outcome RemoveDirectory(const std::string& path) override;
   Outcome RemoveFile(const std::string& path) override;

@@ -74,6 +74,9 @@ class RemoteSession {
   /// The size of a file in bytes; nothing when the server does not tell, as for directories.
   virtual Outcome Size(const std::string& path, std::optional<std::int64_t>& size) = 0;
 
+  /// Whether anything stands at a path. Done when the server could tell.
+  virtual Outcome Exists(const std::string& path, bool& exists) = 0;
+
   virtual Outcome MakeDirectory(const std::string& path) = 0;
   virtual Outcome RemoveDirectory(const std::string& path) = 0;
   virtual Outcome RemoveFile(const std::string& path) = 0;

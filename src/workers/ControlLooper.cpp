@@ -98,20 +98,20 @@ bool ControlLooper::Begin() {
 // Enters the site's path, if there is one. Where it names a file, enters the file's directory and
 // returns its name.
 std::string ControlLooper::EnterStartPath() {
-  constexpr int kUnavailable = 550;
   if (site_.path.empty()) return {};
   const std::string path = PathFrom(session_->Directory(), site_.path);
   std::string where;
   const Outcome entered = session_->Enter(path, where);
   if (entered.IsDone()) return {};
-  if (entered.code != kUnavailable) {
+  if (entered.kind != Outcome::Kind::Refused) {
     TellOutcome(*window_, *session_, entered);
     return {};
   }
   const auto [directory, name] = SplitPath(path);
   std::optional<std::int64_t> size;
   if (!session_->Size(path, size).IsDone() || !size) {
-    Warn(*window_, Text("The server has no directory or file %1.", site_.path));
+    Warn(*window_, Text::WithReason(Text("The server has no directory or file %1.", site_.path),
+                                    entered.text.Reason()));
     return {};
   }
   const Outcome above = session_->Enter(directory, where);

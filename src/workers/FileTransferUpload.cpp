@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <filesystem>
-#include <optional>
 #include <vector>
 
 #include "remote/RemotePath.h"
@@ -106,13 +105,13 @@ Outcome FileTransfer::UploadFile(const Entry& entry) {
                           Text("Could not read %1: %2", entry.job.local, ErrorText(error))));
   }
   if (entry.job.policy == Policy::CreateNew || entry.job.policy == Policy::Skip) {
-    std::optional<std::int64_t> size;
-    const Outcome asked = session_->Size(entry.job.remote, size);
-    if (asked.kind == Outcome::Kind::Lost) return End(entry, asked);
-    if (size && entry.job.policy == Policy::Skip) {
+    bool exists = false;
+    const Outcome asked = session_->Exists(entry.job.remote, exists);
+    if (!asked.IsDone()) return End(entry, asked);
+    if (exists && entry.job.policy == Policy::Skip) {
       return End(entry, {Outcome::Kind::Done, 0, Text("Left alone, for it is there already.")});
     }
-    if (size) {
+    if (exists) {
       return End(entry, {Outcome::Kind::Refused, 0,
                          Text("\"%1\" exists already.", SplitPath(entry.job.remote).second)});
     }

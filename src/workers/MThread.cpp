@@ -9,10 +9,7 @@ namespace corvane {
 MThread::MThread(std::string name) : name_(std::move(name)) {}
 
 bool MThread::Run() {
-  return Background::Start(name_, [self = shared_from_this()] {
-    self->Execute();
-    self->LastCall();
-  });
+  return Background::Start(name_, [self = shared_from_this()] { self->Execute(); });
 }
 
 void MThread::Cancel() {

@@ -25,14 +25,12 @@ class MThread : public std::enable_shared_from_this<MThread> {
   virtual void Cancel();
   /// Any thread: whether Cancel was called.
   [[nodiscard]] bool Cancelled() const { return cancelled_.load(); }
-  /// The same for those who look often; lives as long as the object.
+  /// What Cancelled() returns, for those who look often; lives as long as the object.
   [[nodiscard]] const std::atomic<bool>& CancelFlag() const { return cancelled_; }
 
  protected:
   /// The work, on its own thread.
   virtual std::int32_t Execute() = 0;
-  /// After Execute, on the same thread.
-  virtual void LastCall() {}
 
  private:
   const std::string name_;

@@ -11,7 +11,7 @@ namespace {
 class Settings : public ConfigTest {
  protected:
   static std::string Read() {
-    return StoredSettings::ReadAtStart([] { return true; });
+    return StoredSettings::ReadAtStart([] { return true; }).English();
   }
 };
 
@@ -35,7 +35,7 @@ TEST_F(Settings, WhatIsMissingOrOfAnotherTypeReadsAsItsDefault) {
   EXPECT_TRUE(values.useProxy);
 
   values.DwnldDir = "";  // asked for each download from now on, and after the next start
-  EXPECT_EQ(StoredSettings::Apply(values), "");
+  EXPECT_TRUE(StoredSettings::Apply(values).IsEmpty());
   EXPECT_EQ(ProcessSettings::Get().DwnldDir, "empty");
   EXPECT_EQ(StoredSettings::ForEditing().DwnldDir, "");
   Read();
@@ -55,7 +55,7 @@ TEST_F(Settings, EveryRowIsStoredAndReadAgain) {
       entered.buffersize = 131072;
   }
   Read();
-  EXPECT_EQ(StoredSettings::Apply(entered), "");
+  EXPECT_TRUE(StoredSettings::Apply(entered).IsEmpty());
   EXPECT_TRUE(ProcessSettings::Get().showwindow) << "in force from the next start on";
   EXPECT_EQ(StoredSettings::ForEditing(), entered);
   Read();
@@ -69,8 +69,9 @@ TEST_F(Settings, EveryRowIsStoredAndReadAgain) {
                       "upldsnd", "dwnldsnd", "useproxy", "ftpproxyaddress", "ftpproxyport"}));
 
   // What stands for an emptied field, in force and on the disk.
-  EXPECT_EQ(StoredSettings::Apply({.DwnldDir = "", .DfltPass = "", .upldsnd = "", .proxyPort = ""}),
-            "");
+  EXPECT_TRUE(
+      StoredSettings::Apply({.DwnldDir = "", .DfltPass = "", .upldsnd = "", .proxyPort = ""})
+          .IsEmpty());
   const SettingsValues now = ProcessSettings::Get();
   EXPECT_EQ(now.DwnldDir + "|" + now.DfltPass + "|" + now.upldsnd + "|" + now.proxyPort,
             "empty|guest@a.b|none|");
@@ -91,8 +92,8 @@ TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {
     EXPECT_NE(Read(), "");
     EXPECT_EQ(ProcessSettings::Get().buffersize, 8192);
     StoredSettings::SaveFrame(kMainFrame, {1, 2, 3, 4});
-    EXPECT_NE(StoredSettings::Apply(ProcessSettings::Get()), "");
-    EXPECT_NE(PreferenceSet("settings").Finish(), "");
+    EXPECT_FALSE(StoredSettings::Apply(ProcessSettings::Get()).IsEmpty());
+    EXPECT_FALSE(PreferenceSet("settings").Finish().IsEmpty());
     EXPECT_EQ(Contents(File("settings")), broken);
   }
 }

@@ -43,7 +43,7 @@ TEST_F(Shortcuts, OfTheOlderFormAreConvertedOnceWhateverIsKilled) {
   Put("settings", "version", 900);
   // Killed before the settings say that it has been done.
   EXPECT_EQ(ShortcutStore::ConvertShortcuts(), 1);
-  for (int start = 0; start < 2; ++start) EXPECT_EQ(ReadAtStart(), "");
+  for (int start = 0; start < 2; ++start) EXPECT_TRUE(ReadAtStart().IsEmpty());
   EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 1100);
   EXPECT_EQ(Entry("0"), "Afiles*ftp://u:p@h:21/");
   EXPECT_EQ(Labels(ShortcutStore::ReadForList()), "files more ");
@@ -64,11 +64,11 @@ TEST_F(Shortcuts, ASavedListLeavesWhatLiesBeyondItsEnd) {
   const std::string old = ShortcutStore::StoredForm(Named("old"));
   Fill(std::vector(5, old.c_str()));
   EXPECT_EQ(ShortcutStore::CountOutOfReach(), 0);
-  EXPECT_EQ(ShortcutStore::SaveAll({Named("x"), Named("y"), Named("z")}), "");
+  EXPECT_TRUE(ShortcutStore::SaveAll({Named("x"), Named("y"), Named("z")}).IsEmpty());
   EXPECT_EQ(Last(), 2);
   EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "x y z ");
   EXPECT_EQ(Entry("4"), "Aold*ftp://u:p@h:21/");
-  EXPECT_EQ(ShortcutStore::SaveAll({}), "");
+  EXPECT_TRUE(ShortcutStore::SaveAll({}).IsEmpty());
   EXPECT_EQ(Labels(ShortcutStore::ReadForMenu()), "x ");
   EXPECT_EQ(Entry("1"), "-");
 }
@@ -91,7 +91,7 @@ TEST_F(Shortcuts, ADamagedListIsReadToItsFirstGapAndLosesNothing) {
   EXPECT_EQ(Entry("2000000001"), "no connection");
   Put("shortcuts", "howmany", 0x7FFFFFFF);
   Put("shortcuts", "5", "no connection");
-  EXPECT_NE(ShortcutStore::Add(Named("none")).failure, "");
+  EXPECT_FALSE(ShortcutStore::Add(Named("none")).failure.IsEmpty());
 }
 
 // A port of the user's own making does not end the list.
@@ -132,10 +132,10 @@ TEST_F(Shortcuts, AFileThatIsLockedIsNotTakenForAnEmptyOne) {
   ASSERT_EQ(::flock(holder.get(), LOCK_EX), 0);
   for (const auto& list : {ShortcutStore::ReadForMenu(), ShortcutStore::ReadForList()}) {
     EXPECT_TRUE(list.shortcuts.empty());
-    EXPECT_NE(list.failure, "");
+    EXPECT_FALSE(list.failure.IsEmpty());
   }
   Put("settings", "version", 900);
-  EXPECT_EQ(ReadAtStart(), "");
+  EXPECT_TRUE(ReadAtStart().IsEmpty());
   EXPECT_EQ(GetInt32(PreferenceSet("settings"), "version", 0), 900);
   EXPECT_EQ(Contents(File("shortcuts")), before);
 }

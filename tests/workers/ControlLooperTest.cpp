@@ -93,16 +93,33 @@ TEST(ControlLooper, EntersFollowsAndRefreshes) {
 }
 
 TEST(ControlLooper, StartsAtAPath) {
-  const std::tuple<std::string, std::string, std::string> cases[] = {
-      {"/pub", "/pub", "a b"}, {"/pub/a b", "/pub", "a b"}, {"/none/x", "/", "pub"}};
-  for (const auto& [path, directory, row] : cases) {
+  struct Case {
+    const char* path;
+    const char* directory;
+    std::vector<std::string> rows;
+    const char* fetched;  ///< the file that the path names
+  };
+  const Case cases[] = {
+      {"/pub", "/pub", {"a b"}, ""},        {"pub", "/pub", {"a b"}, ""},
+      {"/pub/a b", "/pub", {"a b"}, "a b"}, {"pub/a b", "/pub", {"a b"}, "a b"},
+      {"top", "/", {"pub", "top"}, "top"},  {"/none/x", "/", {"pub", "top"}, ""},
+  };
+  for (const Case& c : cases) {
     Window w;
     w.server.Tree().AddFile("/pub/a b", "1");
-    w.Connect(path);
-    EXPECT_TRUE(w.Shows(directory, {row})) << path;
-    EXPECT_TRUE(path != "/pub/a b" || w.Downloads("a b"));
-    EXPECT_TRUE(w.Warned(path == "/none/x" ? 1 : 0)) << path;
+    w.server.Tree().AddFile("/top", "1");
+    w.Connect(c.path);
+    EXPECT_TRUE(w.Shows(c.directory, c.rows)) << c.path << w.server.Dialogue();
+    EXPECT_TRUE(*c.fetched == '\0' || w.Downloads(c.fetched)) << c.path;
+    EXPECT_TRUE(w.Warned(std::string_view(c.path) == "/none/x" ? 1 : 0)) << c.path;
   }
+  // A file in a directory that cannot be entered is not fetched.
+  Window w;
+  w.server.Tree().AddFile("/pub/a", "1");
+  w.server.On("CWD", {.reply = "550 Shut.\r\n"});
+  w.Connect("/pub/a");
+  EXPECT_TRUE(w.Shows("/", {"pub"}) && w.Warned(1));
+  EXPECT_TRUE(w.browser->Seen().Texts("DWLD"_what, "FileName").empty());
 }
 
 TEST(ControlLooper, AsksAWindowsServerForUnixListings) {

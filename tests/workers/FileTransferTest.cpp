@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <csignal>
+#include <new>
+#include <optional>
 
 #include "workers/TransferJob.h"
 
@@ -189,6 +191,47 @@ TEST(FileTransfer, StopsWhenTheDiskIsFull) {
     EXPECT_EQ(end, TransferEnd::Failed);
     EXPECT_EQ(job.Notes(), "big: Could not write the file: File too large\n");
     EXPECT_TRUE(Contents(job.folder.Path() / "big") == Bytes(3000).substr(0, 1000));
+    std::optional<std::int64_t> size;
+    const EngineLease lease(*job.session);
+    EXPECT_TRUE(!shared || (job.session->Size("/pub/f", size).IsDone() && size == 10));
+  }
+}
+
+// What stands on the server already stays, unless the user has agreed.
+TEST(FileTransfer, UploadsReplaceOnlyWhereAgreed) {
+  const std::tuple<Policy, TransferEnd, const char*, const char*> cases[] = {
+      {Policy::CreateNew, TransferEnd::Failed, "theirs", "f: \"f\" exists already.\n"},
+      {Policy::Skip, TransferEnd::Finished, "theirs", "f: Left alone, for it is there already.\n"},
+      {Policy::Replace, TransferEnd::Finished, "ours", ""},
+  };
+  for (const auto& [policy, end, stored, notes] : cases) {
+    for (const bool sizes : {true, false}) {
+      Job job;
+      job.policy = policy;
+      if (!sizes) job.server.On("SIZE", {.reply = "502 No\r\n"});
+      for (const char* name : {"f", "new"}) Write(job.folder.Path() / name, "ours");
+      job.server.Tree().AddFile("/pub/f", "theirs");
+      for (const char* name : {"f", "new"}) job.Send(name);
+      EXPECT_EQ(job.Run(), end) << job.server.Dialogue();
+      EXPECT_EQ(job.server.Tree().File("/pub/f"), stored);
+      EXPECT_EQ(job.server.Tree().File("/pub/new"), "ours");
+      EXPECT_EQ(job.Notes(), notes);
+    }
+  }
+}
+
+// A row that has no memory left when the file begins.
+TEST(FileTransfer, AnExceptionLeavesNothingBehind) {
+  struct FullRow : RecordingTransferUi {
+    bool BeginFile(std::string_view /*name*/) override { throw std::bad_alloc(); }
+  };
+  for (const bool shared : {false, true}) {
+    Job job(true, shared);
+    job.row = std::make_shared<FullRow>();
+    job.Fetch("f");
+    EXPECT_EQ(job.Run(), TransferEnd::Failed);
+    EXPECT_NE(job.row->Seen().why.find("could not be carried out"), std::string::npos);
+    EXPECT_TRUE(fs::is_empty(job.folder.Path()));
     std::optional<std::int64_t> size;
     const EngineLease lease(*job.session);
     EXPECT_TRUE(!shared || (job.session->Size("/pub/f", size).IsDone() && size == 10));

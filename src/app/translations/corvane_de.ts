@@ -92,20 +92,8 @@
         <translation>Eine Zeile der Serverantwort ist zu lang</translation>
     </message>
     <message>
-        <source>Connection aborted</source>
-        <translation>Die Verbindung wurde abgebrochen</translation>
-    </message>
-    <message>
         <source>Connection to:  %1 FAILED!</source>
         <translation>Die Verbindung mit %1 ist fehlgeschlagen!</translation>
-    </message>
-    <message>
-        <source>Could not resolve the address for:</source>
-        <translation>Die Adresse ließ sich nicht auflösen:</translation>
-    </message>
-    <message>
-        <source>Invalid Username or Password.</source>
-        <translation>Benutzername oder Passwort ist ungültig.</translation>
     </message>
     <message>
         <source>Login to: %1 as anonymous failed.</source>
@@ -114,22 +102,6 @@
     <message>
         <source>Login to: %1 failed.</source>
         <translation>Die Anmeldung bei %1 ist fehlgeschlagen.</translation>
-    </message>
-    <message>
-        <source>Lookup cancelled</source>
-        <translation>Die Adressauflösung wurde abgebrochen</translation>
-    </message>
-    <message>
-        <source>No data connection was set up</source>
-        <translation>Es wurde keine Datenverbindung eingerichtet</translation>
-    </message>
-    <message>
-        <source>No data connection: %9</source>
-        <translation>Keine Datenverbindung: %9</translation>
-    </message>
-    <message>
-        <source>Out of memory</source>
-        <translation>Der Speicher reicht nicht</translation>
     </message>
     <message>
         <source>Passive connection failed.</source>
@@ -146,10 +118,6 @@
     <message>
         <source>The connection to %1 was lost.</source>
         <translation>Die Verbindung mit %1 ist abgebrochen.</translation>
-    </message>
-    <message>
-        <source>The connection was lost: %9</source>
-        <translation>Die Verbindung ist abgebrochen: %9</translation>
     </message>
     <message>
         <source>The server closed the connection</source>
@@ -182,14 +150,6 @@
     <message>
         <source>The server&apos;s reply is too long</source>
         <translation>Die Serverantwort ist zu lang</translation>
-    </message>
-    <message>
-        <source>Username is invalid</source>
-        <translation>Der Benutzername ist ungültig</translation>
-    </message>
-    <message>
-        <source>&quot;%1&quot; cannot be shown: %9</source>
-        <translation>„%1“ kann nicht angezeigt werden: %9</translation>
     </message>
     <message>
         <source>&quot;%1&quot; was not renamed.</source>
@@ -228,10 +188,6 @@
         <translation>Nicht angerührt, denn der Name führt woandershin.</translation>
     </message>
     <message>
-        <source>No data connection for the listing.</source>
-        <translation>Keine Datenverbindung für die Auflistung.</translation>
-    </message>
-    <message>
         <source>The directories are nested too deeply.</source>
         <translation>Die Ordner sind zu tief verschachtelt.</translation>
     </message>
@@ -244,40 +200,12 @@
         <translation>Der Ordner lässt sich nicht öffnen.</translation>
     </message>
     <message>
-        <source>The directory has changed meanwhile. Nothing was done.</source>
-        <translation>Der Ordner wurde inzwischen gewechselt. Es wurde nichts getan.</translation>
-    </message>
-    <message>
-        <source>The file is not complete: %9</source>
-        <translation>Die Datei ist nicht vollständig: %9</translation>
-    </message>
-    <message>
         <source>The listing could not be read.</source>
         <translation>Die Auflistung konnte nicht gelesen werden.</translation>
     </message>
     <message>
-        <source>The listing could not be shown: %9</source>
-        <translation>Die Auflistung konnte nicht angezeigt werden: %9</translation>
-    </message>
-    <message>
-        <source>The listing did not come whole.</source>
-        <translation>Die Auflistung kam nicht vollständig an.</translation>
-    </message>
-    <message>
-        <source>The listing is not complete: %9</source>
-        <translation>Die Auflistung ist nicht vollständig: %9</translation>
-    </message>
-    <message>
-        <source>The request could not be carried out: %9</source>
-        <translation>Die Anfrage konnte nicht ausgeführt werden: %9</translation>
-    </message>
-    <message>
         <source>The server did not delete everything:</source>
         <translation>Der Server hat nicht alles gelöscht:</translation>
-    </message>
-    <message>
-        <source>The server does not lead back to the directory above: %1</source>
-        <translation>Der Server führt nicht in den übergeordneten Ordner zurück: %1</translation>
     </message>
     <message>
         <source>The server has no directory or file %1.</source>
@@ -316,48 +244,12 @@
         <translation>%1 von %2 Einträgen fehlgeschlagen.</translation>
     </message>
     <message>
-        <source>%1 of %2 entries failed; stopped at %8</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen; angehalten bei %8</translation>
-    </message>
-    <message>
-        <source>%1 of %2 entries failed: %8</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen: %8</translation>
-    </message>
-    <message>
         <source>Another transfer is writing %1 already.</source>
         <translation>Eine andere Übertragung schreibt bereits %1.</translation>
     </message>
     <message>
         <source>Cancelled.</source>
         <translation>Abgebrochen.</translation>
-    </message>
-    <message>
-        <source>Could not make the folder: %9</source>
-        <translation>Der Ordner konnte nicht erstellt werden: %9</translation>
-    </message>
-    <message>
-        <source>Could not open %1: %9</source>
-        <translation>%1 ließ sich nicht öffnen: %9</translation>
-    </message>
-    <message>
-        <source>Could not read the file: %9</source>
-        <translation>Die Datei ließ sich nicht lesen: %9</translation>
-    </message>
-    <message>
-        <source>Could not read the folder: %9</source>
-        <translation>Der Ordner ließ sich nicht lesen: %9</translation>
-    </message>
-    <message>
-        <source>Could not read %1: %9</source>
-        <translation>%1 ließ sich nicht lesen: %9</translation>
-    </message>
-    <message>
-        <source>Could not write the file: %9</source>
-        <translation>Die Datei ließ sich nicht schreiben: %9</translation>
-    </message>
-    <message>
-        <source>Left out: %1 (%9)</source>
-        <translation>Ausgelassen: %1 (%9)</translation>
     </message>
     <message>
         <source>Only %1 of %2 bytes came.</source>
@@ -372,10 +264,6 @@
         <translation>Der Ordner hat keinen eigenen Namen.</translation>
     </message>
     <message>
-        <source>The local file is longer than the server&apos;s.</source>
-        <translation>Die lokale Datei ist länger als die auf dem Server.</translation>
-    </message>
-    <message>
         <source>The name &quot;%1&quot; cannot be a local folder&apos;s.</source>
         <translation>„%1“ kann kein Name eines lokalen Ordners sein.</translation>
     </message>
@@ -384,28 +272,8 @@
         <translation>„%1“ kann kein Name einer lokalen Datei sein.</translation>
     </message>
     <message>
-        <source>The name leads elsewhere.</source>
-        <translation>Der Name führt woandershin.</translation>
-    </message>
-    <message>
         <source>The rest of this folder was not sent.</source>
         <translation>Der Rest dieses Ordners wurde nicht gesendet.</translation>
-    </message>
-    <message>
-        <source>The server does not resume.</source>
-        <translation>Der Server setzt keine Übertragungen fort.</translation>
-    </message>
-    <message>
-        <source>The transfer could not be carried out: %9</source>
-        <translation>Die Übertragung konnte nicht ausgeführt werden: %9</translation>
-    </message>
-    <message>
-        <source>The window has gone to another directory meanwhile.</source>
-        <translation>Das Fenster zeigt inzwischen einen anderen Ordner.</translation>
-    </message>
-    <message>
-        <source>The window is closing.</source>
-        <translation>Das Fenster wird geschlossen.</translation>
     </message>
     <message>
         <source>What follows is not listed any more.</source>
@@ -454,6 +322,116 @@
     <message>
         <source>Active connection failed.</source>
         <translation>Die aktive Verbindung ist fehlgeschlagen.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; exists already.</source>
+        <translation>„%1“ gibt es bereits.</translation>
+    </message>
+    <message>
+        <source>%1 of %2 entries failed: %3: %4</source>
+        <translation>%1 von %2 Einträgen fehlgeschlagen: %3: %4</translation>
+    </message>
+    <message>
+        <source>%1 of %2 entries failed; stopped at %3: %4</source>
+        <translation>%1 von %2 Einträgen fehlgeschlagen; angehalten bei %3: %4</translation>
+    </message>
+    <message>
+        <source>Could not make the folder: %1</source>
+        <translation>Der Ordner konnte nicht erstellt werden: %1</translation>
+    </message>
+    <message>
+        <source>Could not open %1: %2</source>
+        <translation>%1 ließ sich nicht öffnen: %2</translation>
+    </message>
+    <message>
+        <source>Could not read %1: %2</source>
+        <translation>%1 ließ sich nicht lesen: %2</translation>
+    </message>
+    <message>
+        <source>Could not read the file: %1</source>
+        <translation>Die Datei ließ sich nicht lesen: %1</translation>
+    </message>
+    <message>
+        <source>Could not read the folder: %1</source>
+        <translation>Der Ordner ließ sich nicht lesen: %1</translation>
+    </message>
+    <message>
+        <source>Could not resolve the address for:
+
+ %1</source>
+        <translation>Die Adresse ließ sich nicht auflösen:
+
+ %1</translation>
+    </message>
+    <message>
+        <source>Could not write the file: %1</source>
+        <translation>Die Datei ließ sich nicht schreiben: %1</translation>
+    </message>
+    <message>
+        <source>Left alone, for it is there already.</source>
+        <translation>Nicht angerührt, denn es ist schon da.</translation>
+    </message>
+    <message>
+        <source>Left out: %1 (%2)</source>
+        <translation>Ausgelassen: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>Login to: %1 failed.
+
+Username is invalid</source>
+        <translation>Die Anmeldung bei %1 ist fehlgeschlagen.
+
+Der Benutzername ist ungültig</translation>
+    </message>
+    <message>
+        <source>Login to: %1 failed.
+Invalid Username or Password.</source>
+        <translation>Die Anmeldung bei %1 ist fehlgeschlagen.
+Benutzername oder Passwort ist ungültig.</translation>
+    </message>
+    <message>
+        <source>The connection could not be begun.</source>
+        <translation>Die Verbindung konnte nicht begonnen werden.</translation>
+    </message>
+    <message>
+        <source>The connection was lost: %1</source>
+        <translation>Die Verbindung ist abgebrochen: %1</translation>
+    </message>
+    <message>
+        <source>The file is not complete: %1</source>
+        <translation>Die Datei ist nicht vollständig: %1</translation>
+    </message>
+    <message>
+        <source>The listing is not complete: %1</source>
+        <translation>Die Auflistung ist nicht vollständig: %1</translation>
+    </message>
+    <message>
+        <source>The request could not be carried out: %1</source>
+        <translation>Die Anfrage konnte nicht ausgeführt werden: %1</translation>
+    </message>
+    <message>
+        <source>The server does not stop replying</source>
+        <translation>Der Server hört nicht auf zu antworten</translation>
+    </message>
+    <message>
+        <source>The server refuses passive connections.</source>
+        <translation>Der Server lehnt passive Verbindungen ab.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s listing is in a form that is not understood.</source>
+        <translation>Die Auflistung des Servers hat eine unbekannte Form.</translation>
+    </message>
+    <message>
+        <source>The system has no thread to give.</source>
+        <translation>Das System stellt keinen weiteren Thread bereit.</translation>
+    </message>
+    <message>
+        <source>The transfer could not be carried out: %1</source>
+        <translation>Die Übertragung konnte nicht ausgeführt werden: %1</translation>
+    </message>
+    <message>
+        <source>the server stopped in the middle.</source>
+        <translation>der Server hörte mittendrin auf.</translation>
     </message>
 </context>
 <context>
@@ -845,10 +823,6 @@
         <translation>Das System stellt keinen weiteren Thread bereit.</translation>
     </message>
     <message>
-        <source>The connection could not be begun.</source>
-        <translation>Die Verbindung konnte nicht begonnen werden.</translation>
-    </message>
-    <message>
         <source>Warning</source>
         <translation>Warnung</translation>
     </message>
@@ -1043,22 +1017,6 @@ Files in it that have the same names as those on the server are replaced.</sourc
         <translation>Den Ordner „%1“ gibt es schon.
 
 Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
-    </message>
-    <message>
-        <source>Some servers only work with active connections.</source>
-        <translation>Manche Server können nur aktive Verbindungen.</translation>
-    </message>
-    <message>
-        <source>&amp;Try Active Connections</source>
-        <translation>&amp;Aktive Verbindungen versuchen</translation>
-    </message>
-    <message>
-        <source>Behind a router or a firewall, passive connections mostly work.</source>
-        <translation>Hinter einem Router oder einer Firewall gelingen meist passive Verbindungen.</translation>
-    </message>
-    <message>
-        <source>&amp;Try Passive Connections</source>
-        <translation>&amp;Passive Verbindungen versuchen</translation>
     </message>
     <message>
         <source>Close the window and stop that?</source>
@@ -1690,8 +1648,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>&amp;Weiterlaufen lassen</translation>
     </message>
     <message>
-        <source>Quit and stop deleting?</source>
-        <translation>Beenden und das Löschen abbrechen?</translation>
         <source>Your preferences could not be read: a proxy that you have set would be bypassed. Connect all the same?</source>
         <translation>Ihre Einstellungen konnten nicht gelesen werden: Ein eingestellter Proxy würde umgangen. Trotzdem verbinden?</translation>
     </message>
@@ -1711,13 +1667,13 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>&amp;Go Back</source>
         <translation>&amp;Zurück</translation>
     </message>
+    <message>
+        <source>Quit and stop deleting?</source>
+        <translation>Beenden und das Löschen abbrechen?</translation>
+    </message>
 </context>
 <context>
     <name>corvane::TransferItem</name>
-    <message>
-        <source>The system has no thread to give.</source>
-        <translation>Das System stellt keinen weiteren Thread bereit.</translation>
-    </message>
     <message>
         <source>Server: %1</source>
         <translation>Server: %1</translation>

@@ -1,6 +1,7 @@
 // The client without windows: the session and the workers that the windows use, for benchmarks,
 // fault tests and scripts.
 
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -19,6 +20,7 @@
 #include "kit/Background.h"
 #include "remote/RemotePath.h"
 #include "util/Encodings.h"
+#include "util/ErrorText.h"
 #include "workers/FileTransfer.h"
 #include "workers/Refusals.h"
 #include "workers/TreeRemover.h"
@@ -80,10 +82,7 @@ class Printer final : public ListingSink {
 class Row final : public TransferUi {
  public:
   TransferProgress& Progress() override { return progress_; }
-  bool BeginFile(std::string_view /*name*/) override {
-    bytes_ += progress_.done;
-    return true;
-  }
+  bool BeginFile(std::string_view /*name*/) override { return true; }
   bool SetTrailing(const Text& /*text*/) override { return true; }
   bool SetStatus(const Text& /*text*/) override { return true; }
   bool AppendLog(std::string_view /*line*/) override { return true; }
@@ -113,7 +112,6 @@ class Row final : public TransferUi {
 
  private:
   TransferProgress progress_;
-  std::int64_t bytes_ = 0;
   std::mutex lock_;
   std::condition_variable changed_;
   bool ended_ = false;
@@ -160,8 +158,9 @@ bool Transfer(const Options& options) {
     std::printf("{\"finished\":%s,\"seconds\":%.3f,\"why\":%s}\n", finished ? "true" : "false",
                 seconds.count(), Quoted(DisplayText(why.English())).c_str());
   }
-  // It still says goodbye to the server.
-  return Background::WaitForNone(std::chrono::seconds(5)) && finished;
+  // It still says goodbye to the server, which changes nothing.
+  (void)Background::WaitForNone(std::chrono::seconds(5));
+  return finished;
 }
 
 Outcome Remove(MFtp& session, Row& row, const std::string& path) {
@@ -196,8 +195,9 @@ bool Operate(const Options& options) {
 
 bool Parse(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    Complain(Text("Could not read %1: %2", path, Text("No such file")));
+  file.peek();  // a directory can be opened, and not be read
+  if (!file.is_open() || file.bad()) {
+    Complain(Text("Could not read %1: %2", path, ErrorText(errno)));
     return false;
   }
   std::string text{std::istreambuf_iterator<char>(file), {}};

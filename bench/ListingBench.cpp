@@ -14,8 +14,10 @@
 #include <functional>
 #include <string>
 
+#include "app/browser/BrowserSession.h"
 #include "app/browser/DirListView.h"
 #include "app/browser/MWindow.h"
+#include "app/program/RealWorkers.h"
 #include "app/program/TambleApp.h"
 #include "app/shared/SmallView.h"
 #include "settings/ProcessSettings.h"
@@ -130,7 +132,7 @@ int main(int argc, char** argv) {
   if (argc != 7) return 2;
   const int entries = std::atoi(argv[6]);
   QApplication qt(argc, argv);
-  corvane::TambleApp app;
+  corvane::TambleApp app(corvane::RealWorkers());
   app.ReadyToRun();
   corvane::Message open("OPNC"_what);
   open.AddString("host", argv[1]);
@@ -157,9 +159,7 @@ int main(int argc, char** argv) {
   });
   QElapsedTimer clock;
   clock.start();
-  corvane::Message change("PCHN"_what);
-  change.AddString("cwd", argv[5]);
-  window.MessageReceived(change);
+  window.Session().ChangeDirectory(argv[5]);
   paints.whole = [&] {
     return shown->Count() == entries && window.Listing().Rows().Count() == entries + 2;
   };
@@ -171,9 +171,7 @@ int main(int argc, char** argv) {
   const long with = ResidentKilobytes();
   const qint64 longest = stall;
   const Handling worst = Handle(window.Listing());
-  corvane::Message leave("PCHN"_what);
-  leave.AddString("cwd", "..");
-  window.MessageReceived(leave);
+  window.Session().ChangeDirectory("..");
   WaitFor([&] { return shown->Count() > 0 && shown->Count() < entries; });
   std::printf("%.1f %.1f %ld %ld %ld %.1f %.1f %.1f %.1f\n", static_cast<double>(took) / 1e6,
               static_cast<double>(longest) / 1e6, before, with, ResidentKilobytes(), worst.sort,

@@ -42,11 +42,12 @@ void Spend(int milliseconds) {
 
 void Add(corvane::DownLoadWin& window, int count) {
   for (int i = 0; i < count; ++i) {
-    corvane::DownloadRequest request;
-    request.connection.host = "server.test";
-    request.where = "/home/somebody/Downloads/a rather long name of a folder/and one below";
-    request.items.emplace_back().name = "file " + std::to_string(i);
-    window.AddDownload(std::move(request));
+    corvane::transferStruct download;
+    download.site.host = "server.test";
+    download.targetFolder = "/home/somebody/Downloads/a rather long name of a folder/and one below";
+    download.jobs.push_back({.remote = "/file " + std::to_string(i),
+                             .local = download.targetFolder + "/file " + std::to_string(i)});
+    window.Add(std::move(download), {});
   }
 }
 
@@ -96,7 +97,7 @@ int main(int argc, char** argv) {
   QApplication qt(argc, argv);
   std::vector<Row> rows;
   corvane::WorkerFactory factory;
-  factory.transfer = [&rows](const corvane::Site&, Row row, const corvane::transferStruct&) {
+  factory.transfer = [&rows](Row row, const corvane::transferStruct&) {
     rows.push_back(std::move(row));
     return std::make_shared<Idle>();
   };

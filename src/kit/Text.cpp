@@ -47,7 +47,7 @@ Text Text::Lines(std::vector<Text> lines) {
   return std::move(lines.front());
 }
 
-Text Text::WithReason(Text text, Text reason) {
+Text Text::WithReason(const Text& text, const Text& reason) {
   if (reason.IsEmpty()) return text;
   return text.IsEmpty() ? reason : Text(kWithReason, text, reason);
 }

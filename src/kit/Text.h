@@ -39,7 +39,7 @@ class Text {
   /// Several texts, each on a line of its own; empty ones leave no line.
   [[nodiscard]] static Text Lines(std::vector<Text> lines);
   /// `reason` behind an empty line; `text` alone where there is none.
-  [[nodiscard]] static Text WithReason(Text text, Text reason);
+  [[nodiscard]] static Text WithReason(const Text& text, const Text& reason);
 
   /// The reason that WithReason put behind; the whole text where there is none.
   [[nodiscard]] const Text& Reason() const;

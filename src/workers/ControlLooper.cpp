@@ -123,11 +123,17 @@ std::string ControlLooper::EnterStartPath() {
 void ControlLooper::Show(const std::string& directory) {
   shown_ = directory;
   window_->SetPath(directory);
+  List(directory);
+}
+
+// A lister waits for this thread's lease, and would show its directory under another's path.
+void ControlLooper::List(const std::string& directory) {
+  if (lister_) lister_->Cancel();
   ListDirectory(*session_, *cache_, *window_, directory);
 }
 
 void ControlLooper::Refresh(const std::string& directory) {
-  if (!NeedsConnection()) ListDirectory(*session_, *cache_, *window_, directory);
+  if (!NeedsConnection()) List(directory);
 }
 
 // A link that has a size leads to a file, any other to a directory.
@@ -164,8 +170,9 @@ void ControlLooper::ChangeDirectory(const std::string& from, const std::string& 
   window_->BeginListing();
   window_->SetPath(where);
   window_->SetStatus(Text("Connected."));
-  const auto lister = std::make_shared<DirLister>(session_, cache_, window_, where);
-  if (!lister->Run()) {
+  if (lister_) lister_->Cancel();
+  lister_ = std::make_shared<DirLister>(session_, cache_, window_, where);
+  if (!lister_->Run()) {
     window_->EndListing(0);
     Warn(*window_, Text("The system has no thread left to fetch the listing."));
   }
@@ -207,7 +214,7 @@ void ControlLooper::CreateDirectory(const Message& entry) {
   const Outcome outcome =
       session_->MakeDirectory(PathFrom(directory, entry.FindString("name").value_or("")));
   if (outcome.IsDone() && directory == shown_) {
-    ListDirectory(*session_, *cache_, *window_, directory);
+    List(directory);
   }
   TellOutcome(*window_, *session_, outcome);
 }
@@ -227,13 +234,16 @@ void ControlLooper::ViewFile(const std::string& path) {
   if (session_->IsLost()) TellLoss(*window_, *session_);
 }
 
-// Until the data ends, or the text window has enough or is closed.
+// Until the data ends or stays away, or the text window has enough or is closed.
 void ControlLooper::FillViewer(RemoteFile& file, TextSink& viewer) {
   constexpr long kStep = 250;  // milliseconds
+  constexpr long kMostSilence = 120'000;
   std::vector<char> buffer(std::size_t{64} * 1024);
   for (;;) {
-    while (!file.Wait(kStep)) {
+    for (long silence = 0; !file.Wait(kStep); silence += kStep) {
       if (!viewer.Append({})) return;
+      if (silence < kMostSilence) continue;
+      return viewer.End(Text("The file is not complete: %1", Text("The server does not answer")));
     }
     std::size_t count = 0;
     Outcome outcome = file.Read(buffer, count);
@@ -251,7 +261,7 @@ void ControlLooper::FillViewer(RemoteFile& file, TextSink& viewer) {
 
 void ControlLooper::ViewListing(const std::string& directory) {
   if (cache_ && cache_->Directory() != directory && !session_->IsLost()) {
-    ListDirectory(*session_, *cache_, *window_, directory);
+    List(directory);
   }
   const auto viewer = window_->OpenViewer(Text("Listing of: %1", directory));
   if (!viewer) return;

@@ -10,6 +10,7 @@
 
 namespace corvane {
 
+class DirLister;
 class ListingCache;
 
 /// Carries out the requests of one browser window, one message after another, on its own thread.
@@ -53,12 +54,15 @@ class ControlLooper : public Looper {
   void FillViewer(RemoteFile& file, TextSink& viewer);
   void ViewListing(const std::string& directory);
   void Show(const std::string& directory);
+  /// Lists on this thread; a lister that has not begun yet does nothing any more.
+  void List(const std::string& directory);
   [[nodiscard]] bool NeedsConnection();
 
   const Site site_;
   const std::shared_ptr<RemoteSession> session_;
   const std::shared_ptr<BrowserUi> window_;
   std::shared_ptr<ListingCache> cache_;  // from the first 'CNNT' on
+  std::shared_ptr<DirLister> lister_;    // the last one
   std::string shown_;                    // the directory that the window shows
 };
 

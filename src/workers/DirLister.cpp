@@ -45,7 +45,7 @@ DirLister::DirLister(std::shared_ptr<RemoteSession> session, std::shared_ptr<Lis
 
 std::int32_t DirLister::Execute() {
   const EngineLease lease(*session_);
-  ListDirectory(*session_, *cache_, *window_, directory_);
+  if (!Cancelled()) ListDirectory(*session_, *cache_, *window_, directory_);
   return 0;
 }
 

@@ -13,7 +13,8 @@ namespace corvane {
 class ListingCache;
 class RemoteSession;
 
-/// Fetches a directory's listing and shows it in the browser window.
+/// Fetches a directory's listing and shows it in the browser window; nothing where it was cancelled
+/// before its turn came.
 class DirLister : public MThread {
  public:
   /// Shares all three with the looper that starts it.

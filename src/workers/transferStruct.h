@@ -31,9 +31,9 @@ struct TransferJob {
 struct transferStruct {
   Site site{};
   bool download = true;
-  std::string remoteDirectory{};    ///< the server directory that the row names
-  std::string targetFolder{};       ///< the local folder that the row names
-  std::int64_t size = 0;            ///< bytes in all, as far as known
+  std::string remoteDirectory{};  ///< the server directory that the row names
+  std::string targetFolder{};     ///< the local folder that the row names
+  std::int64_t size = 0;  ///< bytes of the last entry as listed, for the row until it begins
   std::int32_t bufferSize = 8192;   ///< bytes with which a transfer's buffer starts
   std::vector<TransferJob> jobs{};  ///< one for each entry that was chosen
 };

@@ -24,7 +24,6 @@
 #include "app/shared/Alerts.h"
 #include "app/transfers/DownLoadWin.h"
 #include "kit/Mutex.h"
-#include "net/NLException.h"
 #include "remote/Site.h"
 #include "settings/ProcessSettings.h"
 
@@ -98,14 +97,13 @@ class AppFixture : public testing::Test {
       looper_->busy = busy_;
       return looper_;
     };
-    factory_.transfer = [this](const Site&, std::shared_ptr<TransferUi> row,
-                               transferStruct description) {
+    factory_.transfer = [this](std::shared_ptr<TransferUi> row, transferStruct description) {
       transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
       return transfers_.back();
     };
-    factory_.sameConnection = [this](const std::shared_ptr<Looper>&,
-                                     std::shared_ptr<TransferUi> row, transferStruct description) {
-      if (noEngine_) throw NLException("Test", "No engine.");
+    factory_.sameConnection = [this](const auto& looper, const auto& window, auto row,
+                                     transferStruct description) {
+      EXPECT_TRUE(looper == looper_ && window == link_);
       here_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
       return here_.back();
     };
@@ -143,15 +141,14 @@ class AppFixture : public testing::Test {
     return window_->findChild<QPushButton*>("upload")->isEnabled();
   }
   /// Fills the window's listing, below "." and "..", as its connection would.
-  void List(std::vector<fileStruct> entries) {
+  void List(std::vector<RemoteEntry> entries) {
     const auto* status = window_->findChild<QLabel*>("StatusString");
     const std::string mark = "listing " + std::to_string(++listings_);
     link_->BeginListing();
-    link_->AddEntries({File(".", kDirectorySize), File("..", kDirectorySize)});
     const std::size_t count = entries.size();
     link_->AddEntries(std::move(entries));
     link_->EndListing(count);
-    link_->SetStatus(mark);
+    link_->SetStatus(Text::Raw(mark));
     ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
   }
   static bool Wait(const auto& until) { return QTest::qWaitFor(until, 5000); }
@@ -168,13 +165,26 @@ class AppFixture : public testing::Test {
     message.AddString(name, text);
     return message;
   }
-  static fileStruct File(const std::string& name, std::int64_t size = 1, int day = 1) {
-    fileStruct entry;
-    entry.name = name;
-    entry.type = size == kDirectorySize ? kDirectory : kFile;
-    entry.size = size;
-    entry.time.tm_mday = day;
-    return entry;
+  static RemoteEntry File(const std::string& name, std::int64_t size = 1, int day = 1) {
+    constexpr std::int64_t kDay = 86'400;
+    return {.name = name, .size = size, .modified = RemoteTime{.seconds = (day - 1) * kDay}};
+  }
+  static RemoteEntry Folder(const std::string& name) {
+    return {.name = name, .kind = RemoteEntry::Kind::Directory};
+  }
+  static RemoteEntry Link(const std::string& name) {
+    return {.name = name, .kind = RemoteEntry::Kind::Link, .mode = "lrwxrwxrwx"};
+  }
+  /// What a transfer moves: for each job "remote>local" of a download or "local>remote" of an
+  /// upload, and its policy: + creates, ! replaces, & goes on, ? skips.
+  static std::string Jobs(const transferStruct& what) {
+    std::string jobs;
+    for (const TransferJob& job : what.jobs) {
+      jobs += jobs.empty() ? "" : " ";
+      jobs += what.download ? job.remote + ">" + job.local : job.local + ">" + job.remote;
+      jobs += "+!&?"[static_cast<std::size_t>(job.policy)];
+    }
+    return jobs;
   }
 
   QTemporaryDir config_;
@@ -184,7 +194,6 @@ class AppFixture : public testing::Test {
   std::shared_ptr<BrowserUi> link_;
   std::vector<std::shared_ptr<IdleTransfer>> transfers_;
   std::vector<std::shared_ptr<IdleTransfer>> here_;  // on a browser window's own connection
-  bool noEngine_ = false;
   bool busy_ = false;  // the requests of the next connection stay under way
   std::vector<Site> connections_;
   std::vector<Alerts::Question> alerts_;

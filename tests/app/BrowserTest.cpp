@@ -37,17 +37,17 @@ class Browser : public AppFixture {
 };
 
 TEST_F(Browser, SortsByAClickWithTheDotsOnTop) {
-  List({File("beta", 30, 2), File("Alpha", 10, 3), File("dir", kDirectorySize), File("gamma", 30),
+  List({File("beta", 30, 2), File("Alpha", 10, 3), Folder("dir"), File("gamma", 30),
         File("!", 10, 4)});
   EXPECT_EQ(Names(), ". .. ! Alpha beta dir gamma ");
-  EXPECT_EQ(View().Rows().At(3).DateText(), "01/03/1900");
+  EXPECT_EQ(View().Rows().At(3).DateText() + View().Rows().At(5).DateText(), "01/03/1970-");
   QTest::keyClicks(&View(), "b");
   // Rows of equal key keep the order that they had.
   const std::pair<int, const char*> clicks[] = {
       {DirListModel::kName, ". .. gamma dir beta Alpha ! "},
       {DirListModel::kSize, ". .. dir Alpha ! gamma beta "},
       {DirListModel::kSize, ". .. gamma beta Alpha ! dir "},
-      {DirListModel::kDate, ". .. gamma dir beta Alpha ! "},
+      {DirListModel::kDate, ". .. dir gamma beta Alpha ! "},
       {DirListModel::kIcon, ". .. ! Alpha beta dir gamma "},
   };
   const QHeaderView* header = View().header();
@@ -98,10 +98,11 @@ TEST_F(Browser, AFinishedUploadIsRenewedOrAddedInNameOrder) {
   EXPECT_EQ(Names(), ". .. .a b C d e \xC3\xBC ");
   std::string sizes;
   for (const int row : {1, 3, 4, 5}) sizes += View().Rows().At(row).SizeText();
-  EXPECT_EQ(sizes, " <dir> 2.00 KB 2.00 KB <dir>");
+  EXPECT_EQ(sizes, " - 2.00 KB 2.00 KB <dir>");
 }
 
 TEST_F(Browser, AsksOnceBeforeWhatIsThereIsTouched) {
+  link_->SetPath("/pub");
   const QDir folder(folder_.path());
   for (const auto& [name, size] : {std::pair("a", 0), {"c", 0}, {"same", 1}, {"longer", 2}}) {
     QFile local(folder.filePath(name));
@@ -109,37 +110,36 @@ TEST_F(Browser, AsksOnceBeforeWhatIsThereIsTouched) {
   }
   ASSERT_TRUE(QFile::link("/nowhere", folder.filePath("link")));
   ASSERT_TRUE(folder.mkdir("sub") && folder.mkdir("tree"));
-  // The names selected, the button pressed (-1: no question), what is downloaded, and whether that
-  // overwrites what is there.
-  const std::tuple<QByteArray, int, QByteArray, bool> cases[] = {
-      {"new", -1, "new", true},
-      {"same", 0, "same", true},
-      {"same", 1, "", {}},
-      {"a", 0, "a", false},
-      {"longer", 0, "longer", false},
-      {"a", 1, "a", true},
-      {"a", 2, "", {}},
-      {"tree", 0, "tree", true},
-      {"tree", 1, "", {}},
-      {"link", 0, "", {}},
-      {"sub", 0, "", {}},
-      {"../evil", 0, "", {}},
-      {"../evil a/b good", 0, "good", true},
-      {"b sub tree", 0, "b sub tree", true},
-      {"b sub tree", 1, "b", true},
-      {"b tree", 2, "", {}},
-      {"a b c link", 0, "a b c link", true},
-      {"a b c link", 1, "b", true},
-      {"a b c link", 2, "", {}},
-      {"a c", 1, "", {}},
+  // The names selected, the button pressed (-1: no question), what is downloaded, and its policy.
+  const std::tuple<QByteArray, int, QByteArray> cases[] = {
+      {"new", -1, "new+"},
+      {"same", 0, "same!"},
+      {"same", 1, ""},
+      {"a", 0, "a&"},
+      {"longer", 0, "longer&"},
+      {"a", 1, "a!"},
+      {"a", 2, ""},
+      {"tree", 0, "tree!"},
+      {"tree", 1, ""},
+      {"link", 0, ""},
+      {"sub", 0, ""},
+      {"../evil", 0, ""},
+      {"../evil a/b good", 0, "good+"},
+      {"b sub tree", 0, "b+ sub! tree!"},
+      {"b sub tree", 1, "b+"},
+      {"b tree", 2, ""},
+      {"a b c link", 0, "a! b+ c! link!"},
+      {"a b c link", 1, "b+"},
+      {"a b c link", 2, ""},
+      {"a c", 1, ""},
   };
-  for (const auto& [names, button, downloaded, overwrite] : cases) {
+  for (const auto& [names, button, downloaded] : cases) {
     transfers_.clear();
     alerts_.clear();
     button_ = button;
-    std::vector<fileStruct> entries;
+    std::vector<RemoteEntry> entries;
     for (const QByteArray& name : names.split(' ')) {
-      entries.push_back(File(name.toStdString(), name == "tree" ? kDirectorySize : 1));
+      entries.push_back(name == "tree" ? Folder("tree") : File(name.toStdString()));
     }
     List(std::move(entries));
     View().SelectRow(2);
@@ -150,26 +150,33 @@ TEST_F(Browser, AsksOnceBeforeWhatIsThereIsTouched) {
     EXPECT_TRUE(downloaded.isEmpty() || Begins()) << names.data();
     QApplication::processEvents();
     EXPECT_EQ(alerts_.size(), button < 0 ? 0U : 1U) << names.data();
-    QByteArrayList taken;
     ASSERT_EQ(transfers_.size(), downloaded.isEmpty() ? 0U : 1U) << names.data();
-    for (const auto& transfer : transfers_) {
-      EXPECT_EQ(transfer->description.overwrite, overwrite) << names.data();
-      for (const fileStruct& item : transfer->description.items) taken << item.name.c_str();
+    if (downloaded.isEmpty()) continue;
+    std::string jobs;
+    for (const QByteArray& job : downloaded.split(' ')) {
+      jobs += (jobs.empty() ? "/pub/" : " /pub/") + job.chopped(1).toStdString() + ">" +
+              folder.filePath(job).toStdString();
     }
-    EXPECT_EQ(taken.join(' '), downloaded) << button;
+    EXPECT_EQ(Jobs(transfers_[0]->description), jobs) << button;
+    EXPECT_EQ(transfers_[0]->description.targetFolder, folder.path().toStdString());
+    for (const TransferJob& job : transfers_[0]->description.jobs) {
+      const bool tree = job.local.ends_with("/tree");
+      EXPECT_EQ(job.kind, tree ? RemoteEntry::Kind::Directory : RemoteEntry::Kind::File);
+      EXPECT_EQ(job.size, tree ? -1 : 1);
+    }
   }
 }
 
 TEST_F(Browser, AsksBeforeAnUploadReplacesWhatTheListingShows) {
-  List({File("a"), File("dir", kDirectorySize)});
-  using Paths = std::vector<std::string>;
+  link_->SetPath("/pub");
+  List({File("a"), Folder("dir")});
   // What is uploaded, the button pressed (-1: no question), and what goes.
-  const std::tuple<Paths, int, Paths> cases[] = {
-      {{"/l/new", "/l/b/"}, -1, {"/l/new", "/l/b/"}},
-      {{"/l/new", "/l/dir/"}, 0, {"/l/new", "/l/dir/"}},
-      {{"/l/new", "/l/dir/"}, 1, {"/l/new"}},
-      {{"/l/a"}, 1, {}},
-      {{"/l/a", "/l/new"}, 2, {}},
+  const std::tuple<std::vector<std::string>, int, std::string> cases[] = {
+      {{"/l/new", "/l/b/"}, -1, "/l/new>/pub/new+ /l/b>/pub/b+"},
+      {{"/l/new", "/l/dir/"}, 0, "/l/new>/pub/new+ /l/dir>/pub/dir!"},
+      {{"/l/new", "/l/dir/"}, 1, "/l/new>/pub/new+"},
+      {{"/l/a"}, 1, ""},
+      {{"/l/a", "/l/new"}, 2, ""},
   };
   for (const auto& [paths, button, uploaded] : cases) {
     transfers_.clear();
@@ -179,12 +186,13 @@ TEST_F(Browser, AsksBeforeAnUploadReplacesWhatTheListingShows) {
     QApplication::processEvents();
     EXPECT_EQ(alerts_.size(), button < 0 ? 0U : 1U);
     EXPECT_TRUE(alerts_.empty() || alerts_[0].preset == 1);
-    EXPECT_EQ(transfers_.empty() ? Paths() : transfers_[0]->description.localItems, uploaded);
+    EXPECT_EQ(transfers_.empty() ? "" : Jobs(transfers_[0]->description), uploaded);
   }
 }
 
 TEST_F(Browser, EachPanelMovesWhatItWasOpenedFor) {
   settings_.DwnldDir = (folder_.path() + "/gone").toStdString();
+  settings_.buffersize = 65'536;
   ProcessSettings::Set(settings_);
   link_->SetPath("/pub");
   List({File("song.mp3"), File("text")});
@@ -208,7 +216,7 @@ TEST_F(Browser, EachPanelMovesWhatItWasOpenedFor) {
   Q_EMIT upload->Chosen({"/l/up"});
   ASSERT_TRUE(Begins());
   EXPECT_EQ(transfers_[0]->description.remoteDirectory, "/pub");
-  EXPECT_FALSE(transfers_[0]->description.download);
+  EXPECT_EQ(Jobs(transfers_[0]->description), "/l/up>/pub/up+");
   save->setDirectory(folder_.path());
   auto* name = save->findChild<QLineEdit*>();
   name->setText("other name");
@@ -217,17 +225,18 @@ TEST_F(Browser, EachPanelMovesWhatItWasOpenedFor) {
   const transferStruct& description = transfers_[1]->description;
   EXPECT_EQ(description.remoteDirectory, "/pub");
   EXPECT_EQ(description.targetFolder, folder_.path().toStdString());
-  EXPECT_EQ(description.items[0].name, "text");
-  EXPECT_EQ(description.items[0].displayName, "other name");
+  EXPECT_EQ(description.site, connections_[0]);
+  EXPECT_EQ(description.bufferSize, 65'536);
+  EXPECT_EQ(Jobs(description), "/pub/text>" + description.targetFolder + "/other name+");
   Q_EMIT folder->fileSelected(folder_.path());
   ASSERT_TRUE(Begins(2));
-  EXPECT_EQ(transfers_[2]->description.items.size(), 2U);
+  EXPECT_EQ(transfers_[2]->description.jobs.size(), 2U);
 }
 
 // A double click that comes twice must not enter the directory of that name in the new one too.
 TEST_F(Browser, RequestsWaitForTheListingAndCarryTheirDirectory) {
   link_->SetPath("/pub");
-  List({File("src", kDirectorySize)});
+  List({Folder("src")});
   const QPoint row = View().visualRect(View().Rows().index(2, DirListModel::kName)).center();
   const auto doubleClick = [&] {
     QTest::mouseClick(View().viewport(), Qt::LeftButton, {}, row);
@@ -250,7 +259,7 @@ TEST_F(Browser, RequestsWaitForTheListingAndCarryTheirDirectory) {
   looper_->Finish("PCHN"_what);
   QApplication::processEvents();
   EXPECT_FALSE(IsReady()) << "the listing has not ended";
-  link_->PostMessage(With("GERR"_what, "warning", "The listing could not be shown."));
+  link_->EndListing(0);
   EXPECT_TRUE(Wait([&] { return IsReady(); }));
   looper_->busy = false;
   Command(Qt::Key_F);
@@ -280,7 +289,7 @@ TEST_F(Browser, ALateAnswerLeavesTheSelectionAlone) {
   View().SelectRow(3);
   window_->MessageReceived(With("DWLD"_what, "FileName", "asked"));
   ASSERT_TRUE(Begins());
-  EXPECT_EQ(transfers_[0]->description.items.at(0).name, "asked");
+  EXPECT_EQ(transfers_[0]->description.jobs.at(0).remote, "asked");
   EXPECT_EQ(Selected(), "chosen");
 }
 
@@ -326,7 +335,7 @@ TEST_F(Browser, WindowsOfItsOwnStandOnTheScreen) {
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
   window_->setGeometry(screen.right() - 500, screen.bottom() - 460, 480, 450);
   window_->MessageReceived(Message("SHLG"_what));
-  const auto viewer = link_->OpenViewer("v");
+  const auto viewer = link_->OpenViewer(Text::Raw("v"));
   EXPECT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));
   for (const QWidget* each : std::initializer_list<QWidget*>{window_->findChild<MViewFile*>(),
                                                              window_->findChild<WindowLog*>()}) {
@@ -352,9 +361,9 @@ TEST_F(Browser, ClosesWhileItsConnectionIsStillTalking) {
   std::vector<std::jthread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([link = link_, &stopped] {
-      const std::vector<fileStruct> batch(300, File("name"));
-      while (link->SetStatus("busy") && link->AppendLog("line\n") && link->AddEntries(batch) &&
-             link->SetPath("/")) {
+      const std::vector<RemoteEntry> batch(300, File("name"));
+      while (link->SetStatus(Text("busy")) && link->AppendLog("line\n") &&
+             link->AddEntries(batch) && link->SetPath("/")) {
       }
       ++stopped;
     });
@@ -365,7 +374,7 @@ TEST_F(Browser, ClosesWhileItsConnectionIsStillTalking) {
   window_->close();
   EXPECT_FALSE(window_->isVisible());
   EXPECT_TRUE(Wait([&] { return stopped == 4 && window_.isNull() && looper.expired(); }));
-  EXPECT_FALSE(link_->SetStatus("late"));
+  EXPECT_FALSE(link_->SetStatus(Text("late")));
   EXPECT_TRUE(app_->WindowList().empty());
 }
 

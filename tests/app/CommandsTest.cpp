@@ -16,13 +16,7 @@ class Commands : public AppFixture {
  protected:
   Commands() {
     link_->SetPath("/pub");
-    List({File("b", 5), File("dir", kDirectorySize), Link("link"), File("\xE4", 5), File("z", 5)});
-  }
-  static fileStruct Link(const std::string& name) {
-    fileStruct entry = File(name, kLinkSize);
-    entry.type = kLink;
-    entry.permissions = "lrwxrwxrwx";
-    return entry;
+    List({File("b", 5), Folder("dir"), Link("link"), File("\xE4", 5), File("z", 5)});
   }
   /// The names, rows of links marked, and the count below them.
   [[nodiscard]] std::string Rows() {
@@ -94,7 +88,8 @@ TEST_F(Commands, DeleteAsksFirstAndSparesTheDots) {
     QApplication::processEvents();
   }
   View().SelectRow(6);
-  for (const char* name : {"dir", "b", "gone"}) link_->RemoveEntry(name);
+  link_->RemoveEntry("z", "/elsewhere");
+  for (const char* name : {"dir", "b", "gone"}) link_->RemoveEntry(name, "/pub");
   EXPECT_TRUE(Wait([&] { return Rows() == "link <link>,z 5 B,\xE4 5 B,3"; })) << Rows();
   View().SetSortKey(DirListModel::kSize);
   EXPECT_EQ(View().Rows().At(View().FirstSelected()).Name(), "\xE4");
@@ -154,7 +149,7 @@ TEST_F(Commands, FilesAndFoldersAreChosenTogetherForUpload) {
     panel->findChild<QLineEdit*>()->setText(names);
     panel->findChild<QPushButton*>()->setFocus();
     panel->accept();
-    EXPECT_EQ(transfers_.empty() ? 0U : transfers_[0]->description.localItems.size(), count);
+    EXPECT_EQ(transfers_.empty() ? 0U : transfers_[0]->description.jobs.size(), count);
     delete panel;
   }
 }
@@ -184,21 +179,8 @@ TEST_F(Commands, OffersToConnectAgain) {
   EXPECT_FALSE(window_.isNull());
 }
 
-TEST_F(Commands, OffersTheOtherKindOfDataConnection) {
-  Message warning = With("GERR"_what, "warning", "no way");
-  warning.AddBool("passive", false);
-  const QRect frame(60, 50, 500, 460);
-  window_->setGeometry(frame);
-  link_->PostMessage(warning);
-  EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
-  ASSERT_EQ(connections_.size(), 2U);
-  EXPECT_TRUE(connections_[1].passive);
-  EXPECT_EQ(connections_[1].host + connections_[1].path, "server.test/pub");
-  EXPECT_EQ(app_->WindowList().back()->geometry(), frame);
-}
-
 TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
-  const auto viewer = link_->OpenViewer("v");
+  const auto viewer = link_->OpenViewer(Text::Raw("v"));
   ASSERT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));
   auto* shown = window_->findChild<MViewFile*>();
   auto* text = shown->findChild<QPlainTextEdit*>();
@@ -214,7 +196,7 @@ TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
   EXPECT_EQ(text->textCursor().selectedText(), "ne");
 
   const auto* note = shown->findChild<QLabel*>("Note");
-  viewer->End("The file is not complete: cut");
+  viewer->End(Text("The file is not complete: %1", "cut"));
   EXPECT_TRUE(Wait([&] { return note->text() == "The file is not complete: cut"; }));
   const std::string line = std::string(1023, 'y') + '\n';
   std::size_t bytes = 1508;

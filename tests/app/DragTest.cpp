@@ -17,7 +17,7 @@ using std::string_literals::operator""s;
 
 class Drag : public AppFixture {
  protected:
-  Drag() { List({File("one"), File("two"), File("dir", kDirectorySize)}); }
+  Drag() { List({File("one"), File("two"), Folder("dir")}); }
   /// Presses on a row and pulls it; the platform of these tests drags nothing, so that every drag
   /// ends outside at once. Whether the window then asked where to save.
   bool Pull(int row, Qt::MouseButton button = Qt::LeftButton) {
@@ -46,7 +46,7 @@ TEST_F(Drag, RowsButTheDotsCanBePulledWithTheLeftButton) {
   Q_EMIT Panel()->fileSelected(folder_.path());
   ASSERT_TRUE(Begins());
   std::string names;
-  for (const fileStruct& item : transfers_[0]->description.items) names += item.name + " ";
+  for (const TransferJob& job : transfers_[0]->description.jobs) names += job.remote + " ";
   EXPECT_EQ(names, "dir one two ");
 }
 
@@ -123,15 +123,15 @@ TEST(ExtractService, ListensAsLongAsItLives) {
 }
 
 TEST_F(Drag, TakesLocalFilesAndNothingElse) {
-  using Paths = std::vector<std::string>;
   const Qt::DropActions copy = Qt::CopyAction;
   const Qt::DropActions move = Qt::MoveAction;
-  const std::tuple<const char*, Qt::DropActions, bool, Paths, std::size_t> cases[] = {
-      {"# x\r\nfile:///%C3%BC%20\r\nfile:///d/\r\n", copy | move, true, {"/\xc3\xbc ", "/d/"}, 0},
-      {"file:///a\nhttp://host/b\nfile://elsewhere.test/c", copy, true, {"/a"}, 1},
-      {"http://host/b", copy, true, {}, 1},
-      {"file:///a", move, false, {}, 0},
-      {"file:///of%20rows", copy, false, {}, 0},
+  const std::tuple<const char*, Qt::DropActions, bool, const char*, std::size_t> cases[] = {
+      {"# x\r\nfile:///%C3%BC%20\r\nfile:///d/\r\n", copy | move, true,
+       "/\xc3\xbc >\xc3\xbc + /d>d+", 0},
+      {"file:///a\nhttp://host/b\nfile://elsewhere.test/c", copy, true, "/a>a+", 1},
+      {"http://host/b", copy, true, "", 1},
+      {"file:///a", move, false, "", 0},
+      {"file:///of%20rows", copy, false, "", 0},
   };
   for (const bool enabled : {true, false}) {
     if (!enabled) View().DisableAll();
@@ -151,8 +151,8 @@ TEST_F(Drag, TakesLocalFilesAndNothingElse) {
       QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
       QApplication::sendEvent(window_, &drop);
       EXPECT_TRUE(!drop.isAccepted() || drop.dropAction() == Qt::CopyAction) << urls;
-      const Paths uploaded = transfers_.empty() ? Paths() : transfers_[0]->description.localItems;
-      EXPECT_EQ(uploaded, enabled ? uploads : Paths()) << urls;
+      EXPECT_EQ(transfers_.empty() ? "" : Jobs(transfers_[0]->description), enabled ? uploads : "")
+          << urls;
       EXPECT_EQ(alerts_.size(), enabled ? alerts : 0) << urls;
     }
   }

@@ -87,7 +87,7 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     EXPECT_EQ(now.proxyAddress + now.proxyPort + std::to_string(now.buffersize), "p 8021 131072");
     EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy && !now.defaultpass);
     EXPECT_TRUE(!now.notify && now.classicStyle);
-    EXPECT_EQ(ReadAtStart(), "");
+    EXPECT_EQ(ReadAtStart(), Text());
   }
 }
 

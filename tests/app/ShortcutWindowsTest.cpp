@@ -17,7 +17,7 @@ namespace {
 class Shortcuts : public AppFixture {
  protected:
   Shortcuts() {
-    EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), Named("two"), Named("three")}), "");
+    EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), Named("two"), Named("three")}), Text());
     app_->ConnectionWindow().MessageReceived(Message("REDO"_what));
     app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
     list_ = app_->Shortcuts();
@@ -231,7 +231,7 @@ TEST_F(Shortcuts, AreOpenedFromTheTray) {
   odd.site.passive = true;
   Shortcut wrong = Named("a & b");
   wrong.site.port = 0;
-  EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), odd, wrong}), "");
+  EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), odd, wrong}), Text());
   Q_EMIT tray.PopUpMenu().aboutToShow();
   QStringList texts;
   for (QAction* item : tray.PopUpMenu().actions()) {

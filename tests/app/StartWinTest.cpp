@@ -8,6 +8,7 @@
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"
 #include "settings/StoredSettings.h"
+#include "sites/ReadAtStart.h"
 #include "sites/ShortcutStore.h"
 
 namespace corvane {
@@ -97,7 +98,7 @@ TEST_P(Start, WindowsComeBackWhereTheyWere) {
   app_->Transfers().setGeometry(QRect(5000, 5000, 300, 250));
   window_->setGeometry(wide);
   window_->close();  // stores nothing yet
-  StoredSettings::ReadAtStart();
+  EXPECT_EQ(ReadAtStart(), Text());
   EXPECT_EQ(StoredSettings::Frame(kConnectionFrame), kConnectionFrame.fallback);
   app_->PostMessage(With("OPNC"_what, "host", "h"));
   app_->WindowList().back()->setGeometry(wide);
@@ -211,7 +212,7 @@ TEST_P(Start, ShortcutsFillTheFieldsByTheirKeys) {
   std::vector<Shortcut> list(11, {.label = "l", .site = {.host = "h9", .path = "/\xFC"}});
   list[1] = {.label = "a&b",
              .site = {.host = "h1", .port = 2, .user = "u", .password = "p", .passive = true}};
-  ASSERT_EQ(ShortcutStore::SaveAll(list), "");
+  ASSERT_EQ(ShortcutStore::SaveAll(list), Text());
   start_.MessageReceived(Message("REDO"_what));
   Key(Qt::Key_1);
   EXPECT_EQ(Fields(), "h1|u|/|2|p");

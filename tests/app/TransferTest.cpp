@@ -18,14 +18,12 @@ class Transfers : public AppFixture {
   }
 
   TransferItem& Start(const std::string& host = "server.test", const std::string& name = "file") {
-    DownloadRequest request;
-    request.listener.noted = [this](std::string_view line) { window_->Session().Log(line); };
-    request.connection.host = host;
-    request.where = "/d";
-    request.size = 1000;
-    request.items.push_back(File("remote", 1000));
-    request.items[0].displayName = name;
-    transferWindow_.AddDownload(std::move(request));
+    transferStruct download;
+    download.site.host = host;
+    download.targetFolder = "/d";
+    download.size = 1000;
+    download.jobs.push_back({.remote = "/remote", .local = "/d/" + name});
+    transferWindow_.Add(std::move(download), {});
     return list_.Items().At(list_.Items().Count() - 1);
   }
   void Select(std::initializer_list<int> rows) {
@@ -35,7 +33,7 @@ class Transfers : public AppFixture {
     }
   }
   void End(std::size_t transfer, TransferEnd state, const char* why = "") {
-    transfers_[transfer]->row->SetEndState(state, why);
+    transfers_[transfer]->row->SetEndState(state, Text::Raw(why));
     ASSERT_TRUE(Wait([&] { return !list_.Items().At(static_cast<int>(transfer)).Running(); }));
   }
   /// The colour of the last row's bar near its left end.
@@ -58,7 +56,7 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
     for (const TransferEnd each : ends) {
       const TransferItem& item = Start();
       transfers_.back()->row->BeginFile("<b>file");
-      transfers_.back()->row->SetEndState(each, "550 No.");
+      transfers_.back()->row->SetEndState(each, Text::Raw("550 No."));
       ASSERT_TRUE(Wait([&] { return item.IsSettled(); }));
       notifier.Ended(item.News());
     }
@@ -116,7 +114,7 @@ TEST_F(Transfers, CancelsWhatRunsAndRemovesWhatHasEnded) {
   EXPECT_TRUE(list_.Items().At(0).Failed() && list_.SelectedRows().empty());
   EXPECT_EQ(list_.Items().RunningCount(), 2);
   ASSERT_EQ(list_.Items().Count(), 6);
-  transfers_[0]->row->SetEndState(TransferEnd::Finished, "");  // the worker knows better
+  transfers_[0]->row->SetEndState(TransferEnd::Finished, {});  // the worker knows better
   EXPECT_TRUE(Wait([&] { return list_.Items().At(0).Finished(); }));
   Select({0, 1, 3});
   QTest::keyClick(&list_, Qt::Key_Backspace);
@@ -130,17 +128,20 @@ TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
   const auto text = [&](int role) {
     return list_.Items().data(list_.Items().index(0), role).toString().toStdString();
   };
-  Start();
+  List({File("last")});
+  View().SelectRow(2);
+  window_->MessageReceived(Message("DWLD"_what));
+  ASSERT_TRUE(Begins());
   TransferUi& row = *transfers_[0]->row;
   row.BeginFile("last");
-  for (int note = 1; note <= 25; ++note) row.NoteEntry("<b>" + std::to_string(note) + ": left");
+  for (int note = 1; note <= 25; ++note) row.NoteEntry(Text("<b>%1: left", note));
   row.Progress().files = 12;
   End(0, TransferEnd::Failed, "25 entries failed.");
   EXPECT_NE(text(Qt::ToolTipRole).find("25 entries failed.\n&lt;b&gt;1: left\n"),
             std::string::npos);
   EXPECT_NE(text(Qt::ToolTipRole).find("20: left\nand 5 more"), std::string::npos);
   EXPECT_EQ(text(Qt::DisplayRole), "File: last (12 done)");
-  row.SetEndState(TransferEnd::Finished, "");
+  row.SetEndState(TransferEnd::Finished, {});
   EXPECT_TRUE(Wait([&] { return text(Qt::DisplayRole) == "File: last (12 done, 25 left out)"; }));
   const auto* log = window_->findChild<QPlainTextEdit*>("TextLog");
   EXPECT_TRUE(Wait([&] { return log->toPlainText().count(": left") == 25; }));
@@ -148,10 +149,7 @@ TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
 
 TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
   Start("server.test", "a \xFC");
-  DownloadRequest several;
-  several.where = "/d";
-  several.items = {File("first"), File("second")};
-  transferWindow_.AddDownload(several);
+  transferWindow_.Add({.targetFolder = "/d", .jobs = {{"/1", "/d/1"}, {"/2", "/d/2"}}}, {});
   std::string working;
   QByteArray asked;
   Reveal::Use({[&](const QUrl& entry, const auto& then) {
@@ -191,9 +189,8 @@ TEST_F(Transfers, FinishedOnesLeaveByThemselvesWhereAsked) {
   ProcessSettings::Set(settings_);
   Start();
   Start();
-  transfers_[0]->row->PostMessage(With("FERR"_what, "error", "Could not connect."));
-  End(0, TransferEnd::Failed);
-  transfers_[1]->row->SetEndState(TransferEnd::Finished, "");
+  End(0, TransferEnd::Failed, "Could not connect.");
+  transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
   EXPECT_TRUE(Wait([&] { return list_.Items().Count() == 1; }));
   EXPECT_EQ(TransferTexts(list_.Items().At(0)).FailureText(), "Could not connect.");
 }
@@ -204,14 +201,14 @@ TEST_F(Transfers, ClosingHidesAndARowMayGoWhileItsWorkerTalks) {
   EXPECT_FALSE(transferWindow_.isVisible());
   ASSERT_EQ(list_.Items().Count(), 1);
   std::thread worker([row = transfers_[0]->row] {
-    while (row->SetLabel("working") && row->BeginFile("file")) {
+    while (row->SetStatus(Text("working")) && row->BeginFile("file")) {
     }
   });
   list_.Items().At(0).Cancel();
   QApplication::processEvents();
   list_.Items().Remove(0);
   worker.join();
-  EXPECT_FALSE(transfers_[0]->row->SetEndState(TransferEnd::Finished, ""));
+  EXPECT_FALSE(transfers_[0]->row->SetEndState(TransferEnd::Finished, {}));
 }
 
 }  // namespace

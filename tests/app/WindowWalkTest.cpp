@@ -11,7 +11,7 @@
 #include "AppFixture.h"
 #include "app/browser/MViewFile.h"
 #include "app/program/Translations.h"
-#include "app/shared/EngineTexts.h"
+#include "app/shared/Shown.h"
 #include "sites/Shortcut.h"
 
 namespace corvane {
@@ -39,15 +39,15 @@ class WindowWalk : public AppFixture {
   void TestBody() override {}
 
   void OpenAll() {
-    List({File("1", kDirectorySize), File("2", kLinkSize), File("3", 1536)});
+    List({Folder("1"), Link("2"), File("3", 1536)});
     View().SelectRow(4);
-    link_->SetStatus("Connected.");
+    link_->SetStatus(Text("Connected."));
     for (const std::uint32_t what : {"SHLG"_what, "MKDR"_what, "RNFW"_what}) {
       window_->MessageReceived(Message(what));
     }
     const auto text = std::make_shared<ViewerLink>();
-    window_->OpenViewer(text, "Listing of: /1");
-    text->End("The file is not complete: The server does not answer");
+    window_->OpenViewer(text, Text("Listing of: %1", "/1"));
+    text->End(Text("The file is not complete: %1", "2"));
     window_->findChild<MViewFile*>()->findChild<QLineEdit*>("Find")->parentWidget()->show();
     app_->ShowShortcuts();
     app_->ShowEditor({}, *window_);
@@ -55,16 +55,15 @@ class WindowWalk : public AppFixture {
     app_->AboutRequested();
     for (const std::optional end :
          {std::optional(TransferEnd::Failed), {TransferEnd::Finished}, {}}) {
-      DownloadRequest request;
-      request.items = {File("3", 1000)};
-      app_->Transfers().AddDownload(std::move(request));
-      transfers_.back()->row->NoteEntry("Left out: 4 (a special file)");
-      if (end.has_value()) transfers_.back()->row->SetEndState(*end, "No data connection: 5");
+      app_->Transfers().Add({.jobs = {{"/3", "/4"}}}, {});
+      TransferUi& row = *transfers_.back()->row;
+      row.NoteEntry(Text("Left out: %1 (%2)", 4, Text("a link or a special file")));
+      if (end.has_value()) row.SetEndState(*end, Text("The connection was lost: %1", 5));
     }
     window_->findChild<QCheckBox*>("SameCon")->setChecked(true);
     Command(Qt::Key_D);
     EXPECT_TRUE(Wait([&] { return !here_.empty(); }));
-    here_.back()->row->SetEndState(TransferEnd::Failed, "Cancelled.");
+    here_.back()->row->SetEndState(TransferEnd::Failed, Text("Cancelled."));
     const auto& running = app_->Transfers();
     EXPECT_TRUE(Wait([&] { return running.RunningCount() == 1 && View().IsEnabled(); }));
   }
@@ -224,15 +223,10 @@ TEST(EveryWindow, IsWholeAndInReachInBothLanguages) {
     const std::string text = english[i].toStdString();
     EXPECT_TRUE(english[i] != german[i] || alike.match(english[i]).hasMatch()) << text;
   }
+  const Text lost("The connection was lost: %1", "Connected.");
   EXPECT_EQ(
-      Translated("2 of 3 entries failed; stopped at a: b: Could not open %1: c: Out of memory."
-                 "\n\nx: 550 Connected.\ny: The name leads elsewhere.\nand 3 more"
-                 "\n\"Cancelled.\" was not renamed.\n1 of 2 entries failed: Cancelled.")
-          .toStdString(),
-      "2 von 3 Einträgen fehlgeschlagen; angehalten bei a: b: %1 ließ sich nicht öffnen: c: "
-      "Der Speicher reicht nicht.\n\nx: 550 Connected.\ny: Der Name führt woandershin.\n"
-      "und 3 weitere\n„Cancelled.“ wurde nicht umbenannt.\n"
-      "1 von 2 Einträgen fehlgeschlagen: Cancelled.");
+      Shown(Text("%1 of %2 entries failed: %3: %4", 1, 2, "Cancelled.", lost)).toStdString(),
+      "1 von 2 Einträgen fehlgeschlagen: Cancelled.: Die Verbindung ist abgebrochen: Connected.");
 }
 
 TEST(Language, IsTheFirstThatThereIs) {

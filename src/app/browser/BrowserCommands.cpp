@@ -21,7 +21,7 @@ constexpr auto kWindow = BrowserCommand::Target::Window;
 constexpr auto kServer = BrowserCommand::Target::Connection;
 constexpr auto kProgram = BrowserCommand::Target::Program;
 
-QString Shown(const char* key) {
+QString KeyText(const char* key) {
   return QKeySequence(key).toString(QKeySequence::NativeText);
 }
 
@@ -86,7 +86,7 @@ BrowserCommands::BrowserCommands(QMenuBar& bar, Run run,
   QMenu* menu = MakeMenu(bar, Menu::Windows, tr("&Windows"), run);
   // The key is shown here too but belongs to "New Connection": a key of two items works for none.
   const auto connection = std::ranges::find(All(), "SHMN"_what, &BrowserCommand::code);
-  menu->addAction(tr("&Control Window") + '\t' + Shown(connection->keys), this,
+  menu->addAction(tr("&Control Window") + '\t' + KeyText(connection->keys), this,
                   [run = std::move(run), &command = *connection] { run(command); });
   const auto fixed = static_cast<int>(menu->actions().size());
   connect(menu, &QMenu::aboutToShow, this, [menu, fixed, windows] { windows(*menu, fixed); });
@@ -121,7 +121,7 @@ QMenu* BrowserCommands::MakePopUp(QWidget* parent, const CommandState& state, co
     const BrowserCommand::PopUp& item = command->popUp;
     if (item.place / kPerGroup != group) menu->addSeparator();
     group = item.place / kPerGroup;
-    QAction* action = menu->addAction(tr(item.text) + '\t' + Shown(item.key));
+    QAction* action = menu->addAction(tr(item.text) + '\t' + KeyText(item.key));
     action->setEnabled(IsEnabled(item.when, state));
     connect(action, &QAction::triggered, parent, [run, command] { run(*command); });
   }

@@ -72,7 +72,9 @@ void BrowserSession::ConnectAgain() {
 
 // A full queue means a hundred requests are waiting; one more would not be noticed.
 bool BrowserSession::Send(Message message) {
-  if (!message.FindString("path").has_value()) message.AddString("path", currentDirectory_);
+  if (!currentDirectory_.empty() && !message.FindString("path")) {
+    message.AddString("path", currentDirectory_);
+  }
   const std::uint32_t request = message.what;
   if (looper_ == nullptr || !looper_->PostMessage(std::move(message))) {
     QApplication::beep();

@@ -90,7 +90,7 @@ std::string MWListItem::SizeText() const {
 }
 
 std::string MWListItem::DateText() const {
-  if (IsDots()) return "-";
+  if (IsDots() || time_ == 0) return "-";
   const auto part = [this](int shift) { return static_cast<int>(time_ >> shift & 0xFF); };
   return Printed("%02d/%02d/%d", part(32) + 1, part(24), static_cast<int>(time_ >> 40));
 }

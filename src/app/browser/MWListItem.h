@@ -33,7 +33,7 @@ class MWListItem {
 
   [[nodiscard]] const std::string& Name() const { return name_; }
   [[nodiscard]] std::int64_t Size() const { return size_; }
-  /// Year to second packed so that later is greater.
+  /// Year to second packed so that later is greater; 0 when the server did not tell.
   [[nodiscard]] std::uint64_t TimeKey() const { return time_; }
   [[nodiscard]] std::int32_t Type() const { return type_; }
   [[nodiscard]] IconKind Icon() const { return icon_; }

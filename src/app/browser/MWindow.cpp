@@ -31,9 +31,6 @@
 #include "util/Url.h"
 
 namespace corvane {
-namespace {
-
-}  // namespace
 
 MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)
     : app_(app), session_(std::make_unique<BrowserSession>(*this, std::move(site))) {

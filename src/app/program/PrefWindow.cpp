@@ -289,8 +289,7 @@ void PrefWindow::Save() {
     close();
     return;
   }
-  Alerts::Show(this,
-               {.title = tr("Warning!"), .text = problem, .detail = Shown(failure)});
+  Alerts::Show(this, {.title = tr("Warning!"), .text = problem, .detail = Shown(failure)});
 }
 
 }  // namespace corvane

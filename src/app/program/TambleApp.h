@@ -98,7 +98,7 @@ class TambleApp : public QObject,
   QPointer<ShortCutEditWindow> editor_;
   QPointer<PrefWindow> preferences_;
   std::unique_ptr<About> about_;
-  Text unread_;         // why the settings could not be read yet
+  Text unread_;                // why the settings could not be read yet
   bool withDefaults_ = false;  // the user connects although the settings are unread
   bool askingToQuit_ = false;
   bool quitting_ = false;

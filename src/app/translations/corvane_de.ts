@@ -256,6 +256,10 @@
         <translation>Nur %1 von %2 Byte kamen an.</translation>
     </message>
     <message>
+        <source>%1 bytes came of a file that has %2.</source>
+        <translation>%1 Byte kamen von einer Datei an, die %2 hat.</translation>
+    </message>
+    <message>
         <source>The file became shorter while it was being sent.</source>
         <translation>Die Datei wurde kürzer, während sie gesendet wurde.</translation>
     </message>

@@ -21,6 +21,7 @@ namespace {
 constexpr long kSlice = 50;             // milliseconds between looks at the control connection
 constexpr long kMostPatience = 30'000;  // milliseconds for a data connection to come about
 constexpr int kNoDataConnection = 425;  // RFC 959, 4.2
+constexpr int kBrokenOff = 426;
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
@@ -180,11 +181,8 @@ Outcome DataChannel::SetUpActive() {
   std::uint16_t port = 0;
   listener->localAddress().get(here, &port);
   SetEndpoint(std::move(listener));
-  Outcome outcome =
-      FtpControl::CheckResult(control_.SendCommand(PortCommand(ntohl(here.s_addr), port)),
-                              Text("The server refuses active connections."));
-  if (!outcome.IsDone()) Close();
-  return outcome;
+  return FtpControl::CheckResult(control_.SendCommand(PortCommand(ntohl(here.s_addr), port)),
+                                 Text("The server refuses active connections."));
 }
 
 Outcome DataChannel::SetUpPassive() {
@@ -204,15 +202,10 @@ Outcome DataChannel::SetUpPassive() {
 Outcome DataChannel::Open(FtpCommand& command) {
   noConnection_ = false;
   Attempt attempt{command};
-  try {
-    passive_ ? Connect(attempt) : Accept(attempt);
-    // What is not open by now never will be: the server gives up, and knows why.
-    if (!attempt.open) Close();
-    while (!attempt.open && !command.IsComplete()) attempt.Listen();
-  } catch (const FtpFailure&) {
-    Close();
-    throw;
-  }
+  passive_ ? Connect(attempt) : Accept(attempt);
+  // What is not open by now never will be: the server gives up, and knows why.
+  if (!attempt.open) Close();
+  while (!attempt.open && !command.IsComplete()) attempt.Listen();
   const Reply& first = *attempt.first;
   const bool accepted = first.code >= 100 && first.code < 300;
   if (attempt.open && accepted) {
@@ -227,7 +220,8 @@ Outcome DataChannel::Open(FtpCommand& command) {
   }
   const Text failed =
       passive_ ? Text("Passive connection failed.") : Text("Active connection failed.");
-  WayFailed();
+  // One that broke off had come about, even where that was too soon to be seen here.
+  if (attempt.last.code != kBrokenOff) WayFailed();
   if (attempt.last.code >= 400) {
     Outcome outcome = FtpControl::CheckResult(attempt.last, failed);
     if (outcome.kind == Outcome::Kind::Refused) outcome.kind = Outcome::Kind::Busy;

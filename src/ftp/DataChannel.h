@@ -32,7 +32,7 @@ class DataChannel {
   Outcome SetUp();
   /// Opens the data connection for a command that was just sent and judges its first reply. The
   /// control connection is watched meanwhile, so that a refusal ends the wait. After a failure the
-  /// command is complete and nothing is open.
+  /// command is complete. After SetUp failed, or either threw, Close is still to be called.
   Outcome Open(FtpCommand& command);
   /// After a failed Open: whether the other way, which is then in force, is worth a try.
   [[nodiscard]] bool TryOtherWay();

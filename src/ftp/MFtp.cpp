@@ -61,13 +61,15 @@ void MFtp::Interrupt() {
   if (lookup_) lookup_->cancel();
 }
 
+// The reply is waited for as after an interruption: only a moment.
 void MFtp::Quit() {
-  constexpr long kPatience = 700;
   (void)control_.Guard([this]() -> Outcome {
     FtpCommand quit(control_, "QUIT");
-    if (control_.isDataPending(kPatience)) (void)quit.Next();
+    control_.SetInterrupted(true);
+    quit.Hurry();
     return {};
   });
+  control_.SetInterrupted(false);
 }
 
 Outcome MFtp::ChangeDir(std::string_view argument) {
@@ -93,12 +95,13 @@ Outcome MFtp::Go(const std::optional<std::string>& here, const std::string& dire
   const auto [above, name] = SplitPath(directory);
   const bool absolute = directory.starts_with('/');
   if (here && !here->empty() && *here != "/" && SplitPath(*here).first == directory) {
-    const Outcome up = ChangeDir("..");
+    Outcome up = ChangeDir("..");
     if (up.IsDone() || !absolute) return up;
   }
   if (here && above == *here && !name.empty()) return ChangeDir(name);
   if (absolute || (start_ == directory && !directory.empty())) return ChangeDir(directory);
-  if (directory.empty() && !here) {
+  // Nothing leads from an absolute path to a place whose path is not known.
+  if (directory.empty() && (!here || here->starts_with('/'))) {
     return {Outcome::Kind::Refused, 0, Text("The server does not lead back to its directory")};
   }
   if (directory.empty()) {
@@ -111,9 +114,11 @@ Outcome MFtp::Go(const std::optional<std::string>& here, const std::string& dire
   return ChangeDir(name);
 }
 
+// The server is asked even where it stands at the path already, unless it named the path itself: a
+// link may have led there.
 Outcome MFtp::Enter(const std::string& path, std::string& where) {
   return control_.Guard([&]() -> Outcome {
-    if (cwd_ != WithoutTrailingSlash(path)) {
+    if (cwd_ != told_ || cwd_ != WithoutTrailingSlash(path)) {
       if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
       cwd_ = AskPath().value_or(Resolved(*cwd_));
     }
@@ -159,8 +164,7 @@ Outcome MFtp::Exists(const std::string& path, bool& exists) {
   std::optional<std::int64_t> size;
   Outcome outcome = Size(path, size);
   exists = size.has_value();
-  if (outcome.IsDone() || outcome.kind == Outcome::Kind::Lost ||
-      outcome.kind == Outcome::Kind::Cancelled)
+  if (exists || outcome.kind == Outcome::Kind::Lost || outcome.kind == Outcome::Kind::Cancelled)
     return outcome;
   if (outcome.code == kUnavailable) return {};
   const auto [directory, name] = SplitPath(path);

@@ -82,6 +82,8 @@ class MFtp final : public RemoteSession {
   /// What comes before every transfer, and the transfer's command with its data connection.
   Outcome Open(const std::string& command, std::string_view logged, std::int64_t offset,
                std::unique_ptr<RemoteFile>& file);
+  Outcome OpenThisWay(const std::string& command, std::string_view logged, std::int64_t offset,
+                      std::unique_ptr<RemoteFile>& file);
   Outcome SetBinary();
   Outcome SetOffset(std::int64_t offset, std::int64_t& accepted);
   Outcome FetchListing(std::string& text);

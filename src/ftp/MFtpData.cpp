@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "ftp/FtpFailure.h"
 #include "ftp/FtpFile.h"
 #include "ftp/ListingParser.h"
 #include "ftp/MFtp.h"
@@ -78,24 +79,31 @@ Outcome MFtp::SetOffset(std::int64_t offset, std::int64_t& accepted) {
 
 Outcome MFtp::Open(const std::string& command, std::string_view logged, std::int64_t offset,
                    std::unique_ptr<RemoteFile>& file) {
-  for (;;) {
-    if (Outcome outcome = data_.SetUp(); !outcome.IsDone()) return outcome;
-    std::int64_t begin = 0;
-    Outcome outcome = SetBinary();
-    if (outcome.IsDone()) outcome = SetOffset(offset, begin);
-    if (!outcome.IsDone()) {
-      data_.Close();
-      return outcome;
-    }
-    auto sent = std::make_unique<FtpCommand>(control_, command, logged);
-    outcome = data_.Open(*sent);
-    if (outcome.IsDone()) {
-      markerSet_ = false;
-      file = std::make_unique<FtpFile>(control_, data_, std::move(sent), begin);
-      return outcome;
-    }
-    if (!data_.TryOtherWay()) return outcome;
+  try {
+    Outcome outcome = OpenThisWay(command, logged, offset, file);
+    if (!outcome.IsDone() && data_.TryOtherWay())
+      outcome = OpenThisWay(command, logged, offset, file);
+    if (!outcome.IsDone()) data_.Close();
+    return outcome;
+  } catch (const FtpFailure&) {
+    data_.Close();
+    throw;
   }
+}
+
+Outcome MFtp::OpenThisWay(const std::string& command, std::string_view logged, std::int64_t offset,
+                          std::unique_ptr<RemoteFile>& file) {
+  if (Outcome outcome = data_.SetUp(); !outcome.IsDone()) return outcome;
+  std::int64_t begin = 0;
+  Outcome outcome = SetBinary();
+  if (outcome.IsDone()) outcome = SetOffset(offset, begin);
+  if (!outcome.IsDone()) return outcome;
+  auto sent = std::make_unique<FtpCommand>(control_, command, logged);
+  outcome = data_.Open(*sent);
+  if (!outcome.IsDone()) return outcome;
+  markerSet_ = false;
+  file = std::make_unique<FtpFile>(control_, data_, std::move(sent), begin);
+  return outcome;
 }
 
 Outcome MFtp::OpenForReading(const std::string& path, std::int64_t offset,

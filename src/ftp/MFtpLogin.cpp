@@ -142,6 +142,7 @@ void MFtp::AskForUnixListings() {
 
 // The path of a PWD reply (RFC 959, appendix II); nothing when the server does not tell.
 std::optional<std::string> MFtp::AskPath() {
+  constexpr std::size_t kMaxPath = 4096;
   const Reply reply = control_.SendCommand("PWD");
   if (!reply.IsCompletion()) return std::nullopt;
   std::string text = reply.lastText;
@@ -149,13 +150,16 @@ std::optional<std::string> MFtp::AskPath() {
   if (open == std::string::npos) {
     // A server without quotes: what stands behind the code is all there is.
     while (text.ends_with('\n') || text.ends_with(' ')) text.pop_back();
-    return WithoutTrailingSlash(std::move(text));
+  } else {
+    const std::size_t close = text.rfind('"');
+    text = text.substr(open + 1, close > open ? close - open - 1 : text.find('\n') - open - 1);
+    // A quote inside the path is written twice.
+    for (std::size_t at = text.find("\"\""); at != std::string::npos;
+         at = text.find("\"\"", at + 1))
+      text.erase(at, 1);
   }
-  const std::size_t close = text.rfind('"');
-  text = text.substr(open + 1, close > open ? close - open - 1 : text.find('\n') - open - 1);
-  // A quote inside the path is written twice.
-  for (std::size_t at = text.find("\"\""); at != std::string::npos; at = text.find("\"\"", at + 1))
-    text.erase(at, 1);
+  // No system has longer ones; the way back up from such a path would be endless.
+  if (text.size() > kMaxPath) return std::nullopt;
   return WithoutTrailingSlash(std::move(text));
 }
 

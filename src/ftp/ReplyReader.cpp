@@ -23,7 +23,8 @@ bool HasCode(std::string_view line) {
 
 // "220 Ready", or the code alone.
 bool IsLast(std::string_view line) {
-  return line.size() == 3 || line[3] == ' ' || line[3] == '\t' || line[3] == kLineEnd;
+  constexpr std::array kEnds = {' ', '\t', kLineEnd, kOtherLineEnd};
+  return line.size() == 3 || std::ranges::find(kEnds, line[3]) != kEnds.end();
 }
 
 [[noreturn]] void Fail(Text why) {
@@ -31,14 +32,6 @@ bool IsLast(std::string_view line) {
 }
 
 }  // namespace
-
-int ReplyCode(std::string_view line, int otherwise) {
-  const std::size_t start = line.find_first_not_of(" \t");
-  if (start == std::string_view::npos) return otherwise;
-  int code = 0;
-  const auto [end, error] = std::from_chars(line.data() + start, line.data() + line.size(), code);
-  return error == std::errc() ? code : otherwise;
-}
 
 std::optional<Reply> ReplyReader::Read(const std::function<void(std::string_view)>& onLine) {
   for (;;) {
@@ -77,7 +70,7 @@ bool ReplyReader::TakeLine(const std::string& line) {
   const bool hasCode = HasCode(line);
   const bool opens = hasCode && line.size() > 3 && line[3] == '-';
   if (!begun_ && !opens && !(hasCode && IsLast(line))) return false;
-  if (!begun_) reply_.code = ReplyCode(line, 0);
+  if (!begun_) std::from_chars(line.data(), line.data() + 3, reply_.code);
   if (!begun_ && opens) opening_ = line.substr(0, 3);
   begun_ = true;
   reply_.text += line;
@@ -124,16 +117,13 @@ ReplyReader::Came ReplyReader::Fill(long limit) {
   using std::chrono::milliseconds;
   using std::chrono::steady_clock;
   constexpr long kSlice = 50;
-  auto deadline = steady_clock::now() + milliseconds(limit);
-  bool hurried = false;
-  while (!stream_.wait(kSlice)) {
+  const auto deadline = steady_clock::now() + milliseconds(limit);
+  do {
     const auto now = steady_clock::now();
-    if (!hurried && interrupted_) {
-      hurried = true;
-      deadline = std::min(deadline, now + milliseconds(kPatience));
-    }
-    if (now >= deadline) return Came::Nothing;
-  }
+    if (!interrupted_) hurry_.reset();
+    if (interrupted_ && !hurry_) hurry_ = now + milliseconds(kPatience);
+    if (now >= std::min(deadline, hurry_.value_or(deadline))) return Came::Nothing;
+  } while (!stream_.wait(kSlice));
   std::array<char, 4096> block{};
   const std::size_t count = stream_.read(block);
   if (count == 0) return Came::End;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -30,7 +31,8 @@ class ReplyReader {
   static constexpr std::size_t kMaxLine = std::size_t{64} * 1024;
   static constexpr std::size_t kMaxReply = std::size_t{1024} * 1024;
 
-  /// Neither is owned. Once `interrupted` is true a silent server is waited for only a moment.
+  /// Neither is owned. Once `interrupted` is true the server is waited for only a moment in all,
+  /// however little it says at a time.
   ReplyReader(Stream& stream, const std::atomic<bool>& interrupted)
       : stream_(stream), interrupted_(interrupted) {}
 
@@ -68,10 +70,8 @@ class ReplyReader {
   std::string opening_;   // "230" while the reply is one that began with "230-"
   std::size_t length_ = 0;
   bool begun_ = false;
-  bool speaksFtp_ = false;  // a whole reply has come
+  bool speaksFtp_ = false;                                      // a whole reply has come
+  std::optional<std::chrono::steady_clock::time_point> hurry_;  // when an interrupted wait ends
 };
-
-/// The number at the start of a reply's line, or `otherwise` where there is none.
-[[nodiscard]] int ReplyCode(std::string_view line, int otherwise);
 
 }  // namespace corvane

@@ -19,9 +19,9 @@ namespace corvane {
 class NLPacket;
 
 /// One IPv4 socket. One thread at a time works with it; close() and abort() may be called from any
-/// thread and make a blocked call return. Failing calls close the socket and throw NLException
-/// (net/NLException.h), unless stated otherwise. Timeouts are milliseconds; 0 or less waits without
-/// limit.
+/// thread and make a blocked call return. Failing calls throw NLException (net/NLException.h),
+/// unless stated otherwise; bind, connect, listen and accept close the socket first. Timeouts are
+/// milliseconds; 0 or less waits without limit.
 class NLEndpoint : public Stream {
  public:
   enum e_type : int { stream = SOCK_STREAM, datagram = SOCK_DGRAM };
@@ -84,7 +84,7 @@ class NLEndpoint : public Stream {
   /// Waits until the socket can be read (or accepted from); false when the time passed first.
   [[nodiscard]] virtual bool isDataPending(long milliseconds);
 
-  /// Throws "Socket not opened" without a socket; what setsockopt answers is ignored.
+  /// Throws "Socket not opened" without a socket; what setsockopt returns is ignored.
   void setOption(e_options option, e_optlevel level, const void* value, unsigned int size);
   void setNonBlock(bool on);
   void setReuseAddr(bool on);

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "remote/Outcome.h"
@@ -111,6 +113,13 @@ class RemoteSession {
 class EngineLease {
  public:
   explicit EngineLease(RemoteSession& session) : hold_(session.lease_) {}
+  /// Waits until `cancelled` is true at most; whether it holds the lease then, the object tells.
+  EngineLease(RemoteSession& session, const std::atomic<bool>& cancelled)
+      : hold_(session.lease_, std::try_to_lock) {
+    constexpr std::chrono::milliseconds kStep(20);
+    for (; !hold_ && !cancelled; (void)hold_.try_lock()) std::this_thread::sleep_for(kStep);
+  }
+  [[nodiscard]] explicit operator bool() const { return hold_.owns_lock(); }
 
  private:
   std::unique_lock<std::mutex> hold_;

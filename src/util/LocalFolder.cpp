@@ -14,18 +14,15 @@ constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 }  // namespace
 
 int LocalFolder::Open(const std::string& path) {
-  made_ = false;
   fd_.reset(::open(path.c_str(), kFlags));
   return fd_ ? 0 : errno;
 }
 
 int LocalFolder::Enter(const LocalFolder& above, std::string_view name) {
   fd_.reset();
-  made_ = false;
   if (!IsSafeLocalName(name)) return EINVAL;
   const std::string entry(name);
-  made_ = ::mkdirat(above.Fd(), entry.c_str(), 0777) == 0;
-  if (!made_ && errno != EEXIST) return errno;
+  if (::mkdirat(above.Fd(), entry.c_str(), 0777) != 0 && errno != EEXIST) return errno;
   fd_.reset(OpenBeneath(above.Fd(), entry, kFlags));
   return fd_ ? 0 : errno;
 }

@@ -18,8 +18,6 @@ class LocalFolder {
   /// Opens the folder `name` inside `above` and makes it when it is missing. `name` must pass
   /// IsSafeLocalName (else EINVAL); a symbolic link or a file in its place is refused.
   [[nodiscard]] int Enter(const LocalFolder& above, std::string_view name);
-  /// True when Enter made the folder, false when it was there.
-  [[nodiscard]] bool Made() const { return made_; }
   /// Writes everything on the folder's file system to the disk: one call for a whole tree whose
   /// files were committed with Durability::Later. Blocks as long as the disk needs.
   [[nodiscard]] int SyncAll() const;
@@ -28,7 +26,6 @@ class LocalFolder {
 
  private:
   UniqueFd fd_;
-  bool made_ = false;
 };
 
 }  // namespace corvane

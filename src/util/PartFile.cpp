@@ -37,6 +37,10 @@ std::string PartFile::NameFor(std::string_view name) {
   return "." + std::string(name.substr(0, kept)) + number + std::string(kSuffix);
 }
 
+bool PartFile::IsPartName(std::string_view name) {
+  return name.starts_with('.') && name.ends_with(kSuffix);
+}
+
 int PartFile::ClearStale(int folder, const std::string& name) {
   const std::string part = NameFor(name);
   // O_NONBLOCK: opening a FIFO must not wait.

@@ -20,6 +20,8 @@ class PartFile {
   /// The part file's name: ".NAME.corvane-part"; where that is too long for a directory, the
   /// beginning of NAME and a number made from the whole.
   [[nodiscard]] static std::string NameFor(std::string_view name);
+  /// Whether the name is one that a part file may have, and so nobody else's.
+  [[nodiscard]] static bool IsPartName(std::string_view name);
   /// Removes the part file of `name` that a process left behind when it was killed. EWOULDBLOCK
   /// when the part file is being written.
   [[nodiscard]] static int ClearStale(int folder, const std::string& name);

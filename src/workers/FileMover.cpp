@@ -29,7 +29,8 @@ Outcome WriteFailure(int error) {
 Outcome FileMover::Download(const std::string& remote, std::int64_t size, LocalFile& file,
                             bool resume, Durability durability) {
   std::unique_ptr<RemoteFile> data;
-  Outcome outcome = resume ? Resume(remote, file, data) : session_.OpenForReading(remote, 0, data);
+  Outcome outcome =
+      resume ? Resume(remote, size, file, data) : session_.OpenForReading(remote, 0, data);
   if (!outcome.IsDone()) return outcome;
   outcome = Receive(*data, file);
   if (!outcome.IsDone()) return outcome;
@@ -41,13 +42,14 @@ Outcome FileMover::Download(const std::string& remote, std::int64_t size, LocalF
   return error == 0 ? Outcome{} : WriteFailure(error);
 }
 
-// Begins a little before the end of what is there. Afterwards `data` stands where `file` does.
-Outcome FileMover::Resume(const std::string& remote, LocalFile& file,
+// Begins a little before the end of what is there. Afterwards `data` stands where `file` does, and
+// `listed` is what the server says now.
+Outcome FileMover::Resume(const std::string& remote, std::int64_t& listed, LocalFile& file,
                           std::unique_ptr<RemoteFile>& data) {
   const std::int64_t have = file.InitialSize();
   std::optional<std::int64_t> size;
-  if (const Outcome asked = session_.Size(remote, size); asked.kind == Outcome::Kind::Lost)
-    return asked;
+  if (Outcome asked = session_.Size(remote, size); asked.kind == Outcome::Kind::Lost) return asked;
+  listed = size.value_or(listed);
   bool same = size && *size >= have;
   const std::int64_t offset = same ? std::max<std::int64_t>(have - kTail, 0) : 0;
   Outcome outcome = session_.OpenForReading(remote, offset, data);
@@ -97,15 +99,18 @@ Outcome FileMover::Receive(RemoteFile& data, LocalFile& file) {
   return Outcome::Cancelled();
 }
 
-// A file shorter than listed may have shrunk since; the server is asked.
+// A file of another length than listed may have shrunk or grown since; the server is asked. One
+// that goes on growing is larger by now, and one whose size it does not tell may have grown.
 Outcome FileMover::CameWhole(const std::string& remote, std::int64_t listed, std::int64_t have) {
-  if (listed < 0 || have >= listed) return {};
+  if (listed < 0 || have == listed) return {};
   std::optional<std::int64_t> size;
   if (Outcome asked = session_.Size(remote, size);
       asked.kind == Outcome::Kind::Lost || asked.kind == Outcome::Kind::Cancelled)
     return asked;
-  if (size == have) return {};
-  return {Outcome::Kind::Busy, 0, Text("Only %1 of %2 bytes came.", have, listed)};
+  if (size == have || (have > listed && size.value_or(have) >= have)) return {};
+  return {Outcome::Kind::Busy, 0,
+          have < listed ? Text("Only %1 of %2 bytes came.", have, listed)
+                        : Text("%1 bytes came of a file that has %2.", have, *size)};
 }
 
 Outcome FileMover::Upload(LocalFile& file, const std::string& remote) {

@@ -33,7 +33,8 @@ class FileMover {
   Outcome Upload(LocalFile& file, const std::string& remote);
 
  private:
-  Outcome Resume(const std::string& remote, LocalFile& file, std::unique_ptr<RemoteFile>& data);
+  Outcome Resume(const std::string& remote, std::int64_t& listed, LocalFile& file,
+                 std::unique_ptr<RemoteFile>& data);
   Outcome SameTail(RemoteFile& data, LocalFile& file, bool& same);
   Outcome Receive(RemoteFile& data, LocalFile& file);
   Outcome Send(RemoteFile& data, LocalFile& file);

@@ -37,7 +37,11 @@ void FileTransfer::SetWorking(bool working) {
 }
 
 std::int32_t FileTransfer::Execute() {
-  const EngineLease lease(*session_);
+  const EngineLease lease(*session_, CancelFlag());
+  if (!lease) {
+    row_->SetEndState(TransferEnd::Cancelled, {});
+    return 0;
+  }
   SetWorking(true);
   try {
     Outcome outcome = Begin();

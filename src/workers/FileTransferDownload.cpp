@@ -70,10 +70,7 @@ Outcome FileTransfer::DownloadEntry(const LocalFolder& folder, const Entry& entr
 // What fails inside a directory is noted there and does not make the directory fail.
 Outcome FileTransfer::dDirectory(const LocalFolder& above, const Entry& entry) {
   const std::string name = LocalName(entry);
-  if (!IsSafeLocalName(name)) {
-    return End(entry,
-               Outcome::LocalError(Text("The name \"%1\" cannot be a local folder's.", name)));
-  }
+  if (!IsSafeLocalName(name)) return End(entry, UnusableName(name, Kind::Directory));
   std::string where;
   const Outcome entered = way_.Enter(entry.job.remote, where);
   if (!entered.IsDone()) return End(entry, entered);
@@ -114,9 +111,8 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
 
 Outcome FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry) {
   const std::string name = LocalName(entry);
-  if (!IsSafeLocalName(name)) {
-    return UnusableName(name, Kind::File);
-  }
+  // What had a part file's name would be removed together with the part files of killed transfers.
+  if (!IsSafeLocalName(name) || PartFile::IsPartName(name)) return UnusableName(name, Kind::File);
   LocalFile file;
   bool resume = false;
   Outcome outcome = OpenTarget(folder, entry, file, resume);

@@ -24,7 +24,6 @@ class TransferNotes {
 
   /// What ends the transfer: nothing after it is tried.
   void Stop() { stopped_ = true; }
-  [[nodiscard]] bool Stopped() const { return stopped_; }
   [[nodiscard]] bool AllDone() const { return failed_ == 0 && !stopped_; }
   /// What failed, for the user.
   [[nodiscard]] Text Summary() const;

@@ -1,13 +1,19 @@
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 
+#include <filesystem>
+#include <span>
+#include <thread>
+
 #include "ftp/Session.h"
+#include "net/Stream.h"
 #include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
 
 using namespace std::literals;
+namespace fs = std::filesystem;
 
 // MKD takes its reply as it comes, and tells the last line's text of a refusal.
 TEST(Control, ReadsRepliesWholeAndStaysInStep) {
@@ -22,6 +28,7 @@ TEST(Control, ReadsRepliesWholeAndStaysInStep) {
       {{.reply = "504-Hello\r\n504\r\n"}, ""},
       // The byte is an end where nothing follows it, else a character's beginning.
       {{.reply = "504 Odd end\xEC"}, "Odd end\xEC"},
+      {{.reply = "200\xEC"}, "Done"},
       {{.reply = "504 " + odd + "\xEA\xB0\x80\r\n"}, odd + "\xEA\xB0\x80"},
       {{.reply = "504-" + odd + "504 no end\r\n504 End\r\n"}, "End"},
       // What is no reply is passed over, and so is what comes unasked or twice.
@@ -93,9 +100,32 @@ TEST(Control, PutsCommandsOnTheWireAsTheyAre) {
   };
   for (const auto& [path, told] : cases) EXPECT_EQ(Told(s.engine.RemoveFile(path)), told);
   EXPECT_EQ(s.Sent(), "DELE a b");
+  const auto open = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+  const auto before = open();
+  EXPECT_EQ(Told(s.Get("/a\nb")), cases[1].second);
+  EXPECT_EQ(open(), before) << "nothing listens for data that never comes";
   const std::string log = s.ui->Seen().log;
   EXPECT_NE(log.find("PASS\n"), std::string::npos);
   EXPECT_EQ(log.find("PASS p"), std::string::npos);
+}
+
+// Whoever has cancelled or says good-bye waits for a moment only, whatever the server does.
+TEST(Control, DoesNotWaitForDribbleInAHurry) {
+  struct Dribble : Stream {
+    std::size_t read(std::span<char> buffer) override { return buffer[0] = 'x', 1; }
+    void write(std::span<const char> /*bytes*/) override {}
+    bool wait(long /*milliseconds*/) override { return std::this_thread::sleep_for(9ms), true; }
+    void finish() override {}
+    void abort() override {}
+  } dribble;
+  const auto begin = std::chrono::steady_clock::now();
+  const std::atomic<bool> interrupted = true;
+  EXPECT_FALSE(ReplyReader(dribble, interrupted).Read([](std::string_view) {}));
+  Session s;
+  s.server.On("QUIT", {.reply = "221 B"});
+  s.LogIn();
+  s.engine.Quit();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s);
 }
 
 TEST(Control, KeepsASilentConnectionAlive) {
@@ -188,6 +218,7 @@ TEST(Login, LearnsTheServerAndItsDirectoryOnEveryConnection) {
       {"215 UNIX AppleShare IP FTP Server", "257 /plain", "/plain", "LIST"},
       {"500 What?", "502 No", "", "LIST -la"},
       {"215", "257 \"", "", "LIST -la"},
+      {"215", "257 " + std::string(5'000, 'a'), "", "LIST -la"},
       {"215 Windows_NT version 4.0", "257 \"/\" is current", "/", "LIST"},
   };
   for (const auto& [syst, pwd, path, list] : cases) {
@@ -230,11 +261,20 @@ TEST(Directories, AreEnteredByTheShortestWay) {
   }
   Session s;
   s.server.Tree().AddFile("/a/f", "");
+  s.server.Tree().AddLink("/l", "/a");
   s.LogIn();
   EXPECT_EQ(Told(s.engine.RemoveFile("/none/f")),
             "Refused: The directory cannot be opened.\n\nCannot do that.");
   EXPECT_EQ(s.engine.Rename("/a/f", "/g").kind, Outcome::Kind::Refused);
   EXPECT_EQ(s.Sent(), "CWD none|CWD a|RNFR f");
+  std::string where;
+  EXPECT_EQ(s.engine.RemoveFile("/l/x").code, 550);
+  EXPECT_TRUE(s.engine.Enter("/l", where).IsDone());
+  EXPECT_EQ(where, "/a") << "the server is asked where a link led";
+  s.server.On("PWD", {.reply = "502 No\r\n"});
+  s.LogIn();
+  EXPECT_TRUE(s.engine.Enter("/", where).IsDone());
+  EXPECT_EQ(s.List("").kind, Outcome::Kind::Refused) << "where that is nobody knows";
 }
 
 }  // namespace

@@ -113,6 +113,7 @@ TEST(DataChannel, FindsTheWayThatWorks) {
   const ScriptedAction hangs = {.reply = Hanging(full)};
   const ScriptedAction none = {.reply = "425 No\r\n"};
   const ScriptedAction late = {.reply = "150 Wait\r\n425 No\r\n"};
+  const ScriptedAction cut = {.reply = "150 Wait\r\n426 No\r\n"};
   const ScriptedAction done = {.reply = "226 Done\r\n"};
   const ScriptedAction never = {.reply = "553 No\r\n"};
   const ScriptedAction stranger = {.strangerFirst = true};
@@ -134,8 +135,14 @@ TEST(DataChannel, FindsTheWayThatWorks) {
       {false, {}, {}, {late, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
       {false, {}, {}, {done, {}, {}}, "Done", "PORT|RETR f|PASV|RETR f|PASV|RETR f"},
       {false, {}, {}, {stranger, {}}, "Done", "PORT|RETR f|PORT|RETR f"},
-      // A refusal that is not about data connections.
+      // A refusal that is not about data connections, and one that had come about.
       {true, hangs, {}, {never, never}, "Refused" + refused, "PASV|RETR f|PASV|RETR f"},
+      {true,
+       dead,
+       {},
+       {cut, cut},
+       "Busy: Passive connection failed.\n\nNo",
+       "PASV|RETR f|PASV|RETR f"},
       // Neither works: the way that was asked for stays.
       {true,
        no,

@@ -105,6 +105,7 @@ TEST(FileTransfer, KeepsReplacesOrGoesOn) {
 TEST(FileTransfer, FailsWithAReason) {
   const std::tuple<std::string, std::string, std::function<void(Job&)>> cases[] = {
       {"../f", "cannot be used", [](Job&) {}},
+      {".f.corvane-part", "cannot be used", [](Job&) {}},
       {"g", "No such file", [](Job&) {}},
       {"f", "Invalid User", [](Job& j) { j.server.On("PASS", {.reply = "530 No\r\n"}); }},
       {"f", "cannot be opened", [](Job& j) { j.description.jobs[0].remote = "/none/f"; }},
@@ -152,12 +153,18 @@ TEST(FileTransfer, FailsWithAReason) {
   }
 }
 
-TEST(FileTransfer, AsksOnceWhetherAFileShrank) {
-  for (const std::string size : {"213 10\r\n", "213 300000\r\n", "550 No\r\n", "213 x\r\n"}) {
+TEST(FileTransfer, AsksOnceWhetherAFileShrankOrGrew) {
+  const std::tuple<std::int64_t, std::string, bool> cases[] = {
+      {300'000, "213 10\r\n", true},  {300'000, "213 300000\r\n", false},
+      {300'000, "550 No\r\n", false}, {300'000, "213 x\r\n", false},
+      {5, "213 10\r\n", true},        {5, "213 11\r\n", true},
+      {5, "213 5\r\n", false},        {5, "550 No\r\n", true},
+  };
+  for (const auto& [listed, size, whole] : cases) {
     Job job;
     job.server.On("SIZE", {.reply = size});
-    job.Fetch("f", RemoteEntry::Kind::File, 300'000);
-    EXPECT_EQ(job.Run() == TransferEnd::Finished, size == "213 10\r\n") << size;
+    job.Fetch("f", RemoteEntry::Kind::File, listed);
+    EXPECT_EQ(job.Run() == TransferEnd::Finished, whole) << listed << size;
     EXPECT_EQ(std::ranges::count(job.server.Transcript(), "SIZE f\r\n"), 1);
   }
 }
@@ -197,6 +204,16 @@ TEST(FileTransfer, StopsWhenTheDiskIsFull) {
   }
 }
 
+TEST(FileTransfer, EndsAtOnceWhereItIsCancelledBeforeItsTurn) {
+  Job job(true, true);
+  job.Fetch("f");
+  const EngineLease lease(*job.session);
+  job.Start();
+  job.worker->Cancel();
+  EXPECT_EQ(job.Wait(), TransferEnd::Cancelled);
+  EXPECT_TRUE(Background::WaitForNone(std::chrono::seconds(2)));
+}
+
 // What stands on the server already stays, unless the user has agreed.
 TEST(FileTransfer, UploadsReplaceOnlyWhereAgreed) {
   const std::tuple<Policy, TransferEnd, const char*, const char*> cases[] = {
@@ -205,10 +222,10 @@ TEST(FileTransfer, UploadsReplaceOnlyWhereAgreed) {
       {Policy::Replace, TransferEnd::Finished, "ours", ""},
   };
   for (const auto& [policy, end, stored, notes] : cases) {
-    for (const bool sizes : {true, false}) {
+    for (const char* size : {"", "502 No\r\n", "213\r\n"}) {
       Job job;
       job.policy = policy;
-      if (!sizes) job.server.On("SIZE", {.reply = "502 No\r\n"});
+      if (*size != '\0') job.server.On("SIZE", {.reply = size});
       for (const char* name : {"f", "new"}) Write(job.folder.Path() / name, "ours");
       job.server.Tree().AddFile("/pub/f", "theirs");
       for (const char* name : {"f", "new"}) job.Send(name);

@@ -34,7 +34,7 @@ Outcome FileMover::Download(const std::string& remote, std::int64_t size, LocalF
   if (!outcome.IsDone()) return outcome;
   outcome = Receive(*data, file);
   if (!outcome.IsDone()) return outcome;
-  outcome = data->Finish();
+  outcome = Finish(*data, remote, file.Position());
   if (!outcome.IsDone()) return outcome;
   outcome = CameWhole(remote, size, file.Position());
   if (!outcome.IsDone()) return outcome;
@@ -118,7 +118,16 @@ Outcome FileMover::Upload(LocalFile& file, const std::string& remote) {
   Outcome outcome = session_.OpenForWriting(remote, data);
   if (!outcome.IsDone()) return outcome;
   outcome = Send(*data, file);
-  return outcome.IsDone() ? data->Finish() : outcome;
+  return outcome.IsDone() ? Finish(*data, remote, file.Position()) : outcome;
+}
+
+// The server's verdict or, where it was lost, what the server has after a new login.
+Outcome FileMover::Finish(RemoteFile& data, const std::string& remote, std::int64_t moved) {
+  Outcome outcome = data.Finish();
+  if (outcome.kind != Outcome::Kind::Lost || !reconnects_ || cancelled_) return outcome;
+  std::optional<std::int64_t> size;
+  if (!session_.Connect().IsDone() || !session_.Size(remote, size).IsDone()) return outcome;
+  return size == moved ? Outcome{} : outcome;
 }
 
 Outcome FileMover::Send(RemoteFile& data, LocalFile& file) {

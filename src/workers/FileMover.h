@@ -20,9 +20,15 @@ struct TransferProgress;
 class FileMover {
  public:
   /// Nothing is owned. `bufferSize`: bytes with which a file's buffer starts.
+  /// With `reconnects` a connection that is lost once all the data has come or gone is answered by
+  /// a new one, and by a look at the file's size on the server.
   FileMover(RemoteSession& session, TransferProgress& progress, const std::atomic<bool>& cancelled,
-            std::int32_t bufferSize)
-      : session_(session), progress_(progress), cancelled_(cancelled), bufferSize_(bufferSize) {}
+            std::int32_t bufferSize, bool reconnects)
+      : session_(session),
+        progress_(progress),
+        cancelled_(cancelled),
+        bufferSize_(bufferSize),
+        reconnects_(reconnects) {}
 
   /// Fetches `remote`, of `size` bytes as listed or -1, into `file`, which was opened as the policy
   /// has it, and commits it. A resumed file is gone on with only where its end is the server's too;
@@ -38,12 +44,14 @@ class FileMover {
   Outcome SameTail(RemoteFile& data, LocalFile& file, bool& same);
   Outcome Receive(RemoteFile& data, LocalFile& file);
   Outcome Send(RemoteFile& data, LocalFile& file);
+  Outcome Finish(RemoteFile& data, const std::string& remote, std::int64_t moved);
   Outcome CameWhole(const std::string& remote, std::int64_t listed, std::int64_t have);
 
   RemoteSession& session_;
   TransferProgress& progress_;
   const std::atomic<bool>& cancelled_;
   const std::int32_t bufferSize_;
+  const bool reconnects_;
 };
 
 /// An outcome for an errno number of writing: where there is no room, nothing that follows fits.

@@ -14,7 +14,7 @@ FileTransfer::FileTransfer(std::shared_ptr<TransferUi> row, transferStruct descr
       description_(std::move(description)),
       session_(std::move(session)),
       window_(std::move(window)),
-      mover_(*session_, row_->Progress(), CancelFlag(), description_.bufferSize),
+      mover_(*session_, row_->Progress(), CancelFlag(), description_.bufferSize, !window_),
       way_(*session_),
       notes_(*row_, description_.jobs.size()) {}
 

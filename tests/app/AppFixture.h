@@ -2,19 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPointer>
-#include <QPushButton>
-#include <QTemporaryDir>
 #include <QTest>
+#include <QtWidgets>
 #include <atomic>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/browser/DirListView.h"
@@ -29,7 +22,7 @@
 
 namespace corvane {
 
-/// "CODE field=value ..." of a message's strings, and its port.
+/// "CODE field=value ..." of a message's strings.
 inline std::string Described(const Message& message) {
   std::string text;
   for (const int shift : {24, 16, 8, 0}) text += static_cast<char>(message.what >> shift);
@@ -38,8 +31,7 @@ inline std::string Described(const Message& message) {
       if (const auto value = message.FindString(name, i)) text += " " + name + "=" + *value;
     }
   }
-  const auto port = message.FindInt16("port");
-  return port ? text + " port=" + std::to_string(static_cast<std::uint16_t>(*port)) : text;
+  return text;
 }
 
 /// Keeps what a browser window asks of its connection, a line for each request.
@@ -152,6 +144,34 @@ class AppFixture : public testing::Test {
     ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
   }
   static bool Wait(const auto& until) { return QTest::qWaitFor(until, 5000); }
+  static bool Gone(const auto& window) {
+    return Wait([&] { return window.isNull(); });
+  }
+  /// Whether so many alerts came; the last one has been answered then.
+  bool Alerted(std::size_t count) {
+    const bool came = Wait([&] { return alerts_.size() == count; });
+    QApplication::processEvents();
+    return came && alerts_.size() == count;
+  }
+  /// Forgets transfers and alerts, and presses `button` on those to come.
+  void Anew(int button = 0) {
+    transfers_.clear();
+    alerts_.clear();
+    button_ = button;
+  }
+  /// Selects all below the dots.
+  void SelectEntries() {
+    View().SelectRow(2);
+    QTest::keyClick(&View(), Qt::Key_End, Qt::ShiftModifier);
+  }
+  static QLineEdit& Line(const QWidget* window, const char* name) {
+    return *window->findChild<QLineEdit*>(name);
+  }
+  /// Fills a field and presses Enter in it.
+  static void Enter(QLineEdit* field, const QString& text) {
+    field->setText(text);
+    QTest::keyClick(field, Qt::Key_Return);
+  }
   /// Whether one more transfer begins than `before`.
   bool Begins(std::size_t before = 0) {
     return Wait([&] { return transfers_.size() + here_.size() == before + 1; });
@@ -175,16 +195,24 @@ class AppFixture : public testing::Test {
   static RemoteEntry Link(const std::string& name) {
     return {.name = name, .kind = RemoteEntry::Kind::Link, .mode = "lrwxrwxrwx"};
   }
-  /// What a transfer moves: for each job "remote>local" of a download or "local>remote" of an
-  /// upload, and its policy: + creates, ! replaces, & goes on, ? skips.
+  /// What a transfer moves: for each job "remote>local" of a download, "remote/>local" of a
+  /// directory, "local>remote" of an upload, and its policy: + creates, ! replaces, & goes on.
   static std::string Jobs(const transferStruct& what) {
     std::string jobs;
     for (const TransferJob& job : what.jobs) {
       jobs += jobs.empty() ? "" : " ";
-      jobs += what.download ? job.remote + ">" + job.local : job.local + ">" + job.remote;
+      const char* to = job.kind == RemoteEntry::Kind::Directory ? "/>" : ">";
+      jobs += what.download ? job.remote + to + job.local : job.local + to + job.remote;
       jobs += "+!&?"[static_cast<std::size_t>(job.policy)];
     }
     return jobs;
+  }
+  /// What the only transfer moves, local names of the download folder without it; "" without one.
+  [[nodiscard]] std::string Moved() const {
+    EXPECT_LE(transfers_.size(), 1U);
+    if (transfers_.empty()) return "";
+    const auto jobs = QString::fromStdString(Jobs(transfers_[0]->description));
+    return QString(jobs).remove(folder_.path()).toStdString();
   }
 
   QTemporaryDir config_;

@@ -1,12 +1,6 @@
-#include "app/program/PrefWindow.h"
-
-#include <QComboBox>
-#include <QFile>
-#include <QFileDialog>
-#include <QTabWidget>
-
 #include "AppFixture.h"
 #include "app/desktop/Autostart.h"
+#include "app/program/PrefWindow.h"
 #include "settings/Access.h"
 #include "sites/ReadAtStart.h"
 
@@ -22,12 +16,9 @@ class Preferences : public AppFixture {
     window_ = app_->Preferences();
     EXPECT_TRUE(QTest::qWaitForWindowActive(window_));
   }
-  QLineEdit& Field(const char* name) { return *window_->findChild<QLineEdit*>(name); }
+  QLineEdit& Field(const char* name) { return Line(window_, name); }
   QCheckBox& Box(const char* name) { return *window_->findChild<QCheckBox*>(name); }
   void Press(const char* name) { window_->findChild<QPushButton*>(name)->click(); }
-  bool Closed() {
-    return Wait([&] { return window_.isNull(); });
-  }
 
   QPointer<PrefWindow> window_;
 };
@@ -53,41 +44,41 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   EXPECT_EQ(alerts_.size(), std::size(faults));
   Field("ProxyPort").setText(" 8021 ");
   Press("save");
-  EXPECT_TRUE(Closed());
+  EXPECT_TRUE(Gone(window_));
   Open();
-  EXPECT_TRUE(Box("ShowTranWin").isChecked());
+  EXPECT_TRUE(Box("ShowTranWin").isChecked() && Box("ShowInTray").isChecked());
   QFile atLogin(config_.filePath("autostart/corvane-tray.desktop"));
   EXPECT_TRUE(atLogin.open(QIODevice::ReadOnly));
   EXPECT_TRUE(atLogin.readAll().contains("\" -deskbar login\n"));
-  EXPECT_TRUE(Box("ShowInTray").isChecked());
-  EXPECT_EQ(Autostart::Set(false), "");
-  EXPECT_FALSE(atLogin.exists());
-  // What somebody else wrote into it stays.
-  QFile edited(atLogin.fileName());
-  EXPECT_TRUE(edited.open(QIODevice::WriteOnly) && edited.write("[Desktop Entry]\nX-My=1\n") > 0);
-  edited.close();
-  for (const bool on : {false, true}) {
-    EXPECT_EQ(Autostart::Set(on), "");
-    EXPECT_EQ(Autostart::IsSet(), on);
-    QFile now(atLogin.fileName());
-    EXPECT_TRUE(now.open(QIODevice::ReadOnly) && now.readAll().contains("X-My=1\n"));
-  }
   EXPECT_EQ(window_->findChild<QComboBox*>("BufferSize")->currentIndex(), 3);
   Box("RemoveItem").toggle();
-  window_->findChild<QPushButton*>("cancel")->setFocus();
-  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
-  EXPECT_TRUE(Closed());
+  QTest::keyClick(window_->findChild<QPushButton*>("cancel"), Qt::Key_Return);
+  EXPECT_TRUE(Gone(window_));
   for (const bool restarted : {false, true}) {
     const SettingsValues now = ProcessSettings::Get();
     EXPECT_EQ(now.DfltPass.size(), 9U);
-    EXPECT_EQ(now.DwnldDir, "/d");
     EXPECT_EQ(now.showwindow, restarted) << "kept, but not in force before the next start";
-    EXPECT_EQ(now.loginSsnd + now.loginFsnd + now.upldsnd + now.dwnldsnd,
-              "LoginSuccessLoginFailurenoneDownload Sound");
+    EXPECT_EQ(now.DwnldDir + now.loginSsnd + now.loginFsnd + now.upldsnd + now.dwnldsnd,
+              "/dLoginSuccessLoginFailurenoneDownload Sound");
     EXPECT_EQ(now.proxyAddress + now.proxyPort + std::to_string(now.buffersize), "p 8021 131072");
     EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy && !now.defaultpass);
     EXPECT_TRUE(!now.notify && now.classicStyle);
     EXPECT_EQ(ReadAtStart(), Text());
+  }
+}
+
+TEST_F(Preferences, WhatSomebodyElseWroteIntoTheAutostartFileStays) {
+  const QString path = config_.filePath("autostart/corvane-tray.desktop");
+  for (const bool edited : {false, true}) {
+    for (const bool on : {true, false}) {
+      EXPECT_EQ(Autostart::Set(on), "");
+      EXPECT_EQ(Autostart::IsSet(), on);
+      QFile now(path);
+      EXPECT_EQ(now.open(QFile::ReadOnly), on || edited);
+      EXPECT_EQ(now.readAll().contains("X-My=1\n"), edited);
+    }
+    QFile by(path);
+    EXPECT_TRUE(by.open(QFile::WriteOnly) && by.write("[Desktop Entry]\nX-My=1\n") > 0);
   }
 }
 
@@ -100,9 +91,7 @@ TEST_F(Preferences, APanelFillsTheSoundFieldInFocus) {
   const auto panels = window_->findChildren<QFileDialog*>();
   ASSERT_EQ(panels.size(), 1);
   panels[0]->setDirectory(folder_.path());
-  auto* name = panels[0]->findChild<QLineEdit*>();
-  name->setText("s.oga");
-  QTest::keyClick(name, Qt::Key_Return);
+  Enter(panels[0]->findChild<QLineEdit*>(), "s.oga");
   EXPECT_EQ(Field("Download Sound").text(), sound.fileName());
   EXPECT_EQ(Field("LoginSuccess").text(), "none");
 }
@@ -110,7 +99,7 @@ TEST_F(Preferences, APanelFillsTheSoundFieldInFocus) {
 // A proxy that is set there must not be bypassed without a word.
 TEST_F(Preferences, ThatCannotBeReadAreSaidAndNoConnectionIsMadeUnasked) {
   Press("cancel");
-  EXPECT_TRUE(Closed());
+  EXPECT_TRUE(Gone(window_));
   QFile set(config_.filePath("_LP_x-ovak-Corvane/settings"));
   ASSERT_TRUE(set.open(QFile::WriteOnly) && set.write("cut short") > 0);
   set.close();
@@ -132,12 +121,11 @@ TEST_F(Preferences, ThatCannotBeReadAreSaidAndNoConnectionIsMadeUnasked) {
   app_ = std::make_unique<TambleApp>(factory_);
   app_->ReadyToRun();
   ASSERT_TRUE(set.remove());
-  {
-    PreferenceSet mended("settings");
-    SaveInt32(mended, "useproxy", 1);
-    SaveString(mended, "ftpproxyaddress", "proxy.test");
-    SaveString(mended, "ftpproxyport", " 8021");
-  }
+  std::optional<PreferenceSet> mended("settings");
+  SaveInt32(*mended, "useproxy", 1);
+  SaveString(*mended, "ftpproxyaddress", "proxy.test");
+  SaveString(*mended, "ftpproxyport", " 8021");
+  mended.reset();
   app_->PostMessage(With("OPNC"_what, "host", "h"));
   EXPECT_EQ(connections_.back().proxy, (Proxy{"proxy.test", 8021}));
 }

@@ -16,11 +16,6 @@ class SameConnection : public AppFixture {
     Command(Qt::Key_D);
     EXPECT_TRUE(Begins(before));
   }
-  [[nodiscard]] QString Shown(const char* view) const {
-    return window_->findChild<QLabel*>(view)->text();
-  }
-
-  TransferPane* pane_ = window_->findChild<TransferPane*>();
 };
 
 TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
@@ -38,14 +33,10 @@ TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
     Command(Qt::Key_D);
     alerts_.clear();
     window_->MessageReceived(With("DWLD"_what, "FileName", "other"));
-    EXPECT_TRUE(Wait([&] { return alerts_.size() == 1; })) << "the connection is in use";
+    EXPECT_TRUE(Alerted(1)) << "the connection is in use";
     EXPECT_EQ(here_.size(), begun);
     row.BeginFile("file");
     row.Progress().files = 7;
-    row.Progress().done = 500;
-    row.Progress().elapsed = 1'000'000;
-    row.Progress().changed = true;
-    EXPECT_TRUE(Wait([&] { return Shown("BPSECSVIEW") == "500 bytes/sec"; }));
     if (end == TransferEnd::Cancelled) {
       Command(Qt::Key_Period);
       EXPECT_TRUE(here_.back()->Cancelled());
@@ -53,45 +44,41 @@ TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
     }
     row.SetEndState(end, Text::Raw(end == TransferEnd::Failed ? "550 Denied." : ""));
     EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
-    EXPECT_EQ(Shown("FileName"), text);
-    EXPECT_FALSE(pane_->Ticking());
+    EXPECT_EQ(window_->findChild<QLabel*>("FileName")->text(), text);
+    EXPECT_FALSE(window_->findChild<TransferPane*>()->Ticking());
   }
   EXPECT_TRUE(transfers_.empty());
 }
 
 TEST_F(SameConnection, ClosingTheWindowAsksAndCancels) {
   Download();
-  button_ = 1;
-  window_->close();
-  QApplication::processEvents();
-  ASSERT_FALSE(window_.isNull() || here_[0]->Cancelled());
-  button_ = 0;
-  window_->close();
-  QApplication::processEvents();
+  for (const int button : {1, 0}) {
+    ASSERT_FALSE(window_.isNull() || here_[0]->Cancelled());
+    button_ = button;
+    window_->close();
+    QApplication::processEvents();
+  }
+  EXPECT_TRUE(Gone(window_) && here_[0]->Cancelled());
   EXPECT_EQ(alerts_.size(), 2U);
-  EXPECT_TRUE(here_[0]->Cancelled());
-  EXPECT_TRUE(Wait([&] { return window_.isNull(); }));
   EXPECT_FALSE(here_[0]->row->SetEndState(TransferEnd::Cancelled, {}));
 }
 
 TEST_F(SameConnection, QuittingAsksOnceWhileAnythingRuns) {
   Download();
   app_->Transfers().Add({}, {});
-  button_ = 1;
-  app_->QuitRequested();
-  app_->QuitRequested();
-  QApplication::processEvents();
-  ASSERT_EQ(alerts_.size(), 1U);
-  EXPECT_EQ(alerts_[0].text, "Quit and stop 2 transfers?");
-  EXPECT_EQ(alerts_[0].preset, 1);
-  EXPECT_TRUE(app_->Transfers().isVisible());
-  here_[0]->row->SetEndState(TransferEnd::Finished, {});
-  EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
-  button_ = 0;
-  app_->QuitRequested();
-  QApplication::processEvents();
-  EXPECT_EQ(alerts_[1].text, "Quit and stop 1 transfer?");
-  EXPECT_FALSE(app_->Transfers().isVisible());
+  for (const auto& [button, question] :
+       {std::pair(1, "Quit and stop 2 transfers?"), {0, "Quit and stop 1 transfer?"}}) {
+    alerts_.clear();
+    button_ = button;
+    for (int time = 0; time < 2; ++time) app_->QuitRequested();
+    ASSERT_TRUE(Alerted(1));
+    EXPECT_EQ(alerts_[0].text.toStdString(), question);
+    EXPECT_EQ(alerts_[0].preset, 1);
+    EXPECT_EQ(app_->Transfers().isVisible(), button == 1);
+    if (button == 0) break;
+    here_[0]->row->SetEndState(TransferEnd::Finished, {});
+    EXPECT_TRUE(Wait([&] { return View().IsEnabled(); }));
+  }
   EXPECT_TRUE(transfers_[0]->Cancelled());
 }
 

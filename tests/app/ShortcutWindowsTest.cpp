@@ -1,5 +1,3 @@
-#include <QTreeWidget>
-
 #include "AppFixture.h"
 #include "app/browser/BrowserSession.h"
 #include "app/connect/ShortCutEditWindow.h"
@@ -19,8 +17,16 @@ class Shortcuts : public AppFixture {
   Shortcuts() {
     EXPECT_EQ(ShortcutStore::SaveAll({Named("one"), Named("two"), Named("three")}), Text());
     app_->ConnectionWindow().MessageReceived(Message("REDO"_what));
+    Open();
+  }
+
+  void Open() {
     app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
     list_ = app_->Shortcuts();
+  }
+  void Remove(int row) {
+    Select(row);
+    Key(Qt::Key_Delete);
   }
 
   static Shortcut Named(const char* label) {
@@ -35,11 +41,8 @@ class Shortcuts : public AppFixture {
     list_->List().setCurrentItem(list_->List().topLevelItem(row), 0,
                                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
   }
-  QLineEdit& Field(const char* name) { return *app_->Editor()->findChild<QLineEdit*>(name); }
+  QLineEdit& Field(const char* name) { return Line(app_->Editor(), name); }
   void PressOk() { app_->Editor()->findChild<QPushButton*>("ok")->click(); }
-  bool Closed() {
-    return Wait([&] { return app_->Editor().isNull(); });
-  }
   static std::string Stored() {
     std::string labels;
     for (const Shortcut& shortcut : ShortcutStore::ReadForMenu().shortcuts)
@@ -59,9 +62,8 @@ TEST_F(Shortcuts, EditsStayInTheWindowUntilTheyAreSaved) {
   Field("Port").clear();
   app_->Editor()->findChild<QCheckBox*>("Passive")->setChecked(true);
   PressOk();
-  EXPECT_TRUE(Closed());
+  EXPECT_TRUE(Gone(app_->Editor()) && list_->isWindowModified());
   EXPECT_EQ(Stored(), "one two three ");
-  EXPECT_TRUE(list_->isWindowModified());
   Key(Qt::Key_S, Qt::ControlModifier);
   EXPECT_FALSE(list_->Changed());
   EXPECT_EQ(Stored(), "one new three ");
@@ -71,26 +73,27 @@ TEST_F(Shortcuts, EditsStayInTheWindowUntilTheyAreSaved) {
   EXPECT_TRUE(ShortcutStore::Read(1) == expected);
 }
 
-TEST_F(Shortcuts, RemovesAllButTheLast) {
-  Select(1);
+TEST_F(Shortcuts, SortsForTheEyeAndRemovesAllButTheLast) {
+  list_->List().sortItems(0, Qt::AscendingOrder);
+  EXPECT_FALSE(list_->Changed());
+  Select(0);
   Key(Qt::Key_E, Qt::ControlModifier);
   Key(Qt::Key_Backspace);
   PressOk();
   ASSERT_EQ(alerts_.size(), 1U);  // its row is gone
   EXPECT_EQ(list_->List().currentItem()->text(0), "three");
-  Key(Qt::Key_Delete);
-  Select(0);
-  Key(Qt::Key_Backspace);
-  EXPECT_EQ(list_->List().topLevelItemCount(), 1);
+  Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(Stored(), "two three ") << "the menu keeps its order";
+  for (int row = 0; row < 2; ++row) Remove(0);
   ASSERT_EQ(alerts_.size(), 2U);
   EXPECT_EQ(alerts_[1].text, "You need to have at least one remaining shortcut.");
+  EXPECT_EQ(list_->List().topLevelItemCount(), 1);
 }
 
 TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
   // Escape in the alert itself does neither.
   Alerts::AnswerWith({});
-  Select(0);
-  Key(Qt::Key_Backspace);
+  Remove(0);
   list_->close();
   EXPECT_TRUE(Wait([] { return QApplication::activeModalWidget() != nullptr; }));
   QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
@@ -99,40 +102,18 @@ TEST_F(Shortcuts, ClosingAsksWhatBecomesOfChanges) {
   EXPECT_TRUE(list_->isVisible() && list_->Changed());
   EXPECT_EQ(Stored(), "one two three ");
   AnswerAlerts();
-  button_ = 0;
-  list_->close();
-  EXPECT_TRUE(Wait([&] { return list_.isNull(); }));
-  app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
-  list_ = app_->Shortcuts();
-  const std::pair<int, const char*> cases[] = {{0, "one two three "}, {1, "two three "}};
-  for (const auto& [button, stored] : cases) {
-    alerts_.clear();
-    button_ = button;
-    Select(0);
-    Key(Qt::Key_Backspace);
+  for (const auto& [button, stored] : {std::pair(0, "one two three "), {1, "two three "}}) {
+    Anew(button);
     list_->close();
-    EXPECT_TRUE(Wait([&] { return list_.isNull(); }));
+    EXPECT_TRUE(Gone(list_));
     ASSERT_EQ(alerts_.size(), 1U);
-    EXPECT_EQ(alerts_[0].text.toStdString(),
-              "You have made some changes.  Would you like to save them or discard them?");
     EXPECT_EQ(Stored(), stored);
-    app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
-    list_ = app_->Shortcuts();
+    Open();
+    Remove(0);
   }
-  Select(0);
-  Key(Qt::Key_Delete);
   app_->ConnectionWindow().close();
   EXPECT_TRUE(Wait([&] { return !app_->ConnectionWindow().isVisible(); }));
   EXPECT_EQ(Stored(), "three ");
-}
-
-TEST_F(Shortcuts, CopiesUrlsThatAreReadAgain) {
-  app_->ShowEditor({.site = {.host = "i", .path = "/a b"}}, *list_);
-  PressOk();
-  Key(Qt::Key_A, Qt::ControlModifier);
-  Key(Qt::Key_C, Qt::ControlModifier);
-  EXPECT_EQ(QApplication::clipboard()->text(),
-            "ftp://h:2121/d\nftp://h:2121/d\nftp://h:2121/d\nftp://i/a%20b\n");
 }
 
 TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
@@ -146,59 +127,41 @@ TEST_F(Shortcuts, ANewOneIsStoredAndShownAtOnce) {
   EXPECT_EQ(alerts_.size(), 1U);  // without a host
   Field("Host").setText("server.test");
   // What would not come back, and whether the user is asked about it.
-  const std::tuple<const char*, const char*, std::size_t> losses[] = {{"Label", "a*b", 1},
-                                                                      {"User", "a:b", 2}};
   button_ = 1;
-  for (const auto& [name, text, buttons] : losses) {
+  for (const auto& [name, text, buttons] : {std::tuple("Label", "a*b", 1), {"User", "a:b", 2}}) {
     const QString before = Field(name).text();
-    Field(name).setText(text);
-    PressOk();
-    EXPECT_EQ(alerts_.back().buttons.size(), static_cast<qsizetype>(buttons)) << name;
+    Enter(&Field(name), text);
+    EXPECT_EQ(alerts_.back().buttons.size(), buttons) << name;
     QApplication::processEvents();
     Field(name).setText(before);
   }
   for (const char* port : {"many", "0"}) {
-    Field("Port").setText(port);
-    PressOk();
+    Enter(&Field("Port"), port);
     EXPECT_EQ(alerts_.back().text, "The port has to be a number from 1 to 65535.");
   }
-  Field("Port").clear();
   Field("Label").clear();
   Key(Qt::Key_N, Qt::ControlModifier);  // the editor is in use, and stays as it is
   EXPECT_EQ(Field("Host").text(), "server.test");
-  QTest::keyClick(&Field("Port"), Qt::Key_Return);
-  EXPECT_TRUE(Closed());
+  Enter(&Field("Port"), "");
+  EXPECT_TRUE(Gone(app_->Editor()));
   EXPECT_EQ(Stored(), "one two three server.test ");
   EXPECT_EQ(ShortcutStore::Read(3)->site.path, "/pub/\xFC");
   EXPECT_EQ(app_->ConnectionWindow().CutMenu().Count(), 4);
-  EXPECT_EQ(list_->List().topLevelItem(3)->text(1), "server.test");
-}
-
-TEST_F(Shortcuts, SortingIsForTheEyeAndTheMenuKeepsItsOrder) {
-  list_->List().sortItems(0, Qt::AscendingOrder);
-  EXPECT_EQ(list_->List().topLevelItem(1)->text(0), "three");
-  EXPECT_FALSE(list_->Changed());
-  Select(0);
-  Key(Qt::Key_Delete);
-  Key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(Stored(), "two three ");
+  Key(Qt::Key_A, Qt::ControlModifier);
+  Key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text().section('\n', 2),
+            "ftp://h:2121/d\nftp://server.test/pub/%FC\n");
 }
 
 TEST_F(Shortcuts, BehindOneThatCannotBeReadAreNotLostUnasked) {
-  {
-    PreferenceSet set("shortcuts");
-    SaveString(set, "1", "no connection");
-  }
+  SaveString(*std::make_unique<PreferenceSet>("shortcuts"), "1", "no connection");
   list_->close();
-  EXPECT_TRUE(Wait([&] { return list_.isNull(); }));
-  app_->ConnectionWindow().MessageReceived(Message("SHST"_what));
-  list_ = app_->Shortcuts();
+  EXPECT_TRUE(Gone(list_));
+  Open();
   for (const bool anyway : {false, true}) {
-    button_ = anyway ? 0 : 1;
-    alerts_.clear();
+    Anew(anyway ? 0 : 1);
     Key(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(alerts_.size(), 1U);
-    QApplication::processEvents();
+    EXPECT_TRUE(Alerted(1));
     EXPECT_EQ(ShortcutStore::CountOutOfReach(), anyway ? 0 : 2);
   }
   Key(Qt::Key_S, Qt::ControlModifier);
@@ -210,12 +173,10 @@ TEST_F(Shortcuts, QuittingAsksAboutWhatWasTyped) {
   Key(Qt::Key_E, Qt::ControlModifier);
   Field("Label").setText("typed");
   app_->ShowPreferences();
-  app_->Preferences()->findChild<QLineEdit*>("defaultpass")->setText("typed");
+  Line(app_->Preferences(), "defaultpass").setText("typed");
   button_ = 1;
   app_->QuitRequested();
-  QApplication::processEvents();
-  EXPECT_EQ(alerts_.size(), 1U);
-  EXPECT_FALSE(app_->Quitting());
+  EXPECT_TRUE(Alerted(1) && !app_->Quitting());
   EXPECT_EQ(Field("Label").text(), "typed");
   button_ = 0;
   app_->QuitRequested();
@@ -241,18 +202,12 @@ TEST_F(Shortcuts, AreOpenedFromTheTray) {
   EXPECT_EQ(texts.join('|').toStdString(), "&Launch Corvane||one|h|a && b||&Remove from the tray");
   ASSERT_EQ(launched.size(), 3U);
   EXPECT_EQ(launched[0], Message("RUNN"_what));
-  for (std::size_t i = 1; i < launched.size(); ++i) {
-    app_->PostMessage(*RequestServer::Read(RequestServer::Line(launched[i])));
-    const Site& to = connections_.back();
-    EXPECT_EQ(to.port, 2121);
-    EXPECT_EQ(to.passive, i == 2);
-    EXPECT_EQ(to.user + to.password + to.host + to.path, i == 2 ? "anonymousph/d" : "uph/d");
+  odd.site.user = "anonymous";
+  for (const Site& site : {Named("one").site, odd.site}) {
+    launched.erase(launched.begin());
+    app_->PostMessage(*RequestServer::Read(RequestServer::Line(launched[0])));
+    EXPECT_TRUE(connections_.back() == site);
   }
-  // The list of a new user has one entry, which is stored then.
-  QFile::remove(config_.filePath("_LP_x-ovak-Corvane/shortcuts"));
-  Q_EMIT tray.PopUpMenu().aboutToShow();
-  EXPECT_EQ(tray.PopUpMenu().actions().size(), 5);
-  EXPECT_TRUE(ShortcutStore::Read(0).has_value());
 }
 
 }  // namespace

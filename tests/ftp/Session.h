@@ -14,13 +14,7 @@ namespace corvane {
 
 /// A scripted server and a session with it.
 struct Session : ListingSink {
-  explicit Session(bool passive = false)
-      : engine({.host = "127.0.0.1",
-                .port = server.Port(),
-                .user = "u",
-                .password = "p",
-                .passive = passive},
-               ui) {
+  explicit Session(bool passive = false) : engine(server.Where(passive), ui) {
     engine.SetSilenceLimit(10'000);
   }
 

@@ -80,9 +80,8 @@ TEST_F(PrefsTest, WhatCannotBeASetIsRefused) {
   ASSERT_EQ(::mkfifo((directory / "fifo").c_str(), 0600), 0);
   std::vector<std::pair<std::string, PREFStatus>> cases = {
       {"directory", -EISDIR}, {"file/set", -ENOTDIR}, {std::string(1024, 'n'), kPrefPathTooLong}};
-  for (const char* name : {"fifo", "", "../set", "a//b", "/set", ".saving-XyZ123"}) {
+  for (const char* name : {"fifo", "", "../set", "a//b", "/set", ".saving-XyZ123"})
     cases.emplace_back(name, -EINVAL);
-  }
   for (const auto& [name, status] : cases) {
     PREFSet* set = nullptr;
     EXPECT_EQ(PREFLoadSet(app, name.c_str(), true, &set), status) << name;

@@ -80,9 +80,8 @@ TEST_F(PrefsTest, HandlesAreCountedAndForgotten) {
 
 TEST_F(PrefsTest, ListingsNameWhatThereIs) {
   PREFSet* const set = Load("text");
-  for (const char* each : {"sub/a", "set.damaged", ".saving-abcdef", "../_LP_b/c", "../other/d"}) {
+  for (const char* each : {"sub/a", "set.damaged", ".saving-abcdef", "../_LP_b/c", "../other/d"})
     Write(directory / each, "");
-  }
   PREFDataCookie* items = nullptr;
   PREFApplicationCookie* apps = nullptr;
   PREFSetCookie* sets = nullptr;

@@ -5,7 +5,6 @@
 
 #include <tuple>
 
-#include "settings/StoredSettings.h"
 #include "sites/ReadAtStart.h"
 #include "support/Config.h"
 #include "support/Files.h"
@@ -94,32 +93,20 @@ TEST_F(Shortcuts, ADamagedListIsReadToItsFirstGapAndLosesNothing) {
   EXPECT_FALSE(ShortcutStore::Add(Named("none")).failure.IsEmpty());
 }
 
-// A port of the user's own making does not end the list.
-TEST_F(Shortcuts, APortThatIsNoneStaysInTheListAsZero) {
-  Fill({"Aa*ftp://u:p@h:2121x/", "Ab*ftp://u:p@h:many/", "Ac*ftp://u:p@h:70000/",
-        "Ad*ftp://u:p@h:/", "Ae*ftp://u:p@h: 22 /"});
-  std::string ports;
-  for (const Shortcut& shortcut : ShortcutStore::ReadForList().shortcuts)
-    ports += std::to_string(shortcut.site.port) + " ";
-  EXPECT_EQ(ports, "2121 0 0 21 22 ");
-}
-
 TEST_F(Shortcuts, SayWhatWouldNotComeBack) {
   using enum ShortcutStore::Return;
-  const std::tuple<const char*, const char*, const char*, const char*, ShortcutStore::Return>
-      cases[] = {
-          {"label", "user", "secret", "/pub/a b", Whole},
-          {"label", "", "", "", Whole},
-          {"a*b", "user", "secret", "/", Nothing},
-          {"label", "user", "p@ss", "/", Changed},
-          {"label", "user", "p:w", "/", Changed},
-          {"label", "anonymous", "me@home", "/", Whole},
-          {"label", "user", "secret", "/a:b", Changed},
-      };
-  for (const auto& [label, user, pass, path, result] : cases) {
-    const Shortcut shortcut{
-        .label = label,
-        .site = {.host = "h", .user = user, .password = pass, .path = path, .proxy = Proxy()}};
+  const std::tuple<const char*, Site, ShortcutStore::Return> cases[] = {
+      {"label", {"h", 21, "user", "secret", "/pub/a b"}, Whole},
+      {"label", {"h", 21, "", "", ""}, Whole},
+      {"a*b", {"h", 21, "user", "secret", "/"}, Nothing},
+      {"label", {"h", 21, "user", "p@ss", "/"}, Changed},
+      {"label", {"h", 21, "user", "p:w", "/"}, Changed},
+      {"label", {"h", 21, "anonymous", "me@home", "/"}, Whole},
+      {"label", {"h", 21, "user", "secret", "/a:b"}, Changed},
+  };
+  for (const auto& [label, site, result] : cases) {
+    Shortcut shortcut{.label = label, .site = site};
+    shortcut.site.proxy = Proxy();
     EXPECT_EQ(ShortcutStore::ComesBack(shortcut), result) << ShortcutStore::StoredForm(shortcut);
   }
 }

@@ -18,13 +18,9 @@ class RealServer {
  public:
   /// All that there are: "vsftpd", "proftpd", "pure-ftpd".
   static std::vector<std::string> Names() { return {"vsftpd", "proftpd", "pure-ftpd"}; }
-  /// Why this machine or this user cannot run the server; "" when nothing is in the way.
-  [[nodiscard]] static std::string Obstacle(const std::string& name);
-
-  /// Serves `root`, which Pure-FTPd comes to own. Throws std::runtime_error when it does not start;
-  /// the reason is then on standard error.
+  /// Serves `root`, which Pure-FTPd, for root only, comes to own. Throws std::runtime_error when it
+  /// does not start; the reason is then on standard error.
   RealServer(const std::string& name, const std::filesystem::path& root);
-  ~RealServer();
   RealServer(const RealServer&) = delete;
   RealServer& operator=(const RealServer&) = delete;
 
@@ -33,9 +29,11 @@ class RealServer {
   std::string password;
 
  private:
-  void Stop();
-
-  pid_t process_ = -1;
+  struct Process {
+    ~Process();
+    pid_t id = -1;
+  };
+  Process process_;
 };
 
 }  // namespace corvane

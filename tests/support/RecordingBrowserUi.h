@@ -51,26 +51,17 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
   }
   bool RemoveEntry(std::string_view name, std::string_view directory) override {
     return Note([&](BrowserRecord& r) {
-      std::erase_if(r.entries, [&](const RemoteEntry& entry) {
-        return entry.name == name && r.path == directory;
-      });
+      std::erase_if(r.entries, [&](auto& e) { return e.name == name && r.path == directory; });
     });
   }
   bool RenameEntry(std::string_view from, std::string_view to,
                    std::string_view directory) override {
     return Note([&](BrowserRecord& r) {
-      for (RemoteEntry& entry : r.entries) {
+      for (RemoteEntry& entry : r.entries)
         if (entry.name == from && r.path == directory) entry.name = to;
-      }
     });
   }
-  bool ChangeValues(std::string_view name, std::int64_t size) override {
-    return Note([&](BrowserRecord& r) {
-      for (RemoteEntry& entry : r.entries) {
-        if (entry.name == name) entry.size = size;
-      }
-    });
-  }
+  bool ChangeValues(std::string_view, std::int64_t) override { return !closing; }
 
   std::shared_ptr<TextSink> OpenViewer(const Text& title) override {
     const bool open = Note([&](BrowserRecord& r) { r.viewerTitle = title.English(); });

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "kit/Mutex.h"
+#include "remote/Site.h"
 #include "support/VirtualTree.h"
 #include "util/UniqueFd.h"
 
@@ -20,8 +21,8 @@ namespace corvane {
 enum class ControlEnd { Open, Close, Reset };
 
 /// What becomes of the data connection after `dataLimit` bytes. A stall lasts until the client
-/// hangs up; Never does not even accept or connect.
-enum class DataEnd { Close, Reset, Stall, Never };
+/// hangs up.
+enum class DataEnd { Close, Reset, Stall };
 
 /// How the server deals with a verb, where that differs from its own good manners; in the order in
 /// which it happens.
@@ -58,8 +59,9 @@ class ScriptedServer {
   ScriptedServer(const ScriptedServer&) = delete;
   ScriptedServer& operator=(const ScriptedServer&) = delete;
 
-  [[nodiscard]] std::string Host() const;
   [[nodiscard]] std::uint16_t Port() const { return port_; }
+  /// The way to it for the user "u".
+  [[nodiscard]] Site Where(bool passive) const;
   [[nodiscard]] VirtualTree& Tree() { return tree_; }
 
   /// Scripts a verb, or "greeting" for a connection that begins. `occurrence` counts from 1 over
@@ -67,9 +69,15 @@ class ScriptedServer {
   void On(const std::string& verb, ScriptedAction action, int occurrence = 0);
 
   /// The commands of all connections as they came, line ends included.
-  [[nodiscard]] std::vector<std::string> Transcript() const;
+  [[nodiscard]] std::vector<std::string> Transcript() const {
+    const MutexLock hold(lock_);
+    return commands_;
+  }
   /// Both directions, for messages: "> " before what the client sent, "< " before replies.
-  [[nodiscard]] std::string Dialogue() const;
+  [[nodiscard]] std::string Dialogue() const {
+    const MutexLock hold(lock_);
+    return dialogue_;
+  }
 
  private:
   friend class ScriptedSession;
@@ -80,8 +88,15 @@ class ScriptedServer {
   /// One control connection, on a thread of its own.
   void Serve(UniqueFd control);
   [[nodiscard]] ScriptedAction Next(const std::string& verb);
-  void NoteCommand(const std::string& line);
-  void NoteReply(const std::string& text);
+  void NoteCommand(const std::string& line) {
+    const MutexLock hold(lock_);
+    commands_.push_back(line);
+    dialogue_ += "> " + line;
+  }
+  void NoteReply(const std::string& text) {
+    const MutexLock hold(lock_);
+    dialogue_ += "< " + text + (text.ends_with('\n') ? "" : "\n");
+  }
 
   const std::uint32_t host_;
   VirtualTree tree_;

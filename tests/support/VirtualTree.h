@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -10,9 +12,14 @@ namespace corvane {
 
 /// The files that the scripted server offers, in memory. Paths are absolute; any thread.
 class VirtualTree {
+  using Path = std::filesystem::path;
+
  public:
   /// The path of `path` as seen from `directory`.
-  [[nodiscard]] static std::string Join(const std::string& directory, const std::string& path);
+  [[nodiscard]] static std::string Join(const std::string& directory, const std::string& path) {
+    const std::string at = (Path(directory) / path).lexically_normal();
+    return at.size() > 1 && at.ends_with('/') ? at.substr(0, at.size() - 1) : at;
+  }
 
   /// Adding makes the directories above and replaces a file of that name.
   void AddDirectory(const std::string& path) { Add(path, {'d', ""}); }
@@ -20,13 +27,35 @@ class VirtualTree {
   void AddLink(const std::string& path, const std::string& target) { Add(path, {'l', target}); }
 
   [[nodiscard]] bool Exists(const std::string& path) const { return Find(path).has_value(); }
-  [[nodiscard]] std::optional<std::string> File(const std::string& path) const;
+  [[nodiscard]] std::optional<std::string> File(const std::string& path) const {
+    const auto node = Find(path);
+    return node && node->type == '-' ? std::optional(node->text) : std::nullopt;
+  }
   /// The directory at `path`, or where a link there leads; nothing when there is none.
-  [[nodiscard]] std::optional<std::string> Directory(const std::string& path) const;
+  [[nodiscard]] std::optional<std::string> Directory(const std::string& path) const {
+    const auto node = Find(path);
+    if (node && node->type == 'l') return Directory(node->text);
+    return node && node->type == 'd' ? std::optional(path) : std::nullopt;
+  }
   /// What `ls -la` says about a directory, lines ending in CR LF.
-  [[nodiscard]] std::string Listing(const std::string& directory) const;
+  [[nodiscard]] std::string Listing(const std::string& directory) const {
+    const MutexLock hold(lock_);
+    std::string lines = "total 8\r\n" + Line('d', 0, ".") + Line('d', 0, "..");
+    for (const auto& [path, node] : nodes_) {
+      if (path == "/" || Path(path).parent_path() != directory) continue;
+      const std::string target = node.type == 'l' ? " -> " + node.text : "";
+      lines += Line(node.type, node.text.size(), Path(path).filename().string() + target);
+    }
+    return lines;
+  }
   /// Removes an empty directory, or what is none; false where the other kind stands.
-  bool Remove(const std::string& path, bool directory);
+  bool Remove(const std::string& path, bool directory) {
+    const auto node = Find(path);
+    const MutexLock hold(lock_);
+    const auto next = nodes_.upper_bound(path + "/");
+    const bool empty = next == nodes_.end() || !next->first.starts_with(path + "/");
+    return node && (node->type == 'd') == directory && empty && nodes_.erase(path) == 1;
+  }
 
  private:
   struct Node {
@@ -34,8 +63,21 @@ class VirtualTree {
     std::string text;  ///< bytes of a file, target of a link
   };
 
-  [[nodiscard]] std::optional<Node> Find(const std::string& path) const EXCLUDES(lock_);
-  void Add(const std::string& path, const Node& node) EXCLUDES(lock_);
+  static std::string Line(char type, std::size_t size, const std::string& name) {
+    const std::string start = "rwxr-xr-x 1 ftp ftp " + std::to_string(size);
+    return type + start + " Jan 12 12:34 " + name + "\r\n";
+  }
+  [[nodiscard]] std::optional<Node> Find(const std::string& path) const EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    const auto found = nodes_.find(path);
+    return found == nodes_.end() ? std::nullopt : std::optional(found->second);
+  }
+  void Add(const std::string& path, const Node& node) EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    for (Path above = Path(path).parent_path(); above != "/"; above = above.parent_path())
+      nodes_.try_emplace(above, Node{'d', ""});
+    nodes_.insert_or_assign(path, node);
+  }
 
   mutable Mutex lock_;
   std::map<std::string, Node> nodes_ GUARDED_BY(lock_) = {{"/", {'d', ""}}};

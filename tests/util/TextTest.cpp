@@ -35,13 +35,11 @@ TEST(GetTruncatedString, EndsInDotsThatFitAndCutsWholeCharacters) {
 
 TEST(Encodings, OnlyWellFormedUtf8IsUtf8) {
   for (const char* good : {"", "a", "ä", "€", "\xF0\x9F\x98\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
-                           "\xF4\x8F\xBF\xBF", "\xEC\x84\xB8"}) {
+                           "\xF4\x8F\xBF\xBF", "\xEC\x84\xB8"})
     EXPECT_TRUE(IsUtf8(good)) << good;
-  }
   for (const char* bad : {"\x80", "\xC3", "\xC0\xAF", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80",
-                          "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xFF", "\xE2\x82", "\xC3("}) {
+                          "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xFF", "\xE2\x82", "\xC3("})
     EXPECT_FALSE(IsUtf8(bad));
-  }
 }
 
 TEST(Encodings, ShownTextHidesNothing) {

@@ -25,22 +25,19 @@ struct Window {
   std::shared_ptr<ControlLooper> looper;
 
   void Connect(const std::string& path = "", bool passive = true) {
-    const Site site{.host = "127.0.0.1",
-                    .port = server.Port(),
-                    .user = "u",
-                    .password = "p",
-                    .path = path,
-                    .passive = passive};
+    Site site = server.Where(passive);
+    site.path = path;
     looper = std::make_shared<ControlLooper>(site, std::make_shared<MFtp>(site, browser), browser);
     looper->Run();
-    Post("CNNT"_what, "", "");
+    Post("CNNT"_what, "");
   }
 
-  void Post(std::uint32_t what, const std::string& field, const std::string& text,
-            const std::string& path = "") const {
+  /// Asks for something about `path`.
+  void Post(std::uint32_t what, const std::string& path,
+            const std::vector<std::pair<const char*, std::string>>& fields = {}) const {
     Message message(what);
-    message.AddString(field, text);
     message.AddString("path", path);
+    for (const auto& [field, text] : fields) message.AddString(field, text);
     EXPECT_TRUE(looper->PostMessage(std::move(message)));
   }
 
@@ -73,18 +70,18 @@ TEST(ControlLooper, EntersFollowsAndRefreshes) {
   w.server.Tree().AddFile("/pub/a", "1");
   w.Connect("", false);
   ASSERT_TRUE(w.Shows("/", {"pub"}));
-  w.Post("HSYM"_what, "sym", "pub/a", "/");
-  w.Post("HSYM"_what, "sym", "pub", "/");
+  w.Post("HSYM"_what, "/", {{"sym", "pub/a"}});
+  w.Post("HSYM"_what, "/", {{"sym", "pub"}});
   ASSERT_TRUE(w.Shows("/pub", {"a"}));
   EXPECT_TRUE(w.Downloads("pub/a"));
-  w.Post("PCHN"_what, "cwd", "nowhere", "/pub");
+  w.Post("PCHN"_what, "/pub", {{"cwd", "nowhere"}});
   ASSERT_TRUE(w.Warned(1));
   EXPECT_TRUE(w.Shows("/pub", {"a"}));
   w.server.Tree().AddFile("/pub/b", "1");
   // What is asked for in a hurry never shows one directory's rows under another's path.
   for (int i = 0; i < 5; ++i) {
-    w.Post("PCHN"_what, "cwd", "..", "/pub");
-    w.Post("PCHN"_what, "cwd", "pub", "/");
+    w.Post("PCHN"_what, "/pub", {{"cwd", ".."}});
+    w.Post("PCHN"_what, "/", {{"cwd", "pub"}});
   }
   ASSERT_TRUE(WaitFor([&] {
     const auto done = [](const Message& message) { return message.what == "DONE"_what; };
@@ -94,46 +91,29 @@ TEST(ControlLooper, EntersFollowsAndRefreshes) {
 }
 
 TEST(ControlLooper, StartsAtAPath) {
-  struct Case {
-    const char* path;
-    const char* directory;
-    std::vector<std::string> rows;
-    const char* fetched;  ///< the file that the path names
-  };
-  const Case cases[] = {
+  // The path, the directory that is shown, its rows, and the file that the path names.
+  const std::tuple<std::string, const char*, std::vector<std::string>, std::string> cases[] = {
       {"/pub", "/pub", {"a b"}, ""},        {"pub", "/pub", {"a b"}, ""},
       {"/pub/a b", "/pub", {"a b"}, "a b"}, {"pub/a b", "/pub", {"a b"}, "a b"},
       {"top", "/", {"pub", "top"}, "top"},  {"/none/x", "/", {"pub", "top"}, ""},
   };
-  for (const Case& c : cases) {
+  for (const auto& [path, directory, rows, fetched] : cases) {
     Window w;
     w.server.Tree().AddFile("/pub/a b", "1");
     w.server.Tree().AddFile("/top", "1");
-    w.Connect(c.path);
-    EXPECT_TRUE(w.Shows(c.directory, c.rows)) << c.path << w.server.Dialogue();
-    EXPECT_TRUE(*c.fetched == '\0' || w.Downloads(c.fetched)) << c.path;
-    EXPECT_TRUE(w.Warned(std::string_view(c.path) == "/none/x" ? 1 : 0)) << c.path;
+    w.Connect(path);
+    EXPECT_TRUE(w.Shows(directory, rows)) << path << w.server.Dialogue();
+    EXPECT_TRUE(fetched.empty() || w.Downloads(fetched)) << path;
+    EXPECT_TRUE(w.Warned(path == "/none/x" ? 1 : 0)) << path;
   }
-  // A file in a directory that cannot be entered is not fetched.
+  // A file in a directory that cannot be entered is not fetched, and a device is not shown.
   Window w;
-  w.server.Tree().AddFile("/pub/a", "1");
   w.server.On("CWD", {.reply = "550 Shut.\r\n"});
+  const std::string listing = "crw 1 u g 1, 3 Jan 1 10:00 null\r\ndrwx 1 u g 1 Jan 1 10:00 pub\r\n";
+  w.server.On("LIST", {.data = listing});
   w.Connect("/pub/a");
   EXPECT_TRUE(w.Shows("/", {"pub"}) && w.Warned(1));
   EXPECT_TRUE(w.browser->Seen().Texts("DWLD"_what, "FileName").empty());
-}
-
-TEST(ControlLooper, AsksAWindowsServerForUnixListings) {
-  for (const std::string style : {"off", "on"}) {
-    Window w;
-    w.server.On("SYST", {.reply = "215 Windows_NT\r\n"});
-    w.server.On("LIST", {.data = "crw 1 u g 1, 3 Jan 1 10:00 null\r\n"});  // not shown
-    w.server.On("SITE", {.reply = "200 MSDOS-like directory output is " + style + "\r\n"});
-    w.Connect();
-    ASSERT_TRUE(w.Shows("/", {}));
-    const auto sent = w.server.Transcript();
-    EXPECT_EQ(std::count(sent.begin(), sent.end(), "SITE DIRSTYLE\r\n"), style == "off" ? 1 : 2);
-  }
 }
 
 // However it was lost: the next request says so, and a new login leads to the same directory.
@@ -149,14 +129,14 @@ TEST(ControlLooper, ConnectsAgainAfterALoss) {
     w.Connect("/pub");
     ASSERT_TRUE(w.Shows("/pub", {"a"}));
     w.server.On("CWD", loss, 2);
-    w.Post("PCHN"_what, "cwd", "..", "/pub");
+    w.Post("PCHN"_what, "/pub", {{"cwd", ".."}});
     ASSERT_TRUE(w.Warned(1, kLost));
     EXPECT_EQ(w.browser->Seen().statuses.back(), "Connection lost.");
-    w.Post("DELE"_what, "name", "a", "/pub");
+    w.Post("DELE"_what, "/pub", {{"name", "a"}});
     ASSERT_TRUE(w.Warned(2, kLost));
     w.server.Tree().AddFile("/pub/b", "1");
     w.server.On("PASS", {.reply = "530 Too many users.\r\n"}, 2);
-    for (int i = 0; i < 2; ++i) w.Post("RCNN"_what, "", "", "/pub");
+    for (int i = 0; i < 2; ++i) w.Post("RCNN"_what, "/pub");
     EXPECT_TRUE(w.Shows("/pub", {"a", "b"})) << w.server.Dialogue();
     EXPECT_EQ(w.browser->Seen().Texts("FERR"_what, "error").size(), 1U);
     EXPECT_TRUE(w.Warned(2, kLost) && w.Warned(0));
@@ -191,20 +171,15 @@ TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
 
   const std::pair<const char*, const char*> renames[] = {
       {"/pub", "c"}, {"/pub", "x"}, {"/elsewhere", "y"}};
-  for (const auto& [path, to] : renames) {
-    Message rename("RNFL"_what);
-    rename.AddString("path", path);
-    rename.AddString("original", "b");
-    rename.AddString("renameto", to);
-    ASSERT_TRUE(w.looper->PostMessage(rename));
-  }
+  for (const auto& [path, to] : renames)
+    w.Post("RNFL"_what, path, {{"original", "b"}, {"renameto", to}});
   EXPECT_TRUE(w.Warned(3));
   EXPECT_EQ(w.browser->Seen().Names().back(), "c");
 
-  w.Post("MKDR"_what, "name", "new", "/pub");
+  w.Post("MKDR"_what, "/pub", {{"name", "new"}});
   EXPECT_TRUE(w.Shows("/pub", {"b", "new"}));
   w.server.On("MKD", {.reply = "550 It already exists.\r\n"});
-  w.Post("MKDR"_what, "name", "new", "/pub");
+  w.Post("MKDR"_what, "/pub", {{"name", "new"}});
   EXPECT_TRUE(w.Warned(4));
   Message done("DONE"_what);
   done.AddInt32("request", static_cast<std::int32_t>("MKDR"_what));
@@ -213,28 +188,20 @@ TEST(ControlLooper, DeletesRenamesAndMakesDirectories) {
 }
 
 TEST(ControlLooper, ShowsFilesAndTheListingAsText) {
-  // What stands at "f" on the server, and the note below the text.
-  const std::pair<ScriptedAction, const char*> cases[] = {
-      {{}, ""},
-      {{.dataLimit = 3, .completion = "426 Broken off.\r\n"},
-       "The file is not complete: Broken off."},
-  };
-  for (const auto& [action, note] : cases) {
+  for (const bool whole : {true, false}) {
     Window w;
     w.server.Tree().AddFile("/f", "one\r\ntwo\n");
-    w.server.On("RETR", action, 2);
+    if (!whole) w.server.On("RETR", {.dataLimit = 3, .completion = "426 Gone\r\n"}, 2);
     w.Connect();
     ASSERT_TRUE(w.Shows("/", {"f"}));
-    w.Post("VWFL"_what, "file", "none", "/");
+    w.Post("VWFL"_what, "/", {{"file", "none"}});
     EXPECT_TRUE(w.Warned(1));
-    w.Post("VWFL"_what, "file", "f", "/");
-    const std::string text = action.dataLimit == 3 ? "one" : "one\ntwo\n";
-    const std::string expected = note;
-    EXPECT_TRUE(WaitFor([&] {
-      const BrowserRecord seen = w.browser->Seen();
-      return seen.viewerTitle == "f" && seen.viewerText == text && seen.viewerNote == expected;
-    })) << w.browser->Seen().viewerNote.value_or("none");
-    w.Post("VWDR"_what, "", "", "/");
+    w.Post("VWFL"_what, "/", {{"file", "f"}});
+    EXPECT_TRUE(WaitFor([&] { return w.browser->Seen().viewerNote.has_value(); }));
+    const BrowserRecord seen = w.browser->Seen();
+    EXPECT_EQ(seen.viewerTitle + "|" + seen.viewerText + "|" + seen.viewerNote.value_or("none"),
+              whole ? "f|one\ntwo\n|" : "f|one|The file is not complete: Gone");
+    w.Post("VWDR"_what, "/");
     ASSERT_TRUE(WaitFor([&] { return w.browser->Seen().viewerTitle == "Listing of: /"; }));
     EXPECT_TRUE(WaitFor([&] { return w.browser->Seen().viewerText.ends_with(" f\n"); }));
   }
@@ -244,10 +211,8 @@ TEST(ControlLooper, ShowsFilesAndTheListingAsText) {
 TEST(ControlLooper, QuitsAtOnce) {
   const std::pair<const char*, ScriptedAction> cases[] = {
       {"greeting", {.reply = ""}},
-      {"USER", {.reply = ""}},
-      {"PASS", {.reply = ""}},
       {"PWD", {.reply = "257 half"}},
-      {"LIST", {.dataEnd = DataEnd::Never}},
+      {"LIST", {.reply = "150 Wait\r\n"}},
       {"LIST", {.data = "total 1\r\n", .dataLimit = 3, .dataEnd = DataEnd::Stall}},
       {"LIST", {.completion = ""}},
   };

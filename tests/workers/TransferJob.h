@@ -46,12 +46,8 @@ struct Job {
     description.remoteDirectory = "/pub";
     description.targetFolder = folder.Path();
     if (shared) browser = std::make_shared<RecordingBrowserUi>();
-    session = std::make_shared<MFtp>(Site{.host = server.Host(),
-                                          .port = server.Port(),
-                                          .user = "u",
-                                          .password = "p",
-                                          .passive = passive},
-                                     shared ? std::shared_ptr<OwnerUi>(browser) : row);
+    const std::shared_ptr<OwnerUi> owner = shared ? std::shared_ptr<OwnerUi>(browser) : row;
+    session = std::make_shared<MFtp>(server.Where(passive), owner);
     session->SetSilenceLimit(10'000);
     if (!shared) return;
     EXPECT_TRUE(session->Connect().IsDone());
@@ -86,6 +82,13 @@ struct Job {
     const TransferEnd end = Wait();
     EXPECT_TRUE(Background::WaitForNone(std::chrono::seconds(2)));
     return end;
+  }
+
+  /// Whether the connection, once the transfer lets go of it, gets the right reply.
+  [[nodiscard]] bool IsInStep() const {
+    std::optional<std::int64_t> size;
+    const EngineLease lease(*session);
+    return session->Size("/pub/f", size).IsDone() && size == 10;
   }
 
   [[nodiscard]] std::string Notes() const {

@@ -82,20 +82,6 @@ TEST_F(Preferences, WhatSomebodyElseWroteIntoTheAutostartFileStays) {
   }
 }
 
-TEST_F(Preferences, APanelFillsTheSoundFieldInFocus) {
-  QFile sound(folder_.filePath("s.oga"));
-  ASSERT_TRUE(sound.open(QFile::WriteOnly));
-  window_->findChild<QTabWidget*>("tab_view")->setCurrentIndex(1);
-  Field("Download Sound").setFocus();
-  for (const char* button : {"SelectUPSound", "SelectUPSound", "findfolder"}) Press(button);
-  const auto panels = window_->findChildren<QFileDialog*>();
-  ASSERT_EQ(panels.size(), 1);
-  panels[0]->setDirectory(folder_.path());
-  Enter(panels[0]->findChild<QLineEdit*>(), "s.oga");
-  EXPECT_EQ(Field("Download Sound").text(), sound.fileName());
-  EXPECT_EQ(Field("LoginSuccess").text(), "none");
-}
-
 // A proxy that is set there must not be bypassed without a word.
 TEST_F(Preferences, ThatCannotBeReadAreSaidAndNoConnectionIsMadeUnasked) {
   Press("cancel");

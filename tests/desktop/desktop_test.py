@@ -68,7 +68,7 @@ class DesktopTest(unittest.TestCase):
         tray = self.start(PROGRAM, "-deskbar")
         program = self.start(PROGRAM, self.server.url + "Samples/")
         browser = self.screen.window(BROWSER)
-        wait_for("the listing", lambda: self.server.has("< CWD /Samples/", "< LIST", "> 226"))
+        wait_for("the listing", lambda: self.server.has("< CWD Samples", "< LIST", "> 226"))
         self.screen.type(browser, "", "ctrl+s")
         self.screen.type(self.screen.window("Add Shortcut"), "", "Return")
         wait_for("the shortcut", lambda: not self.windows("Add Shortcut"))
@@ -80,7 +80,7 @@ class DesktopTest(unittest.TestCase):
             self.choose_in_tray(*shortcut)
             wait_for("a browser window", lambda: len(self.windows(BROWSER)) == count)
             wait_for("its listing", lambda: self.server.has(
-                "< PASS", "> 230", "< CWD /Samples", "< LIST", "> 226", after=seen))
+                "< PASS", "> 230", "< CWD Samples", "< LIST", "> 226", after=seen))
         self.assertEqual(self.ended("-deskbar"), (0, "Corvane stands in the tray already.\n"))
         self.choose_in_tray("Up", "Return")
         self.assertEqual(tray.wait(5), 0)
@@ -94,7 +94,7 @@ class DesktopTest(unittest.TestCase):
         self.screen.window("^Corvane$")
         self.assertEqual(self.ended(self.server.url + "Samples/"), (0, ""))
         browser = self.screen.window(BROWSER)
-        wait_for("the listing", lambda: self.server.has("< CWD /Samples/", "< LIST", "> 226"))
+        wait_for("the listing", lambda: self.server.has("< CWD Samples", "< LIST", "> 226"))
 
         # The download waits for its server until another program's window has the focus.
         seen = len(self.server.lines())

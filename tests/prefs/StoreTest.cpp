@@ -1,12 +1,7 @@
-#include <sys/stat.h>
-
 #include <array>
 #include <atomic>
 #include <cerrno>
 
-#include "prefs/PrefFile.h"
-#include "prefs/PrefListener.h"
-#include "prefs/PrefPaths.h"
 #include "prefs/PrefsFixture.h"
 #include "support/WaitFor.h"
 
@@ -43,21 +38,6 @@ TEST_F(PrefsTest, AFileIsALengthAndTheFlattenedItems) {
   EXPECT_EQ(fs::status(directory / "..").permissions(), fs::perms(0700));
 }
 
-TEST_F(PrefsTest, SharedPlacesAreOpenToAll) {
-  const mode_t before = ::umask(0);
-  fs::path each = SetDirectory(temporary.Path() / "xdg", "test", false) + "/sub/set";
-  EXPECT_EQ(each, temporary.Path() / "xdg/_LP_test/(libprefs common)/sub/set");
-  EXPECT_EQ(MakeDirectories(temporary.Path() / "xdg", each, false), 0);
-  PrefFile file;
-  EXPECT_EQ(file.Lock(each, false), 0);
-  EXPECT_EQ(file.Replace(Message()), 0);
-  ::umask(before);
-  for (const int mode : {0666, 0777, 01777, 0777, 0755}) {
-    EXPECT_EQ(fs::status(each).permissions(), fs::perms(mode)) << each;
-    each = each.parent_path();
-  }
-}
-
 TEST_F(PrefsTest, HandlesAreCountedAndForgotten) {
   PREFApp* same = nullptr;
   ASSERT_EQ(PREFInit("test", &same), 0);
@@ -76,35 +56,6 @@ TEST_F(PrefsTest, HandlesAreCountedAndForgotten) {
   EXPECT_FALSE(fs::exists(directory));
   EXPECT_EQ(PREFShutdown(app), kPrefNotFound);
   EXPECT_EQ(PREFInit("a/b", &app), -EINVAL);
-}
-
-TEST_F(PrefsTest, ListingsNameWhatThereIs) {
-  PREFSet* const set = Load("text");
-  for (const char* each : {"sub/a", "set.damaged", ".saving-abcdef", "../_LP_b/c", "../other/d"})
-    Write(directory / each, "");
-  PREFDataCookie* items = nullptr;
-  PREFApplicationCookie* apps = nullptr;
-  PREFSetCookie* sets = nullptr;
-  std::uint32_t type = 0;
-  std::array<char, 5> name;
-  std::string all;
-  while (PREFListData(set, &items, name.data(), 4, &type) == 0) all += name.data() + "|"s;
-  while (PREFListApplications(true, &apps, name.data(), 5) == 0) all += name.data() + ","s;
-  while (PREFListSets(app, true, &sets, name.data(), 5) == 0) all += name.data() + ";"s;
-  EXPECT_EQ(all, "ite|b,test,set;sub/;") << "cut to the buffer";
-  EXPECT_EQ(type, "BYTE"_what);
-  EXPECT_EQ(PREFDisposeDataCookie(items), 0);
-  EXPECT_EQ(PREFDisposeApplicationCookie(apps), 0);
-  EXPECT_EQ(PREFDisposeSetCookie(sets), 0);
-}
-
-TEST(PollInterval, IsInSecondsMillisecondsOrMicroseconds) {
-  std::string read;
-  for (const char* text : {"5", "3999", "4000", "499999", "500000", "0", "-5", "5s", "", "1e99"}) {
-    const auto interval = ParsePollInterval(text);
-    read += std::to_string(interval ? interval->count() : -1) + " ";
-  }
-  EXPECT_EQ(read, "5000000 3999000000 4000000 499999000 500000 -1 -1 -1 -1 -1 ");
 }
 
 TEST_F(PrefsTest, AListenerHearsASaveElsewhereAndMayDropItsSet) {

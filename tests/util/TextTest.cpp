@@ -3,18 +3,10 @@
 #include <algorithm>
 
 #include "util/Encodings.h"
-#include "util/FileSizeString.h"
 #include "util/GetTruncatedString.h"
 
 namespace corvane {
 namespace {
-
-TEST(FileSizeString, CutsAndPads) {
-  std::string sizes;
-  for (const char* bytes : {"", "42", "999", "1999", "12345", "999999", "1000000", "4294967296"})
-    sizes += FileSizeString(bytes) + "|";
-  EXPECT_EQ(sizes, "   B|42  B|999 B|1.9 KB|12  KB|999 KB|1.0 MB|429  MB|");
-}
 
 TEST(GetTruncatedString, EndsInDotsThatFitAndCutsWholeCharacters) {
   const TextWidth characters = [](std::string_view text) {  // of one pixel each

@@ -30,8 +30,8 @@ class Looper : public std::enable_shared_from_this<Looper> {
   /// Any thread; returns at once. False when the queue is full or the looper is quitting.
   [[nodiscard]] bool PostMessage(Message message) EXCLUDES(lock_);
 
-  /// Any thread; returns at once. What still waits in the queue is dropped, the handler in hand is
-  /// interrupted through Interrupt(), and the loop ends after it.
+  /// Any thread; returns at once. What still waits in the queue is dropped, the handler that runs
+  /// is interrupted through Interrupt(), and the loop ends after it.
   void Quit() EXCLUDES(lock_);
 
   /// True from the moment Quit was called.

@@ -271,7 +271,7 @@ void ControlLooper::ViewListing(const std::string& directory) {
   viewer->End(shown ? Text() : Text("The listing could not be read."));
 }
 
-// A request on a connection that is gone is answered by saying so.
+// True, and the user has been told, where the connection is gone.
 bool ControlLooper::NeedsConnection() {
   if (cache_ && !session_->IsLost()) return false;
   TellLoss(*window_, *session_);

@@ -55,7 +55,7 @@ struct PrefsTest : testing::Test {
     return std::distance(fs::directory_iterator(directory), {});
   }
 
-  /// Runs `work` in a process of its own; Await answers what it returned.
+  /// Runs `work` in a process of its own; Await returns what it returned.
   template <typename Work>
   static pid_t InChild(Work work) {
     const pid_t child = ::fork();

@@ -46,7 +46,7 @@ class BrowserSession : public QObject {
   [[nodiscard]] bool IsReady() const { return looper_ != nullptr && asked_ == 0 && !arriving_; }
   [[nodiscard]] bool IsDeleting() const { return deleting_ > 0; }
 
-  // Requests. A full queue is answered by a beep.
+  // Requests. Where the queue is full there is a beep instead.
 
   /// Enters a directory, as typed or named in the listing, and lists it.
   void ChangeDirectory(const std::string& where);

@@ -68,7 +68,7 @@ UniqueFd LocalSocket() {
   return UniqueFd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
 }
 
-/// What the running program answers; "" when it cannot be reached, hangs up or lets `until` pass.
+/// What the running program says; "" when it cannot be reached, hangs up or lets `until` pass.
 std::string Ask(const UniqueFd& folder, const std::string& line, Clock::time_point until) {
   const UniqueFd peer = LocalSocket();
   const sockaddr_un address = Address(folder);

@@ -9,7 +9,7 @@ struct TransferNews {
   bool download = true;
   bool finished = false;
   bool cancelled = false;  ///< by the user
-  QString file;            ///< the last file in hand
+  QString file;            ///< the file that moved last
   QString server;          ///< "Server: name"
   QString failure;         ///< what failed, in one line; empty when nothing did
 };

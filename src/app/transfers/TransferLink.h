@@ -18,7 +18,7 @@ class TransferItem;
 
 /// What a transfer has told its row so far, apart from the progress.
 struct TransferReport {
-  std::string file;  ///< the file in hand
+  std::string file;  ///< the file that moves, or moved last
   Text label;        ///< a status; replaced by the file's label when a file begins
   Text trailing;     ///< the text behind the bar, where the transfer gives one
   Text reason;       ///< what failed

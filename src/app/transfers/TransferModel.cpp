@@ -27,7 +27,7 @@ void TransferModel::Remove(int first, int count) {
     if (gone->Running()) --running_;
     gone->disconnect(this);
     gone->LetGo();
-    gone->deleteLater();  // its signal may be the one in hand
+    gone->deleteLater();  // one of its signals may be the reason for this call
   }
   items_.erase(begin, begin + count);
   endRemoveRows();

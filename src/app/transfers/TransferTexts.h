@@ -16,7 +16,7 @@ class TransferTexts {
   /// What stands before the target path, and the path itself.
   [[nodiscard]] QString TargetTitle() const;
   [[nodiscard]] QString TargetPath() const;
-  /// The file in hand.
+  /// The file that moves, or moved last.
   [[nodiscard]] QString FileName() const;
   /// "File: name" or, while it runs, the status text that stands in its place.
   [[nodiscard]] QString Label() const;

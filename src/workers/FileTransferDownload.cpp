@@ -43,12 +43,12 @@ Outcome FileTransfer::DownloadAll() {
     tree = tree || job.kind == Kind::Directory;
     const bool inside = job.local.starts_with(above);
     const std::string name = inside ? job.local.substr(above.size()) : job.local;
-    const Outcome outcome = DownloadEntry(target, {job, name, false});
+    Outcome outcome = DownloadEntry(target, {job, name, false});
     if (Stops(outcome)) return outcome;
   }
   // The files of trees are written out together.
   if (const int error = tree ? target.SyncAll() : 0; error != 0) {
-    const Outcome outcome = WriteFailure(error);
+    Outcome outcome = WriteFailure(error);
     notes_.Failed({}, outcome);
     return outcome;
   }
@@ -88,7 +88,7 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
     return End(entry, outcome);
   }
   EntryCollector listing;
-  const Outcome listed = End(entry, session_->List(where, listing));
+  Outcome listed = End(entry, session_->List(where, listing));
   if (!listed.IsDone()) return listed;
   for (RemoteEntry& found : listing.entries) {
     const std::string shown = entry.shown + "/" + found.name;
@@ -103,7 +103,7 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
       (void)End({std::move(job), shown, true}, UnusableName(found.name, found.kind));
       continue;
     }
-    const Outcome outcome = DownloadEntry(folder, {std::move(job), shown, true});
+    Outcome outcome = DownloadEntry(folder, {std::move(job), shown, true});
     if (Stops(outcome)) return outcome;
   }
   return {};

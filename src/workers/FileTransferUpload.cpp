@@ -44,7 +44,7 @@ Outcome FileTransfer::UploadAll() {
     const Entry entry{job, SplitPath(job.remote).second, false};
     std::error_code ignored;
     const bool folder = fs::is_directory(job.local, ignored);
-    const Outcome outcome = folder ? uDirectory(entry) : UploadFile(entry);
+    Outcome outcome = folder ? uDirectory(entry) : UploadFile(entry);
     if (Stops(outcome)) return outcome;
     if (!outcome.IsDone() && folder)
       notes_.Note(Text("%1: %2", entry.shown, Text("The rest of this folder was not sent.")));
@@ -89,7 +89,7 @@ Outcome FileTransfer::UploadEntries(const Entry& entry, const std::string& where
       continue;
     }
     std::error_code ignored;
-    const Outcome outcome = found.is_directory(ignored) ? uDirectory(inside) : UploadFile(inside);
+    Outcome outcome = found.is_directory(ignored) ? uDirectory(inside) : UploadFile(inside);
     if (!outcome.IsDone()) return outcome;
   }
   return {};
@@ -117,7 +117,7 @@ Outcome FileTransfer::UploadFile(const Entry& entry) {
     }
   }
   if (!BeginFile(entry, Text("Uploading File."), file.InitialSize())) return Outcome::Cancelled();
-  const Outcome outcome = End(entry, mover_.Upload(file, entry.job.remote));
+  Outcome outcome = End(entry, mover_.Upload(file, entry.job.remote));
   if (outcome.IsDone() && entry.inFolder) {
     ++row_->Progress().files;
     row_->Progress().changed = true;

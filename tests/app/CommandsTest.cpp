@@ -172,9 +172,12 @@ TEST_F(Commands, OffersToConnectAgain) {
 }
 
 TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  window_->move(screen.bottomRight() - QPoint(300, 200));
   const auto viewer = link_->OpenViewer(Text::Raw("v"));
   ASSERT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));
   auto* shown = window_->findChild<MViewFile*>();
+  EXPECT_TRUE(screen.contains(shown->geometry()));
   auto* text = shown->findChild<QPlainTextEdit*>();
   viewer->Append("one\ntw\xC3");
   QApplication::processEvents();

@@ -1,10 +1,13 @@
 #!/usr/bin/python3
-"""Serves a sample tree on a free loopback port until it is told to end (SIGTERM, SIGINT).
+"""Serves a sample tree on a free loopback port, or the one named with --port, until it is told to end
+(SIGTERM, SIGINT).
 
 The login is demo/demo and may do everything. The first line on standard output is "PORT ROOT", the
-port and the directory that is served; with --log every command and reply follows.
+port and the directory that is served; with --log every command and reply follows. SIGUSR1 ends
+the connections that stand, as a server does with those that are idle.
 """
 
+import argparse
 import logging
 import os
 import pathlib
@@ -15,7 +18,8 @@ import tempfile
 import zlib
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler
+from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler
+from pyftpdlib.ioloop import IOLoop
 from pyftpdlib.servers import FTPServer
 
 BIG_FILE = "sample 200 MB.bin"
@@ -80,18 +84,34 @@ class Handler(FTPHandler):
         super().respond(text, *arguments, **named)
 
 
+def end_connections(*_):
+    for one in list(IOLoop.instance().socket_map.values()):
+        if isinstance(one, Handler):
+            one.respond("421 You were idle for too long.")
+            one.close_when_done()
+
+
 def main():
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(0))
     signal.signal(signal.SIGINT, lambda *_: sys.exit(0))
+    signal.signal(signal.SIGUSR1, end_connections)
     logging.basicConfig(level=logging.CRITICAL)
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--log", action="store_true")
+    parser.add_argument("--port", type=int, default=0)
+    parser.add_argument("--rate", type=int, default=0, help="bytes in a second")
+    options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="corvane-demo-") as name:
         root = pathlib.Path(name)
         make_tree(root)
         authorizer = DummyAuthorizer()
         authorizer.add_user("demo", "demo", name, perm="elradfmwMT")
         Handler.authorizer = authorizer
-        Handler.trace = "--log" in sys.argv[1:]
-        server = FTPServer(("127.0.0.1", 0), Handler)
+        Handler.trace = options.log
+        if options.rate:
+            ThrottledDTPHandler.read_limit = ThrottledDTPHandler.write_limit = options.rate
+            Handler.dtp_handler = ThrottledDTPHandler
+        server = FTPServer(("127.0.0.1", options.port), Handler)
         try:
             print(server.socket.getsockname()[1], name, flush=True)
             server.serve_forever(handle_exit=False)

@@ -77,6 +77,8 @@ TransferLog none
 SystemLog none
 ScoreboardFile {home}/scoreboard
 PidFile {home}/pid
+ModulePath {prefix}/usr/lib/proftpd
+LoadModule mod_copy.c
 """
 
 
@@ -102,7 +104,7 @@ def private_file(path, text):
 def command(name, root, home, port):
     """The server's command line, its files written into `home`."""
     uid, gid = os.geteuid(), os.getegid()
-    values = {"port": port, "root": root, "home": home, "user": pwd.getpwuid(uid).pw_name,
+    values = {"prefix": PREFIX, "port": port, "root": root, "home": home, "user": pwd.getpwuid(uid).pw_name,
               "group": grp.getgrgid(gid).gr_name}
     if name == "vsftpd":
         return [private_file(home / "vsftpd.conf", VSFTPD.format(**values))]

@@ -1,5 +1,6 @@
 #include "ftp/FtpControl.h"
 
+#include <cerrno>
 #include <utility>
 
 #include "ftp/FtpFailure.h"
@@ -74,11 +75,23 @@ void FtpControl::Connect(const NLAddress& server) {
   unread_ = 0;
   heard_ = 0;
   stream_->setSilenceLimit(silenceLimit);
-  const bool connected = stream_->connectWhile(server, [this] { return !interrupted_.load(); });
+  bool connected = false;
+  try {
+    connected = stream_->connectWhile(server, [this] { return !interrupted_.load(); });
+  } catch (const NLException& error) {
+    const bool refused = stream_->lastError == ECONNREFUSED;
+    throw FtpFailure{{Outcome::Kind::Lost,
+                      0,
+                      Reason(error),
+                      {},
+                      refused ? Outcome::Trouble::RefusedPort : Outcome::Trouble::NoAnswer}};
+  }
   if (!connected) throw FtpFailure{Outcome::Cancelled()};
   stream_->setKeepAlive();
   lost_ = false;
-  whyLost_ = {};
+  loss_ = {};
+  changing_ = false;
+  spoken_ = std::chrono::steady_clock::now();
 }
 
 Reply FtpControl::SendCommand(std::string_view command) {
@@ -89,22 +102,33 @@ Reply FtpControl::SendPassword(std::string_view command) {
   return FtpCommand(*this, command, "PASS").Next();
 }
 
+Reply FtpControl::SendChange(std::string_view command) {
+  FtpCommand sent(*this, command);
+  changing_ = true;
+  return sent.Next();
+}
+
 Reply FtpControl::ReadResponse() {
   std::optional<Reply> reply = TryRead();
   if (!reply) throw FtpFailure{Outcome::Cancelled()};
   return *std::move(reply);
 }
 
-void FtpControl::Send(std::string_view command, std::string_view logged) {
+void FtpControl::CheckLine(std::string_view text) {
   constexpr std::string_view kForbidden("\r\n\0", 3);
-  if (command.find_first_of(kForbidden) != std::string_view::npos) {
-    throw FtpFailure{Outcome::LocalError(
-        Text("A name or text with a line break cannot be sent to the server."))};
-  }
-  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+  if (text.find_first_of(kForbidden) == std::string_view::npos) return;
+  throw FtpFailure{
+      Outcome::LocalError(Text("A name or text with a line break cannot be sent to the server."))};
+}
+
+void FtpControl::Send(std::string_view command, std::string_view logged) {
+  CheckLine(command);
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
   if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
   ReadUnread();
   heard_ = 0;
+  changing_ = false;
+  spoken_ = std::chrono::steady_clock::now();
   UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
   try {
     stream_->write(std::string(command) + "\r\n");
@@ -118,21 +142,57 @@ void FtpControl::ReadUnread() {
     // The completion follows a preliminary reply.
     if (!ReadResponse().IsPreliminary()) --unread_;
   }
-  while (TryRead(&ReplyReader::ReadUnasked)) continue;
+  ReadUnasked();
   if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
   // A server that said good-bye unasked is gone.
-  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
+}
+
+// A reply that nobody waited for is not unasked, though it is read here where it has come.
+void FtpControl::ReadUnasked() {
+  unasked_ = unread_ == 0;
+  try {
+    while (!lost_) {
+      const std::optional<Reply> reply = TryRead(&ReplyReader::ReadUnasked);
+      if (!reply) break;
+      if (unread_ > 0 && !reply->IsPreliminary()) --unread_;
+    }
+  } catch (const FtpFailure&) {
+    unasked_ = false;
+    throw;
+  }
+  unasked_ = false;
+}
+
+bool FtpControl::IsAlive() {
+  if (!lost_) (void)Guard([this]() -> Outcome { return ReadUnasked(), Outcome(); });
+  return !lost_;
+}
+
+// From the last command or answer until the server was last heard, which is about when it closed.
+std::optional<std::chrono::seconds> FtpControl::Idle() const {
+  using namespace std::chrono;
+  constexpr seconds kLeast(2);
+  if (!unasked_ || closed_) return std::nullopt;
+  const auto idle = steady_clock::now() - spoken_ - milliseconds(stream_->sinceHeard());
+  if (idle < kLeast) return std::nullopt;
+  return duration_cast<seconds>(idle);
 }
 
 std::optional<Reply> FtpControl::TryRead(Reading read) {
   constexpr int kMostReplies = 1000;
-  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, whyLost_}};
+  if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
   try {
     std::optional<Reply> reply =
         std::invoke(read, *replies_, [this](std::string_view line) { UpdateLog(line); });
     if (reply && ++heard_ > kMostReplies) Lose(Text("The server does not stop replying"));
-    if (reply && reply->code == kGone) {
+    if (!reply) return reply;
+    changing_ = false;
+    if (reply->code == kGone) {
       GiveUp(Text::Raw(WithoutLineEnd(reply->lastText)));
+    } else if (!unasked_) {
+      ++answers_;
+      spoken_ = std::chrono::steady_clock::now();
     }
     return reply;
   } catch (const FtpFailure& failure) {
@@ -150,19 +210,22 @@ void FtpControl::Lose(Text why) {
 
 void FtpControl::GiveUp(const Text& why) {
   if (std::exchange(lost_, true)) return;
-  whyLost_ = why;
+  loss_ = {why, Idle(), changing_};
   stream_->close();
 }
 
 Outcome FtpControl::CheckResult(const Reply& reply, const Text& failed, int wanted) {
   if (reply.code / 100 == wanted) return {Outcome::Kind::Done, reply.code};
   const Text words = Text::Raw(WithoutLineEnd(reply.lastText));
+  std::string server(WithoutLineEnd(reply.text));
   if (reply.code == kGone) {
     return {Outcome::Kind::Lost, kGone,
-            Text::WithReason(Text("Service not available, closing control connection!"), words)};
+            Text::WithReason(Text("Service not available, closing control connection!"), words),
+            std::move(server)};
   }
   return {KindOf(reply.code), reply.code,
-          Text::WithReason(failed.IsEmpty() ? WordsFor(reply.code) : failed, words)};
+          Text::WithReason(failed.IsEmpty() ? WordsFor(reply.code) : failed, words),
+          std::move(server)};
 }
 
 Outcome FtpControl::Guard(const std::function<Outcome()>& work) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -10,6 +12,7 @@
 #include "ftp/ReplyReader.h"
 #include "kit/Mutex.h"
 #include "net/NLAddress.h"
+#include "remote/Loss.h"
 #include "remote/Outcome.h"
 
 namespace corvane {
@@ -34,14 +37,16 @@ class FtpControl {
   /// How long a silent server is waited for, in milliseconds. Set before Connect.
   long silenceLimit = 120'000;
 
-  /// Connects anew; what was said on an earlier connection is forgotten. Throws NLException when
-  /// that fails.
+  /// Connects anew; what was said on an earlier connection is forgotten. Throws what
+  /// says why that fails.
   void Connect(const NLAddress& server);
 
   /// Logs and sends the command, which has no line end; its first reply.
   Reply SendCommand(std::string_view command);
   /// Sends the command with only "PASS" in the log; its first reply.
   Reply SendPassword(std::string_view command);
+  /// Sends a command that changes what the server holds; its first reply.
+  Reply SendChange(std::string_view command);
   /// The next reply, whatever it belongs to.
   Reply ReadResponse();
 
@@ -51,6 +56,8 @@ class FtpControl {
   [[nodiscard]] static Outcome CheckResult(const Reply& reply, const Text& failed = {},
                                            int wanted = 2);
 
+  /// Throws where a command with `text` in it would not be one line.
+  static void CheckLine(std::string_view text);
   void UpdateLog(std::string_view line) const { log_(line); }
   /// Whether the server says something within so many milliseconds.
   [[nodiscard]] bool isDataPending(long milliseconds);
@@ -60,7 +67,11 @@ class FtpControl {
   [[nodiscard]] const NLAddress& ServerAddress() const { return server_; }
 
   [[nodiscard]] bool IsLost() const { return lost_; }
-  [[nodiscard]] const Text& WhyLost() const { return whyLost_; }
+  [[nodiscard]] const Loss& HowLost() const { return loss_; }
+  /// Reads what the server has said unasked; false when the connection is gone.
+  [[nodiscard]] bool IsAlive();
+  /// How many commands have been answered, on all connections; 421 is a good-bye and no answer.
+  [[nodiscard]] std::uint64_t Answers() const { return answers_; }
   /// Gives the connection up; the first reason stays.
   void GiveUp(const Text& why);
 
@@ -79,6 +90,8 @@ class FtpControl {
 
   void Send(std::string_view command, std::string_view logged);
   void ReadUnread();
+  void ReadUnasked();
+  [[nodiscard]] std::optional<std::chrono::seconds> Idle() const;
   using Reading =
       std::optional<Reply> (ReplyReader::*)(const std::function<void(std::string_view)>& onLine);
   /// The reply that `read` finds; nothing when the wait for it was interrupted.
@@ -90,10 +103,14 @@ class FtpControl {
   std::atomic<bool> interrupted_{false};
   std::atomic<bool> closed_{false};
   bool lost_ = true;
-  Text whyLost_{Text("The connection is closed")};
-  int unread_ = 0;  // commands whose last reply nobody has waited for
-  int heard_ = 0;   // replies since the last command
-  Mutex reach_;     // guards what Close reaches for from another thread
+  Loss loss_{Text("The connection is closed")};
+  bool unasked_ = false;   // what is read now belongs to no command
+  bool changing_ = false;  // a command that changes something has no answer yet
+  std::uint64_t answers_ = 0;
+  std::chrono::steady_clock::time_point spoken_;  // when last a command was sent or answered
+  int unread_ = 0;                                // commands whose last reply nobody has waited for
+  int heard_ = 0;                                 // replies since the last command
+  Mutex reach_;  // guards what Close reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
   NLEndpoint* stream_ = nullptr;  // the endpoint, for the thread that works here
   std::unique_ptr<ReplyReader> replies_;

@@ -128,13 +128,12 @@ Outcome MFtp::Enter(const std::string& path, std::string& where) {
   });
 }
 
-Outcome MFtp::Command(std::string_view verb, const std::string& path, const Text& failed,
-                      int wanted) {
+Outcome MFtp::Command(std::string_view verb, const std::string& path, const Text& failed) {
   return control_.Guard([&]() -> Outcome {
     const auto [directory, name] = SplitPath(path);
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
-    const Reply reply = control_.SendCommand(std::string(verb) + " " + name);
-    return FtpControl::CheckResult(reply, failed, wanted);
+    const Reply reply = control_.SendChange(std::string(verb) + " " + name);
+    return FtpControl::CheckResult(reply, failed);
   });
 }
 
@@ -147,15 +146,17 @@ Outcome MFtp::Size(const std::string& path, std::optional<std::int64_t>& size) {
     const Reply reply = control_.SendCommand("SIZE " + name);
     Outcome outcome = FtpControl::CheckResult(reply);
     if (reply.code != kFileStatus) return outcome;
-    const std::size_t digits = reply.lastText.find_first_not_of(' ');
-    std::int64_t value = -1;
-    if (digits != std::string::npos) {
-      std::from_chars(reply.lastText.data() + digits, reply.lastText.data() + reply.lastText.size(),
-                      value);
-    }
-    if (value >= 0) size = value;
+    size = NumberOf(reply);
     return outcome;
   });
+}
+
+std::optional<std::int64_t> MFtp::NumberOf(const Reply& reply) {
+  const std::string& text = reply.lastText;
+  const std::size_t digits = std::min(text.find_first_not_of(' '), text.size());
+  std::int64_t value = -1;
+  std::from_chars(text.data() + digits, text.data() + text.size(), value);
+  return value >= 0 ? std::optional(value) : std::nullopt;
 }
 
 // Most servers tell by the size; the others by their listing.
@@ -187,15 +188,25 @@ Outcome MFtp::RemoveFile(const std::string& path) {
   return Command("DELE", path, {});
 }
 
-Outcome MFtp::Rename(const std::string& from, const std::string& to) {
-  const Text failed("\"%1\" was not renamed.", SplitPath(from).second);
-  Outcome outcome = Command("RNFR", from, failed, 3);
-  if (!outcome.IsDone()) return outcome;
+// A target that cannot be sent is noticed before the server has been told of anything.
+Outcome MFtp::InTwoSteps(std::string_view first, std::string_view second, const std::string& from,
+                         const std::string& to, const Text& failed) {
   return control_.Guard([&]() -> Outcome {
-    const auto [directory, name] = SplitPath(to);
-    const std::string target = cwd_ == directory ? name : to;
-    return FtpControl::CheckResult(control_.SendCommand("RNTO " + target), failed);
+    FtpControl::CheckLine(to);
+    const auto [directory, name] = SplitPath(from);
+    if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
+    const Reply reply = control_.SendCommand(std::string(first) + name);
+    if (Outcome outcome = FtpControl::CheckResult(reply, failed, 3); !outcome.IsDone())
+      return outcome;
+    const auto [there, newName] = SplitPath(to);
+    const std::string target = cwd_ == there ? newName : to;
+    return FtpControl::CheckResult(control_.SendChange(std::string(second) + target), failed);
   });
+}
+
+Outcome MFtp::Rename(const std::string& from, const std::string& to) {
+  return InTwoSteps("RNFR ", "RNTO ", from, to,
+                    Text("\"%1\" was not renamed.", SplitPath(from).second));
 }
 
 }  // namespace corvane

@@ -9,6 +9,7 @@
 
 #include "ftp/DataChannel.h"
 #include "ftp/FtpControl.h"
+#include "ftp/FtpFeatures.h"
 #include "kit/Mutex.h"
 #include "remote/OwnerUi.h"
 #include "remote/RemoteSession.h"
@@ -45,6 +46,10 @@ class MFtp final : public RemoteSession {
   Outcome List(const std::string& path, ListingSink& sink) override;
   Outcome Size(const std::string& path, std::optional<std::int64_t>& size) override;
   Outcome Exists(const std::string& path, bool& exists) override;
+  Outcome Stat(const std::string& path, RemoteEntry& entry) override;
+  Outcome CanCopy(bool& can) override;
+  Outcome Copy(const std::string& from, const std::string& to) override;
+  Outcome FreeSpace(const std::string& path, std::optional<std::int64_t>& bytes) override;
   Outcome MakeDirectory(const std::string& path) override;
   Outcome RemoveDirectory(const std::string& path) override;
   Outcome RemoveFile(const std::string& path) override;
@@ -53,7 +58,9 @@ class MFtp final : public RemoteSession {
                          std::unique_ptr<RemoteFile>& file) override;
   Outcome OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile>& file) override;
   [[nodiscard]] bool IsLost() const override { return control_.IsLost(); }
-  [[nodiscard]] const Text& WhyLost() const override { return control_.WhyLost(); }
+  [[nodiscard]] const Loss& HowLost() const override { return control_.HowLost(); }
+  [[nodiscard]] bool IsAlive() override { return control_.IsAlive(); }
+  [[nodiscard]] std::uint64_t Answers() const override { return control_.Answers(); }
   void Close() override EXCLUDES(reach_);
   void Interrupt() override EXCLUDES(reach_);
   void Resume() override { control_.SetInterrupted(false); }
@@ -62,21 +69,31 @@ class MFtp final : public RemoteSession {
   // MFtpLogin.cpp
   Outcome Login();
   Outcome Resolve(NLAddress& server);
+  Outcome Reach(const NLAddress& server);
   Outcome Identify();
   Outcome RefusedLogin(const Reply& reply, const Text& text);
   void GetServerType();
   void AskForUnixListings();
   std::optional<std::string> AskPath();
   [[nodiscard]] bool Tell(const Text& status);
+  void Step(ConnectStep::Kind kind, ConnectStep::State state, const Text& text);
 
   // MFtp.cpp
   /// Goes to a directory, unless the server stands there.
   Outcome GoTo(const std::string& path);
   Outcome Go(const std::optional<std::string>& here, const std::string& directory);
   Outcome ChangeDir(std::string_view argument);
-  /// Sends "VERB name" in the directory of `path`.
-  Outcome Command(std::string_view verb, const std::string& path, const Text& failed,
-                  int wanted = 2);
+  /// Sends "VERB name" in the directory of `path`, which changes something there.
+  Outcome Command(std::string_view verb, const std::string& path, const Text& failed);
+  /// Sends a command with `from`, which is to be answered by 3yz, and then one with `to`.
+  Outcome InTwoSteps(std::string_view first, std::string_view second, const std::string& from,
+                     const std::string& to, const Text& failed);
+  /// The number of a 213 reply.
+  [[nodiscard]] static std::optional<std::int64_t> NumberOf(const Reply& reply);
+
+  // MFtpFeatures.cpp
+  const FtpFeatures& Features();
+  Outcome TakeFromListing(RemoteEntry& entry, bool mayBeFile, bool& known);
 
   // MFtpData.cpp
   /// What comes before every transfer, and the transfer's command with its data connection.
@@ -96,8 +113,10 @@ class MFtp final : public RemoteSession {
   std::string listCommand_ = "LIST -la";
   std::size_t maxListing_ = std::size_t{1024} * 1024 * 1024;
   std::size_t maxEntries_ = 10'000'000;
-  bool binary_ = false;             // TYPE I is in force
-  bool markerSet_ = false;          // REST may have been accepted, and no transfer has used it
+  std::optional<FtpFeatures> features_;  // once they were asked for
+  bool asksQuota_ = true;                // SITE QUOTA has not been refused
+  bool binary_ = false;                  // TYPE I is in force
+  bool markerSet_ = false;               // REST may have been accepted, and no transfer has used it
   std::string start_;               // where the connection began; "" when the server does not tell
   std::string told_;                // the last directory that the server named
   std::optional<std::string> cwd_;  // where the server stands; nothing when that is not known

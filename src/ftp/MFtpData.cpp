@@ -130,6 +130,9 @@ Outcome MFtp::List(const std::string& path, ListingSink& sink) {
     if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
     return FetchListing(text);
   });
+  const bool ended =
+      fetched.kind == Outcome::Kind::Lost || fetched.kind == Outcome::Kind::Cancelled;
+  if (ended && text.empty()) return fetched;
   return control_.Guard([&]() -> Outcome {
     sink.Raw(text);
     Outcome understood = HandOver(text, maxEntries_, sink);

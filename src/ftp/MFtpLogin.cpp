@@ -1,4 +1,7 @@
+#include <netinet/in.h>
+
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <utility>
 
@@ -11,6 +14,9 @@
 namespace corvane {
 namespace {
 
+using Kind = ConnectStep::Kind;
+using State = ConnectStep::State;
+
 bool SaysTooMany(std::string words) {
   std::ranges::transform(words, words.begin(), [](unsigned char c) { return std::tolower(c); });
   return words.find("too many") != std::string::npos || words.find("maximum") != std::string::npos;
@@ -20,6 +26,10 @@ bool SaysTooMany(std::string words) {
 
 bool MFtp::Tell(const Text& status) {
   return owner_->SetStatus(status);
+}
+
+void MFtp::Step(ConnectStep::Kind kind, ConnectStep::State state, const Text& text) {
+  owner_->ShowStep({kind, state, text});
 }
 
 Outcome MFtp::Connect() {
@@ -42,28 +52,34 @@ Outcome MFtp::Connect() {
 Outcome MFtp::Login() {
   binary_ = false;
   markerSet_ = false;
+  features_.reset();
   cwd_.reset();
   if (!Tell(Text("Resolving address."))) return Outcome::Cancelled();
   NLAddress server;
   if (Outcome outcome = Resolve(server); !outcome.IsDone()) return outcome;
   if (!Tell(Text("Connecting to host."))) return Outcome::Cancelled();
   try {
-    control_.Connect(server);
-    if (!Tell(Text("Connected."))) return Outcome::Cancelled();
-    return Identify();
+    Outcome outcome = Reach(server);
+    return outcome.IsDone() ? Identify() : outcome;
   } catch (const NLException& error) {
     return {Outcome::Kind::Lost, 0,
             Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), Reason(error))};
   } catch (const FtpFailure& failure) {
-    if (failure.outcome.kind != Outcome::Kind::Lost) throw;
-    return {Outcome::Kind::Lost, 0,
-            Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), failure.outcome.text)};
+    Outcome outcome = failure.outcome;
+    if (outcome.kind != Outcome::Kind::Lost) throw;
+    outcome.text = Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), outcome.text);
+    return outcome;
   }
 }
 
 // Finds the address of the server, or of the proxy in front of it.
 Outcome MFtp::Resolve(NLAddress& server) {
   const bool viaProxy = site_.proxy && !site_.proxy->host.empty();
+  const std::uint16_t port = viaProxy ? site_.proxy->port : site_.port;
+  Step(Kind::Address, State::Running,
+       Text("Looking up %1 …", viaProxy ? site_.proxy->host : site_.host));
+  Step(Kind::Port, State::Waiting, Text("Connecting to port %1", port));
+  Step(Kind::Login, State::Waiting, Text("Logging in as %1", site_.user));
   try {
     auto lookup = viaProxy ? std::make_shared<NLLookup>(site_.proxy->host, site_.proxy->port)
                            : std::make_shared<NLLookup>(site_.host, site_.port);
@@ -73,30 +89,49 @@ Outcome MFtp::Resolve(NLAddress& server) {
       if (control_.IsInterrupted()) lookup->cancel();
     }
     server = lookup->get();
+    std::array<char, INET_ADDRSTRLEN> address{};
+    server.get(address.data(), nullptr);
+    Step(Kind::Address, State::Done,
+         viaProxy ? Text("The address of the proxy is %1.", address.data())
+                  : Text("The address is %1.", address.data()));
     return {};
   } catch (const NLException&) {
     if (control_.IsInterrupted()) return Outcome::Cancelled();
     // Names the server even where it was the proxy that could not be found.
-    return Outcome::LocalError(Text("Could not resolve the address for:\n\n %1", site_.host));
+    return {Outcome::Kind::LocalError,
+            0,
+            Text("Could not resolve the address for:\n\n %1", site_.host),
+            {},
+            Outcome::Trouble::UnknownName};
   }
 }
 
-// From the greeting to the password's reply.
-Outcome MFtp::Identify() {
-  constexpr int kNotLoggedIn = 530;
-  constexpr int kUnavailable = 550;
+// From the connection to the greeting.
+Outcome MFtp::Reach(const NLAddress& server) {
+  std::uint16_t port = 0;
+  server.get(static_cast<char*>(nullptr), &port);
+  Step(Kind::Port, State::Running, Text("Connecting to port %1 …", port));
+  control_.Connect(server);
+  if (!Tell(Text("Waiting for the server's greeting."))) return Outcome::Cancelled();
   Reply reply = control_.ReadResponse();
   // "120 Service ready in nnn minutes": the greeting proper is still to come.
   while (reply.IsPreliminary()) reply = control_.ReadResponse();
-  if (reply.code >= 400) {
-    return {
-        SaysTooMany(reply.text) || reply.code == 421 ? Outcome::Kind::Busy : Outcome::Kind::Lost,
-        reply.code,
-        Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host),
-                         FtpControl::CheckResult(reply).text)};
-  }
+  Step(Kind::Port, State::Done, Text("Port %1 answers.", port));
+  if (reply.code < 400) return {};
+  Outcome outcome = FtpControl::CheckResult(reply);
+  const bool later = SaysTooMany(reply.text) || reply.code == 421;
+  outcome.kind = later ? Outcome::Kind::Busy : Outcome::Kind::Lost;
+  outcome.text = Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), outcome.text);
+  return outcome;
+}
+
+// From the user's name to the password's reply.
+Outcome MFtp::Identify() {
+  constexpr int kNotLoggedIn = 530;
+  constexpr int kUnavailable = 550;
+  Step(Kind::Login, State::Running, Text("Logging in as %1 …", site_.user));
   if (!Tell(Text("Sending Username."))) return Outcome::Cancelled();
-  reply = control_.SendCommand("USER " + site_.user + (site_.proxy ? "@" + site_.host : ""));
+  Reply reply = control_.SendCommand("USER " + site_.user + (site_.proxy ? "@" + site_.host : ""));
   const Text failed("Login to: %1 failed.", site_.host);
   if (reply.code == kNotLoggedIn)
     return RefusedLogin(reply, Text("Login to: %1 failed.\n\nUsername is invalid", site_.host));
@@ -111,6 +146,7 @@ Outcome MFtp::Identify() {
     return RefusedLogin(reply, Text("Login to: %1 as anonymous failed.", site_.host));
   if (reply.code >= 400) return RefusedLogin(reply, failed);
   owner_->PlaySound(Sound::LoginSucceeded);
+  Step(Kind::Login, State::Done, Text("Logged in as %1.", site_.user));
   return {};
 }
 
@@ -119,6 +155,7 @@ Outcome MFtp::RefusedLogin(const Reply& reply, const Text& text) {
   Outcome outcome = FtpControl::CheckResult(reply, text);
   const bool later = reply.code == 421 || SaysTooMany(reply.text);
   outcome.kind = later ? Outcome::Kind::Busy : Outcome::Kind::Refused;
+  if (!later) outcome.trouble = Outcome::Trouble::RefusedLogin;
   return outcome;
 }
 

@@ -27,8 +27,8 @@ bool IsLast(std::string_view line) {
   return line.size() == 3 || std::ranges::find(kEnds, line[3]) != kEnds.end();
 }
 
-[[noreturn]] void Fail(Text why) {
-  throw FtpFailure{{Outcome::Kind::Lost, 0, std::move(why)}};
+[[noreturn]] void Fail(Text why, Outcome::Trouble trouble = Outcome::Trouble::Other) {
+  throw FtpFailure{{Outcome::Kind::Lost, 0, std::move(why), {}, trouble}};
 }
 
 }  // namespace
@@ -110,7 +110,8 @@ bool ReplyReader::AwaitMore() {
     case Came::Nothing: break;
   }
   if (interrupted_) return false;
-  Fail(strange ? Text("The server does not speak FTP") : Text("The server does not answer"));
+  if (strange) Fail(Text("The server does not speak FTP"));
+  Fail(Text("The server does not answer"), Outcome::Trouble::NoAnswer);
 }
 
 ReplyReader::Came ReplyReader::Fill(long limit) {

@@ -16,11 +16,20 @@ bool Looper::Run() {
 }
 
 bool Looper::PostMessage(Message message) {
-  const MutexLock lock(lock_);
-  if (quitting_ || queue_.size() >= kQueueLength) return false;
-  queue_.push_back(std::move(message));
-  wake_.NotifyOne();
+  const std::uint32_t what = message.what;
+  {
+    const MutexLock lock(lock_);
+    if (quitting_ || queue_.size() >= kQueueLength) return false;
+    queue_.push_back(std::move(message));
+    wake_.NotifyOne();
+  }
+  Arrived(what);
   return true;
+}
+
+bool Looper::IsWaitedFor() const {
+  const MutexLock lock(lock_);
+  return !queue_.empty();
 }
 
 void Looper::Quit() {

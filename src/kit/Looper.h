@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <memory>
 #include <string>
@@ -34,12 +35,21 @@ class Looper : public std::enable_shared_from_this<Looper> {
   /// is interrupted through Interrupt(), and the loop ends after it.
   void Quit() EXCLUDES(lock_);
 
+  /// Any thread; returns at once. The handler that runs ends soon; what still waits in the queue is
+  /// handled. Does nothing where none runs.
+  virtual void Stop() {}
+
   /// True from the moment Quit was called.
   [[nodiscard]] bool Quitting() const EXCLUDES(lock_);
 
  protected:
   /// On the looper's thread.
   virtual void MessageReceived(const Message& message) = 0;
+
+  /// Called on the poster's thread once a message of the code `what` has been queued.
+  virtual void Arrived(std::uint32_t /*what*/) {}
+  /// Whether messages wait for the one in hand.
+  [[nodiscard]] bool IsWaitedFor() const EXCLUDES(lock_);
 
   /// Called by Quit, on the caller's thread: make a blocked MessageReceived return soon.
   virtual void Interrupt() {}

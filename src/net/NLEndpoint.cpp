@@ -5,6 +5,7 @@
 #include <netinet/tcp.h>
 #include <sys/time.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string>
 #include <utility>
@@ -144,6 +145,19 @@ void NLEndpoint::setKeepAlive() {
   set(IPPROTO_TCP, TCP_KEEPIDLE, kIdleSeconds);
   set(IPPROTO_TCP, TCP_KEEPINTVL, kProbeSeconds);
   set(IPPROTO_TCP, TCP_KEEPCNT, kProbes);
+}
+
+long NLEndpoint::sinceHeard() const {
+  Socket socket;
+  {
+    const MutexLock lock(lock_);
+    socket = socket_;
+  }
+  if (!socket) return 0;
+  tcp_info info{};
+  socklen_t size = sizeof info;
+  if (::getsockopt(socket->get(), IPPROTO_TCP, TCP_INFO, &info, &size) != 0) return 0;
+  return static_cast<long>(std::min(info.tcpi_last_data_recv, info.tcpi_last_ack_recv));
 }
 
 void NLEndpoint::applySilenceLimit(int descriptor) const {

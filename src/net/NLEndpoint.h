@@ -93,6 +93,9 @@ class NLEndpoint : public Stream {
   /// The system asks a silent peer after a minute whether it is still there, so that routers keep
   /// the connection and one that is gone is noticed.
   void setKeepAlive();
+  /// Milliseconds since anything last came from the peer of a TCP connection; 0 where the system
+  /// does not tell.
+  [[nodiscard]] long sinceHeard() const EXCLUDES(lock_);
   void setProtocol(e_type type);
 
   [[nodiscard]] std::uint32_t state() const EXCLUDES(lock_);
@@ -101,7 +104,7 @@ class NLEndpoint : public Stream {
 
   bool throwOnSendError = true;
   bool throwOnReceiveError = true;
-  /// The error number of the last failed send or receive.
+  /// The error number of the last failed connect, send or receive.
   int lastError = 0;
   /// When 0 or more, every receive first waits so long with isDataPending; 0 waits without limit.
   long receiveTimeout = -1;

@@ -115,6 +115,7 @@ bool NLEndpoint::connectSocket(const NLAddress& address, const std::function<boo
   }
   if (failure != 0) {
     close();
+    lastError = failure;
     fail(kFunction, "::connect()", failure);
   }
   sockaddr_in peer{};

@@ -32,12 +32,15 @@ class BrowserUi : public OwnerUi {
   /// Adds rows in the order given; a few hundred at a time.
   virtual bool AddEntries(std::vector<RemoteEntry> entries) = 0;
   /// No more rows come: shows the count (without "." and "..") and sorts by name.
-  virtual bool EndListing(std::size_t count) = 0;
+  /// Where it is not `whole`, the directory may hold more.
+  virtual bool EndListing(std::size_t count, bool whole) = 0;
   /// Takes the row of that name away, while the window still shows `directory`.
   virtual bool RemoveEntry(std::string_view name, std::string_view directory) = 0;
   /// Gives a row another name, while the window still shows `directory`.
   virtual bool RenameEntry(std::string_view from, std::string_view to,
                            std::string_view directory) = 0;
+  /// Shows what has become of an entry, or a new one, while the window still shows `directory`.
+  virtual bool UpdateEntry(RemoteEntry entry, std::string_view directory) = 0;
   /// A link has turned out to lead to a file of `size` bytes: its row becomes a file's.
   virtual bool ChangeValues(std::string_view name, std::int64_t size) = 0;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
 #include <utility>
 
 #include "kit/Text.h"
@@ -19,9 +21,20 @@ struct [[nodiscard]] Outcome {
     Cancelled,
   };
 
+  /// What kept a connection from coming about.
+  enum class Trouble : std::int32_t {
+    Other = 0,
+    UnknownName = 1,   ///< the server's name has no address
+    NoAnswer = 2,      ///< nothing comes from there
+    RefusedPort = 3,   ///< the machine is there, and nothing serves the port
+    RefusedLogin = 4,  ///< user or password
+  };
+
   Kind kind = Kind::Done;
-  int code = 0;  ///< the reply's code that decided; 0 where none did
-  Text text{};   ///< why not; with Done, what the user should know all the same
+  int code = 0;          ///< the reply's code that decided; 0 where none did
+  Text text{};           ///< why not; with Done, what the user should know all the same
+  std::string server{};  ///< the reply that decided, as it came: "530 Login incorrect."
+  Trouble trouble = Trouble::Other;
 
   [[nodiscard]] bool IsDone() const { return kind == Kind::Done; }
 

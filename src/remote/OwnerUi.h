@@ -4,6 +4,7 @@
 
 #include "kit/Message.h"
 #include "kit/Text.h"
+#include "remote/ConnectStep.h"
 
 namespace corvane {
 
@@ -16,17 +17,23 @@ class OwnerUi {
  public:
   virtual ~OwnerUi() = default;
 
-  /// Hands the owner a message. Texts stand in it as Message::AddText puts them: 'FERR' (fatal,
-  /// "error", perhaps "detail"), 'GERR' (warning, "warning"), 'LOST' (the connection is gone,
-  /// "warning"), 'DWLD' ("FileName": download this row), 'ADDI' (an upload arrived), 'DONE' (a
-  /// looper has carried out the request of the code "request", or has not; the listing of one that
-  /// lists may still be arriving).
+  /// Hands the owner a message. Texts stand in it as Message::AddText puts them: 'FERR' (fatal:
+  /// "error", "kind" as Outcome::Trouble, "advice" and the "server"'s own words where there are
+  /// any), 'GERR' (warning, "warning", and "path" where that cannot be
+  /// entered), 'LOST' (the connection is gone: "warning", the "reason" alone, and "login" where a
+  /// login anew failed), 'DWLD' ("FileName": download this row), 'ADDI' (an upload arrived), 'DONE'
+  /// (a looper has carried out the request of the code "request", or has not, as where the user
+  /// has "stopped" it; the listing of one that lists may still be arriving).
+  /// Also 'CAPS' ("copy": the server can duplicate) and 'FREE' ("bytes" that may still be stored).
   virtual bool PostMessage(Message message) = 0;
 
   virtual bool PlaySound(Sound sound) = 0;
 
   /// What goes on, such as "Connecting to host.".
   virtual bool SetStatus(const Text& text) = 0;
+
+  /// How far connecting has come; for those who show that.
+  virtual bool ShowStep(const ConnectStep& /*step*/) { return true; }
 
   /// A line of the dialogue with the server, with its line feed, for those who keep a log.
   virtual bool AppendLog(std::string_view line) = 0;

@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "remote/Loss.h"
 #include "remote/Outcome.h"
 #include "remote/RemoteEntry.h"
 
@@ -71,13 +72,24 @@ class RemoteSession {
   virtual Outcome Enter(const std::string& path, std::string& where) = 0;
 
   /// Lists a directory. Done only when the listing came whole and its entries were understood; what
-  /// came is handed over all the same.
+  /// came is handed over all the same, and nothing at all where the connection was lost or the user
+  /// stopped before.
   virtual Outcome List(const std::string& path, ListingSink& sink) = 0;
   /// The size of a file in bytes; nothing when the server does not tell, as for directories.
   virtual Outcome Size(const std::string& path, std::optional<std::int64_t>& size) = 0;
 
   /// Whether anything stands at a path. Done when the server could tell.
   virtual Outcome Exists(const std::string& path, bool& exists) = 0;
+
+  /// What stands at a path, told as a listing would; Refused where the server does not tell.
+  virtual Outcome Stat(const std::string& path, RemoteEntry& entry) = 0;
+
+  /// Whether the server can copy what it holds.
+  virtual Outcome CanCopy(bool& can) = 0;
+  /// Has the server copy a file, or a directory where it can; what is there may be replaced.
+  virtual Outcome Copy(const std::string& from, const std::string& to) = 0;
+  /// How many bytes may still be stored in a directory; nothing where the server does not tell.
+  virtual Outcome FreeSpace(const std::string& path, std::optional<std::int64_t>& bytes) = 0;
 
   virtual Outcome MakeDirectory(const std::string& path) = 0;
   virtual Outcome RemoveDirectory(const std::string& path) = 0;
@@ -90,9 +102,14 @@ class RemoteSession {
   /// Opens a file for writing; what was there is replaced.
   virtual Outcome OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile>& file) = 0;
 
-  /// The connection is gone, and why.
+  /// The connection is gone, and how.
   [[nodiscard]] virtual bool IsLost() const = 0;
-  [[nodiscard]] virtual const Text& WhyLost() const = 0;
+  [[nodiscard]] virtual const Loss& HowLost() const = 0;
+  /// Whether the connection stands. Takes note of what the server has done meanwhile, such as
+  /// closing it, without asking the server.
+  [[nodiscard]] virtual bool IsAlive() = 0;
+  /// How many commands the server has answered so far, on all connections; a good-bye is none.
+  [[nodiscard]] virtual std::uint64_t Answers() const = 0;
 
   /// Any thread: ends the connection for good, without a word to the server; every blocked call
   /// returns soon.

@@ -1,153 +1,294 @@
 #include "workers/ControlLooper.h"
 
-#include <algorithm>
 #include <optional>
 #include <utility>
-#include <vector>
 
 #include "remote/RemotePath.h"
 #include "workers/DirLister.h"
+#include "workers/FileViewer.h"
 #include "workers/ListingCache.h"
-#include "workers/Refusals.h"
-#include "workers/TreeRemover.h"
+#include "workers/Notices.h"
 
 namespace corvane {
+namespace {
+
+/// The request that no user makes; the status says nothing of it.
+constexpr std::uint32_t kUnasked = "STAT"_what;
+
+/// What is said while a request is carried out; empty where that is said more closely.
+Text Doing(const Message& request) {
+  switch (request.what) {
+    case "PCHN"_what: return Text("Changing Dir..");
+    case "HSYM"_what: return Text("Asking where the link leads …");
+    case "DELE"_what: return Text("Deleting …");
+    case "RNFL"_what: return Text("Renaming …");
+    case "MKDR"_what: return Text("Creating the directory …");
+    case "MOVE"_what: return Text("Moving …");
+    case "DUPL"_what: return Text("Duplicating …");
+    case "VWFL"_what: return Text("Fetching %1 …", request.FindString("file").value_or(""));
+    default: return {};
+  }
+}
+
+/// Has the looper ask how much room there is in the directory that was listed.
+void AskLater(Looper& looper, const std::string& directory) {
+  Message room("FREE"_what);
+  room.AddString("path", directory);
+  (void)looper.PostMessage(std::move(room));
+}
+
+}  // namespace
 
 ControlLooper::ControlLooper(Site site, std::shared_ptr<RemoteSession> session,
                              std::shared_ptr<BrowserUi> window)
     : Looper("control"),
       site_(std::move(site)),
       session_(std::move(session)),
-      window_(std::move(window)) {}
+      window_(std::move(window)),
+      turn_(*session_),
+      asking_(*session_),
+      relogin_(*session_, *window_),
+      changes_(*session_, *window_, turn_.Stopped()) {}
 
 ControlLooper::~ControlLooper() {
   session_->Close();
 }
 
 void ControlLooper::Interrupt() {
+  turn_.Stop();
+  asking_.Stop();
   session_->Close();
 }
 
+// A request goes before what nobody has asked for.
+void ControlLooper::Arrived(std::uint32_t what) {
+  if (what != "FREE"_what) asking_.Stop();
+}
+
+void ControlLooper::Stop() {
+  turn_.Stop();
+  const MutexLock hold(lock_);
+  if (lister_) lister_->Stop();
+}
+
 void ControlLooper::MessageReceived(const Message& message) {
-  const EngineLease lease(*session_);
-  try {
-    Handle(message);
-  } catch (const std::exception& error) {
-    Warn(*window_, Text("The request could not be carried out: %1", error.what()));
+  if (message.what == "FREE"_what) return AskAround(message.FindString("path").value_or(""));
+  turn_.Begin();
+  {
+    const EngineLease lease = Lease(message.what != kUnasked);
+    Outcome outcome = Outcome::Cancelled();
+    if (lease && turn_.Work()) {
+      try {
+        outcome = CarryOut(message);
+      } catch (const std::exception& error) {
+        outcome =
+            Outcome::LocalError(Text("The request could not be carried out: %1", error.what()));
+      }
+    }
+    turn_.End();
+    Tell(outcome);
   }
   Message done("DONE"_what);
   done.AddInt32("request", static_cast<std::int32_t>(message.what));
+  if (turn_.Stopped()) done.AddBool("stopped", true);
   window_->PostMessage(std::move(done));
+  if (!postponed_.empty()) AskLater(*this, std::exchange(postponed_, {}));
 }
 
-void ControlLooper::Handle(const Message& message) {
+void ControlLooper::AskAround(const std::string& directory) {
+  asking_.Begin();
+  const EngineLease lease(*session_, asking_.Stopped());
+  if (lease && !IsWaitedFor() && directory == shown_ && asking_.Work() && session_->IsAlive()) {
+    if (tellsFeatures_) TellFeatures();
+    TellFreeSpace(directory);
+  }
+  postponed_ = IsWaitedFor() ? directory : std::string();
+  asking_.End();
+}
+
+void ControlLooper::TellFeatures() {
+  bool can = false;
+  if (!session_->CanCopy(can).IsDone()) return;
+  tellsFeatures_ = false;
+  Message features("CAPS"_what);
+  features.AddInt32("copy", can ? 1 : 0);
+  window_->PostMessage(std::move(features));
+}
+
+void ControlLooper::TellFreeSpace(const std::string& directory) {
+  std::optional<std::int64_t> bytes;
+  if (!session_->FreeSpace(directory, bytes).IsDone() || !bytes) return;
+  Message room("FREE"_what);
+  room.AddInt64("bytes", *bytes);
+  window_->PostMessage(std::move(room));
+}
+
+// A transfer on this connection may hold it for long.
+EngineLease ControlLooper::Lease(bool tells) {
+  const std::atomic<bool> atOnce{true};
+  EngineLease lease(*session_, atOnce);
+  if (lease) return lease;
+  if (tells) window_->SetStatus(Text("Waiting until the connection is free …"));
+  return EngineLease(*session_, turn_.Stopped());
+}
+
+Outcome ControlLooper::CarryOut(const Message& message) {
+  verdict_ = message.what == kUnasked ? Text() : Text("Connected.");
+  if (message.what == "CNNT"_what) return Connect();
+  if (message.what == "RCNN"_what) return ConnectAgain(message.FindString("path").value_or(""));
+  if (!cache_) return {Outcome::Kind::Lost, 0, session_->HowLost().why};
+  if (message.what == kUnasked && session_->IsLost()) return {};
+  const bool cached =
+      message.what == "VWDR"_what && cache_->Directory() == message.FindString("path");
+  if (cached && session_->IsLost()) return Handle(message);
+  if (Outcome ready = relogin_.Ready(); !ready.IsDone()) return ready;
+  Outcome outcome = Handle(message);
+  if (!relogin_.MayRepeat(outcome)) return outcome;
+  if (Outcome again = relogin_.LogIn(); !again.IsDone()) return again;
+  return Handle(message);
+}
+
+void ControlLooper::Tell(const Outcome& outcome) {
+  if (outcome.kind == Outcome::Kind::Lost) return relogin_.TellLoss();
+  const bool stopped = outcome.kind == Outcome::Kind::Cancelled;
+  if (stopped) verdict_ = Text("Stopped.");
+  if (!verdict_.IsEmpty()) window_->SetStatus(verdict_);
+  if (!stopped && !outcome.text.IsEmpty()) Warn(*window_, outcome.text);
+}
+
+Outcome ControlLooper::Handle(const Message& message) {
   const auto text = [&message](const char* field) {
     return message.FindString(field).value_or("");
   };
+  if (const Text doing = Doing(message); !doing.IsEmpty()) window_->SetStatus(doing);
+  if (!relogin_.Said().IsEmpty()) verdict_ = relogin_.Said();
   switch (message.what) {
-    case "CNNT"_what: Connect(); break;
-    case "RCNN"_what: ConnectAgain(text("path")); break;
-    case "CRDR"_what: Refresh(text("path")); break;
-    case "PCHN"_what: ChangeDirectory(text("path"), text("cwd")); break;
-    case "HSYM"_what: FollowLink(text("path"), text("sym")); break;
-    case "DELE"_what: Delete(message); break;
-    case "RNFL"_what: Rename(message); break;
-    case "MKDR"_what: CreateDirectory(message); break;
-    case "VWFL"_what: ViewFile(PathBelow(text("path"), text("file"))); break;
-    case "VWDR"_what: ViewListing(text("path")); break;
+    case "CRDR"_what: return List(text("path"));
+    case "PCHN"_what: return ChangeDirectory(text("path"), text("cwd"));
+    case "HSYM"_what: return FollowLink(text("path"), text("sym"));
+    case "DELE"_what: return changes_.Delete(message, verdict_);
+    case "RNFL"_what: return changes_.Rename(message);
+    case "MKDR"_what: return CreateDirectory(message);
+    case "MOVE"_what: return changes_.Move(message);
+    case "DUPL"_what: return changes_.Duplicate(message);
+    case "STAT"_what: return changes_.LookAt(message);
+    case "VWFL"_what: return ViewFile(*session_, *window_, PathBelow(text("path"), text("file")));
+    case "VWDR"_what: return ViewListing(text("path"));
     case "FRTR"_what:
-    default: break;
+    default: return {};
   }
 }
 
-void ControlLooper::Connect() {
+Outcome ControlLooper::Connect() {
   cache_ = std::make_shared<ListingCache>();
-  if (!Begin()) return;
+  using State = ConnectStep::State;
+  OpeningStep(State::Waiting);
+  if (const Outcome outcome = session_->Connect(); !outcome.IsDone()) return Refused(outcome);
+  OpeningStep(State::Running);
+  tellsFeatures_ = true;
   window_->SetPath(session_->Directory());
-  const std::string file = EnterStartPath();
-  Show(session_->Directory());
+  std::string file;
+  Outcome entered = EnterStartPath(file);
+  if (entered.IsDone()) OpeningStep(State::Done);
+  Outcome shown = Show(session_->Directory());
   if (!file.empty()) AskForDownload(file);
+  if (!entered.text.IsEmpty() && shown.IsDone()) return entered;
+  return shown;
 }
 
+// Another request may have logged in anew, and the window waits all the same.
+//
 // The rows go before the window learns where the new connection stands: nothing is done to entries
 // of the same names elsewhere.
-void ControlLooper::ConnectAgain(const std::string& directory) {
-  if (!cache_ || !session_->IsLost()) return;
-  if (!Begin()) {
-    window_->SetStatus(Text("Connection lost."));
-    return;
+Outcome ControlLooper::ConnectAgain(const std::string& directory) {
+  if (!cache_) return {};
+  if (session_->IsLost()) {
+    if (const Outcome outcome = session_->Connect(); !outcome.IsDone()) return Refused(outcome);
+    relogin_.Mended();
+    tellsFeatures_ = true;
   }
   window_->BeginListing();
   std::string where;
   if (!directory.empty()) TellOutcome(*window_, *session_, session_->Enter(directory, where));
-  Show(session_->Directory());
+  return Show(session_->Directory(), true);
 }
 
-// Logs in; false when that failed, which the user is told.
-bool ControlLooper::Begin() {
-  const Outcome outcome = session_->Connect();
-  if (outcome.IsDone()) return true;
-  if (outcome.kind == Outcome::Kind::Cancelled) return false;
+void ControlLooper::OpeningStep(ConnectStep::State state) {
+  using State = ConnectStep::State;
+  const std::string& path = site_.path;
+  const Text running =
+      path.empty() ? Text("Opening the first directory …") : Text("Opening %1 …", path);
+  if (state == State::Running) window_->SetStatus(running);
+  const Text waiting =
+      path.empty() ? Text("Opening the first directory") : Text("Opening %1", path);
+  window_->ShowStep(
+      {ConnectStep::Kind::Directory, state, state == State::Running ? running : waiting});
+}
+
+// Tells the user why there is no connection.
+Outcome ControlLooper::Refused(const Outcome& outcome) {
+  if (outcome.kind == Outcome::Kind::Cancelled) return outcome;
+  verdict_ = Text("Not connected.");
   Message error("FERR"_what);
   error.AddText("error", outcome.text);
+  error.AddInt32("kind", static_cast<std::int32_t>(outcome.trouble));
+  if (const Text advice = AdviceFor(outcome); !advice.IsEmpty()) error.AddText("advice", advice);
+  if (!outcome.server.empty()) error.AddString("server", outcome.server);
   window_->PostMessage(std::move(error));
   if (outcome.kind == Outcome::Kind::Lost) window_->PlaySound(Sound::LoginFailed);
-  return false;
+  return {};
 }
 
 // Enters the site's path, if there is one. Where it names a file, enters the file's directory and
-// returns its name.
-std::string ControlLooper::EnterStartPath() {
+// tells its name.
+Outcome ControlLooper::EnterStartPath(std::string& file) {
   if (site_.path.empty()) return {};
   const std::string path = PathFrom(session_->Directory(), site_.path);
   std::string where;
-  const Outcome entered = session_->Enter(path, where);
-  if (entered.IsDone()) return {};
-  if (entered.kind != Outcome::Kind::Refused) {
-    TellOutcome(*window_, *session_, entered);
-    return {};
-  }
+  Outcome entered = session_->Enter(path, where);
+  if (entered.kind != Outcome::Kind::Refused) return entered;
   const auto [directory, name] = SplitPath(path);
   std::optional<std::int64_t> size;
   if (!session_->Size(path, size).IsDone() || !size) {
-    Warn(*window_, Text::WithReason(Text("The server has no directory or file %1.", site_.path),
-                                    entered.text.Reason()));
-    return {};
+    entered.text = Text::WithReason(Text("The server has no directory or file %1.", site_.path),
+                                    entered.text.Reason());
+    return entered;
   }
-  const Outcome above = session_->Enter(directory, where);
-  TellOutcome(*window_, *session_, above);
-  return above.IsDone() ? name : std::string();
+  Outcome above = session_->Enter(directory, where);
+  if (above.IsDone()) file = name;
+  return above;
 }
 
 // Shows a directory in the window.
-void ControlLooper::Show(const std::string& directory) {
+Outcome ControlLooper::Show(const std::string& directory, bool emptied) {
   shown_ = directory;
   window_->SetPath(directory);
-  List(directory);
+  return List(directory, emptied);
 }
 
 // A lister waits for this thread's lease, and would show its directory under another's path.
-void ControlLooper::List(const std::string& directory) {
-  if (lister_) lister_->Cancel();
-  ListDirectory(*session_, *cache_, *window_, directory);
+Outcome ControlLooper::List(const std::string& directory, bool emptied) {
+  LetListerGo();
+  Outcome outcome = ListDirectory(*session_, *cache_, *window_, directory, emptied);
+  if (outcome.IsDone()) AskLater(*this, directory);
+  return outcome;
 }
 
-void ControlLooper::Refresh(const std::string& directory) {
-  if (!NeedsConnection()) List(directory);
+void ControlLooper::LetListerGo() {
+  const MutexLock hold(lock_);
+  if (lister_) lister_->Cancel();
+  lister_.reset();
 }
 
 // A link that has a size leads to a file, any other to a directory.
-void ControlLooper::FollowLink(const std::string& directory, const std::string& name) {
-  if (NeedsConnection()) return;
+Outcome ControlLooper::FollowLink(const std::string& directory, const std::string& name) {
   std::optional<std::int64_t> size;
-  const Outcome asked = session_->Size(PathBelow(directory, name), size);
-  if (asked.kind == Outcome::Kind::Lost) {
-    TellLoss(*window_, *session_);
-  } else if (!size) {
-    ChangeDirectory(directory, name);
-  } else if (window_->ChangeValues(name, *size)) {
-    AskForDownload(name);
-  }
+  Outcome asked = session_->Size(PathBelow(directory, name), size);
+  using Kind = Outcome::Kind;
+  if (asked.kind == Kind::Lost || asked.kind == Kind::Cancelled) return asked;
+  if (!size) return ChangeDirectory(directory, name);
+  if (window_->ChangeValues(name, *size)) AskForDownload(name);
+  return {};
 }
 
 void ControlLooper::AskForDownload(const std::string& name) {
@@ -156,126 +297,53 @@ void ControlLooper::AskForDownload(const std::string& name) {
   window_->PostMessage(std::move(download));
 }
 
-void ControlLooper::ChangeDirectory(const std::string& from, const std::string& to) {
-  if (NeedsConnection()) return;
+Outcome ControlLooper::ChangeDirectory(const std::string& from, const std::string& to) {
   std::string where;
-  const Outcome entered = session_->Enter(PathFrom(from, to), where);
-  if (!entered.IsDone()) {
-    window_->SetPath(shown_);
-    window_->SetStatus(Text("Connected."));
-    TellOutcome(*window_, *session_, entered);
-    return;
+  const std::string path = PathFrom(from, to);
+  if (Outcome entered = session_->Enter(path, where); !entered.IsDone()) {
+    const bool ended =
+        entered.kind == Outcome::Kind::Lost || entered.kind == Outcome::Kind::Cancelled;
+    if (ended) return entered;
+    WarnOfPath(*window_, path, entered);
+    return {};
   }
   shown_ = where;
   window_->BeginListing();
   window_->SetPath(where);
-  window_->SetStatus(Text("Connected."));
-  if (lister_) lister_->Cancel();
-  lister_ = std::make_shared<DirLister>(session_, cache_, window_, where);
-  if (!lister_->Run()) {
-    window_->EndListing(0);
-    Warn(*window_, Text("The system has no thread left to fetch the listing."));
-  }
+  StartLister(where);
+  return {};
 }
 
-void ControlLooper::Delete(const Message& entries) {
-  if (NeedsConnection()) return;
-  const std::string directory = entries.FindString("path").value_or("");
-  Refusals refused;
-  TreeRemover remover(*session_, *window_, refused, directory);
-  const std::size_t count = entries.CountValues("name");
-  for (std::size_t i = 0; i < count && !Quitting() && !session_->IsLost(); ++i) {
-    const std::string name = entries.FindString("name", i).value_or("");
-    const auto kind = static_cast<RemoteEntry::Kind>(entries.FindInt32("type", i).value_or(1));
-    const bool deleted = remover.Remove(name, kind);
-    window_->SetStatus(deleted ? Text("Deletion Success.") : Text("Deletion Failed."));
-    if (deleted && !window_->RemoveEntry(name, directory)) return;
+void ControlLooper::StartLister(const std::string& directory) {
+  LetListerGo();
+  const auto lister =
+      std::make_shared<DirLister>(session_, cache_, window_, directory, std::exchange(verdict_, {}),
+                                  [weak = weak_from_this(), directory] {
+                                    if (const auto looper = weak.lock())
+                                      AskLater(*looper, directory);
+                                  });
+  {
+    const MutexLock hold(lock_);
+    lister_ = lister;
+    if (turn_.Stopped()) lister_->Stop();
   }
-  if (refused.Count() > 0) {
-    Warn(*window_,
-         Text::WithReason(Text("The server did not delete everything:"), refused.Lines()));
-  }
-  if (session_->IsLost()) TellLoss(*window_, *session_);
+  if (lister->Run()) return;
+  window_->EndListing(0, false);
+  Warn(*window_, Text("The system has no thread left to fetch the listing."));
 }
 
-void ControlLooper::Rename(const Message& entry) {
-  if (NeedsConnection()) return;
+Outcome ControlLooper::CreateDirectory(const Message& entry) {
   const std::string directory = entry.FindString("path").value_or("");
-  const std::string from = entry.FindString("original").value_or("");
-  const std::string to = entry.FindString("renameto").value_or("");
-  const Outcome outcome = session_->Rename(PathBelow(directory, from), PathFrom(directory, to));
-  if (outcome.IsDone()) window_->RenameEntry(from, to, directory);
-  TellOutcome(*window_, *session_, outcome);
-}
-
-void ControlLooper::CreateDirectory(const Message& entry) {
-  if (NeedsConnection()) return;
-  const std::string directory = entry.FindString("path").value_or("");
-  const Outcome outcome =
+  Outcome made =
       session_->MakeDirectory(PathFrom(directory, entry.FindString("name").value_or("")));
-  if (outcome.IsDone() && directory == shown_) {
-    List(directory);
-  }
-  TellOutcome(*window_, *session_, outcome);
+  return made.IsDone() && directory == shown_ ? List(directory) : made;
 }
 
-void ControlLooper::ViewFile(const std::string& path) {
-  if (NeedsConnection()) return;
-  std::unique_ptr<RemoteFile> file;
-  const Outcome opened = session_->OpenForReading(path, 0, file);
-  if (!opened.IsDone()) {
-    TellOutcome(*window_, *session_, opened);
-    return;
-  }
-  if (const auto viewer = window_->OpenViewer(Text::Raw(SplitPath(path).second))) {
-    FillViewer(*file, *viewer);
-  }
-  file.reset();
-  if (session_->IsLost()) TellLoss(*window_, *session_);
-}
-
-// Until the data ends or stays away, or the text window has enough or is closed.
-void ControlLooper::FillViewer(RemoteFile& file, TextSink& viewer) {
-  constexpr long kStep = 250;  // milliseconds
-  constexpr long kMostSilence = 120'000;
-  std::vector<char> buffer(std::size_t{64} * 1024);
-  for (;;) {
-    for (long silence = 0; !file.Wait(kStep); silence += kStep) {
-      if (!viewer.Append({})) return;
-      if (silence < kMostSilence) continue;
-      return viewer.End(Text("The file is not complete: %1", Text("The server does not answer")));
-    }
-    std::size_t count = 0;
-    Outcome outcome = file.Read(buffer, count);
-    if (outcome.IsDone() && count > 0) {
-      const auto begin = buffer.begin();
-      const auto end = std::remove(begin, begin + static_cast<std::ptrdiff_t>(count), '\r');
-      if (viewer.Append({buffer.data(), static_cast<std::size_t>(end - begin)})) continue;
-      return viewer.End({});
-    }
-    if (outcome.IsDone()) outcome = file.Finish();
-    return viewer.End(
-        outcome.IsDone() ? Text() : Text("The file is not complete: %1", outcome.text.Reason()));
-  }
-}
-
-void ControlLooper::ViewListing(const std::string& directory) {
-  if (cache_ && cache_->Directory() != directory && !session_->IsLost()) {
-    List(directory);
-  }
-  const auto viewer = window_->OpenViewer(Text("Listing of: %1", directory));
-  if (!viewer) return;
-  const bool shown =
-      cache_ && cache_->Directory() == directory &&
-      cache_->Read([&viewer](std::string_view bytes) { return viewer->Append(bytes); });
-  viewer->End(shown ? Text() : Text("The listing could not be read."));
-}
-
-// True, and the user has been told, where the connection is gone.
-bool ControlLooper::NeedsConnection() {
-  if (cache_ && !session_->IsLost()) return false;
-  TellLoss(*window_, *session_);
-  return true;
+Outcome ControlLooper::ViewListing(const std::string& directory) {
+  Outcome listed;
+  if (cache_->Directory() != directory) listed = List(directory);
+  corvane::ViewListing(*cache_, *window_, directory);
+  return listed;
 }
 
 }  // namespace corvane

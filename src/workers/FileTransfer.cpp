@@ -3,7 +3,7 @@
 #include <exception>
 #include <utility>
 
-#include "workers/DirLister.h"
+#include "workers/Notices.h"
 
 namespace corvane {
 
@@ -115,7 +115,7 @@ void FileTransfer::Finish() {
                                    : TransferEnd::Failed;
   if (window_) {
     window_->SetStatus(finished ? Text("Transfer Complete.") : Text("Transfer Interupted."));
-    if (session_->IsLost()) TellLoss(*window_, *session_);
+    if (session_->IsLost()) TellLoss(*window_, session_->Host(), session_->HowLost());
   }
   row_->SetEndState(state, state == TransferEnd::Failed ? notes_.Summary() : Text());
   if (finished) row_->PlaySound(description_.download ? Sound::Downloaded : Sound::Uploaded);

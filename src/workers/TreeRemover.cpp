@@ -22,8 +22,10 @@ void TreeRemover::Refuse(const std::string& path, const Text& why) {
   refused_.Add(path.starts_with(above) ? path.substr(above.size()) : path, why);
 }
 
+// A loss and a stop are told by themselves.
 void TreeRemover::Note(const std::string& path, const Outcome& outcome) {
-  if (outcome.kind != Outcome::Kind::Cancelled) Refuse(path, outcome.text.Reason());
+  if (outcome.kind == Outcome::Kind::Lost || outcome.kind == Outcome::Kind::Cancelled) return;
+  Refuse(path, outcome.text.Reason());
 }
 
 bool TreeRemover::Remove(const std::string& name, Kind kind) {

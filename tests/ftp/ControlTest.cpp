@@ -147,28 +147,45 @@ TEST(Login, ReportsEveryFailure) {
   const std::string refused = "Refused: Login to: 127.0.0.1 failed.\n";
   const std::string closing = "Service not available, closing control connection!\n\nFull";
   const std::string full = "Busy: Login to: 127.0.0.1 failed.\nInvalid Username or Password.\n\n";
-  const std::tuple<std::string, ScriptedAction, std::string> cases[] = {
-      {"greeting", {.reply = "220 he", .control = ControlEnd::Reset}, gone + "*"},
-      {"greeting", {.reply = "421 Full\r\n"}, "Busy" + gone.substr(4) + closing},
-      {"greeting", {.reply = "530 Full\r\n"}, gone + "Full"},
-      {"greeting", {.reply = "SSH-2.0-Server\r\n"}, gone + "The server does not speak FTP"},
-      {"greeting", {.reply = ""}, gone + "The server does not answer"},
-      {"USER", {.reply = "530 No\r\n"}, refused + "\nUsername is invalid\n\nNo"},
-      {"USER", {.reply = "500 What?\r\n"}, refused + "\nWhat?"},
-      {"PASS", {.reply = "530 No\r\n"}, refused + "Invalid Username or Password.\n\nNo"},
-      {"PASS", {.reply = "530 Too many users\r\n"}, full + "Too many users"},
-      {"PASS", {.reply = "550 No\r\n"}, "Refused: Login to: 127.0.0.1 as anonymous failed.\n\nNo"},
-      {"PASS", {.reply = "503 USER first\r\n"}, refused + "\nUSER first"},
-      {"PASS", {.reply = "", .control = ControlEnd::Reset}, gone + "*"},
+  using Trouble = Outcome::Trouble;
+  const std::tuple<std::string, ScriptedAction, std::string, Trouble> cases[] = {
+      {"greeting", {.reply = "220 he", .control = ControlEnd::Reset}, gone + "*", Trouble::Other},
+      {"greeting", {.reply = "421 Full\r\n"}, "Busy" + gone.substr(4) + closing, Trouble::Other},
+      {"greeting", {.reply = "530 Full\r\n"}, gone + "Full", Trouble::Other},
+      {"greeting",
+       {.reply = "SSH-2.0-Server\r\n"},
+       gone + "The server does not speak FTP",
+       Trouble::Other},
+      {"greeting", {.reply = ""}, gone + "The server does not answer", Trouble::NoAnswer},
+      {"USER",
+       {.reply = "530 No\r\n"},
+       refused + "\nUsername is invalid\n\nNo",
+       Trouble::RefusedLogin},
+      {"USER", {.reply = "500 What?\r\n"}, refused + "\nWhat?", Trouble::RefusedLogin},
+      {"PASS",
+       {.reply = "530 No\r\n"},
+       refused + "Invalid Username or Password.\n\nNo",
+       Trouble::RefusedLogin},
+      {"PASS", {.reply = "530 Too many users\r\n"}, full + "Too many users", Trouble::Other},
+      {"PASS",
+       {.reply = "550 No\r\n"},
+       "Refused: Login to: 127.0.0.1 as anonymous failed.\n\nNo",
+       Trouble::RefusedLogin},
+      {"PASS", {.reply = "503 USER first\r\n"}, refused + "\nUSER first", Trouble::RefusedLogin},
+      {"PASS", {.reply = "", .control = ControlEnd::Reset}, gone + "*", Trouble::Other},
   };
-  for (const auto& [verb, action, told] : cases) {
+  for (const auto& [verb, action, told, trouble] : cases) {
     Session s;
     s.server.On(verb, action);
     if (action.reply == "") s.engine.SetSilenceLimit(300);
-    const std::string result = Told(s.engine.Connect());
+    const Outcome outcome = s.engine.Connect();
+    const std::string result = Told(outcome);
     const bool any = told.ends_with("*");
     EXPECT_TRUE(any ? result.starts_with(told.substr(0, told.size() - 1)) : result == told)
         << verb << *action.reply << result;
+    EXPECT_EQ(outcome.trouble, trouble) << verb << *action.reply;
+    const std::string reply = action.reply->substr(0, action.reply->find('\r'));
+    EXPECT_EQ(outcome.server, outcome.code != 0 ? reply : "");
     EXPECT_EQ(s.ui->Seen().sounds.empty(), told.find("Connection to") != std::string::npos);
     EXPECT_EQ(s.server.Transcript().size(), verb == "greeting" ? 0U : verb == "USER" ? 1U : 2U);
     EXPECT_TRUE(s.engine.IsLost());
@@ -178,10 +195,90 @@ TEST(Login, ReportsEveryFailure) {
 TEST(Login, FailsWithoutAServer) {
   const auto ui = std::make_shared<RecordingBrowserUi>();
   const std::uint16_t port = ScriptedServer().Port();
-  EXPECT_EQ(Told(MFtp({.host = "127.0.0.1", .port = port}, ui).Connect()),
-            "Lost: Connection to:  127.0.0.1 FAILED!\n\nConnection refused");
-  EXPECT_EQ(Told(MFtp({.host = "no-such-host.invalid"}, ui).Connect()),
+  const Outcome refused = MFtp({.host = "127.0.0.1", .port = port}, ui).Connect();
+  EXPECT_EQ(Told(refused), "Lost: Connection to:  127.0.0.1 FAILED!\n\nConnection refused");
+  EXPECT_EQ(refused.trouble, Outcome::Trouble::RefusedPort);
+  const Outcome unknown = MFtp({.host = "no-such-host.invalid"}, ui).Connect();
+  EXPECT_EQ(Told(unknown),
             "LocalError: Could not resolve the address for:\n\n no-such-host.invalid");
+  EXPECT_EQ(unknown.trouble, Outcome::Trouble::UnknownName);
+}
+
+// What an entry is told as, by servers that know more or less.
+TEST(Features, TellOfAnEntry) {
+  const std::string line = "-rw-r----- 1 ann web 7 Mar 14 2020 f\r\n";
+  const std::string facts =
+      "250-f\r\n Type=file;Size=9;Modify=20200314092600.5;UNIX.mode=0640;UNIX.ownername=bob;"
+      "UNIX.owner=7; /f\r\n250 End\r\n";
+  const ScriptedAction no = {.reply = "500 What?\r\n"};
+  struct Case {
+    std::optional<std::string> mlst;
+    ScriptedAction size;
+    std::string listing;
+    std::string told;  // kind, size, mode, owner, time; or why not
+  };
+  const Case cases[] = {
+      {facts, no, line, "1 9 -rw-r----- ann 1584144000"},
+      {facts, no, "", "1 9 -rw-r----- bob 1584177960"},
+      {"250-d\r\n type=dir;size=4096;modify=20200314092600; d\r\n250 End\r\n", no, line,
+       "2 - - - 1584177960"},
+      {"550 None\r\n", no, line, "None"},
+      {"250 What?\r\n", no, line, "1 7 -rw-r----- ann 1584144000"},
+      {{}, {.reply = "213 8\r\n"}, line, "1 8 -rw-r----- ann 1584144000"},
+      {{}, {.reply = "213 8\r\n"}, line + line, "1 8 - - 1584177960"},
+      {{}, {.reply = "213 8\r\n"}, "-rw-r----- 1 u g 7 Mar 14 2020 g\r\n", "1 8 - - 1584177960"},
+      {{}, no, line, "1 7 -rw-r----- ann 1584144000"},
+      {{},
+       {.reply = "550 No file\r\n"},
+       "drwxr-xr-x 1 ann web 0 Mar 14 2020 f\r\n",
+       "2 - drwxr-xr-x ann 1584144000"},
+      {{}, {.reply = "550 No file\r\n"}, line, "The server does not tell about f."},
+  };
+  for (const Case& c : cases) {
+    Session s(true);
+    if (c.mlst) s.server.On("FEAT", {.reply = "211-Has\r\n MLST Type*;\r\n211 End\r\n"});
+    if (c.mlst) s.server.On("MLST", {.reply = *c.mlst});
+    s.server.On("SIZE", c.size);
+    s.server.On("MDTM", {.reply = "213 20200314092600\r\n"});
+    s.server.On("LIST", {.data = c.listing});
+    s.LogIn();
+    RemoteEntry entry;
+    const Outcome outcome = s.engine.Stat("/f", entry);
+    const auto text = [](const std::string& field) { return field.empty() ? "-" : field; };
+    std::string told = std::to_string(static_cast<int>(entry.kind)) + " " +
+                       (entry.size ? std::to_string(*entry.size) : "-") + " " + text(entry.mode) +
+                       " " + text(entry.owner) + " " +
+                       (entry.modified ? std::to_string(entry.modified->seconds) : "-");
+    if (!outcome.IsDone()) told = outcome.text.Reason().English();
+    EXPECT_EQ(told, c.told) << s.server.Dialogue();
+  }
+}
+
+TEST(Features, TellOfFreeSpace) {
+  const std::string quota = "200-Quota [current/limit]:\r\n Name: ann\r\n";
+  // FEAT, the question's reply, the answer, and what is sent for two questions.
+  const std::tuple<std::string, std::string, std::optional<std::int64_t>, std::string> cases[] = {
+      {" AVBL", "213 7000000000\r\n", 7'000'000'000, "FEAT|CWD d|AVBL|AVBL"},
+      {" avbl", "550 No\r\n", {}, "FEAT|CWD d|AVBL|AVBL"},
+      {"", quota + "   Uploaded Kb:\t1.50/10.00\r\n200 Ask.\r\n", 8704,
+       "FEAT|SITE QUOTA|SITE QUOTA"},
+      {"", quota + "   Uploaded bytes:\t20.00/10.00\r\n200 Ask.\r\n", 0,
+       "FEAT|SITE QUOTA|SITE QUOTA"},
+      {"", quota + "   Uploaded bytes:\tunlimited\r\n200 Ask.\r\n", {}, "FEAT|SITE QUOTA"},
+      {"", "500 What?\r\n", {}, "FEAT|SITE QUOTA"},
+  };
+  for (const auto& [feature, reply, bytes, sent] : cases) {
+    Session s;
+    s.server.Tree().AddDirectory("/d");
+    s.server.On("FEAT", {.reply = "211-Has\r\n" + feature + "\r\n211 End\r\n"});
+    s.server.On("AVBL", {.reply = reply});
+    s.server.On("SITE", {.reply = reply});
+    s.LogIn();
+    std::optional<std::int64_t> told;
+    for (int i = 0; i < 2; ++i) (void)s.engine.FreeSpace("/d", told);
+    EXPECT_EQ(s.Sent(), sent);
+    EXPECT_EQ(told, bytes) << reply;
+  }
 }
 
 TEST(Login, GoesThroughAProxy) {

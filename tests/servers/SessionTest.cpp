@@ -114,6 +114,23 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   EXPECT_TRUE(looper->PostMessage(entries));
   ASSERT_TRUE(shows({kKorean, "to file", "to tree"}));
   EXPECT_FALSE(fs::exists(pub_ / "old"));
+  Write(pub_ / "new", "12345");
+  Message fresh("STAT"_what);
+  fresh.AddString("path", ui->Seen().path);
+  for (const char* name : {"new", "to tree"}) fresh.AddString("name", name);
+  EXPECT_TRUE(looper->PostMessage(fresh));
+  ASSERT_TRUE(shows({kKorean, "to file", "to tree", "new"}));
+  EXPECT_EQ(ui->Seen().entries.back().size, 5);
+  EXPECT_EQ(ui->Seen().entries.back().mode, "-rw-r--r--");
+  if (std::get<0>(GetParam()) == "proftpd") {
+    post("DUPL"_what, {{"name", "new"}, {"to", "new [2]"}});
+    ASSERT_TRUE(shows({kKorean, "to file", "to tree", "new", "new [2]"}));
+    EXPECT_EQ(Contents(pub_ / "new [2]"), "12345");
+    post("MOVE"_what, {{"name", "new [2]"}, {"to", "../tree/one"}});
+  }
+  post("MOVE"_what, {{"name", "new"}, {"to", "to tree/one"}});
+  ASSERT_TRUE(shows({kKorean, "to file", "to tree"}));
+  EXPECT_EQ(Contents(remote_.Path() / "tree" / "one" / "new"), "12345");
   post("VWFL"_what, {{"file", kKorean}});
   EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerText == "utf-8\n"; }));
   post("HSYM"_what, {{"sym", "to file"}});

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -16,6 +17,8 @@ struct BrowserRecord : OwnerRecord {
   std::string path;
   std::vector<RemoteEntry> entries;  ///< of the last listing
   std::optional<std::size_t> count;  ///< once the last listing has ended
+  bool whole = false;
+  std::vector<std::string> steps;  ///< that were running or done, in the order told
   std::string viewerTitle;
   std::string viewerText;
   std::optional<std::string> viewerNote;  ///< once the text has ended
@@ -35,6 +38,11 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
   bool SetPath(std::string_view path) override {
     return Note([&](BrowserRecord& r) { r.path = path; });
   }
+  bool ShowStep(const ConnectStep& step) override {
+    return Note([&](BrowserRecord& r) {
+      if (step.state != ConnectStep::State::Waiting) r.steps.push_back(step.text.English());
+    });
+  }
   bool BeginListing() override {
     return Note([](BrowserRecord& r) {
       r.entries.clear();
@@ -46,8 +54,11 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
       r.entries.insert(r.entries.end(), entries.begin(), entries.end());
     });
   }
-  bool EndListing(std::size_t count) override {
-    return Note([&](BrowserRecord& r) { r.count = count; });
+  bool EndListing(std::size_t count, bool whole) override {
+    return Note([&](BrowserRecord& r) {
+      r.count = count;
+      r.whole = whole;
+    });
   }
   bool RemoveEntry(std::string_view name, std::string_view directory) override {
     return Note([&](BrowserRecord& r) {
@@ -59,6 +70,18 @@ class RecordingBrowserUi : public Recorder<BrowserUi, BrowserRecord>,
     return Note([&](BrowserRecord& r) {
       for (RemoteEntry& entry : r.entries)
         if (entry.name == from && r.path == directory) entry.name = to;
+    });
+  }
+  bool UpdateEntry(RemoteEntry entry, std::string_view directory) override {
+    return Note([&](BrowserRecord& r) {
+      const auto same = [&](const RemoteEntry& e) { return e.name == entry.name; };
+      const auto place = std::ranges::find_if(r.entries, same);
+      if (r.path != directory) return;
+      if (place == r.entries.end()) {
+        r.entries.push_back(entry);
+      } else {
+        *place = entry;
+      }
     });
   }
   bool ChangeValues(std::string_view, std::int64_t) override { return !closing; }

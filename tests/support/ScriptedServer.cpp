@@ -49,6 +49,7 @@ class ScriptedSession {
       pollfd next = {control_.get(), POLLIN, 0};
       if (!held_.empty()) ::poll(&next, 1, 2'000);
       Write(control_.get(), std::exchange(held_, {}));
+      if (IsIdle()) break;
       const std::string line = ReadLine();
       if (line.empty()) return;
       server_.NoteCommand(line);
@@ -59,6 +60,18 @@ class ScriptedSession {
   }
 
  private:
+  /// Whether the client has said nothing for too long; it has then been told.
+  bool IsIdle() {
+    const int limit = server_.idleLimit_;
+    std::array<pollfd, 2> waits = {{{control_.get(), POLLIN, 0}, {server_.stop_.get(), POLLIN, 0}}};
+    if (limit < 0 || ::poll(waits.data(), waits.size(), limit) != 0) return false;
+    const MutexLock hold(server_.lock_);
+    Write(control_.get(), server_.idleWords_);
+    control_.reset();
+    ++server_.closed_;
+    return true;
+  }
+
   void Perform(const std::string& verb, const std::string& argument) {
     action_ = server_.Next(verb);
     if (action_.arrived) action_.arrived();

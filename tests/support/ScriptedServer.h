@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -68,6 +69,15 @@ class ScriptedServer {
   /// all connections; 0 stands for every one that has no action of its own.
   void On(const std::string& verb, ScriptedAction action, int occurrence = 0);
 
+  /// From now on says `words` and closes where so many milliseconds pass without a command.
+  void CloseIdle(int milliseconds, std::string words) {
+    const MutexLock hold(lock_);
+    idleWords_ = std::move(words);
+    idleLimit_ = milliseconds;
+  }
+  /// How many connections were closed for that.
+  [[nodiscard]] int Closed() const { return closed_; }
+
   /// The commands of all connections as they came, line ends included.
   [[nodiscard]] std::vector<std::string> Transcript() const {
     const MutexLock hold(lock_);
@@ -108,6 +118,9 @@ class ScriptedServer {
   std::map<std::string, int> seen_ GUARDED_BY(lock_);
   std::vector<std::string> commands_ GUARDED_BY(lock_);
   std::string dialogue_ GUARDED_BY(lock_);
+  std::string idleWords_ GUARDED_BY(lock_);
+  std::atomic<int> idleLimit_{-1};
+  std::atomic<int> closed_{0};
   std::thread thread_;
 };
 

@@ -43,6 +43,7 @@ const std::array kSettings{
         .control = "ShowTranWin",
         .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Show &Transfer Window on new transfer."),
         .hint = QT_TRANSLATE_NOOP("corvane::PrefWindow", "In force from the next start on."),
+        .opensGroup = true,
         .atNextStart = true},
     Setting{.key = "removeitem",
             .variable = &Values::removeItem,
@@ -69,8 +70,12 @@ const std::array kSettings{
             .tab = Misc,
             .control = "ClassicStyle",
             .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "C&lassic style"),
-            .hint = QT_TRANSLATE_NOOP("corvane::PrefWindow",
-                                      "Figures, texts and editing of the classic windows.")},
+            .hint = QT_TRANSLATE_NOOP(
+                "corvane::PrefWindow",
+                "Sizes, dates, order, rows “.” and “..”, texts and colours as in the first "
+                "version. Windows that open from then on follow it."),
+            .hintBelow = true,
+            .opensGroup = true},
     Setting{.key = "buffersize",
             .variable = &Values::buffersize,
             .tab = Misc,

@@ -31,6 +31,8 @@ struct Setting {
   const char* control = "";             ///< the object name of its field, box or list
   const char* label = "";
   const char* hint = "";        ///< below the pointer, or in an empty field
+  bool hintBelow = false;       ///< the hint stands below it, always seen
+  bool opensGroup = false;      ///< a line parts it from those before
   const char* emptied = "";     ///< a text in force where the user has left the field empty
   bool storesEmptied = true;    ///< whether that text is stored as well, or the empty one
   const char* readsEmpty = "";  ///< a text in force where an empty one was stored

@@ -99,6 +99,11 @@ ShortcutStore::List ShortcutStore::ReadForMenu() {
   return {{first}, set.Finish()};
 }
 
+bool ShortcutStore::AreTheFirst(const std::vector<Shortcut>& shortcuts) {
+  return shortcuts.size() == 1 && (shortcuts[0] == FirstEntry() ||
+                                   shortcuts[0] == ParseUrl(StoredForm(FirstEntry()), false));
+}
+
 ShortcutStore::List ShortcutStore::ReadForList() {
   PreferenceSet set(kSet);
   return {ReadAll(set, GetInt32(set, kLast, 0)), set.Finish()};

@@ -34,6 +34,8 @@ class ShortcutStore {
   /// All entries, in order. A store that was never written gets its first entry; one that cannot be
   /// read now is left as it is.
   [[nodiscard]] static List ReadForMenu();
+  /// Whether these are what such a store begins with.
+  [[nodiscard]] static bool AreTheFirst(const std::vector<Shortcut>& shortcuts);
   /// All entries, in order.
   [[nodiscard]] static List ReadForList();
   /// How many entries are stored behind the end of the reading, the one that ends it included:

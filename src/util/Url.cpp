@@ -59,17 +59,8 @@ bool ReadHost(std::string_view text, Url& url) {
   return end >= text.size() || ReadPort(text.substr(end + 1), url);
 }
 
-}  // namespace
-
-bool Url::IsMeant(std::string_view text) {
-  text = Trimmed(text);
-  return text.size() >= kScheme.size() &&
-         ::strncasecmp(text.data(), kScheme.data(), kScheme.size()) == 0;
-}
-
-std::optional<Url> Url::Read(std::string_view text) {
-  if (!IsMeant(text)) return {};
-  text = Trimmed(text).substr(kScheme.size());
+// What stands behind "ftp://".
+std::optional<Url> ReadRest(std::string_view text) {
   Url url;
   const std::size_t slash = std::min(text.find('/'), text.size());
   std::string_view authority = text.substr(0, slash);
@@ -80,6 +71,35 @@ std::optional<Url> Url::Read(std::string_view text) {
   if (!ReadHost(authority, url) || !Take(text.substr(slash), url.path)) return {};
   if (url.path == "/") url.path.clear();
   return url;
+}
+
+// An IPv6 address, with or without an interface behind "%".
+bool IsPlainV6(std::string_view text) {
+  const std::string_view address = text.substr(0, text.find('%'));
+  return std::ranges::count(address, ':') > 1 &&
+         address.find_first_not_of("0123456789abcdefABCDEF:.") == std::string_view::npos;
+}
+
+}  // namespace
+
+bool Url::IsMeant(std::string_view text) {
+  text = Trimmed(text);
+  return text.size() >= kScheme.size() &&
+         ::strncasecmp(text.data(), kScheme.data(), kScheme.size()) == 0;
+}
+
+std::optional<Url> Url::Read(std::string_view text) {
+  if (!IsMeant(text)) return {};
+  return ReadRest(Trimmed(text).substr(kScheme.size()));
+}
+
+std::optional<Url> Url::ReadAddress(std::string_view text) {
+  if (IsMeant(text)) return Read(text);
+  text = Trimmed(text);
+  if (text.empty() || text.find("://") != std::string_view::npos) return {};
+  const bool alone = text.find_first_of(":/@[]") == std::string_view::npos;
+  if (alone || IsPlainV6(text)) return Url{.host = std::string(text)};
+  return ReadRest(text);
 }
 
 std::string Url::Written() const {

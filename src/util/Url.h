@@ -25,6 +25,10 @@ struct Url {
   /// the login at the last "@" before the first "/". "?" and "#" belong to the path: FTP has
   /// neither queries nor fragments.
   [[nodiscard]] static std::optional<Url> Read(std::string_view text);
+  /// Reads what a user wrote where an address is asked for: such a URL, or one that leaves "ftp://"
+  /// out. A host alone is taken as it stands, an IPv6 address without brackets too. Nothing for
+  /// what Read refuses, and for a URL of another kind.
+  [[nodiscard]] static std::optional<Url> ReadAddress(std::string_view text);
 
   /// The text from which Read gets host, port and path again. The port stands there when it is not
   /// 21; user and password never do.

@@ -1,5 +1,6 @@
 #include <set>
 
+#include "settings/ListingLooks.h"
 #include "settings/SettingsTable.h"
 #include "settings/StoredSettings.h"
 #include "support/Config.h"
@@ -87,6 +88,28 @@ TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {
     EXPECT_FALSE(StoredSettings::Apply(ProcessSettings::Get()).IsEmpty());
     EXPECT_FALSE(PreferenceSet("settings").Finish().IsEmpty());
     EXPECT_EQ(Contents(File("settings")), broken);
+  }
+}
+
+TEST_F(Settings, LooksOfListingsAreKeptForTheSitesVisitedLast) {
+  ListingLook look;
+  look.columns[3] = {.shown = true, .width = 77};
+  look.natural = false;
+  ListingLooks::Keep("first\tuser\n@h:21", look);
+  EXPECT_EQ(ListingLooks::Read("first\tuser\n@h:21"), look);
+  EXPECT_EQ(ListingLooks::Read("first"), ListingLook());
+  for (std::size_t site = 1; site < ListingLooks::kMost; ++site) {
+    ListingLooks::Keep("site " + std::to_string(site), look);
+  }
+  ListingLooks::Keep("first\tuser\n@h:21", look);  // visited once more
+  ListingLooks::Keep("one more", look);
+  EXPECT_EQ(ListingLooks::Read("site 1"), ListingLook()) << "not visited for longest";
+  EXPECT_EQ(ListingLooks::Read("site 2"), look);
+  EXPECT_EQ(ListingLooks::Read("first\tuser\n@h:21"), look);
+  for (const char* damaged :
+       {"s\t9 1 1 1 1 0 1 0 1 0 1 0 1 0 1 0 1 0\n", "s\t1 1\n", "s\tx\n", ""}) {
+    Put("listings", "sites", damaged);
+    EXPECT_EQ(ListingLooks::Read("s"), ListingLook()) << damaged;
   }
 }
 

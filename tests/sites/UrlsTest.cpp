@@ -71,6 +71,20 @@ TEST(Url, IsReadAndWrittenInOneWay) {
         "ftp://::1/", "ftp://[::1", "ftp://[::1]x/", "ftp://[h]/", "ftp://h/%zz",
         "ftp://h/%0d%0aDELE x", "ftp://h/a%00", "ftp://h/a\nDELE x", "http://h/", "h/pub"})
     EXPECT_FALSE(Url::Read(bad)) << bad;
+  const std::pair<const char*, const char*> addresses[] = {
+      {" h \n", "h||||21"},
+      {"h:2121", "h||||2121"},
+      {"u@h/pub", "h|u||/pub|21"},
+      {"[::1]:2121", "::1||||2121"},
+      {"fe80::1%eth0", "fe80::1%eth0||||21"},
+      {"ftp://h:2121/pub", "h|||/pub|2121"},
+  };
+  for (const auto& [text, site] : addresses) {
+    const auto url = Url::ReadAddress(text);
+    EXPECT_EQ(url ? Describe(SiteOf(*url)) : "", site) << text;
+  }
+  for (const char* bad : {"", " ", "h:port", "h:0", "http://h", "ftp://", "x:y:z"})
+    EXPECT_FALSE(Url::ReadAddress(bad)) << bad;
   EXPECT_TRUE(Url::IsMeant(" Ftp://h:0"));
   EXPECT_FALSE(Url::IsMeant("ftp:/"));
 }

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <vector>
 
 class QWidget;
 
@@ -13,14 +14,26 @@ namespace corvane {
 /// its own. GUI thread.
 class Alerts {
  public:
+  /// What an alert says and asks. All texts are plain. A question in several paragraphs has its
+  /// first one in bold.
   struct Question {
     QMessageBox::Icon icon = QMessageBox::Warning;
-    QString title;
-    QString text;
-    QString detail{};                           ///< more of it, in smaller letters
+    QString title;                              ///< in the classic style
+    QString text;                               ///< in the classic style, or without a heading
+    QString detail{};                           ///< more of it
     QStringList buttons{QStringLiteral("OK")};  ///< an "&" marks the key that presses the button
     int preset = 0;                             ///< the button that Enter presses
     bool dismissible = false;                   ///< Escape presses none of them
+    QString subject{};  ///< the title in the modern style, else the window's: "Delete – anna@host"
+    QString heading{};  ///< what has happened or is asked, in the modern style
+    QString advice{};   ///< a plain sentence or two on what to do, in the modern style
+    /// Facts in a card: of one cell a line, of two a label and its text, of more a label and texts
+    /// side by side, below the titles in a first row without a label.
+    std::vector<QStringList> facts{};
+    /// What each button does, the last one aside: it makes them choices, as more than three are.
+    QStringList explanations{};
+    QString tick{};                      ///< the text of a check box
+    std::function<void(bool)> ticked{};  ///< gets its state before the answer comes
   };
   using Answer = std::function<void(int button)>;
   using Responder = std::function<int(const Question&)>;

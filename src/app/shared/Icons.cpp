@@ -1,7 +1,6 @@
 #include "app/shared/Icons.h"
 
 #include <QFile>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
@@ -57,25 +56,6 @@ bool EqualsLowered(std::string_view mixed, std::string_view lower) {
   });
 }
 
-/// One icon for light and one for dark surroundings.
-using IconPair = std::array<QIcon, 2>;
-
-QIcon Unchanging(const QString& file) {
-  QIcon icon(file);
-  // A picture of its own for selected rows; styles tint the other one with the highlight colour.
-  icon.addFile(file, {}, QIcon::Selected);
-  return icon;
-}
-
-IconPair Bundled(const char* name) {
-  const QString picture = QString::fromLatin1(name);
-  return {Unchanging(PictureFile(picture, false)), Unchanging(PictureFile(picture, true))};
-}
-
-const QIcon& Fitting(const IconPair& icons) {
-  return icons.at(IsDark(QGuiApplication::palette()) ? 1 : 0);
-}
-
 QPixmap Rendered(QSvgRenderer& picture, int size) {
   QPixmap pixmap(size, size);
   pixmap.fill(Qt::transparent);
@@ -104,18 +84,6 @@ QString PictureFile(const QString& name, bool dark) {
   LoadPictures();
   const QString variant = QStringLiteral(":/icons/dark/%1.svg").arg(name);
   return dark && QFile::exists(variant) ? variant : QStringLiteral(":/icons/%1.svg").arg(name);
-}
-
-const QIcon& ListIcon(IconKind kind) {
-  static const std::array icons{Bundled("folder"),  Bundled("link"),   Bundled("paper"),
-                                Bundled("archive"), Bundled("audio"),  Bundled("package"),
-                                Bundled("html"),    Bundled("graphic")};
-  return Fitting(icons.at(static_cast<std::size_t>(kind)));
-}
-
-const QIcon& AlertIcon() {
-  static const IconPair icons = Bundled("alert");
-  return Fitting(icons);
 }
 
 QIcon ProgramIcon() {

@@ -32,11 +32,6 @@ enum class IconKind : std::uint8_t {
 /// is one.
 [[nodiscard]] QString PictureFile(const QString& name, bool dark);
 
-/// The icons that go with the application's present palette: ask again for every painting. GUI
-/// thread.
-[[nodiscard]] const QIcon& ListIcon(IconKind kind);
-[[nodiscard]] const QIcon& AlertIcon();
-
 /// The face of the program; its smallest size is a drawing of its own. GUI thread.
 [[nodiscard]] QIcon ProgramIcon();
 

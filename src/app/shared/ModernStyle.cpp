@@ -1,7 +1,11 @@
 #include "app/shared/ModernStyle.h"
 
+#include <QCoreApplication>
+#include <QPalette>
 #include <algorithm>
 
+#include "app/shared/Figures.h"
+#include "app/shared/Tones.h"
 #include "util/Encodings.h"
 
 namespace corvane {
@@ -45,8 +49,57 @@ void ModernStyle::Delete(HiddenText& text) const {
   Erase(text, text.cursor, 1);
 }
 
+QString ModernStyle::FileSize(std::int64_t bytes) const {
+  return ShortSize(bytes);
+}
+
+QString ModernStyle::EntrySize(std::int64_t size, const std::string& /*recorded*/) const {
+  return size < 0 ? QString() : ShortSize(size);
+}
+
+QString ModernStyle::EntryDate(const QDate& day, const std::optional<QTime>& time,
+                               const std::string& /*recorded*/) const {
+  return ShortDate(day, time);
+}
+
+InfoTitles ModernStyle::TitlesOfInfo() const {
+  return {.heading = QCoreApplication::translate("corvane::InfoPane", "File Info"),
+          .permissions = QCoreApplication::translate("corvane::InfoPane", "Permissions"),
+          .owner = QCoreApplication::translate("corvane::InfoPane", "Owner"),
+          .group = QCoreApplication::translate("corvane::InfoPane", "Group")};
+}
+
+RowColors ModernStyle::ColorsOfRows(const QPalette& palette) const {
+  return {.ground = palette.color(QPalette::Base),
+          .text = palette.color(QPalette::Text),
+          .secondary = ToneOf(palette, Tone::Secondary),
+          .disabled = palette.color(QPalette::Disabled, QPalette::Text),
+          .selection = palette.color(QPalette::Highlight),
+          .selectedText = palette.color(QPalette::HighlightedText)};
+}
+
 void ModernStyle::Lose(HiddenText& text, qsizetype stars) const {
   Erase(text, text.cursor, stars);
+}
+
+const char* ModernStyle::PopUpKey(const char* own, const char* /*described*/) const {
+  return own;
+}
+
+QString ModernStyle::TitleOf(const BrowserTitle& title) const {
+  constexpr int kUsualPort = 21;
+  QString server = title.user.isEmpty() ? title.host : title.user + '@' + title.host;
+  if (title.port != kUsualPort) server += ':' + QString::number(title.port);
+  return title.place.isEmpty() ? server : title.place + QStringLiteral(" – ") + server;
+}
+
+QString ModernStyle::Items(int count) const {
+  return count == 1 ? QCoreApplication::translate("corvane::Style", "1 item")
+                    : QCoreApplication::translate("corvane::Style", "%n items", "", count);
+}
+
+QString ModernStyle::NewShortcutTitle() const {
+  return QCoreApplication::translate("corvane::ShortCutEditWindow", "New Shortcut");
 }
 
 }  // namespace corvane

@@ -1,5 +1,7 @@
 #include "app/shared/OpenMessage.h"
 
+#include "app/shared/Style.h"
+
 #include <cstdint>
 
 namespace corvane {
@@ -25,7 +27,7 @@ std::optional<Site> SiteIn(const Message& message) {
   site.password = message.FindString("pass").value_or("guest@a.b");
   site.path = message.FindString("path").value_or("");
   site.port = static_cast<std::uint16_t>(message.FindInt16("port").value_or(21));
-  site.passive = message.FindBool("passive").value_or(false);
+  site.passive = message.FindBool("passive").value_or(Style::InForce().PassiveAtFirst());
   if (site.host.empty() || site.port == 0) return {};
   return site;
 }

@@ -1,6 +1,7 @@
 #include "app/shared/ScreenText.h"
 
 #include <QStringList>
+#include <QWidget>
 #include <algorithm>
 
 #include "util/Encodings.h"
@@ -37,6 +38,11 @@ std::string EditedBytes(const QString& text, const std::string& shown) {
 QString Harmless(const QString& text) {
   if (text.isEmpty()) return {};
   return QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>").arg(text.toHtmlEscaped());
+}
+
+void SetTip(QWidget& widget, const QString& text) {
+  widget.setToolTip(Harmless(text));
+  if (widget.accessibleDescription() != text) widget.setAccessibleDescription(text);
 }
 
 QString Label(const QString& text) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+class QWidget;
+
 namespace corvane {
 
 /// A server's bytes as text for the screen: hostile characters are shown as visible escapes.
@@ -22,6 +24,8 @@ namespace corvane {
 /// A text for tooltips and other places that would take it for markup: shown as it is, lines and
 /// all. A server's markup could otherwise make the window open files.
 [[nodiscard]] QString Harmless(const QString& text);
+/// A tooltip of plain text, which screen readers get without the markup.
+void SetTip(QWidget& widget, const QString& text);
 
 /// A text as the label of a menu item or button, in which "&" marks no key.
 [[nodiscard]] QString Label(const QString& text);

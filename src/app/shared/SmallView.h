@@ -1,24 +1,22 @@
 #pragma once
 
-#include <QLabel>
+#include "app/shared/ElidedLabel.h"
 
 namespace corvane {
 
-/// A bevelled bar that says how many entries a listing has. GUI thread.
-class SmallView : public QLabel {
+/// What a status line says at its right: how many entries a listing has, or another figure. GUI
+/// thread.
+class SmallView : public ElidedLabel {
   Q_OBJECT
 
  public:
   explicit SmallView(QWidget* parent = nullptr);
 
-  /// Shows "N Items".
+  /// Shows the count as the style in force words it.
   void SetText(int count);
   /// Shows `text`; the count stays.
   void SetText(const QString& text);
   [[nodiscard]] int Count() const { return count_; }
-
- protected:
-  void paintEvent(QPaintEvent* event) override;
 
  private:
   int count_ = 0;

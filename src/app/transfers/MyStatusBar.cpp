@@ -1,15 +1,26 @@
 #include "app/transfers/MyStatusBar.h"
 
+#include <QAccessible>
 #include <QPainter>
+#include <algorithm>
+#include <utility>
 
+#include "app/shared/Style.h"
+#include "app/shared/Tones.h"
 #include "app/transfers/TransferItem.h"
 
 namespace corvane {
 namespace {
 
-QColor Colour(const TransferItem& item) {
-  if (item.Running()) return {0, 152, 51};
-  return item.Failed() ? QColor(228, 0, 0) : QColor(0, 0, 154);
+void Fill(QPainter& painter, const QRect& rect, const QColor& color) {
+  constexpr double kRadius = MyStatusBar::kHeight / 2.0;
+  painter.setBrush(color);
+  painter.drawRoundedRect(rect, kRadius, kRadius);
+}
+
+QColor Groove(const QPalette& palette, bool selected) {
+  if (!selected) return ToneOf(palette, Tone::Line);
+  return Mixed(palette.color(QPalette::HighlightedText), palette.color(QPalette::Highlight), 40);
 }
 
 }  // namespace
@@ -22,25 +33,43 @@ MyStatusBar::MyStatusBar(QWidget* parent) : QWidget(parent) {
 
 void MyStatusBar::SetItem(const TransferItem* item) {
   item_ = item;
+  told_ = -1;
   update();
 }
 
+void MyStatusBar::Refresh() {
+  update();
+  const int percent = Percent();
+  if (!QAccessible::isActive() || percent == std::exchange(told_, percent)) return;
+  QAccessibleValueChangeEvent event(this, percent);
+  QAccessible::updateAccessibility(&event);
+}
+
+int MyStatusBar::Percent() const {
+  return item_ == nullptr ? 0 : static_cast<int>(100 * item_->Fraction());
+}
+
 void MyStatusBar::Draw(QPainter& painter, const QPalette& palette, const QRect& bar,
-                       const TransferItem& item) {
-  painter.fillRect(bar, palette.brush(QPalette::Base));
-  QRect filled = bar.adjusted(1, 1, 0, 0);
-  filled.setWidth(static_cast<int>(item.Fraction() * (bar.width() - 1)));
+                       const TransferItem& item, bool selected) {
+  QColor color = Style::InForce().BarOf(item.State(), palette);
+  if (!color.isValid()) return;
+  if (selected) color = palette.color(QPalette::HighlightedText);
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  Fill(painter, bar, Groove(palette, selected));
+  QRect filled = bar;
+  filled.setWidth(static_cast<int>(item.Fraction() * bar.width()));
   // A transfer that failed before its first byte still shows its colour.
-  if (item.Failed() && filled.width() < kHeight) filled.setWidth(kHeight);
-  painter.fillRect(filled, Colour(item));
-  painter.setPen(palette.color(QPalette::Mid));
-  painter.drawRect(bar);
+  if (item.Failed()) filled.setWidth(std::max(filled.width(), 2 * kHeight));
+  if (filled.width() > 0) Fill(painter, filled, color);
+  painter.restore();
 }
 
 void MyStatusBar::paintEvent(QPaintEvent* /*event*/) {
   if (item_ == nullptr) return;
   QPainter painter(this);
-  Draw(painter, palette(), QRect(0, 0, width() - 1, kHeight), *item_);
+  Draw(painter, palette(), QRect(0, (height() - kHeight) / 2, width(), kHeight), *item_);
 }
 
 }  // namespace corvane

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QColor>
 #include <QWidget>
 
 class QPainter;
@@ -9,30 +8,35 @@ namespace corvane {
 
 class TransferItem;
 
-/// The bar of one transfer: green while it runs, blue when finished, red when failed or cancelled.
-/// GUI thread.
+/// The bar of one transfer, in the colours of the style. GUI thread.
 class MyStatusBar : public QWidget {
   Q_OBJECT
+  Q_PROPERTY(int percent READ Percent)
 
  public:
-  static constexpr int kHeight = 10;
+  static constexpr int kHeight = 4;
 
   explicit MyStatusBar(QWidget* parent);
 
   /// The transfer to show, or null. It must outlive the bar or be taken back before it goes.
   void SetItem(const TransferItem* item);
+  /// Draws how far the transfer is now, and tells it to screen readers.
+  void Refresh();
+  [[nodiscard]] int Percent() const;
 
-  /// Draws such a bar, for the rows of a list, which have no widgets.
+  /// Draws such a bar, for the rows of a list, which have no widgets; nothing where the style has
+  /// none for the transfer's state.
   static void Draw(QPainter& painter, const QPalette& palette, const QRect& bar,
-                   const TransferItem& item);
+                   const TransferItem& item, bool selected = false);
 
-  [[nodiscard]] QSize sizeHint() const override { return {100, kHeight + 1}; }
+  [[nodiscard]] QSize sizeHint() const override { return {100, kHeight}; }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
   const TransferItem* item_ = nullptr;
+  int told_ = -1;
 };
 
 }  // namespace corvane

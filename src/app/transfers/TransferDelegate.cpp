@@ -1,81 +1,83 @@
 #include "app/transfers/TransferDelegate.h"
 
-#include <QFontMetricsF>
 #include <QPainter>
-#include <QStyleOptionFocusRect>
-#include <QWidget>
-#include <algorithm>
 
-#include "app/shared/Icons.h"
+#include "app/shared/Symbols.h"
+#include "app/shared/Tones.h"
 #include "app/transfers/MyStatusBar.h"
 #include "app/transfers/TransferModel.h"
 #include "app/transfers/TransferTexts.h"
-#include "util/GetTruncatedString.h"
 
 namespace corvane {
 namespace {
 
-constexpr int kMargin = 5;
-constexpr int kBarHeight = MyStatusBar::kHeight;
-constexpr int kIconSize = 16;
-constexpr int kTargetWidth = 300;
+constexpr int kGap = 8;
+constexpr int kSymbol = 16;
+constexpr int kNoteSign = 18;
 
-void DrawBackground(QPainter& painter, const QStyleOptionViewItem& option) {
-  const QRect& frame = option.rect;
-  if (option.state.testFlag(QStyle::State_Selected)) {
-    painter.fillRect(frame, option.palette.brush(QPalette::Highlight));
+struct Sign {
+  const char* symbol;
+  Tone tone;
+};
+
+Sign SignOf(const TransferItem& item) {
+  switch (item.State()) {
+    case TransferState::Running: return {item.IsDownload() ? "download" : "upload", Tone::Running};
+    case TransferState::Failed: return {"cross-circle", Tone::Bad};
+    case TransferState::Partly: return {"triangle", Tone::Bad};
+    case TransferState::Cancelled: return {"dash-circle", Tone::Secondary};
+    case TransferState::Done: break;
   }
-  painter.setPen(option.palette.color(QPalette::Mid));
-  painter.drawLine(frame.left(), frame.bottom(), frame.right(), frame.bottom());
+  return {"tick-circle", Tone::Good};
 }
 
-void DrawFocus(QPainter& painter, const QStyleOptionViewItem& option) {
-  if (!option.state.testFlag(QStyle::State_HasFocus) || option.widget == nullptr) return;
-  QStyleOptionFocusRect focus;
-  focus.QStyleOption::operator=(option);
-  focus.state |= QStyle::State_KeyboardFocusChange | QStyle::State_Item;
-  option.widget->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, option.widget);
-}
-
-/// Draws left and right text on one line; the right one and the left one's tail are whole, the rest
-/// gives way.
-void DrawLine(QPainter& painter, const QRect& line, const QString& left, const QString& right,
-              const QString& tail = {}) {
-  const QFontMetrics metrics = painter.fontMetrics();
-  const int taken = right.isEmpty() ? 0 : metrics.horizontalAdvance(right) + 2 * kMargin;
-  const int room = line.width() - taken - metrics.horizontalAdvance(tail);
-  painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, right);
-  painter.drawText(line.adjusted(0, 0, -taken, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                   metrics.elidedText(left, Qt::ElideRight, room) + tail);
+bool HasFailed(const TransferItem& item) {
+  return item.State() == TransferState::Failed || item.State() == TransferState::Partly;
 }
 
 }  // namespace
 
+/// What the parts of one row are painted with.
+struct TransferDelegate::Brush {
+  QPainter& painter;
+  const QStyleOptionViewItem& option;
+  const TransferItem& item;
+  TransferRow row;
+  bool selected;
+
+  /// On a selection everything has its colour.
+  [[nodiscard]] QColor ColorOf(const QColor& color) const {
+    return selected ? option.palette.color(QPalette::HighlightedText) : color;
+  }
+  [[nodiscard]] QColor ColorOf(Tone tone) const { return ColorOf(ToneOf(option.palette, tone)); }
+  [[nodiscard]] QColor Text() const { return ColorOf(option.palette.color(QPalette::Text)); }
+
+  /// The right text is whole, the left one gives way: a name in its middle.
+  void DrawLine(QRect line, const QString& left, const QColor& color, const QString& right,
+                const QFont& font, Qt::TextElideMode elide = Qt::ElideRight) const {
+    painter.setFont(option.font);
+    painter.setPen(ColorOf(Tone::Secondary));
+    painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, right);
+    if (!right.isEmpty()) {
+      line.setRight(line.right() - option.fontMetrics.horizontalAdvance(right) - kGap);
+    }
+    painter.setFont(font);
+    painter.setPen(color);
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(left, elide, line.width()));
+  }
+};
+
 QSize TransferDelegate::sizeHint(const QStyleOptionViewItem& option,
-                                 const QModelIndex& /*index*/) const {
-  const int texts = 3 * option.fontMetrics.height() + kBarHeight + 3 * kMargin;
-  return {200, std::max(kRowHeight, texts)};
+                                 const QModelIndex& index) const {
+  const auto* model = qobject_cast<const TransferModel*>(index.model());
+  if (model == nullptr) return {};
+  return {200, TransferRow::HeightOf(model->At(index.row()), option.fontMetrics)};
 }
 
-QString TransferDelegate::Truncated(const QString& text, const QFont& font, int width) const {
-  constexpr int kMost = 256;
-  if (truncated_.size() > kMost || font != truncatedIn_) truncated_.clear();
-  truncatedIn_ = font;
-  const auto known = truncated_.find({text, width});
-  if (known != truncated_.end()) return known->second;
-  const QFontMetricsF metrics(font);
-  const auto measure = [&](std::string_view part) {
-    return static_cast<float>(
-        metrics.horizontalAdvance(QString::fromUtf8(part.data(), std::ssize(part))));
-  };
-  const std::string cut = GetTruncatedString(text.toStdString(), measure, static_cast<float>(width),
-                                             Truncation::Middle);
-  return truncated_.insert_or_assign({text, width}, QString::fromStdString(cut)).first->second;
-}
-
-QRect TransferDelegate::BarArea(const QRect& row) {
-  return {row.left() + kMargin, row.bottom() - kMargin - kBarHeight, row.width() - 2 * kMargin - 1,
-          kBarHeight};
+void TransferDelegate::SetHovered(const QModelIndex& index, TransferAction action) {
+  hoveredRow_ = index;
+  hovered_ = action;
 }
 
 void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -83,43 +85,97 @@ void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
   const auto* model = qobject_cast<const TransferModel*>(index.model());
   if (model == nullptr) return;
   const TransferItem& item = model->At(index.row());
-  const bool selected = option.state.testFlag(QStyle::State_Selected);
-
+  const TransferRow row(item, option.rect, option.fontMetrics);
+  const Brush brush{*painter, option, item, row, option.state.testFlag(QStyle::State_Selected)};
   painter->save();
-  painter->setFont(option.font);
-  DrawBackground(*painter, option);
-  painter->setPen(
-      option.palette.color(selected ? QPalette::HighlightedText : QPalette::WindowText));
-  const QRect bar = BarArea(option.rect);
-  QRect texts = option.rect.adjusted(kMargin, kMargin - 1, -kMargin, 0);
-  texts.setBottom(bar.top() - 2);
-  if (region_.intersects(texts)) PaintTexts(*painter, option, texts, item);
-  MyStatusBar::Draw(*painter, option.palette, bar, item);
-  DrawFocus(*painter, option);
+  if (brush.selected) {
+    painter->fillRect(option.rect, option.palette.brush(QPalette::Highlight));
+  } else if (option.state.testFlag(QStyle::State_MouseOver)) {
+    painter->fillRect(option.rect, ToneOf(option.palette, Tone::Hover));
+  }
+  painter->fillRect(QRect(option.rect.bottomLeft(), QSize(option.rect.width(), 1)),
+                    ToneOf(option.palette, Tone::Line));
+  MyStatusBar::Draw(*painter, option.palette, row.Bar(), item, brush.selected);
+  const QRect texts = row.First() | row.Second() | row.Sign() | row.Slot(0);
+  if (!(region_ - row.Bar()).intersected(texts).isEmpty()) {
+    PaintTexts(brush);
+    PaintActions(brush, hoveredRow_ == index ? hovered_ : TransferAction::None);
+  }
+  if (item.IsOpen()) PaintNotes(brush);
+  if (option.state.testFlag(QStyle::State_HasFocus)) {
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(QPen(brush.ColorOf(Tone::Running), 2));
+    painter->drawRect(option.rect.adjusted(1, 1, -1, -2));
+  }
   painter->restore();
 }
 
-void TransferDelegate::PaintTexts(QPainter& painter, const QStyleOptionViewItem& option,
-                                  const QRect& area, const TransferItem& item) const {
-  const TransferTexts texts(item);
-  const int height = area.height() / 3;
-  QRect line(area.left(), area.top(), area.width(), height);
-  DrawLine(painter, line, texts.ServerLine(), texts.RateText());
+void TransferDelegate::PaintTexts(const Brush& brush) const {
+  const Sign sign = SignOf(brush.item);
+  PaintSymbol(brush.painter, brush.row.Sign(), sign.symbol, brush.ColorOf(sign.tone));
+  const TransferWords words = TransferTexts(brush.item).Words();
+  brush.DrawLine(brush.row.First(), words.name, brush.Text(), words.figure, Bold(brush.option.font),
+                 Qt::ElideMiddle);
+  QRect second = brush.row.Second();
+  const QColor color = brush.ColorOf(HasFailed(brush.item) ? Tone::Bad : Tone::Secondary);
+  if (const QRect arrow = brush.row.Arrow(); arrow.isValid()) {
+    PaintSymbol(brush.painter, QRectF(arrow.left(), arrow.center().y() - 5, 12, 12),
+                brush.item.IsOpen() ? "chevron-down" : "chevron-right", color);
+    second.setLeft(arrow.right() + 1);
+  }
+  const QRect link = brush.row.Link();
+  if (link.isValid()) second.setRight(link.left() - kGap);
+  brush.DrawLine(second, words.state, color, words.pace, brush.option.font);
+  if (!link.isValid()) return;
+  QFont underlined = brush.option.font;
+  underlined.setUnderline(true);
+  brush.painter.setFont(underlined);
+  brush.painter.setPen(brush.ColorOf(brush.option.palette.color(QPalette::Link)));
+  brush.painter.drawText(link, Qt::AlignRight | Qt::AlignVCenter, TransferRow::LinkText());
+}
 
-  line.translate(0, height);
-  const int room = std::max(kTargetWidth, line.width() - kIconSize - 2 * kMargin) -
-                   option.fontMetrics.horizontalAdvance(texts.TargetTitle());
-  DrawLine(painter, line, texts.TargetTitle() + Truncated(texts.TargetPath(), option.font, room),
-           {});
+void TransferDelegate::PaintNotes(const Brush& brush) const {
+  const auto notes = TransferTexts(brush.item).NoteLines();
+  const bool failed = HasFailed(brush.item);
+  for (int i = 0; i < static_cast<int>(notes.size()); ++i) {
+    const auto& [entry, remark] = notes[static_cast<std::size_t>(i)];
+    QRect line = brush.row.Note(i);
+    if (!region_.intersects(line)) continue;
+    if (!entry.isEmpty()) {
+      PaintSymbol(brush.painter, QRectF(line.left() - 1, line.center().y() - 6, 14, 14),
+                  failed ? "cross-circle" : "dash-circle",
+                  brush.ColorOf(failed ? Tone::Bad : Tone::Secondary));
+    }
+    line.setLeft(line.left() + kNoteSign);
+    QRect left = line;
+    if (!remark.isEmpty()) left.setWidth(line.width() * 2 / 5);
+    brush.DrawLine(left, entry, brush.Text(), {}, brush.option.font, Qt::ElideMiddle);
+    if (!entry.isEmpty()) line.setLeft(left.right() + 1 + kGap);
+    brush.DrawLine(line, remark, brush.ColorOf(Tone::Secondary), {}, brush.option.font);
+  }
+}
 
-  line.translate(0, height);
-  if (item.Failed()) {
-    AlertIcon().paint(
-        &painter, QRect(line.left(), line.top() + (height - kIconSize) / 2, kIconSize, kIconSize));
-    line.setLeft(line.left() + kIconSize + kMargin);
-    DrawLine(painter, line, texts.FailureLine(), texts.TotalText());
-  } else {
-    DrawLine(painter, line, texts.Label(), texts.TotalText(), texts.CountText());
+void TransferDelegate::PaintActions(const Brush& brush, TransferAction hovered) const {
+  const auto paint = [&](int place, const char* symbol, TransferAction action) {
+    const QRect slot = brush.row.Slot(place);
+    if (action == hovered) {
+      QColor ground = brush.Text();
+      ground.setAlphaF(0.14F);
+      brush.painter.setRenderHint(QPainter::Antialiasing);
+      brush.painter.setPen(Qt::NoPen);
+      brush.painter.setBrush(ground);
+      brush.painter.drawRoundedRect(slot, 4, 4);
+      brush.painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+    PaintSymbol(brush.painter,
+                QRectF(slot)
+                    .adjusted(0, 0, kSymbol - slot.width(), kSymbol - slot.height())
+                    .translated((slot.width() - kSymbol) / 2.0, (slot.height() - kSymbol) / 2.0),
+                symbol, brush.Text());
+  };
+  paint(0, "close", TransferRow::CrossOf(brush.item));
+  if (brush.item.Finished() && brush.item.IsDownload()) {
+    paint(1, "folder-plain", TransferAction::Reveal);
   }
 }
 

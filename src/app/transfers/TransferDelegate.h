@@ -1,21 +1,21 @@
 #pragma once
 
+#include <QPersistentModelIndex>
 #include <QRegion>
 #include <QStyledItemDelegate>
-#include <map>
-#include <utility>
+
+#include "app/transfers/TransferRow.h"
 
 namespace corvane {
 
 class TransferItem;
 
-/// Paints one transfer: server and rate, target, the file with its byte counts, and the bar.
+/// Paints one transfer: its sign, name and figures, the bar, how it stands, what can be done with
+/// it and, where it is open, its notes.
 class TransferDelegate : public QStyledItemDelegate {
   Q_OBJECT
 
  public:
-  static constexpr int kRowHeight = 70;
-
   using QStyledItemDelegate::QStyledItemDelegate;
 
   void paint(QPainter* painter, const QStyleOptionViewItem& option,
@@ -25,18 +25,19 @@ class TransferDelegate : public QStyledItemDelegate {
 
   /// What of the view is painted next: texts outside it are not worked out.
   void SetRegion(const QRegion& region) { region_ = region; }
-  /// Where the bar stands in a row.
-  [[nodiscard]] static QRect BarArea(const QRect& row);
+  /// The action that the pointer is on.
+  void SetHovered(const QModelIndex& index, TransferAction action);
 
  private:
-  void PaintTexts(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
-                  const TransferItem& item) const;
-  [[nodiscard]] QString Truncated(const QString& text, const QFont& font, int width) const;
+  struct Brush;
+
+  void PaintTexts(const Brush& brush) const;
+  void PaintNotes(const Brush& brush) const;
+  void PaintActions(const Brush& brush, TransferAction hovered) const;
 
   QRegion region_;
-  // Middle truncation measures many times; most rows share a few paths.
-  mutable std::map<std::pair<QString, int>, QString> truncated_;
-  mutable QFont truncatedIn_;
+  QPersistentModelIndex hoveredRow_;
+  TransferAction hovered_ = TransferAction::None;
 };
 
 }  // namespace corvane

@@ -18,6 +18,8 @@ struct TransferHost {
   [[nodiscard]] virtual const WorkerFactory& Workers() const = 0;
   /// Takes 'SHMN'.
   virtual void PostMessage(const Message& message) = 0;
+  /// Opens the manual; alerts stand over `window`.
+  virtual void ShowManual(QWidget* window) = 0;
   /// The open browser windows, oldest first.
   [[nodiscard]] virtual std::vector<QWidget*> BrowserWindows() const = 0;
   /// A transfer's worker is done.

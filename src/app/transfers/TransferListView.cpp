@@ -1,10 +1,18 @@
 #include "app/transfers/TransferListView.h"
 
+#include <QAccessible>
 #include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPaintEvent>
+#include <QPainter>
+#include <QToolTip>
 #include <algorithm>
+#include <utility>
 
+#include "app/shared/EmptyState.h"
+#include "app/transfers/TransferCommands.h"
 #include "app/transfers/TransferDelegate.h"
 
 namespace corvane {
@@ -12,6 +20,18 @@ namespace {
 
 constexpr int kTickMilliseconds = 33;
 constexpr int kTicksPerText = 3;
+
+QString TipOf(TransferAction action) {
+  switch (action) {
+    case TransferAction::None: break;
+    case TransferAction::Cancel: return TransferListView::tr("Cancel this transfer");
+    case TransferAction::Remove: return TransferListView::tr("Remove from the list");
+    case TransferAction::Reveal: return TransferListView::tr("Show in its folder");
+    case TransferAction::Retry: return TransferListView::tr("Begin again");
+    case TransferAction::Toggle: return TransferListView::tr("Show or hide what failed");
+  }
+  return {};
+}
 
 }  // namespace
 
@@ -21,13 +41,12 @@ TransferListView::TransferListView(QWidget* parent)
   setAccessibleName(tr("Transfers"));
   setModel(model_);
   setItemDelegate(delegate_);
-  setUniformItemSizes(true);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setEditTriggers(QAbstractItemView::NoEditTriggers);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
   setFrameShape(QFrame::NoFrame);
-  viewport()->setBackgroundRole(QPalette::Window);
+  setMouseTracking(true);
   ticker_.setInterval(kTickMilliseconds);
   connect(&ticker_, &QTimer::timeout, this, &TransferListView::Tick);
   scroller_.setSingleShot(true);
@@ -36,6 +55,7 @@ TransferListView::TransferListView(QWidget* parent)
     connect(model_, signal, this, &TransferListView::StartOrStopTicking);
   }
   connect(model_, &QAbstractItemModel::dataChanged, this, &TransferListView::StartOrStopTicking);
+  connect(model_, &QAbstractItemModel::dataChanged, this, &TransferListView::Announce);
 }
 
 void TransferListView::StartOrStopTicking() {
@@ -56,13 +76,29 @@ void TransferListView::Tick() {
     if (area.top() > viewport()->height()) break;
     TransferItem& item = model_->At(row);
     if (texts && item.TakeChanged()) viewport()->update(area);
-    if (!texts && item.HasChanged()) viewport()->update(TransferDelegate::BarArea(area));
+    if (!texts && item.HasChanged()) {
+      viewport()->update(TransferRow(item, area, fontMetrics()).Bar());
+    }
   }
+  if (texts) Q_EMIT Moved();
+}
+
+// A row that has got another state is told to those who do not see it.
+void TransferListView::Announce(const QModelIndex& index) {
+  QAccessibleEvent event(this, QAccessible::NameChanged);
+  event.setChild(index.row());
+  QAccessible::updateAccessibility(&event);
 }
 
 void TransferListView::paintEvent(QPaintEvent* event) {
   delegate_->SetRegion(event->region());
   QListView::paintEvent(event);
+  if (model_->Count() > 0) return;
+  QPainter painter(viewport());
+  const EmptyState empty{"transfers", tr("No transfers"),
+                         tr("Downloads and uploads appear here. Drag files onto a browser window "
+                            "to upload them.")};
+  empty.Paint(painter, viewport()->rect(), palette());
 }
 
 void TransferListView::ShowLastSoon() {
@@ -94,25 +130,10 @@ int TransferListView::LastSelected() const {
 }
 
 QMenu* TransferListView::SetupPopUpMenu() {
-  auto* menu = new QMenu(this);
-  menu->setObjectName("PopUpMenu");
   const int first = FirstSelected();
-  if (first < 0) return menu;
-  const TransferItem& item = model_->At(first);
-  const auto add = [&](const QString& text, const Message& message, bool enabled) {
-    QAction* action = menu->addAction(text);
-    action->setEnabled(enabled);
-    connect(action, &QAction::triggered, this, [this, message] { Q_EMIT Requested(message); });
-  };
-  const QString key = QKeySequence("Ctrl+.").toString(QKeySequence::NativeText);
-  add(tr("Cancel Transfer") + '\t' + key, Message("CNCL"_what), item.Running());
-  add(tr("Remove Item"), Message("REMI"_what), !item.Running());
-  if (!item.IsDownload()) return menu;
-  menu->addSeparator();
-  Message reveal("_RRC"_what);
-  reveal.AddString("refs", item.LocalPath());
-  add(tr("Reveal in Tracker"), reveal, true);
-  return menu;
+  if (first < 0) return new QMenu(this);
+  return TransferCommands::MakePopUp(this, {.row = &model_->At(first)},
+                                     [this](std::uint32_t code) { Q_EMIT Requested(code); });
 }
 
 void TransferListView::contextMenuEvent(QContextMenuEvent* event) {
@@ -125,6 +146,63 @@ void TransferListView::contextMenuEvent(QContextMenuEvent* event) {
   QMenu* menu = SetupPopUpMenu();
   menu->setAttribute(Qt::WA_DeleteOnClose);
   menu->popup(byKey ? viewport()->mapToGlobal(visualRect(index).center()) : event->globalPos());
+}
+
+TransferAction TransferListView::ActionAt(const QPoint& point) const {
+  const QModelIndex index = indexAt(point);
+  if (!index.isValid()) return TransferAction::None;
+  return TransferRow(model_->At(index.row()), visualRect(index), fontMetrics()).ActionAt(point);
+}
+
+// What is pressed on a part of a row that does something leaves the selection alone.
+void TransferListView::mousePressEvent(QMouseEvent* event) {
+  pressed_ = event->button() == Qt::LeftButton ? ActionAt(event->pos()) : TransferAction::None;
+  pressedRow_ = indexAt(event->pos());
+  if (pressed_ == TransferAction::None) QListView::mousePressEvent(event);
+}
+
+void TransferListView::mouseReleaseEvent(QMouseEvent* event) {
+  const TransferAction pressed = std::exchange(pressed_, TransferAction::None);
+  if (pressed == TransferAction::None) return QListView::mouseReleaseEvent(event);
+  if (pressedRow_ != indexAt(event->pos()) || pressed != ActionAt(event->pos())) return;
+  Q_EMIT Acted(pressedRow_.row(), pressed);
+}
+
+void TransferListView::mouseMoveEvent(QMouseEvent* event) {
+  Hover(event->pos());
+  if (pressed_ == TransferAction::None) QListView::mouseMoveEvent(event);
+}
+
+void TransferListView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (ActionAt(event->pos()) != TransferAction::None) return mousePressEvent(event);
+  QListView::mouseDoubleClickEvent(event);
+  const QModelIndex index = indexAt(event->pos());
+  if (index.isValid() && event->button() == Qt::LeftButton) {
+    Q_EMIT Acted(index.row(), TransferRow::MainOf(model_->At(index.row())));
+  }
+}
+
+void TransferListView::Hover(const QPoint& point) {
+  const TransferAction action = ActionAt(point);
+  delegate_->SetHovered(indexAt(point), action);
+  viewport()->setCursor(action == TransferAction::Retry ? Qt::PointingHandCursor : Qt::ArrowCursor);
+  viewport()->update(visualRect(indexAt(point)));
+}
+
+bool TransferListView::viewportEvent(QEvent* event) {
+  if (event->type() == QEvent::Leave) {
+    delegate_->SetHovered({}, TransferAction::None);
+    viewport()->update();
+  }
+  if (event->type() == QEvent::ToolTip) {
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QString tip = TipOf(ActionAt(help->pos()));
+    if (!tip.isEmpty()) {
+      QToolTip::showText(help->globalPos(), tip, viewport());
+      return true;
+    }
+  }
+  return QListView::viewportEvent(event);
 }
 
 }  // namespace corvane

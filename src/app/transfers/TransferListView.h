@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "app/transfers/TransferModel.h"
-#include "kit/Message.h"
+#include "app/transfers/TransferRow.h"
 
 class QMenu;
 
@@ -34,22 +34,36 @@ class TransferListView : public QListView {
   void ShowLastSoon();
 
  Q_SIGNALS:
-  /// A command for the window.
-  void Requested(const corvane::Message& message);
+  /// A command for the window, by its code.
+  void Requested(std::uint32_t code);
+  /// A part of a row was clicked.
+  void Acted(int row, corvane::TransferAction action);
+  /// The texts of what runs have moved on.
+  void Moved();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
 
  private:
   void Tick();
   void StartOrStopTicking();
+  void Announce(const QModelIndex& index);
+  void Hover(const QPoint& point);
+  [[nodiscard]] TransferAction ActionAt(const QPoint& point) const;
 
   TransferModel* model_;
   TransferDelegate* delegate_;
   QTimer ticker_;
   QTimer scroller_;
   int ticks_ = 0;
+  QPersistentModelIndex pressedRow_;
+  TransferAction pressed_ = TransferAction::None;
 };
 
 }  // namespace corvane

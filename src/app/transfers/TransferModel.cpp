@@ -10,6 +10,7 @@ namespace corvane {
 
 TransferItem& TransferModel::Add(std::unique_ptr<TransferItem> item) {
   TransferItem& added = *item;
+  connect(&added, &TransferItem::Begun, this, [this] { ++running_; });
   connect(&added, &TransferItem::Ended, this, [this] { --running_; });
   connect(&added, &TransferItem::Changed, this, &TransferModel::ItemChanged);
   beginInsertRows({}, Count(), Count());
@@ -49,7 +50,7 @@ QVariant TransferModel::data(const QModelIndex& index, int role) const {
   const TransferItem& item = At(index.row());
   const TransferTexts texts(item);
   switch (role) {
-    case Qt::DisplayRole: return texts.Label() + texts.CountText();
+    case Qt::DisplayRole: return texts.Name();
     case Qt::AccessibleTextRole: return texts.Summary();
     case Qt::ToolTipRole: return Harmless(texts.Details());
     default: return {};

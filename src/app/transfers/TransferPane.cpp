@@ -6,7 +6,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "app/shared/ElidedLabel.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Style.h"
 #include "app/transfers/MyStatusBar.h"
 #include "app/transfers/TransferTexts.h"
 
@@ -15,6 +17,7 @@ namespace {
 
 constexpr int kTickMilliseconds = 33;
 constexpr int kStayMilliseconds = 4000;
+constexpr int kGap = 8;
 
 /// A text that is unchanged costs nothing.
 void Show(QLabel* label, const QString& text) {
@@ -25,21 +28,28 @@ void Show(QLabel* label, const QString& text) {
 
 TransferPane::TransferPane(QWidget* parent)
     : TransferView(parent),
-      direction_(MakeLabel("FileDownloadV", tr("Direction"))),
-      file_(MakeLabel("FileName", tr("File"))),
-      rate_(MakeLabel("BPSECSVIEW", tr("Rate"))),
+      direction_(new QLabel(this)),
+      file_(MakeLabel("FileName", tr("File"), Qt::ElideMiddle)),
+      rate_(MakeLabel("BPSECSVIEW", tr("Rate"), Qt::ElideRight)),
       bar_(new MyStatusBar(this)),
       button_(new QPushButton(this)),
       cancelKey_(new QShortcut(QKeySequence("Ctrl+."), this)) {
-  rate_->setAlignment(Qt::AlignRight);
+  direction_->setObjectName("FileDownloadV");
+  direction_->setAccessibleDescription(tr("Direction"));
+  rate_->SetSecondary(true);
   button_->setObjectName("cancelTransfer");
   setFocusProxy(button_);
+  auto* names = new QHBoxLayout;
+  names->setSpacing(0);
+  names->addWidget(direction_);
+  names->addWidget(file_, 1);
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(3);
-  for (QWidget* part : std::initializer_list<QWidget*>{direction_, file_, rate_, bar_, button_}) {
-    layout->addWidget(part);
-  }
+  layout->setSpacing(kGap);
+  layout->addLayout(names);
+  layout->addWidget(bar_);
+  layout->addWidget(rate_);
+  layout->addWidget(button_);
   ticker_.setInterval(kTickMilliseconds);
   connect(&ticker_, &QTimer::timeout, this, &TransferPane::Tick);
   hideLater_.setSingleShot(true);
@@ -53,12 +63,12 @@ TransferPane::TransferPane(QWidget* parent)
 
 TransferPane::~TransferPane() = default;
 
-QLabel* TransferPane::MakeLabel(const char* name, const QString& accessible) {
-  auto* label = new QLabel(this);
+ElidedLabel* TransferPane::MakeLabel(const char* name, const QString& accessible,
+                                     Qt::TextElideMode elide) {
+  auto* label = new ElidedLabel(this, elide);
   label->setObjectName(name);
   label->setAccessibleDescription(accessible);
   label->setTextFormat(Qt::PlainText);
-  label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   return label;
 }
 
@@ -71,7 +81,7 @@ void TransferPane::Begin(transferStruct description, TransferListener listener,
   connect(item_.get(), &TransferItem::Changed, this, &TransferPane::Refresh);
   connect(item_.get(), &TransferItem::Ended, this, &TransferPane::Ended);
   connect(item_.get(), &TransferItem::Settled, this, [this](TransferItem* settled) {
-    setToolTip(Harmless(TransferTexts(*settled).Details()));
+    SetTip(*this, TransferTexts(*settled).Details());
     button_->setEnabled(true);
     const bool seen = settled->WasCancelled() || (settled->Finished() && !settled->HasNotes());
     if (seen) hideLater_.start();
@@ -80,7 +90,7 @@ void TransferPane::Begin(transferStruct description, TransferListener listener,
   button_->setText(tr("Cancel"));
   button_->setEnabled(true);
   cancelKey_->setEnabled(true);
-  setToolTip(Harmless(TransferTexts(*item_).Details()));
+  SetTip(*this, TransferTexts(*item_).Details());
   Refresh();
   show();
   ticker_.start();
@@ -99,15 +109,14 @@ void TransferPane::Tick() {
 }
 
 void TransferPane::Refresh() {
-  Show(direction_, item_->IsDownload() ? tr("Download: ") : tr("Upload: "));
+  const Style& style = Style::InForce();
   const TransferTexts texts(*item_);
-  Show(rate_, texts.RateText());
-  const QString text = item_->Failed() ? texts.FailureLine() : texts.FileName();
-  const QString count = item_->Failed() ? QString() : texts.CountText();
-  const QFontMetrics metrics = file_->fontMetrics();
-  const int room = file_->width() - metrics.horizontalAdvance(count);
-  Show(file_, metrics.elidedText(text, Qt::ElideRight, room) + count);
-  bar_->update();
+  const QString direction = style.DirectionOf(item_->IsDownload());
+  Show(direction_, direction);
+  direction_->setHidden(direction.isEmpty());
+  Show(file_, item_->Failed() ? texts.FailureLine() : texts.FileWithCount());
+  Show(rate_, style.PaceOf(texts.Facts()));
+  bar_->Refresh();
 }
 
 void TransferPane::Ended() {

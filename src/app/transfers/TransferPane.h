@@ -12,11 +12,12 @@ class QShortcut;
 
 namespace corvane {
 
+class ElidedLabel;
 class MyStatusBar;
 
-/// Direction, file, rate and bar of a transfer, and a button that cancels it. Hidden while there is
-/// none; after an end it stays for a moment, after a failure until it is cleared. Progress is read
-/// thirty times a second while one runs. GUI thread.
+/// File, bar and pace of a transfer, with its direction where the style shows it, and a button that
+/// cancels it. Hidden while there is none; after an end it stays for a moment, after a failure
+/// until it is cleared. Progress is read thirty times a second while one runs. GUI thread.
 class TransferPane : public TransferView {
   Q_OBJECT
 
@@ -33,7 +34,7 @@ class TransferPane : public TransferView {
   [[nodiscard]] bool Ticking() const { return ticker_.isActive(); }
 
  private:
-  QLabel* MakeLabel(const char* name, const QString& accessible);
+  ElidedLabel* MakeLabel(const char* name, const QString& accessible, Qt::TextElideMode elide);
   void Tick();
   void Refresh();
   void Ended();
@@ -43,8 +44,8 @@ class TransferPane : public TransferView {
   QTimer ticker_;
   QTimer hideLater_;
   QLabel* direction_;
-  QLabel* file_;
-  QLabel* rate_;
+  ElidedLabel* file_;
+  ElidedLabel* rate_;
   MyStatusBar* bar_;
   QPushButton* button_;
   QShortcut* cancelKey_;

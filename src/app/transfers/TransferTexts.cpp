@@ -5,6 +5,7 @@
 
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
+#include "app/shared/Style.h"
 #include "app/transfers/TransferItem.h"
 #include "remote/RemotePath.h"
 
@@ -15,59 +16,78 @@ constexpr std::size_t kNotesShown = 20;
 constexpr qsizetype kNoteLength = 200;
 
 /// One note as one short line.
-QString NoteLine(const Text& note) {
-  const QString line = ShownInLine(note);
+QString Short(const QString& line) {
   return line.size() <= kNoteLength ? line : line.first(kNoteLength) + QChar(0x2026);
 }
 
+QString StateName(TransferState state) {
+  switch (state) {
+    case TransferState::Running: return TransferItem::tr("Running");
+    case TransferState::Failed: return TransferItem::tr("Failed");
+    case TransferState::Partly: return TransferItem::tr("Partly failed");
+    case TransferState::Cancelled: return TransferItem::tr("Cancelled");
+    case TransferState::Done: return TransferItem::tr("Finished");
+  }
+  return {};
+}
+
 }  // namespace
+
+TransferFacts TransferTexts::Facts() const {
+  const transferStruct& what = item_.Description();
+  const TransferReport& report = item_.LastReport();
+  const TransferProgress& progress = item_.Progress();
+  return {
+      .state = item_.State(),
+      .download = item_.IsDownload(),
+      .host = ToText(what.site.host),
+      .target = ToText(item_.IsDownload() ? what.targetFolder : what.remoteDirectory),
+      .name = Name(),
+      .file = FileName(),
+      .status = ShownInLine(report.label),
+      .trailing = ShownInLine(report.trailing),
+      .failure = FailureText().simplified(),
+      .several = item_.IsSeveral(),
+      .there = progress.start + progress.done,
+      .total = progress.total,
+      .rate = item_.Rate(),
+      .files = static_cast<int>(progress.files.load()),
+      .leftOut = static_cast<int>(item_.Notes().size()),
+  };
+}
+
+TransferWords TransferTexts::Words() const {
+  return Style::InForce().RowOf(Facts());
+}
+
+QString TransferTexts::Name() const {
+  const std::vector<TransferJob>& jobs = item_.Description().jobs;
+  if (jobs.empty()) return FileName();
+  QString first =
+      ToText(SplitPath(item_.IsDownload() ? jobs.front().remote : jobs.front().local).second);
+  if (jobs.size() == 1) return first;
+  return TransferItem::tr("%1 and %n more", "", static_cast<int>(jobs.size()) - 1).arg(first);
+}
 
 QString TransferTexts::ServerLine() const {
   return TransferItem::tr("Server: %1").arg(ToText(item_.Description().site.host));
 }
 
-QString TransferTexts::TargetTitle() const {
-  return item_.IsDownload() ? TransferItem::tr("Saving to: ") : TransferItem::tr("Uploading to: ");
-}
-
-QString TransferTexts::TargetPath() const {
-  return ToText(item_.IsDownload() ? item_.Description().targetFolder
-                                   : item_.Description().remoteDirectory);
+QString TransferTexts::TargetLine() const {
+  return (item_.IsDownload() ? TransferItem::tr("Saving to: ")
+                             : TransferItem::tr("Uploading to: ")) +
+         Facts().target;
 }
 
 QString TransferTexts::FileName() const {
   return ToText(item_.LastReport().file);
 }
 
-QString TransferTexts::Label() const {
-  if (item_.Running() && !item_.LastReport().label.IsEmpty())
-    return ShownInLine(item_.LastReport().label);
-  if (!item_.LastReport().file.empty()) return TransferItem::tr("File: %1").arg(FileName());
-  return {};
-}
-
-QString TransferTexts::CountText() const {
-  QStringList counts;
-  const std::int64_t files = item_.Progress().files;
-  if (files > 0) counts.append(TransferItem::tr("%n done", "", static_cast<int>(files)));
-  if (item_.Finished() && item_.HasNotes())
-    counts.append(TransferItem::tr("%n left out", "", static_cast<int>(item_.Notes().size())));
-  return counts.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(counts.join(", "));
-}
-
-QString TransferTexts::RateText() const {
-  const TransferProgress& progress = item_.Progress();
-  const double seconds = static_cast<double>(progress.elapsed.load()) / 1e6;
-  const double rate = seconds > 0 ? static_cast<double>(progress.done.load()) / seconds : 0;
-  return TransferItem::tr("%1 bytes/sec").arg(rate, 0, 'f', 0);
-}
-
-QString TransferTexts::TotalText() const {
-  if (!item_.LastReport().trailing.IsEmpty()) return Shown(item_.LastReport().trailing);
-  const TransferProgress& progress = item_.Progress();
-  const std::int64_t there = progress.start + progress.done;
-  if (progress.total <= 0) return there > 0 ? QString::number(there) : QString();
-  return QStringLiteral("%1/%2").arg(there).arg(progress.total.load());
+QString TransferTexts::FileWithCount() const {
+  QString file = item_.LastReport().file.empty() ? Name() : FileName();
+  const auto files = static_cast<int>(item_.Progress().files.load());
+  if (files == 0) return file;
+  return QStringLiteral("%1 (%2)").arg(file, TransferItem::tr("%n done", "", files));
 }
 
 QString TransferTexts::FailureText() const {
@@ -87,10 +107,36 @@ QString TransferTexts::FailureLine() const {
   return file.empty() ? reason : ToText(file) + ": " + reason;
 }
 
-QString TransferTexts::Details() const {
-  QStringList lines{item_.Failed() ? FailureText() : TargetTitle() + TargetPath()};
+int TransferTexts::CountNoteLines() const {
+  return static_cast<int>(std::min(item_.Notes().size(), kNotesShown + 1));
+}
+
+// A note's first place is the entry that it is about, its second what is said of it.
+std::vector<std::pair<QString, QString>> TransferTexts::NoteLines() const {
+  std::vector<std::pair<QString, QString>> lines;
   const std::size_t shown = std::min(item_.Notes().size(), kNotesShown);
-  for (std::size_t note = 0; note < shown; ++note) lines.append(NoteLine(item_.Notes()[note]));
+  for (std::size_t i = 0; i < shown; ++i) {
+    const Text& note = item_.Notes()[i];
+    if (note.Places().size() == 2) {
+      lines.emplace_back(Short(ShownInLine(note.Places()[0])),
+                         Short(ShownInLine(note.Places()[1])));
+    } else {
+      lines.emplace_back(Short(ShownInLine(note)), QString());
+    }
+  }
+  if (item_.Notes().size() > shown) {
+    const auto more = static_cast<int>(item_.Notes().size() - shown);
+    lines.emplace_back(QString(), TransferItem::tr("and %n more", "", more));
+  }
+  return lines;
+}
+
+QString TransferTexts::Details() const {
+  QStringList lines{item_.Failed() ? FailureText() : TargetLine()};
+  const std::size_t shown = std::min(item_.Notes().size(), kNotesShown);
+  for (std::size_t note = 0; note < shown; ++note) {
+    lines.append(Short(ShownInLine(item_.Notes()[note])));
+  }
   if (item_.Notes().size() > shown)
     lines.append(
         TransferItem::tr("and %n more", "", static_cast<int>(item_.Notes().size() - shown)));
@@ -98,11 +144,14 @@ QString TransferTexts::Details() const {
 }
 
 QString TransferTexts::Summary() const {
-  QStringList parts{ServerLine(), TargetTitle() + TargetPath(), Label() + CountText(), TotalText()};
-  if (item_.Running()) parts.append(RateText());
-  if (item_.Finished()) parts.append(TransferItem::tr("Finished"));
-  if (item_.Failed()) parts.append(FailureLine());
+  const TransferWords words = Words();
+  QStringList parts{Name(), StateName(item_.State())};
+  if (item_.Running()) {
+    parts.append(TransferItem::tr("%1 %").arg(static_cast<int>(100 * item_.Fraction())));
+  }
+  parts << words.figure << words.pace << words.state << ServerLine() << TargetLine();
   parts.removeAll(QString());
+  parts.removeDuplicates();
   return parts.join(QStringLiteral(", "));
 }
 

@@ -23,7 +23,11 @@ struct ConnectHost {
   virtual void ShowShortcuts() = 0;
   virtual void ShowPreferences() = 0;
   virtual void AboutRequested() = 0;
+  /// Opens the manual; alerts stand over `window`.
+  virtual void ShowManual(QWidget* window) = 0;
   virtual void QuitRequested() = 0;
+  /// The user closes the connection window, which stays as it is by itself.
+  virtual void ConnectionWindowClosing() = 0;
   /// The open browser windows, oldest first.
   [[nodiscard]] virtual std::vector<QWidget*> BrowserWindows() const = 0;
 };

@@ -5,13 +5,16 @@
 #include "sites/Shortcut.h"
 
 class QCheckBox;
+class QFormLayout;
 class QLineEdit;
 
 namespace corvane {
 
+class FaultLine;
 class Password;
 
-/// The fields of a connection, with or without that of its label. GUI thread.
+/// The fields of a connection, with or without that of its label. Hints say what holds where one
+/// stays empty. GUI thread.
 ///
 /// Bytes that a field was filled with come back as they were unless the field's text was changed.
 class ConnectionForm : public QWidget {
@@ -26,6 +29,11 @@ class ConnectionForm : public QWidget {
   void FillTexts(const Shortcut& connection);
   /// Fills the port and the box.
   void FillMode(const Shortcut& connection);
+  void FillPort(std::uint16_t number);
+  /// Blanks around the host go. An address that was written into its field fills the others as far
+  /// as it goes. False, and the user told, where there is none or where it or the port cannot be
+  /// read.
+  bool TakeAddress();
   /// What the fields say now; an empty port is 21, and one that is no number from 1 to 65535 is 0.
   [[nodiscard]] Shortcut Entered() const;
 
@@ -40,10 +48,20 @@ class ConnectionForm : public QWidget {
  Q_SIGNALS:
   /// Enter, in any field.
   void returnPressed();
+  /// A line that says what is wrong came or went.
+  void HeightChanged();
+
+ protected:
+  void showEvent(QShowEvent* event) override;
 
  private:
   QLineEdit* Prepare(QLineEdit* field, const char* name, const QString& accessible);
+  void MakeRows();
+  /// Says what is wrong in `field`; false.
+  bool Refuse(QLineEdit* field, const QString& text);
 
+  FaultLine* fault_;
+  QFormLayout* rows_;
   Shortcut filled_;
 };
 

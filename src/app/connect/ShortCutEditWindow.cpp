@@ -12,15 +12,18 @@
 #include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
+#include "app/shared/LookStyle.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
+#include "app/shared/Style.h"
 #include "app/shared/Windows.h"
 #include "sites/ShortcutStore.h"
 
 namespace corvane {
 
 ShortCutEditWindow::ShortCutEditWindow(ShortcutHost& app)
-    : app_(app),
+    : QWidget(nullptr, kFixedWindow),
+      app_(app),
       form_(new ConnectionForm(ConnectionForm::Label::With, this)),
       ok_(new QPushButton(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
@@ -30,19 +33,22 @@ ShortCutEditWindow::ShortCutEditWindow(ShortcutHost& app)
 }
 
 void ShortCutEditWindow::MakeViews() {
-  form_->setMinimumWidth(fontMetrics().horizontalAdvance('n') * 40);
+  constexpr int kWidth = 376;
+  form_->setMinimumWidth(kWidth);
   auto* cancel = new QPushButton(tr("&Cancel"), this);
   cancel->setObjectName("cancel");
   cancel->setAutoDefault(true);
   ok_->setObjectName("ok");
-  ok_->setDefault(true);
+  SetPrimary(*ok_);
+  setTabOrder(cancel, ok_);
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
   buttons->addWidget(cancel);
   buttons->addWidget(ok_);
   auto* layout = new QVBoxLayout(this);
+  layout->setSpacing(16);
+  layout->setSizeConstraint(QLayout::SetFixedSize);
   layout->addWidget(form_);
-  layout->addStretch();
   layout->addLayout(buttons);
   const auto save = [this] { MessageReceived(Message("SVPF"_what)); };
   connect(form_, &ConnectionForm::returnPressed, this, save);
@@ -56,7 +62,7 @@ void ShortCutEditWindow::MessageReceived(const Message& message) {
 
 void ShortCutEditWindow::Edit(const Shortcut& record, Change change) {
   change_ = std::move(change);
-  setWindowTitle(change_ ? tr("Edit Shortcut") : tr("Add Shortcut"));
+  setWindowTitle(change_ ? tr("Edit Shortcut") : Style::InForce().NewShortcutTitle());
   ok_->setText(change_ ? tr("Chan&ge") : tr("&Add"));
   form_->FillTexts(record);
   form_->FillMode(record);
@@ -89,12 +95,8 @@ void ShortCutEditWindow::Warn(const QString& text, const QString& detail) {
 
 // The stored form has no way to write a character that it uses itself.
 void ShortCutEditWindow::Save() {
+  if (!form_->TakeAddress()) return;
   const Shortcut entered = Entered();
-  if (entered.site.host.empty()) return Warn(tr("Please enter the address of the server."));
-  if (entered.site.port == 0) {
-    form_->port->setFocus();
-    return Warn(tr("The port has to be a number from 1 to 65535."));
-  }
   const auto result = ShortcutStore::ComesBack(entered);
   if (result == ShortcutStore::Return::Whole) return Store(entered);
   const QString detail =

@@ -1,6 +1,7 @@
 #include "app/connect/ShortCutItem.h"
 
 #include <QCoreApplication>
+#include <QKeySequence>
 #include <utility>
 
 #include "app/shared/ScreenText.h"
@@ -30,11 +31,19 @@ ShortCutItem::ShortCutItem(Shortcut shortcut) : id_(NextId()) {
 
 void ShortCutItem::SetRecord(Shortcut shortcut) {
   record_ = std::move(shortcut);
-  setText(0, Cell(record_.label));
-  setText(1, Cell(record_.site.host));
-  setText(2, Cell(record_.site.path));
-  setText(3, record_.site.passive ? QCoreApplication::translate("ShortCutItem", "Passive")
-                                  : QCoreApplication::translate("ShortCutItem", "Active"));
+  setText(kLabel, Cell(record_.label));
+  setText(kHost, Cell(record_.site.host));
+  const bool anonymous = record_.site.user.empty();
+  setText(kUser, anonymous ? QStringLiteral("anonymous") : Cell(record_.site.user));
+  setText(kPath, Cell(record_.site.path));
+  setText(kMode, record_.site.passive ? QCoreApplication::translate("ShortCutItem", "Passive")
+                                      : QCoreApplication::translate("ShortCutItem", "Active"));
+}
+
+void ShortCutItem::ShowKey(int number) {
+  constexpr int kKeys = 10;
+  const QKeySequence key(QStringLiteral("Ctrl+%1").arg(number));
+  setText(kKey, number < kKeys ? key.toString(QKeySequence::NativeText) : QString());
 }
 
 std::string ShortCutItem::ReturnUrl() const {

@@ -3,11 +3,15 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPointer>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
+#include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
@@ -16,8 +20,15 @@
 #include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
+#include "app/shared/IconButton.h"
+#include "app/shared/LookStyle.h"
+#include "app/shared/Rule.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
+#include "app/shared/SmallView.h"
+#include "app/shared/StatusLine.h"
+#include "app/shared/Style.h"
+#include "app/shared/Tones.h"
 #include "app/shared/Windows.h"
 #include "sites/ParseUrl.h"
 #include "sites/ShortcutStore.h"
@@ -36,19 +47,72 @@ struct Column {
 constexpr Column kColumns[] = {
     {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Label"), 140, 50},
     {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Host"), 150, 100},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Username"), 104, 60},
     {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Path"), 160, 80},
-    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 100, 70}};
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 100, 70},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Key"), 60, 40}};
+
+/// The label stands out from the rest of its row.
+class RowDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& option,
+             const QModelIndex& index) const override {
+    const QPalette& palette = option.palette;
+    const bool selected = option.state.testFlag(QStyle::State_Selected);
+    const bool hovered = option.state.testFlag(QStyle::State_MouseOver);
+    if (selected) {
+      painter->fillRect(option.rect, palette.color(QPalette::Highlight));
+    } else if (hovered) {
+      painter->fillRect(option.rect, ToneOf(palette, Tone::Hover));
+    }
+    const bool label = index.column() == ShortCutItem::kLabel;
+    const QColor plain = label ? palette.color(QPalette::Text) : ToneOf(palette, Tone::Secondary);
+    painter->setPen(selected ? palette.color(QPalette::HighlightedText) : plain);
+    const QRect room = option.rect.adjusted(kInset, 0, -4, 0);
+    painter->drawText(
+        room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+        option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle, room.width()));
+    const auto* list = qobject_cast<const QTreeView*>(option.widget);
+    if (!list->hasFocus() || list->currentIndex().row() != index.row()) return;
+    const QColor line =
+        selected ? palette.color(QPalette::HighlightedText) : ToneOf(palette, Tone::Running);
+    painter->fillRect(QRect(option.rect.left(), option.rect.bottom() - 1, option.rect.width(), 1),
+                      line);
+  }
+
+  [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                               const QModelIndex& index) const override {
+    const QSize size = QStyledItemDelegate::sizeHint(option, index);
+    return {size.width() + kInset, std::max(size.height(), LookStyle::kRowHeight)};
+  }
+
+ private:
+  static constexpr int kInset = 8;
+};
 
 }  // namespace
 
 ShortCutWindow::ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& shortcuts)
-    : app_(app), list_(new QTreeWidget(this)) {
+    : app_(app), list_(new QTreeWidget(this)), status_(new StatusLine(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Shortcuts[*]"));
-  setMinimumSize(270, 200);
+  setMinimumHeight(200);
   MakeList(shortcuts);
+  auto* whole = new QWidget(this);
+  auto* layout = new QVBoxLayout(whole);
+  layout->setContentsMargins({});
+  layout->setSpacing(0);
+  layout->addWidget(MakeToolBar());
+  layout->addWidget(new Rule(Qt::Horizontal, whole));
+  layout->addWidget(list_);
+  layout->addWidget(status_);
+  setCentralWidget(whole);
+  RowsChanged();
+  list_->setFocus();
   // Wide enough for the columns as they are at first.
-  QRect frame(QPoint(290, 110), QPoint(800, 350));
+  QRect frame(QPoint(290, 110), QSize(808, 336));
   frame.setWidth(std::max(frame.width(), list_->header()->length() + 2 * list_->frameWidth()));
   setGeometry(Frames::OnScreen(frame));
   MakeMenus();
@@ -66,7 +130,9 @@ void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   list_->setUniformRowHeights(true);
   list_->setAllColumnsShowFocus(true);
   list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  setCentralWidget(list_);
+  list_->setFrameShape(QFrame::NoFrame);
+  list_->setItemDelegate(new RowDelegate(list_));
+  list_->setContextMenuPolicy(Qt::CustomContextMenu);
   QStringList titles;
   for (const Column& column : kColumns) titles.append(tr(column.title));
   list_->setHeaderLabels(titles);
@@ -84,12 +150,43 @@ void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   });
   for (const Shortcut& shortcut : shortcuts) list_->addTopLevelItem(new ShortCutItem(shortcut));
   Select(Row(0));
-  list_->setFocus();
   // In the order of the menu, until a click on a title sorts it.
   header->setSortIndicator(-1, Qt::AscendingOrder);
   list_->setSortingEnabled(true);
   connect(list_, &QTreeWidget::itemSelectionChanged, this, &ShortCutWindow::MenusBeginning);
   connect(list_, &QTreeWidget::itemActivated, this, &ShortCutWindow::EditSelected);
+  connect(list_, &QTreeWidget::customContextMenuRequested, this, &ShortCutWindow::ShowContextMenu);
+}
+
+QWidget* ShortCutWindow::MakeToolBar() {
+  auto* bar = new QWidget(this);
+  auto* row = new QHBoxLayout(bar);
+  row->setContentsMargins(4, 4, 4, 4);
+  const auto add = [&](const char* symbol, const QString& text, std::uint32_t what) {
+    auto* button = new IconButton(symbol, text, bar);
+    button->ShowText(text);
+    button->setMinimumWidth(button->sizeHint().width());
+    connect(button, &IconButton::clicked, this, [this, what] { MessageReceived(Message(what)); });
+    row->addWidget(button);
+    return button;
+  };
+  add("plus", tr("New Shortcut"), "nwst"_what);
+  editButton_ = add("pencil", tr("Edit"), "ITMV"_what);
+  removeButton_ = add("trash", tr("Remove"), "REMI"_what);
+  row->addStretch();
+  add("save", tr("Save"), "SVPF"_what);
+  return bar;
+}
+
+void ShortCutWindow::ShowContextMenu(const QPoint& place) {
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  if (list_->itemAt(place) != nullptr) {
+    menu->addActions({edit_, remove_, copy_});
+    menu->addSeparator();
+  }
+  menu->addAction(new_);
+  menu->popup(list_->viewport()->mapToGlobal(place));
 }
 
 void ShortCutWindow::MakeMenus() {
@@ -99,7 +196,7 @@ void ShortCutWindow::MakeMenus() {
     return menu->addAction(text, key, this, [this, what] { MessageReceived(Message(what)); });
   };
   QMenu* file = menuBar()->addMenu(tr("&File"));
-  add(file, tr("&New Shortcut"), QKeySequence("Ctrl+N"), "nwst"_what);
+  new_ = add(file, tr("&New Shortcut"), QKeySequence("Ctrl+N"), "nwst"_what);
   edit_ = add(file, tr("&Edit Shortcut"), QKeySequence("Ctrl+E"), "ITMV"_what);
   remove_ = add(file, tr("&Remove Shortcut"), {}, "REMI"_what);
   remove_->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::Key_Delete)});
@@ -113,6 +210,11 @@ void ShortCutWindow::MakeMenus() {
 void ShortCutWindow::MenusBeginning() {
   const bool selected = !list_->selectedItems().isEmpty();
   for (QAction* action : {edit_, remove_, copy_}) action->setEnabled(selected);
+  const QString why = selected ? QString() : tr("Select a shortcut first.");
+  for (IconButton* button : {editButton_, removeButton_}) {
+    button->setEnabled(selected);
+    button->setToolTip(why);
+  }
 }
 
 void ShortCutWindow::MessageReceived(const Message& message) {
@@ -131,6 +233,23 @@ void ShortCutWindow::MessageReceived(const Message& message) {
 void ShortCutWindow::SetChanged(bool changed) {
   changed_ = changed;
   setWindowModified(changed);
+  RowsChanged();
+}
+
+void ShortCutWindow::RowsChanged() {
+  int number = 0;
+  for (ShortCutItem* row : InMenuOrder()) row->ShowKey(number++);
+  status_->SetText(number == 1 ? tr("1 shortcut") : tr("%n shortcuts", "", number));
+  status_->Figure().SetSecondary(true);
+  status_->Figure().SetText(changed_ ? tr("Changed, not saved yet") : QString());
+}
+
+std::vector<ShortCutItem*> ShortCutWindow::InMenuOrder() const {
+  std::vector<ShortCutItem*> rows;
+  rows.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
+  for (int row = 0; row < list_->topLevelItemCount(); ++row) rows.push_back(Row(row));
+  std::ranges::sort(rows, {}, &ShortCutItem::Id);
+  return rows;
 }
 
 ShortCutItem* ShortCutWindow::Row(int row) const {
@@ -174,9 +293,9 @@ bool ShortCutWindow::TakeOver(int id, const Shortcut& changed) {
 void ShortCutWindow::RemoveSelected() {
   ShortCutItem* item = FirstSelected();
   if (list_->topLevelItemCount() == 1) {
-    Alerts::Show(this, {.title = tr("Warning!"),
-                        .text = tr("You need to have at least one remaining shortcut.")});
-    return;
+    const QString text = tr("You need to have at least one remaining shortcut.");
+    if (!Style::InForce().AlertsOfFaults()) return status_->SetText(text);
+    return Alerts::Show(this, {.title = tr("Warning!"), .text = text});
   }
   if (item == nullptr) return;
   const int row = list_->indexOfTopLevelItem(item);
@@ -203,6 +322,7 @@ void ShortCutWindow::AddRow(std::string_view url) {
   auto* item = new ShortCutItem(std::move(*shortcut));
   list_->addTopLevelItem(item);
   Select(item);
+  RowsChanged();
 }
 
 void ShortCutWindow::Save(std::function<void()> then) {
@@ -217,7 +337,11 @@ void ShortCutWindow::Save(std::function<void()> then) {
                            "that lie behind it, %n in all.",
                            "", lost),
                 .buttons = {tr("&Save Anyway"), tr("&Cancel")},
-                .preset = 1},
+                .preset = 1,
+                .heading = lost == 1 ? tr("Save the list and lose a shortcut?")
+                                     : tr("Save the list and lose %n shortcuts?", "", lost),
+                .advice = tr("One stored shortcut cannot be read. Saving the list loses it and all "
+                             "that lie behind it.")},
                [store](int button) {
                  if (button == 0) store();
                });
@@ -225,13 +349,8 @@ void ShortCutWindow::Save(std::function<void()> then) {
 
 // Sorting is for the eye: the menu keeps the order in which the shortcuts were made.
 bool ShortCutWindow::Store() {
-  std::vector<const ShortCutItem*> rows;
-  rows.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
-  for (int row = 0; row < list_->topLevelItemCount(); ++row) rows.push_back(Row(row));
-  std::ranges::sort(rows, {}, &ShortCutItem::Id);
   std::vector<Shortcut> shortcuts;
-  shortcuts.reserve(rows.size());
-  for (const ShortCutItem* row : rows) shortcuts.push_back(row->Record());
+  for (const ShortCutItem* row : InMenuOrder()) shortcuts.push_back(row->Record());
   const Text failure = ShortcutStore::SaveAll(shortcuts);
   if (!failure.IsEmpty()) {
     Alerts::Show(this, {.title = tr("Warning!"),
@@ -254,7 +373,9 @@ void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
                            "them?"),
                 .buttons = {tr("&Discard"), tr("&Save")},
                 .preset = kSave,
-                .dismissible = true},
+                .dismissible = true,
+                .heading = tr("Save the changes to the shortcuts?"),
+                .advice = tr("They are lost if you discard them.")},
                [this](int button) {
                  asking_ = false;
                  auto next = std::exchange(then_, {});

@@ -13,7 +13,9 @@ class QTreeWidget;
 
 namespace corvane {
 
+class IconButton;
 class ShortCutItem;
+class StatusLine;
 struct ShortcutHost;
 
 /// The list of saved connections. Changes stay in the window until they are saved. Deletes itself
@@ -33,6 +35,10 @@ class ShortCutWindow : public QMainWindow {
   /// dismisses the question or saving fails.
   void AskAboutChanges(std::function<void()> then);
 
+  /// Stores the list and goes on with `then`; asks first where that loses stored entries that
+  /// cannot be read.
+  void Save(std::function<void()> then = {});
+
   [[nodiscard]] QTreeWidget& List() { return *list_; }
 
  protected:
@@ -41,8 +47,14 @@ class ShortCutWindow : public QMainWindow {
  private:
   void MakeList(const std::vector<Shortcut>& shortcuts);
   void MakeMenus();
+  QWidget* MakeToolBar();
+  void ShowContextMenu(const QPoint& place);
   void MenusBeginning();
   void SetChanged(bool changed);
+  /// Shows how many rows there are and which of them have keys.
+  void RowsChanged();
+  /// The rows in the order of the menu.
+  [[nodiscard]] std::vector<ShortCutItem*> InMenuOrder() const;
   [[nodiscard]] ShortCutItem* Row(int row) const;
   /// The first selected row, in the list's order; null without one.
   [[nodiscard]] ShortCutItem* FirstSelected() const;
@@ -52,16 +64,17 @@ class ShortCutWindow : public QMainWindow {
   void RemoveSelected();
   void CopySelected();
   void AddRow(std::string_view url);
-  /// Stores the list and goes on with `then`; asks first where that loses stored entries that
-  /// cannot be read.
-  void Save(std::function<void()> then = {});
   bool Store();
 
   ShortcutHost& app_;
   QTreeWidget* list_;
+  QAction* new_ = nullptr;
   QAction* edit_ = nullptr;
   QAction* remove_ = nullptr;
   QAction* copy_ = nullptr;
+  IconButton* editButton_ = nullptr;
+  IconButton* removeButton_ = nullptr;
+  StatusLine* status_;
   bool changed_ = false;
   bool asking_ = false;
   std::function<void()> then_;  // what goes on once the user has answered

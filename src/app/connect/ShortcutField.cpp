@@ -32,7 +32,9 @@ QSize ShortcutField::minimumSizeHint() const {
   initStyleOption(&option);
   option.text = tr("&Shortcuts");
   const QSize text = fontMetrics().size(Qt::TextShowMnemonic, option.text);
-  return style()->sizeFromContents(QStyle::CT_PushButton, &option, text, this);
+  constexpr int kLeast = 136;
+  const QSize size = style()->sizeFromContents(QStyle::CT_PushButton, &option, text, this);
+  return size.expandedTo({kLeast, 0});
 }
 
 void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts) {
@@ -59,7 +61,7 @@ void ShortcutField::Add(const std::string& label, std::int32_t index, bool withK
 
 void ShortcutField::ShowMarked() {
   const QAction* marked = items_->checkedAction();
-  setToolTip(marked != nullptr ? Harmless(marked->text().replace("&&", "&")) : QString());
+  SetTip(*this, marked != nullptr ? marked->text().replace("&&", "&") : QString());
   QStyleOptionButton option;
   initStyleOption(&option);
   const int room = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this).width() -

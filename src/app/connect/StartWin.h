@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "kit/Message.h"
+#include "sites/Shortcut.h"
 
 class QAction;
 class QLineEdit;
@@ -14,10 +15,12 @@ class QLineEdit;
 namespace corvane {
 
 class ConnectionForm;
+class HintLabel;
 class ShortcutField;
 struct ConnectHost;
 
-/// The window in which the user states a server. Closing it quits the program. GUI thread.
+/// The window in which the user states a server. What becomes of it and of the program when it is
+/// closed, the program decides. GUI thread.
 class StartWin : public QMainWindow {
   Q_OBJECT
 
@@ -32,6 +35,9 @@ class StartWin : public QMainWindow {
   /// What buttons, menus and other windows ask for.
   void MessageReceived(const Message& message);
 
+  /// The recent connections are others now.
+  void RecentChanged();
+
   [[nodiscard]] ShortcutField& CutMenu() { return *shortcuts_; }
 
  protected:
@@ -44,6 +50,8 @@ class StartWin : public QMainWindow {
   void MakeMenus();
   void MakeEditMenu();
   void MakeWindowsMenu();
+  void MakeHelpMenu();
+  void FitHeight();
   void MenusBeginning();
   void FocusMoved(QWidget* now);
 
@@ -51,8 +59,8 @@ class StartWin : public QMainWindow {
   void Connect();
   void ReadShortcuts();
   void ChooseShortcut(std::int32_t index);
+  void Fill(const Shortcut& connection);
   bool PasteUrl(std::string_view text);
-  bool TakeUrlFromHost();
   void Copy();
   void Paste();
 
@@ -61,6 +69,8 @@ class StartWin : public QMainWindow {
 
   ConnectionForm* form_ = nullptr;
   ShortcutField* shortcuts_ = nullptr;
+  HintLabel* hint_ = nullptr;
+  int lastHeight_ = 0;  // that the contents asked for
   QAction* copy_ = nullptr;
   QAction* paste_ = nullptr;
   QPointer<QLineEdit> field_;  // has the focus, or had it when a menu took it

@@ -6,19 +6,25 @@
 #include <QClipboard>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "app/connect/ConnectHost.h"
 #include "app/connect/ConnectionForm.h"
-#include "app/connect/Password.h"
+#include "app/connect/HostField.h"
 #include "app/connect/ShortcutField.h"
 #include "app/connect/StartWin.h"
+#include "app/shared/HintLabel.h"
+#include "app/shared/LookStyle.h"
+#include "app/shared/Password.h"
 #include "app/shared/Windows.h"
+#include "settings/StoredSettings.h"
 
 namespace corvane {
 
@@ -34,16 +40,28 @@ void StartWin::MakeViews() {
   shortcuts_ = new ShortcutField(main);
   auto* connectButton = new QPushButton(tr("&Connect"), main);
   connectButton->setObjectName("connect");
-  connectButton->setDefault(true);
+  SetPrimary(*connectButton);
+  hint_ = new HintLabel(
+      tr("Grey words hold where a field stays empty. An ftp:// address can be pasted into any "
+         "field."),
+      main);
+  hint_->setObjectName("Hint");
+  hint_->hide();
 
   auto* buttons = new QHBoxLayout;
-  buttons->addWidget(shortcuts_, 1);
+  buttons->addWidget(shortcuts_);
   buttons->addStretch(1);
   buttons->addWidget(connectButton);
   auto* layout = new QVBoxLayout(main);
+  layout->setSpacing(16);
   layout->addWidget(form_);
+  layout->addWidget(hint_);
   layout->addStretch();
   layout->addLayout(buttons);
+  connect(form_, &ConnectionForm::HeightChanged, this, &StartWin::FitHeight, Qt::QueuedConnection);
+  auto* host = qobject_cast<HostField*>(form_->host);
+  connect(host, &HostField::Chosen, this, &StartWin::Fill);
+  connect(host, &HostField::Forgotten, this, &StartWin::RecentChanged);
 
   connect(form_, &ConnectionForm::returnPressed, this, &StartWin::Connect);
   connect(connectButton, &QPushButton::clicked, this,
@@ -58,13 +76,28 @@ void StartWin::MakeViews() {
   form_->host->setFocus();
 }
 
+// The window is as high as what stands in it, unless the user made it higher. The layouts within
+// have to know of a change by then.
+void StartWin::FitHeight() {
+  QLayout* contents = centralWidget()->layout();
+  contents->activate();
+  const int least = contents->hasHeightForWidth() ? contents->heightForWidth(width())
+                                                  : contents->minimumSize().height();
+  const bool fits = height() == lastHeight_;
+  centralWidget()->setMinimumHeight(least);
+  layout()->activate();
+  lastHeight_ = least + menuBar()->sizeHint().height();
+  if (fits || height() < lastHeight_) resize(width(), lastHeight_);
+}
+
 void StartWin::MakeMenus() {
   menuBar()->setObjectName("MainMenuBar");
   QMenu* file = menuBar()->addMenu(tr("&File"));
   file->addAction(tr("&About Corvane…"), this, [this] { app_.AboutRequested(); });
-  file->addAction(tr("&Quit"), QKeySequence("Ctrl+Q"), this, &QWidget::close);
+  file->addAction(tr("&Quit"), QKeySequence("Ctrl+Q"), this, [this] { app_.QuitRequested(); });
   MakeEditMenu();
   MakeWindowsMenu();
+  MakeHelpMenu();
   connect(qApp, &QApplication::focusChanged, this,
           [this](QWidget*, QWidget* now) { FocusMoved(now); });
   MenusBeginning();
@@ -94,6 +127,12 @@ void StartWin::MakeWindowsMenu() {
                      [this] { app_.PostMessage(Message("SHLG"_what)); });
   connect(windows, &QMenu::aboutToShow, this,
           [this, windows] { AddWindowItems(*windows, 1, app_.BrowserWindows(), nullptr); });
+}
+
+void StartWin::MakeHelpMenu() {
+  QMenu* help = menuBar()->addMenu(tr("He&lp"));
+  help->addAction(tr("&Manual"), QKeySequence(Qt::Key_F1), this, [this] { app_.ShowManual(this); });
+  help->addAction(tr("&About Corvane…"), this, [this] { app_.AboutRequested(); });
 }
 
 void StartWin::MenusBeginning() {

@@ -50,11 +50,15 @@ Reveal::Ways& TheWays() {
 void Reveal::Show(QWidget* window, const std::string& path) {
   TheWays().showEntry(FileUrl(path), [window = QPointer(window), path](bool shown) {
     if (shown || TheWays().openFolder(FileUrl(FolderOf(path))) || window.isNull()) return;
-    Alerts::Show(window, {.icon = QMessageBox::Information,
-                          .title = QCoreApplication::translate("Reveal", "Reveal in Tracker"),
-                          .text = QCoreApplication::translate(
-                              "Reveal", "No file manager could be asked. This is where to look:"),
-                          .detail = ToText(path)});
+    Alerts::Show(window,
+                 {.icon = QMessageBox::Information,
+                  .title = QCoreApplication::translate("Reveal", "Reveal in Tracker"),
+                  .text = QCoreApplication::translate(
+                      "Reveal", "No file manager could be asked. This is where to look:"),
+                  .detail = ToText(path),
+                  .subject = QCoreApplication::translate("Reveal", "Show in Folder"),
+                  .heading = QCoreApplication::translate("Reveal", "No file manager answered."),
+                  .advice = QCoreApplication::translate("Reveal", "This is where to look:")});
   });
 }
 

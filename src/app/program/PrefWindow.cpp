@@ -15,7 +15,11 @@
 
 #include "app/desktop/Autostart.h"
 #include "app/shared/Alerts.h"
+#include "app/shared/FaultLine.h"
 #include "app/shared/Frames.h"
+#include "app/shared/HintLabel.h"
+#include "app/shared/LookStyle.h"
+#include "app/shared/Rule.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
@@ -24,6 +28,38 @@
 
 namespace corvane {
 namespace {
+
+constexpr QSize kSize(576, 624);
+constexpr int kBoxHeight = 24;
+constexpr int kIndent = 24;  // of what belongs to a box
+
+/// The rows of a tab.
+QFormLayout* MakeForm(QWidget* page) {
+  auto* form = new QFormLayout(page);
+  form->setHorizontalSpacing(12);
+  form->setVerticalSpacing(8);
+  form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+  return form;
+}
+
+void AddRow(QFormLayout* form, const QString& label, QWidget* field, QLayout* row = nullptr) {
+  auto* name = new QLabel(label);
+  name->setBuddy(field);
+  name->setMinimumHeight(LookStyle::kControlHeight);
+  if (row != nullptr) {
+    form->addRow(name, row);
+  } else {
+    form->addRow(name, field);
+  }
+}
+
+void AddRule(QFormLayout* form) {
+  auto* space = new QVBoxLayout;
+  space->setContentsMargins(0, 8, 0, 8);
+  space->addWidget(new Rule(Qt::Horizontal, nullptr));
+  form->addRow(space);
+}
 
 QString Translate(const char* text) {
   return *text == '\0' ? QString() : QCoreApplication::translate("corvane::PrefWindow", text);
@@ -34,7 +70,8 @@ QString Translate(const char* text) {
 PrefWindow::PrefWindow()
     : QWidget(nullptr, kFixedWindow),
       shown_(StoredSettings::ForEditing()),
-      tabs_(new QTabWidget(this)) {
+      tabs_(new QTabWidget(this)),
+      fault_(new FaultLine(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Corvane: Preferences"));
   tabs_->setObjectName("tab_view");
@@ -42,10 +79,11 @@ PrefWindow::PrefWindow()
   tabs_->addTab(MakeSound(), tr("So&und"));
   tabs_->addTab(MakeProxy(), tr("Pro&xy"));
   auto* layout = new QVBoxLayout(this);
+  layout->setSpacing(16);
   layout->addWidget(tabs_);
   layout->addWidget(MakeButtons());
-  layout->setSizeConstraint(QLayout::SetFixedSize);
-  move(Frames::OnScreen(QRect(QPoint(250, 92), sizeHint())).topLeft());
+  setFixedSize(layout->totalMinimumSize().expandedTo(kSize));
+  move(Frames::OnScreen(QRect(QPoint(250, 92), size())).topLeft());
   AddCloseKeys(this);
   filled_ = Entered();
   FieldOf(&SettingsValues::DfltPass)->setFocus();
@@ -57,12 +95,18 @@ void PrefWindow::Add(QFormLayout* form, const Setting& setting) {
   const QString hint = Translate(setting.hint);
   QWidget* control = nullptr;
   if (const auto* text = std::get_if<std::string SettingsValues::*>(&setting.variable)) {
-    control = AddField(form, label, hint, shown_.**text);
+    control = AddField(form, setting, shown_.**text);
   } else if (const auto* flag = std::get_if<bool SettingsValues::*>(&setting.variable)) {
-    control = AddBox(form, label, hint, shown_.**flag);
+    control = AddBox(form, label, setting.hintBelow ? QString() : hint, shown_.**flag);
   } else {
     const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting.variable);
     control = AddList(form, label, setting.choices, shown_.**number);
+  }
+  if (setting.hintBelow) {
+    auto* below = new HintLabel(hint);
+    below->setContentsMargins(kIndent, 0, 0, 8);
+    control->setAccessibleDescription(hint);
+    form->addRow(below);
   }
   control->setObjectName(setting.control);
   controls_.emplace_back(&setting, control);
@@ -85,21 +129,30 @@ QCheckBox* PrefWindow::BoxOf(bool SettingsValues::*flag) const {
 void PrefWindow::AddTab(QFormLayout* form, SettingsTab tab) {
   for (const Setting& setting : AllSettings()) {
     if (setting.tab != tab) continue;
+    if (setting.opensGroup) AddRule(form);
     Add(form, setting);
-    if (setting.variable == Setting::Variable(&SettingsValues::DwnldDir))
-      AddButton(form, "findfolder", tr("Select &Folder"), "FRTR"_what);
+    if (setting.variable == Setting::Variable(&SettingsValues::notify)) AddTrayBox(form);
   }
 }
 
-QLineEdit* PrefWindow::AddField(QFormLayout* form, const QString& label, const QString& hint,
+QLineEdit* PrefWindow::AddField(QFormLayout* form, const Setting& setting,
                                 const std::string& text) {
+  const QString label = Translate(setting.label);
   auto* field = new QLineEdit(ToText(text));
   field->setAccessibleName(QString(label).remove('&').remove(':').trimmed());
-  field->setPlaceholderText(hint);
-  field->setMinimumWidth(fontMetrics().horizontalAdvance('n') * 32);
+  field->setPlaceholderText(Translate(setting.hint));
   field->setCursorPosition(0);
   connect(field, &QLineEdit::returnPressed, this, &PrefWindow::Save);
-  form->addRow(label, field);
+  connect(field, &QLineEdit::textChanged, fault_, &FaultLine::Clear);
+  if (setting.variable != Setting::Variable(&SettingsValues::DwnldDir)) {
+    AddRow(form, label, field);
+    return field;
+  }
+  auto* row = new QHBoxLayout;
+  row->setSpacing(8);
+  row->addWidget(field);
+  row->addWidget(MakeButton("findfolder", tr("Select &Folder"), "FRTR"_what));
+  AddRow(form, label, field, row);
   return field;
 }
 
@@ -108,8 +161,15 @@ QCheckBox* PrefWindow::AddBox(QFormLayout* form, const QString& label, const QSt
   auto* box = new QCheckBox(label);
   box->setToolTip(hint);
   box->setChecked(checked);
+  box->setMinimumHeight(kBoxHeight);
   form->addRow(box);
   return box;
+}
+
+void PrefWindow::AddTrayBox(QFormLayout* form) {
+  tray_ = AddBox(form, tr("Show &in the tray at login."),
+                 tr("An icon whose menu opens your shortcuts."), Autostart::IsSet());
+  tray_->setObjectName("ShowInTray");
 }
 
 // A value that is no choice shows as the next bigger one.
@@ -123,49 +183,45 @@ QComboBox* PrefWindow::AddList(QFormLayout* form, const QString& label,
     if (value < chosen) fitting = std::min(list->count(), static_cast<int>(choices.size()) - 1);
   }
   list->setCurrentIndex(fitting);
-  form->addRow(label, list);
+  list->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  AddRow(form, label, list);
   return list;
 }
 
 // A click leaves the focus in the field that the button is about.
-void PrefWindow::AddButton(QFormLayout* form, const char* name, const QString& label,
-                           std::uint32_t what) {
+QPushButton* PrefWindow::MakeButton(const char* name, const QString& label, std::uint32_t what) {
   auto* button = new QPushButton(label);
   button->setObjectName(name);
   button->setFocusPolicy(Qt::TabFocus);
   button->setAutoDefault(true);
   connect(button, &QPushButton::clicked, this, [this, what] { MessageReceived(Message(what)); });
-  auto* row = new QHBoxLayout;
-  row->addStretch();
-  row->addWidget(button);
-  form->addRow(row);
+  return button;
 }
 
 QWidget* PrefWindow::MakeMisc() {
   auto* page = new QWidget;
-  auto* form = new QFormLayout(page);
-  AddTab(form, SettingsTab::Misc);
-  tray_ = AddBox(form, tr("Show &in the tray at login."),
-                 tr("An icon whose menu opens your shortcuts."), Autostart::IsSet());
-  tray_->setObjectName("ShowInTray");
+  AddTab(MakeForm(page), SettingsTab::Misc);
   return page;
 }
 
 QWidget* PrefWindow::MakeSound() {
   auto* page = new QWidget;
-  auto* form = new QFormLayout(page);
+  QFormLayout* form = MakeForm(page);
   AddTab(form, SettingsTab::Sound);
-  AddButton(form, "SelectUPSound", tr("S&elect Sound"), "SSND"_what);
-  auto* info = new QLabel(tr("Select the TextBox you want to set the sound for first."));
+  auto* info = new HintLabel(tr("Select the TextBox you want to set the sound for first."));
   info->setObjectName("info");
-  form->addRow(info);
+  auto* row = new QHBoxLayout;
+  row->setSpacing(16);
+  row->addWidget(info, 1, Qt::AlignVCenter);
+  row->addWidget(MakeButton("SelectUPSound", tr("S&elect Sound"), "SSND"_what));
+  form->addRow(row);
   return page;
 }
 
 QWidget* PrefWindow::MakeProxy() {
   auto* page = new QWidget;
-  auto* form = new QFormLayout(page);
-  AddTab(form, SettingsTab::Proxy);
+  proxy_ = MakeForm(page);
+  AddTab(proxy_, SettingsTab::Proxy);
   connect(BoxOf(&SettingsValues::useProxy), &QCheckBox::toggled, this,
           [this] { MessageReceived(Message("prxy"_what)); });
   ProxyToggled();
@@ -181,6 +237,7 @@ QWidget* PrefWindow::MakeButtons() {
   save->setObjectName("save");
   connect(save, &QPushButton::clicked, this, [this] { MessageReceived(Message("SVPF"_what)); });
   for (QPushButton* button : {cancel, save}) button->setAutoDefault(true);
+  SetPrimary(*save);
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins({});
   layout->addStretch();
@@ -239,8 +296,12 @@ void PrefWindow::PutSound(const QString& path) {
 
 void PrefWindow::ProxyToggled() {
   const bool on = BoxOf(&SettingsValues::useProxy)->isChecked();
-  FieldOf(&SettingsValues::proxyAddress)->setEnabled(on);
-  FieldOf(&SettingsValues::proxyPort)->setEnabled(on);
+  const QString why = on ? QString() : tr("In use with “Enable Proxy” alone.");
+  for (const auto setting : {&SettingsValues::proxyAddress, &SettingsValues::proxyPort}) {
+    QLineEdit* field = FieldOf(setting);
+    field->setEnabled(on);
+    field->setToolTip(why);
+  }
 }
 
 SettingsValues PrefWindow::Entered() const {
@@ -264,16 +325,20 @@ bool PrefWindow::Changed() const {
 }
 
 bool PrefWindow::CheckProxy() {
+  fault_->Clear();
   if (!BoxOf(&SettingsValues::useProxy)->isChecked()) return true;
   QLineEdit* host = FieldOf(&SettingsValues::proxyAddress);
   QLineEdit* port = FieldOf(&SettingsValues::proxyPort);
-  const bool noHost = host->text().isEmpty();
-  if (!noHost && PortFrom(ToBytes(port->text())) != 0) return true;
+  if (host->text().trimmed().isEmpty()) {
+    return RefuseProxy(host, tr("Please enter the address of the proxy."));
+  }
+  if (PortFrom(ToBytes(port->text())) != 0) return true;
+  return RefuseProxy(port, tr("The proxy's port has to be a number from 1 to 65535."));
+}
+
+bool PrefWindow::RefuseProxy(QLineEdit* field, const QString& text) {
   tabs_->setCurrentIndex(tabs_->count() - 1);
-  (noHost ? host : port)->setFocus();
-  Alerts::Show(this, {.title = tr("Warning!"),
-                      .text = noHost ? tr("Please enter the address of the proxy.")
-                                     : tr("The proxy's port has to be a number from 1 to 65535.")});
+  fault_->Say(*proxy_, *field, text);
   return false;
 }
 

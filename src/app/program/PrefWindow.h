@@ -16,9 +16,12 @@ class QComboBox;
 class QFileDialog;
 class QFormLayout;
 class QLineEdit;
+class QPushButton;
 class QTabWidget;
 
 namespace corvane {
+
+class FaultLine;
 
 /// Every setting, on three tabs. Nothing is in force or stored until "Save". Deletes itself when
 /// closed. GUI thread.
@@ -40,15 +43,18 @@ class PrefWindow : public QWidget {
   /// The settings of a tab, and the buttons that belong to one of them.
   void AddTab(QFormLayout* form, SettingsTab tab);
   void Add(QFormLayout* form, const Setting& setting);
-  QLineEdit* AddField(QFormLayout* form, const QString& label, const QString& hint,
-                      const std::string& text);
-  QCheckBox* AddBox(QFormLayout* form, const QString& label, const QString& hint, bool checked);
+  QLineEdit* AddField(QFormLayout* form, const Setting& setting, const std::string& text);
+  static QCheckBox* AddBox(QFormLayout* form, const QString& label, const QString& hint,
+                           bool checked);
+  void AddTrayBox(QFormLayout* form);
   QComboBox* AddList(QFormLayout* form, const QString& label,
                      std::span<const SettingsChoice> choices, std::int32_t chosen);
   [[nodiscard]] QWidget* ControlOf(const Setting::Variable& variable) const;
   [[nodiscard]] QLineEdit* FieldOf(std::string SettingsValues::*text) const;
   [[nodiscard]] QCheckBox* BoxOf(bool SettingsValues::*flag) const;
-  void AddButton(QFormLayout* form, const char* name, const QString& label, std::uint32_t what);
+  [[nodiscard]] QPushButton* MakeButton(const char* name, const QString& label, std::uint32_t what);
+  /// Says what is wrong in a field of the last tab; false.
+  bool RefuseProxy(QLineEdit* field, const QString& text);
 
   void SelectFolder();
   void SelectSound();
@@ -64,6 +70,8 @@ class PrefWindow : public QWidget {
   const SettingsValues shown_;  // what the controls were filled with
   SettingsValues filled_;       // and what they say of it
   QTabWidget* tabs_;
+  QFormLayout* proxy_ = nullptr;  // the rows of the last tab
+  FaultLine* fault_;              // and what is wrong in one of them
   std::vector<std::pair<const Setting*, QWidget*>> controls_;
   QCheckBox* tray_ = nullptr;
   QPointer<QFileDialog> panel_;

@@ -1,8 +1,10 @@
 #include "app/program/TambleApp.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QFile>
 #include <QStandardPaths>
+#include <QTimer>
 #include <algorithm>
 #include <utility>
 
@@ -11,6 +13,7 @@
 #include "app/connect/ShortCutWindow.h"
 #include "app/connect/ShortcutField.h"
 #include "app/connect/StartWin.h"
+#include "app/desktop/Manual.h"
 #include "app/desktop/Reveal.h"
 #include "app/desktop/StartupNotice.h"
 #include "app/program/About.h"
@@ -21,6 +24,7 @@
 #include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
+#include "app/shared/Style.h"
 #include "app/shared/Windows.h"
 #include "app/transfers/DownLoadWin.h"
 #include "app/transfers/TransferPane.h"
@@ -28,6 +32,7 @@
 #include "settings/StoredSettings.h"
 #include "sites/ProxyOf.h"
 #include "sites/ReadAtStart.h"
+#include "sites/RecentStore.h"
 #include "sites/ShortcutStore.h"
 
 namespace corvane {
@@ -63,9 +68,13 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   ReadSettings();
   start_ = std::make_unique<StartWin>(*this, Frames::Restored(kMainFrame));
   transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame));
-  transfers_->show();
+  if (StoredSettings::Frame(kTransferFrame) == kTransferFrame.fallback) {
+    transfers_->resize(transfers_->size().expandedTo(transfers_->sizeHint()));
+  }
+  if (Style::InForce().TransfersAtStart()) transfers_->show();
   start_->show();
   start_->Init();
+  qApp->installEventFilter(this);
   if (!unread_.IsEmpty()) WarnOfUnread(start_.get());
   if (open.has_value()) PostMessage(*open);
 }
@@ -85,6 +94,7 @@ void TambleApp::PostMessage(const Message& message) {
       break;
     case "SHLG"_what: BringForward(transfers_.get()); break;
     case "SHMN"_what: Answer(message, start_.get()); break;
+    case "HELP"_what: ShowManual(start_.get()); break;
     default: break;
   }
 }
@@ -93,13 +103,17 @@ void TambleApp::OpenBrowser(const Message& message) {
   if (!SiteIn(message).has_value()) return;
   if (!unread_.IsEmpty()) ReadSettings();
   if (unread_.IsEmpty() || withDefaults_) return Open(message);
+  BringForward(start_.get());
   Alerts::Show(start_.get(),
                {.title = tr("Warning!"),
                 .text = tr("Your preferences could not be read: a proxy that you have set would be "
                            "bypassed. Connect all the same?"),
                 .detail = Shown(unread_),
                 .buttons = {tr("Co&nnect"), tr("&Cancel")},
-                .preset = 1},
+                .preset = 1,
+                .heading = tr("Connect without your preferences?"),
+                .advice = tr("They could not be read: a proxy that you have set would be "
+                             "bypassed.")},
                [this, message](int button) {
                  if (button != 0) return;
                  withDefaults_ = true;
@@ -117,7 +131,22 @@ void TambleApp::Open(const Message& message) {
   if (StoredSettings::Frame(kConnectionFrame) == kConnectionFrame.fallback) {
     window->resize(window->size().expandedTo(window->sizeHint()));
   }
+  Cascade(*window);
   Answer(message, window);
+}
+
+// A window that covers another one would be taken for it.
+void TambleApp::Cascade(QWidget& window) const {
+  static constexpr QPoint kStep(28, 28);
+  const auto covers = [this, &window] {
+    return std::ranges::any_of(windowList_, [&window](const MWindow* other) {
+      return other != &window && other->isVisible() &&
+             (other->pos() - window.pos()).manhattanLength() < kStep.manhattanLength() / 2;
+    });
+  };
+  for (std::size_t tries = 0; tries < windowList_.size() && covers(); ++tries) {
+    window.move(Frames::OnScreen(QRect(window.pos() + kStep, window.frameSize())).topLeft());
+  }
 }
 
 void TambleApp::Answer(const Message& message, QWidget* window) {
@@ -128,6 +157,10 @@ void TambleApp::Answer(const Message& message, QWidget* window) {
 void TambleApp::AboutRequested() {
   if (about_ == nullptr) about_ = std::make_unique<About>();
   BringForward(about_.get());
+}
+
+void TambleApp::ShowManual(QWidget* window) {
+  Manual::Show(window);
 }
 
 // A list that could not be read would be saved as an empty one.
@@ -177,6 +210,12 @@ void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener) {
   ShowEditor(shortcut, opener, {});
 }
 
+// What cannot be kept is no reason to disturb.
+void TambleApp::ConnectionStands(const Site& site) {
+  RecentStore::Add(site, QDateTime::currentSecsSinceEpoch());
+  start_->RecentChanged();
+}
+
 void TambleApp::Transfer(transferStruct description, TransferListener listener) {
   transfers_->Add(std::move(description), std::move(listener));
 }
@@ -200,61 +239,70 @@ int TambleApp::RunningTransfers() const {
   return transfers_->RunningCount() + static_cast<int>(here);
 }
 
-QStringList TambleApp::RunningDeletions() const {
+QStringList TambleApp::WouldBeLost() const {
   QStringList lines;
+  const int running = RunningTransfers();
+  if (running == 1) lines += tr("1 transfer is running.");
+  if (running > 1) lines += tr("%n transfers are running.", "", running);
   for (const MWindow* window : windowList_) {
-    if (!window->IsTransferring()) lines.append(window->WouldEnd());
+    if (!window->IsTransferring()) lines += window->WouldEnd();
   }
   lines.removeAll(QString());
+  if (!editor_.isNull() && editor_->Busy()) lines += tr("A shortcut is being edited.");
+  if (!preferences_.isNull() && preferences_->Changed())
+    lines += tr("The preferences are changed and not saved.");
+  if (!shortcuts_.isNull() && shortcuts_->Changed())
+    lines += tr("The list of shortcuts is changed and not saved.");
   return lines;
 }
 
 void TambleApp::QuitRequested() {
-  const int running = RunningTransfers();
-  const QStringList deletions = RunningDeletions();
-  if (running == 0 && deletions.isEmpty() && !askingToQuit_) return AskAboutText();
+  const QStringList lines = WouldBeLost();
+  if (lines.isEmpty() && !askingToQuit_) return Quit();
   BringForward(start_.get());
   if (std::exchange(askingToQuit_, true)) return;
+  QStringList buttons{tr("&Quit"), tr("&Keep Running")};
+  const bool changed = !shortcuts_.isNull() && shortcuts_->Changed();
+  if (changed) buttons.insert(1, tr("&Save Shortcuts and Quit"));
+  const int keep = static_cast<int>(buttons.size()) - 1;
   Alerts::Show(start_.get(),
-               {.title = tr("Alert!"),
-                .text = running == 0   ? tr("Quit and stop deleting?")
-                        : running == 1 ? tr("Quit and stop 1 transfer?")
-                                       : tr("Quit and stop %n transfers?", "", running),
-                .detail = deletions.join('\n'),
-                .buttons = {tr("&Quit"), tr("&Keep running")},
-                .preset = 1},
-               [this](int button) {
+               {.icon = QMessageBox::Question,
+                .title = tr("Quit"),
+                .text = tr("Quit Corvane?"),
+                .detail = lines.join('\n'),
+                .buttons = buttons,
+                .preset = keep},
+               [this, keep](int button) {
                  askingToQuit_ = false;
-                 if (button == 0) AskAboutText();
+                 if (button == keep) return;
+                 if (button == 0 || shortcuts_.isNull()) return Quit();
+                 shortcuts_->Save([this] { Quit(); });
                });
 }
 
-void TambleApp::AskAboutText() {
-  QWidget* typed = nullptr;
-  if (!preferences_.isNull() && preferences_->Changed()) typed = preferences_;
-  if (!editor_.isNull() && editor_->Busy()) typed = editor_;
-  if (typed == nullptr) return AskAboutShortcuts();
-  BringForward(typed);
-  if (std::exchange(askingToQuit_, true)) return;
-  Alerts::Show(typed,
-               {.title = tr("Alert!"),
-                .text = tr("What you entered here is not saved. Quit and lose it?"),
-                .buttons = {tr("&Quit"), tr("&Go Back")},
-                .preset = 1},
-               [this, typed](int button) {
-                 askingToQuit_ = false;
-                 if (button != 0) return;
-                 // It deletes itself; what comes next waits until it is gone.
-                 connect(typed, &QObject::destroyed, this, &TambleApp::AskAboutText,
-                         Qt::QueuedConnection);
-                 typed->close();
-               });
+bool TambleApp::AnyWindowOpen(const QWidget* except) {
+  return std::ranges::any_of(QApplication::topLevelWidgets(), [except](const QWidget* window) {
+    const Qt::WindowType type = window->windowType();
+    return window != except && window->isVisible() && (type == Qt::Window || type == Qt::Dialog);
+  });
 }
 
-void TambleApp::AskAboutShortcuts() {
-  if (shortcuts_.isNull() || !shortcuts_->Changed()) return Quit();
-  BringForward(shortcuts_);
-  shortcuts_->AskAboutChanges([this] { Quit(); });
+void TambleApp::ConnectionWindowClosing() {
+  if (Style::InForce().ClosingQuits() || !AnyWindowOpen(start_.get())) return QuitRequested();
+  start_->hide();
+}
+
+bool TambleApp::eventFilter(QObject* target, QEvent* event) {
+  const bool mayBeLast = event->type() == QEvent::Hide && target->isWidgetType() &&
+                         static_cast<QWidget*>(target)->isWindow() && start_ != nullptr &&
+                         !start_->isVisible();
+  if (mayBeLast) QTimer::singleShot(0, this, &TambleApp::QuitWithoutWindows);
+  return false;
+}
+
+// A program without any window would be out of reach.
+void TambleApp::QuitWithoutWindows() {
+  if (!quitting_ && !AnyWindowOpen()) QuitRequested();
 }
 
 void TambleApp::Quit() {

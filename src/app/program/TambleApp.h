@@ -44,9 +44,12 @@ class TambleApp : public QObject,
   /// in 'OPNC' and 'SHMN' names the start that asked for it (StartupNotice).
   void PostMessage(const Message& message) override;
   void AboutRequested() override;
+  void ShowManual(QWidget* window) override;
 
   /// Quits, once the user has said what is to become of running transfers and unsaved changes.
   void QuitRequested() override;
+  /// Hides the connection window, and quits where no other window would be left.
+  void ConnectionWindowClosing() override;
   /// Hides everything, tells all work to end, and ends the event loop.
   void Quit();
   [[nodiscard]] bool Quitting() const { return quitting_; }
@@ -56,6 +59,10 @@ class TambleApp : public QObject,
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener,
                   std::function<bool(const Shortcut&)> change) override;
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener) override;
+  void ConnectionStands(const Site& site) override;
+
+  /// Sees windows go: the last one ends the program.
+  bool eventFilter(QObject* target, QEvent* event) override;
 
   void Transfer(transferStruct description, TransferListener listener) override;
   [[nodiscard]] TransferView* MakeTransferView(QWidget* parent) override;
@@ -76,17 +83,17 @@ class TambleApp : public QObject,
   /// Opens a browser window, once the user has agreed to it where the settings are unread.
   void OpenBrowser(const Message& message);
   void Open(const Message& message);
+  /// Moves a new browser window so that it covers no other one.
+  void Cascade(QWidget& window) const;
   void WarnOfUnread(QWidget* window);
   /// Brings forward what a message asked for.
   static void Answer(const Message& message, QWidget* window);
   void ReadSettings();
   [[nodiscard]] int RunningTransfers() const;
-  /// What else than transfers quitting would end, a line for each window.
-  [[nodiscard]] QStringList RunningDeletions() const;
-  /// Asks about what stands in the editor and the preferences, then about the list of shortcuts,
-  /// and quits.
-  void AskAboutText();
-  void AskAboutShortcuts();
+  /// What quitting would end or lose, a line for each.
+  [[nodiscard]] QStringList WouldBeLost() const;
+  [[nodiscard]] static bool AnyWindowOpen(const QWidget* except = nullptr);
+  void QuitWithoutWindows();
 
   WorkerFactory workers_;
   std::optional<StoredSettings::GatheredFrames> frames_;  // from the start on, stored at the end

@@ -19,7 +19,9 @@
 #include "app/program/RealWorkers.h"
 #include "app/program/TambleApp.h"
 #include "app/program/Translations.h"
+#include "app/shared/AccessibleRoles.h"
 #include "app/shared/CommandLine.h"
+#include "app/shared/LookStyle.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
 #include "workers/ListingCache.h"
@@ -89,7 +91,9 @@ int main(int argc, char** argv) {
     // The toolkit takes its own options out of the arguments.
     QApplication qt(argc, argv);
     QApplication::setApplicationName("Corvane");
+    QApplication::setStyle(new corvane::LookStyle);
     QApplication::setDesktopFileName("corvane");
+    corvane::InstallAccessibleRoles();
     translations.Install();
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (!plain) {

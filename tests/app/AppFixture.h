@@ -50,7 +50,8 @@ class RecordingLooper : public Looper {
     window_->PostMessage(std::move(done));
   }
 
-  std::atomic<bool> busy{false};  ///< requests stay under way
+  std::atomic<bool> busy{false};     ///< requests stay under way
+  std::atomic<bool> connects{true};  ///< the server lets the user in
 
  protected:
   void MessageReceived(const Message& message) override {
@@ -58,6 +59,7 @@ class RecordingLooper : public Looper {
       MutexLock hold(lock_);
       asked_ += Described(message) + "\n";
     }
+    if (message.what == "CNNT"_what && connects) window_->SetPath("");
     if (!busy) Finish(message.what);
   }
 
@@ -87,6 +89,7 @@ class AppFixture : public testing::Test {
       link_ = std::move(window);
       looper_ = std::make_shared<RecordingLooper>(link_);
       looper_->busy = busy_;
+      looper_->connects = connects_;
       return looper_;
     };
     factory_.transfer = [this](std::shared_ptr<TransferUi> row, transferStruct description) {
@@ -104,6 +107,8 @@ class AppFixture : public testing::Test {
     app_ = std::make_unique<TambleApp>(factory_);
     app_->ReadyToRun(With("OPNC"_what, "host", "server.test"));
     window_ = app_->WindowList().back();
+    app_->Transfers().show();
+    PutInFront(*window_);
     settings_.DwnldDir = folder_.path().toStdString();
     settings_.showwindow = false;  // keys go to the window in front
     ProcessSettings::Set(settings_);
@@ -114,6 +119,11 @@ class AppFixture : public testing::Test {
     Alerts::AnswerWith({});
   }
 
+  /// The described listing: "." and ".." lead it, and names are ordered by their bytes.
+  void UseClassicStyle() {
+    settings_.classicStyle = true;
+    ProcessSettings::Set(settings_);
+  }
   /// Records every alert from now on and presses `button_`.
   void AnswerAlerts() {
     Alerts::AnswerWith([this](const Alerts::Question& question) {
@@ -132,14 +142,14 @@ class AppFixture : public testing::Test {
   [[nodiscard]] bool IsReady() const {
     return window_->findChild<QPushButton*>("upload")->isEnabled();
   }
-  /// Fills the window's listing, below "." and "..", as its connection would.
+  /// Fills the window's listing, as its connection would.
   void List(std::vector<RemoteEntry> entries) {
     const auto* status = window_->findChild<QLabel*>("StatusString");
     const std::string mark = "listing " + std::to_string(++listings_);
     link_->BeginListing();
     const std::size_t count = entries.size();
     link_->AddEntries(std::move(entries));
-    link_->EndListing(count);
+    link_->EndListing(count, true);
     link_->SetStatus(Text::Raw(mark));
     ASSERT_TRUE(Wait([&] { return status->text().toStdString() == mark; }));
   }
@@ -159,9 +169,9 @@ class AppFixture : public testing::Test {
     alerts_.clear();
     button_ = button;
   }
-  /// Selects all below the dots.
+  /// Selects all but the dots.
   void SelectEntries() {
-    View().SelectRow(2);
+    View().SelectRow(View().Rows().At(0).IsDots() ? 2 : 0);
     QTest::keyClick(&View(), Qt::Key_End, Qt::ShiftModifier);
   }
   static QLineEdit& Line(const QWidget* window, const char* name) {
@@ -222,7 +232,8 @@ class AppFixture : public testing::Test {
   std::shared_ptr<BrowserUi> link_;
   std::vector<std::shared_ptr<IdleTransfer>> transfers_;
   std::vector<std::shared_ptr<IdleTransfer>> here_;  // on a browser window's own connection
-  bool busy_ = false;  // the requests of the next connection stay under way
+  bool busy_ = false;     // the requests of the next connection stay under way
+  bool connects_ = true;  // the next connection comes about
   std::vector<Site> connections_;
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert

@@ -1,5 +1,4 @@
 #include "AppFixture.h"
-#include "app/browser/BrowserCommands.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/NewDir.h"
 #include "app/browser/RenameWin.h"
@@ -12,6 +11,7 @@ namespace {
 class Commands : public AppFixture {
  protected:
   Commands() {
+    UseClassicStyle();
     link_->SetPath("/pub");
     List({File("b", 5), Folder("dir"), Link("link"), File("\xE4", 5), File("z", 5)});
   }
@@ -27,9 +27,11 @@ class Commands : public AppFixture {
 
 TEST_F(Commands, AreEnabledByTheFirstSelectedRow) {
   const std::pair<int, QByteArray> disabled[] = {
-      {-1, "Download File,Delete File,Rename File/Dir,Change Dir,View File"},
-      {2, "Change Dir"},
-      {3, "View File"}};
+      {-1,
+       "Download File,Delete File,Rename File/Dir,Duplicate,Back,Forward,Change Dir,Stop,View "
+       "File"},
+      {2, "Duplicate,Back,Forward,Change Dir,Stop"},
+      {3, "Duplicate,Back,Forward,Stop,View File"}};
   for (const auto& [row, items] : disabled) {
     View().clearSelection();
     if (row >= 0) View().SelectRow(row);
@@ -42,23 +44,6 @@ TEST_F(Commands, AreEnabledByTheFirstSelectedRow) {
     EXPECT_EQ(found.join(','), items) << row;
     EXPECT_TRUE(row < 0 || View().SetupPopUpMenu()->actions()[1]->isEnabled() == (row == 2));
   }
-}
-
-// Each row of the manual's table is one or more keys, and what they do.
-TEST_F(Commands, HaveTheKeysThatTheManualNames) {
-  QFile manual(CORVANE_DOCS "/keys.md");
-  ASSERT_TRUE(manual.open(QFile::ReadOnly));
-  const auto sorted = [](const QString& lines, QChar separator, int column) {
-    QStringList keys;
-    for (const QString& line : lines.split('\n')) {
-      const QString key = line.section(separator, column, column).trimmed();
-      if (key.startsWith("Ctrl+")) keys << key;
-    }
-    keys.sort();
-    return keys.join(' ').toStdString();
-  };
-  EXPECT_EQ(sorted(QString(manual.readAll()).section("## ", 2, 2), '|', 1),
-            sorted(BrowserCommands::Keys(), '\t', 0));
 }
 
 TEST_F(Commands, CopyPutsUrlsOnTheClipboardAndDeselects) {
@@ -150,25 +135,30 @@ TEST_F(Commands, ALinkBecomesTheFileItLeadsTo) {
     View().SelectRow(2);
     link_->ChangeValues("l", size);
     EXPECT_TRUE(Wait([&, wanted = text] { return View().Rows().At(2).SizeText() == wanted; }));
-    EXPECT_EQ(window_->findChild<QLabel*>("Permissions")->text(), "Perm: -rwxrwxrwx");
+    EXPECT_EQ(window_->findChild<QLabel*>("Permissions")->text(), "-rwxrwxrwx");
     EXPECT_EQ(View().Rows().At(2).Type(), kFile);
   }
 }
 
-// Neither a warning, a loss nor a failed login afterwards takes the window away.
+// Neither a loss nor a failed login afterwards takes the window or its rows away.
 TEST_F(Commands, OffersToConnectAgain) {
-  // What happened, the button pressed, and what has been asked then.
-  const std::tuple<Message, int, const char*> cases[] = {
-      {With("GERR"_what, "warning", "careful"), 0, "CNNT\n"},
-      {With("LOST"_what, "warning", "gone"), 1, "CNNT\n"},
-      {With("FERR"_what, "error", "no answer"), 0, "CNNT\nRCNN path=/pub\n"}};
-  for (const auto& [happened, button, asked] : cases) {
-    Anew(button);
+  const auto* again = window_->findChild<QPushButton*>("ConnectAgain");
+  std::string asked = "CNNT\n";
+  for (const Message& happened :
+       {With("LOST"_what, "warning", "gone"), With("FERR"_what, "error", "no answer")}) {
     link_->PostMessage(happened);
-    EXPECT_TRUE(Alerted(1));
-    EXPECT_TRUE(Wait([&, wanted = asked] { return looper_->Asked() == wanted; }));
-    ASSERT_FALSE(window_.isNull());
+    ASSERT_TRUE(Wait([&] { return again->isVisible(); }));
+    EXPECT_FALSE(IsReady());
+    EXPECT_EQ(View().Rows().Count(), 7);
+    QTest::mouseClick(window_->findChild<QPushButton*>("ConnectAgain"), Qt::LeftButton);
+    asked += "RCNN path=/pub\n";
+    EXPECT_TRUE(Wait([&] { return looper_->Asked() == asked; })) << looper_->Asked();
+    EXPECT_FALSE(again->isVisible());
+    link_->SetPath("/pub");
+    EXPECT_TRUE(Wait([&] { return IsReady(); }));
   }
+  link_->PostMessage(With("GERR"_what, "warning", "careful"));
+  EXPECT_TRUE(Alerted(1));
 }
 
 TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {

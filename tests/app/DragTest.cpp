@@ -14,7 +14,10 @@ using std::string_literals::operator""s;
 
 class Drag : public AppFixture {
  protected:
-  Drag() { List({File("one"), File("two"), Folder("dir")}); }
+  Drag() {
+    UseClassicStyle();
+    List({File("one"), File("two"), Folder("dir")});
+  }
   /// Presses on a row and pulls it; the platform of these tests drags nothing, so that every drag
   /// ends outside at once. Whether the window then asked where to save.
   bool Pull(int row, Qt::MouseButton button = Qt::LeftButton) {
@@ -25,6 +28,7 @@ class Drag : public AppFixture {
     QTest::mouseMove(window, from + QPoint(0, 5));
     QTest::mouseMove(window, from + QPoint(0, 40));
     for (int turn = 0; turn < 5; ++turn) QCoreApplication::processEvents();
+    if (QWidget* menu = QApplication::activePopupWidget()) menu->close();
     QTest::mouseRelease(window, button, {}, from);
     return !Panel().isNull();
   }

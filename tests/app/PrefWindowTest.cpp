@@ -40,8 +40,8 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     Field("ProxyAddr").setText(host);
     Field("ProxyPort").setText(port);
     Press("save");
+    EXPECT_TRUE(window_->findChild<QLabel*>("Fault")->isVisible()) << host << port;
   }
-  EXPECT_EQ(alerts_.size(), std::size(faults));
   Field("ProxyPort").setText(" 8021 ");
   Press("save");
   EXPECT_TRUE(Gone(window_));

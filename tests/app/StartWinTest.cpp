@@ -1,7 +1,8 @@
 #include "AppFixture.h"
-#include "app/connect/Password.h"
 #include "app/connect/ShortcutField.h"
+#include "app/shared/Password.h"
 #include "app/shared/ScreenText.h"
+#include "sites/RecentStore.h"
 #include "sites/ShortcutStore.h"
 
 namespace corvane {
@@ -34,14 +35,24 @@ class Start : public AppFixture, public testing::WithParamInterface<bool> {
     QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), modifiers);
   }
 
+  /// Whether a field was refused: by an alert or below the field.
+  bool Refused() {
+    const auto* fault = start_.findChild<QLabel*>("Fault");
+    EXPECT_FALSE(fault->isVisible() && GetParam());
+    return fault->isVisible() || !alerts_.empty();
+  }
+  static Shortcut Saved() {
+    return {.label = "Web", .site = {.host = "h", .user = "u", .password = "p", .path = "/d"}};
+  }
+
   StartWin& start_;
   Password& password_;
 };
 
 TEST_P(Start, ConnectsToWhatTheFieldsSay) {
   Key(Qt::Key_Return, {});
-  EXPECT_EQ(alerts_.size(), 1U) << "no host";
-  Field("Host").setText("h");
+  EXPECT_TRUE(Refused()) << "no host";
+  Field("Host").setText(" h\n");
   // Port field, and the port connected to; 0 where the field is refused.
   const std::pair<const char*, int> ports[] = {{"", 21},   {" 2121abc", 2121}, {"65535", 65535},
                                                {"abc", 0}, {"65536", 0},       {"-1", 0},
@@ -53,14 +64,18 @@ TEST_P(Start, ConnectsToWhatTheFieldsSay) {
     password_.SetActualText("");
     Field("Port").setText(text);
     start_.findChild<QPushButton*>("connect")->click();
-    EXPECT_EQ(alerts_.size(), port == 0 ? 1U : 0U) << text;
+    EXPECT_EQ(Refused(), port == 0) << text;
     ASSERT_EQ(connections_.size(), port == 0 ? 0U : 1U) << text;
     if (port == 0) continue;
     EXPECT_EQ(connections_[0].port, port);
     EXPECT_EQ(connections_[0].user + connections_[0].password, "anonymous" + settings_.DfltPass);
-    EXPECT_EQ(password_.text().size(), std::ssize(settings_.DfltPass) + (GetParam() ? 1 : 0));
+    EXPECT_EQ(connections_[0].host, "h");
+    EXPECT_EQ(Field("User").text(), GetParam() ? "anonymous" : "");
+    EXPECT_EQ(password_.text().size(), GetParam() ? std::ssize(settings_.DfltPass) + 1 : 0);
   }
-  start_.findChild<QCheckBox*>("Passive")->click();
+  auto* passive = start_.findChild<QCheckBox*>("Passive");
+  passive->setChecked(false);
+  passive->click();
   password_.SetActualText("");
   QTest::keyClicks(&password_, "secret");
   Enter(&Field("Port"), "1");
@@ -69,14 +84,18 @@ TEST_P(Start, ConnectsToWhatTheFieldsSay) {
   EXPECT_TRUE(connections_[0].passive);
   Enter(&Field("Host"), "ftp://joe@i/pub");  // keeps what it does not name
   EXPECT_EQ(Fields(), "i|joe|/pub|1|secret");
-  Anew();
-  Enter(&Field("Host"), "ftp://i:port/pub");
-  EXPECT_EQ(alerts_.size(), 1U);
-  EXPECT_EQ(connections_.size(), 2U);
+  Enter(&Field("Host"), "[::1]:2121");
+  EXPECT_EQ(Fields(), "::1|joe|/pub|2121|secret");
+  for (const char* bad : {"ftp://i:port/pub", "http://i"}) {
+    Anew();
+    Enter(&Field("Host"), bad);
+    EXPECT_TRUE(Refused()) << bad;
+    EXPECT_EQ(connections_.size(), 3U);
+  }
 }
 
 TEST_P(Start, WindowsComeBackWhereTheyWere) {
-  const QRect frame(60, 70, 400, 300);
+  const QRect frame(60, 70, 460, 420);
   const QRect wide(30, 40, 600, 500);
   start_.setGeometry(frame);
   app_->Transfers().setGeometry(QRect(5000, 5000, 300, 250));
@@ -122,7 +141,7 @@ TEST_P(Start, CommandsGoToTheFieldInFocusAndOpenWindowsAreListed) {
   Key(Qt::Key_W, Qt::AltModifier);
   auto* windows = qobject_cast<QMenu*>(QApplication::activePopupWidget());
   ASSERT_NE(windows, nullptr);
-  EXPECT_EQ(windows->actions().back()->text(), "Connected To: server.test");
+  EXPECT_TRUE(windows->actions().back()->text().endsWith("server.test"));
   windows->close();
 }
 
@@ -173,14 +192,100 @@ TEST_P(Start, ShortcutsFillTheFieldsByTheirKeys) {
   EXPECT_TRUE(passive->isChecked());
   EXPECT_EQ(start_.CutMenu().text(), "a&&b");
   Key(Qt::Key_9);
-  EXPECT_EQ(Fields(), "h9||/\u00FC|21|");
+  EXPECT_EQ(Fields(), std::string("h9||/\u00FC|") + (GetParam() ? "21|" : "|"));
   EXPECT_FALSE(passive->isChecked());
   start_.findChild<QPushButton*>("connect")->click();
   EXPECT_EQ(connections_.back().path, "/\xFC");
   EXPECT_EQ(start_.findChild<QMenu*>("CutMenu")->actions()[10]->shortcut(), QKeySequence());
 }
 
+TEST_P(Start, RecentConnectionsFillTheFieldsWithThePasswordOfTheirShortcut) {
+  ASSERT_EQ(ShortcutStore::SaveAll({Saved()}), Text());
+  app_->ConnectionStands({.host = "i", .user = "anonymous", .password = "secret"});
+  app_->ConnectionStands(Saved().site);
+  const auto choose = [this](int row) {
+    Field("Host").setFocus();
+    Key(Qt::Key_Down, {});
+    auto* list = start_.findChild<QListWidget*>("Recent");
+    for (int i = 0; i < row; ++i) QTest::keyClick(list, Qt::Key_Down);
+    QTest::keyClick(list, Qt::Key_Return);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  };
+  const char* usual = GetParam() ? "21|" : "|";
+  choose(0);
+  EXPECT_EQ(Fields(), std::string("h|u|/d|") + usual + "p");
+  EXPECT_FALSE(start_.findChild<QCheckBox*>("Passive")->isChecked());
+  choose(1);
+  EXPECT_EQ(Fields(), std::string("i|||") + usual);
+  choose(3);  // below the connection that the program has
+  EXPECT_TRUE(RecentStore::Read().empty());
+  Field("Host").clear();
+  QTest::keyClicks(&Field("Host"), "H");
+  QTest::keyClick(Field("Host").completer()->popup(), Qt::Key_Down);
+  QTest::keyClick(Field("Host").completer()->popup(), Qt::Key_Return);
+  EXPECT_EQ(Fields(), std::string("h|u|/d|") + usual + "p") << "completed from a shortcut";
+}
+
+TEST_P(Start, ThePasswordIsSeenWhileTheEyeIsOpen) {
+  password_.SetActualText("p\xC3\xA4ss");
+  password_.Reveal(true);
+  EXPECT_EQ(password_.text(), "p\u00E4ss");
+  QTest::keyClick(&password_, Qt::Key_End);
+  Press(u'w');
+  EXPECT_EQ(password_.text(), "p\u00E4ssw");
+  EXPECT_EQ(password_.actualText(), "p\xC3\xA4ssw");
+  password_.Reveal(false);
+  EXPECT_EQ(password_.text(), "*****");
+  password_.Reveal(true);
+  start_.hide();
+  EXPECT_FALSE(password_.Revealed());
+  start_.show();
+}
+
+TEST_P(Start, ClosingLeavesOtherWindowsAndTheLastOneEndsTheProgram) {
+  app_->Transfers().hide();
+  start_.close();
+  EXPECT_EQ(app_->Quitting(), GetParam());
+  EXPECT_FALSE(start_.isVisible());
+  if (GetParam()) return;
+  app_->PostMessage(Message("SHMN"_what));
+  EXPECT_TRUE(start_.isVisible());
+  start_.close();
+  window_->close();
+  EXPECT_TRUE(Wait([this] { return app_->Quitting(); }));
+}
+
+/// Stands in for the desktop's browser.
+class Opener : public QObject {
+  Q_OBJECT
+
+ public:
+  Opener() { QDesktopServices::setUrlHandler("file", this, "Open"); }
+  ~Opener() override { QDesktopServices::unsetUrlHandler("file"); }
+  Q_INVOKABLE void Open(const QUrl& url) { opened = url; }
+
+  QUrl opened;
+};
+
+TEST_P(Start, F1OpensTheManualAndItsLinksLeadSomewhere) {
+  const Opener opener;
+  Key(Qt::Key_F1, {});
+  const QFileInfo first(opener.opened.toLocalFile());
+  EXPECT_EQ(first.fileName(), "index.html");
+  static const QRegularExpression link("(?:href|src)=\"([^\"#:]+)");
+  for (const QFileInfo& page : first.dir().entryInfoList({"*.html"})) {
+    QFile file(page.filePath());
+    ASSERT_TRUE(file.open(QFile::ReadOnly));
+    for (auto found = link.globalMatch(file.readAll()); found.hasNext();) {
+      const QString to = found.next().captured(1);
+      EXPECT_TRUE(first.dir().exists(to)) << page.fileName().toStdString() << to.toStdString();
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Styles, Start, testing::Bool());
 
 }  // namespace
 }  // namespace corvane
+
+#include "StartWinTest.moc"

@@ -1,6 +1,9 @@
 #include "AppFixture.h"
 #include "app/browser/BrowserSession.h"
 #include "app/desktop/Reveal.h"
+#include "app/shared/Figures.h"
+#include "app/shared/Pace.h"
+#include "app/shared/StatusLine.h"
 #include "app/transfers/TransferTexts.h"
 
 namespace corvane {
@@ -36,7 +39,9 @@ class Transfers : public AppFixture {
   QColor BarColour() {
     list_.scrollToBottom();
     const QRect area = list_.visualRect(list_.Items().index(list_.Items().Count() - 1));
-    return list_.viewport()->grab().toImage().pixelColor(area.left() + 9, area.bottom() - 9);
+    const TransferItem& item = list_.Items().At(list_.Items().Count() - 1);
+    const QRect bar = TransferRow(item, area, list_.fontMetrics()).Bar();
+    return list_.viewport()->grab().toImage().pixelColor(bar.left() + 4, bar.center().y());
   }
 
   DownLoadWin& transferWindow_;
@@ -58,7 +63,12 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
   };
   using enum TransferEnd;
   end({Finished});
-  for (QWidget* window : QApplication::topLevelWidgets()) window->hide();
+  QWidget notTheLast;  // with which the program would end
+  notTheLast.show();
+  PutInFront(transferWindow_);
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window != &notTheLast) window->hide();
+  }
   end({Cancelled, Failed});
   EXPECT_TRUE(Wait([&] { return shown == QStringList("Download failed|<b>file: 550 No."); }));
   end({Finished, Cancelled, Finished});
@@ -69,6 +79,8 @@ TEST_F(Transfers, TheDesktopIsToldOnceWhileTheUserIsElsewhere) {
 }
 
 TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
+  settings_.classicStyle = true;
+  ProcessSettings::Set(settings_);
   const QColor good(0, 0, 154);
   const QColor bad(228, 0, 0);
   const std::tuple<TransferEnd, const char*, QColor, QString> cases[] = {
@@ -83,11 +95,11 @@ TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
     progress.start = 300;  // what was there before counts for the total, not for the rate
     progress.done = 200;
     progress.elapsed = 2'000'000;
-    EXPECT_EQ(TransferTexts(item).RateText(), "100 bytes/sec");
+    EXPECT_EQ(TransferTexts(item).Words().figure, "100 bytes/sec");
     EXPECT_EQ(BarColour(), QColor(0, 152, 51));
     End(transfers_.size() - 1, end, why);
     EXPECT_EQ(BarColour(), colour);
-    EXPECT_EQ(TransferTexts(item).TotalText(), "500/1000");
+    EXPECT_EQ(TransferTexts(item).Words().pace, "500/1000");
     EXPECT_TRUE(TransferTexts(item).Summary().contains(shown)) << shown.toStdString();
   }
   EXPECT_FALSE(list_.Ticking());
@@ -132,7 +144,7 @@ TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
   EXPECT_TRUE(text(Qt::ToolTipRole).contains("25 entries failed.\n&lt;b&gt;1: left\n"));
   EXPECT_TRUE(text(Qt::ToolTipRole).contains("20: left\nand 5 more"));
   row.SetEndState(TransferEnd::Finished, {});
-  EXPECT_TRUE(Wait([&] { return text(Qt::DisplayRole) == "File: last (12 done, 25 left out)"; }));
+  EXPECT_TRUE(Wait([&] { return text(Qt::AccessibleTextRole).contains("Done, 25 left out"); }));
   const auto* log = window_->findChild<QPlainTextEdit*>("TextLog");
   EXPECT_TRUE(Wait([&] { return log->toPlainText().count(": left") == 25; }));
 }
@@ -176,6 +188,94 @@ TEST_F(Transfers, FinishedOnesLeaveByThemselvesWhereAsked) {
   transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
   EXPECT_TRUE(Wait([&] { return list_.Items().Count() == 1; }));
   EXPECT_TRUE(list_.Items().At(0).Failed());
+}
+
+TEST_F(Transfers, SizesAndTimesAreReadAsPeopleSayThem) {
+  QLocale::setDefault(QLocale::c());
+  const std::pair<std::int64_t, const char*> sizes[] = {{0, "0 B"},
+                                                        {999, "999 B"},
+                                                        {1000, "1.0 kB"},
+                                                        {22'900, "22.9 kB"},
+                                                        {999'949, "999.9 kB"},
+                                                        {999'960, "1.0 MB"},
+                                                        {209'700'000, "209.7 MB"}};
+  for (const auto& [bytes, text] : sizes) EXPECT_EQ(ShortSize(bytes), text);
+  EXPECT_EQ(ShortSizeOf(12'400'000, 912'000'000), "12.4 of 912.0 MB");
+  const std::tuple<double, std::int64_t, const char*> paces[] = {
+      {0, 10, ""},
+      {1.8e6, -1, "1.8 MB/s"},
+      {1e6, 25'000'000, "1.0 MB/s, 25 s left"},
+      {1e6, 75'000'000, "1.0 MB/s, about 1 min left"},
+      {1e6, 7'200'000'000, "1.0 MB/s, about 2 h left"}};
+  for (const auto& [rate, left, text] : paces) EXPECT_EQ(PaceText(rate, left), text);
+}
+
+TEST_F(Transfers, WhatIsBegunAgainTouchesOnlyWhatIsItsOwn) {
+  using K = RemoteEntry::Kind;
+  // The entry, whether it is a download, what had come; how it is begun again.
+  const std::tuple<TransferJob, bool, std::int64_t, Policy> cases[] = {
+      {{"/f", "/d/f"}, true, 0, Policy::CreateNew},
+      {{"/f", "/d/f"}, true, 5, Policy::Resume},
+      {{"/f", "/d/f", K::Directory}, true, 5, Policy::Resume},
+      {{"/f", "/d/f"}, false, 0, Policy::CreateNew},
+      {{"/f", "/d/f"}, false, 5, Policy::Replace},
+      {{"/f", "/d/f", K::Directory, -1, Policy::Skip}, true, 5, Policy::Skip},
+      {{"/f", "/d/f", K::File, -1, Policy::Replace}, true, 5, Policy::Replace},
+  };
+  for (const auto& [job, download, come, policy] : cases) {
+    Anew();
+    transferWindow_.Add({.download = download, .jobs = {job}}, {});
+    TransferItem& item = list_.Items().At(list_.Items().Count() - 1);
+    transfers_[0]->row->Progress().done = come;
+    item.Cancel();
+    EXPECT_FALSE(item.CanRetry()) << "its worker may still write";
+    transfers_[0]->row->SetEndState(TransferEnd::Cancelled, {});
+    ASSERT_TRUE(Wait([&] { return item.CanRetry(); }));
+    item.Retry(factory_.transfer);
+    ASSERT_EQ(transfers_.size(), 2U);
+    EXPECT_EQ(transfers_[1]->description.jobs[0].policy, policy);
+    EXPECT_EQ(transferWindow_.windowTitle(), QString::fromUtf8("Transfer List – 1 running"));
+    transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
+    ASSERT_TRUE(Wait([&] { return item.Finished(); }));
+    EXPECT_EQ(list_.Items().RunningCount(), 0);
+  }
+}
+
+TEST_F(Transfers, EverythingIsDoneByKeysAndByClicks) {
+  for (int i = 0; i < 3; ++i) Start();
+  transfers_[1]->row->NoteEntry(Text("%1: %2", "a", "no"));
+  End(1, TransferEnd::Failed, "550 No.");
+  End(2, TransferEnd::Finished);
+  const auto* status = transferWindow_.findChild<StatusLine*>();
+  EXPECT_EQ(status->Text(), "1 running, 1 failed");
+  const auto click = [&](int row, TransferAction wanted) {
+    const QRect rect = list_.visualRect(list_.Items().index(row));
+    const TransferRow parts(list_.Items().At(row), rect, list_.fontMetrics());
+    for (const QRect& part : {parts.Slot(0), parts.Slot(1), parts.Arrow(), parts.Link()}) {
+      if (parts.ActionAt(part.center()) != wanted) continue;
+      return QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, part.center());
+    }
+    ADD_FAILURE() << "no such part";
+  };
+  const int tall = list_.visualRect(list_.Items().index(1)).height();
+  click(1, TransferAction::Toggle);
+  EXPECT_TRUE(Wait([&] { return list_.visualRect(list_.Items().index(1)).height() < tall; }));
+  Select({1});
+  QTest::keyClick(&list_, Qt::Key_Space);
+  EXPECT_TRUE(list_.Items().At(1).IsOpen());
+  QTest::keyClick(&list_, Qt::Key_Return);
+  EXPECT_EQ(list_.Items().RunningCount(), 2) << "begun again";
+  click(0, TransferAction::Cancel);
+  EXPECT_TRUE(transfers_[0]->Cancelled());
+  Select({0, 1});
+  QTest::keyClick(&list_, Qt::Key_Delete);
+  EXPECT_EQ(list_.Items().Count(), 2);
+  EXPECT_TRUE(list_.Items().At(0).WasCancelled()) << "the one that ran stays";
+  QTest::mouseClick(transferWindow_.findChild<QToolButton*>("removeFinished"), Qt::LeftButton);
+  EXPECT_EQ(list_.Items().Count(), 1);
+  click(0, TransferAction::Remove);
+  EXPECT_EQ(list_.Items().Count(), 0);
+  EXPECT_EQ(status->Text(), "Nothing to do");
 }
 
 TEST_F(Transfers, ClosingHidesAndARowMayGoWhileItsWorkerTalks) {

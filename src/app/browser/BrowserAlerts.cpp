@@ -30,19 +30,6 @@ void BrowserAlerts::Warned(const Message& message) {
   Warn(TextOf(message, "warning"), MWindow::tr("Warning"));
 }
 
-void BrowserAlerts::FatalError(const Message& message) {
-  const QString text = TextOf(message, "error");
-  if (window_.Session().WasConnected()) return OfferToConnect(text);
-  if (std::exchange(failed_, true)) return;
-  Alerts::Show(&window_,
-               {.icon = QMessageBox::Critical, .title = MWindow::tr("Error"), .text = text},
-               [this](int) { window_.CloseNow(); });
-}
-
-void BrowserAlerts::Lost(const Message& message) {
-  OfferToConnect(TextOf(message, "warning"));
-}
-
 void BrowserAlerts::AskToClose(const QString& running) {
   if (std::exchange(asking_, true)) return;
   Alerts::Show(&window_,
@@ -53,18 +40,6 @@ void BrowserAlerts::AskToClose(const QString& running) {
                [this](int button) {
                  asking_ = false;
                  if (button == 0) window_.CloseNow();
-               });
-}
-
-void BrowserAlerts::OfferToConnect(const QString& text) {
-  if (std::exchange(offering_, true)) return window_.AppendLog(text.toStdString() + "\n");
-  Alerts::Show(&window_,
-               {.title = MWindow::tr("Warning"),
-                .text = text,
-                .buttons = {MWindow::tr("&Connect Again"), MWindow::tr("Cancel")}},
-               [this](int button) {
-                 offering_ = false;
-                 if (button == 0) window_.Session().ConnectAgain();
                });
 }
 

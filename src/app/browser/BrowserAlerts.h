@@ -21,21 +21,13 @@ class BrowserAlerts : public QObject {
   void Warn(const QString& text, const QString& title);
   /// 'GERR'.
   void Warned(const Message& message);
-  /// 'FERR': closes the window afterwards, unless the connection stood once.
-  void FatalError(const Message& message);
-  /// 'LOST'.
-  void Lost(const Message& message);
   /// Asks whether to close the window although something runs.
   void AskToClose(const QString& running);
 
  private:
-  void OfferToConnect(const QString& text);
-
   MWindow& window_;
   int openWarnings_ = 0;
-  bool failed_ = false;
-  bool offering_ = false;  // to connect again
-  bool asking_ = false;    // whether to close
+  bool asking_ = false;  // whether to close
 };
 
 }  // namespace corvane

@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "app/browser/MWListItem.h"
+#include "app/browser/RowOrder.h"
 #include "kit/Message.h"
+#include "remote/ConnectStep.h"
 
 namespace corvane {
 
@@ -21,18 +22,22 @@ struct BrowserEvents {
 
   virtual void MessageReceived(const Message& message) = 0;
   virtual void ShowStatus(const Text& text) = 0;
+  /// How far connecting has come; each step is told anew whenever its state changes.
+  virtual void ShowStep(const ConnectStep& step) = 0;
   virtual void AppendLog(std::string_view text) = 0;
   /// The session's current directory has become `path`.
   virtual void ShowPath(std::string_view path) = 0;
   /// Empties the listing.
   virtual void GetRidofListing() = 0;
-  virtual void AddRows(std::vector<MWListItem> items) = 0;
-  /// No more rows come; `count` leaves "." and ".." out.
-  virtual void ListingEnded(std::size_t count) = 0;
-  /// Counts only while `directory` is shown, as does the next.
+  virtual void AddRows(NewRows rows) = 0;
+  /// No more rows come; where the listing is not `whole`, the directory may hold more.
+  virtual void ListingEnded(bool whole) = 0;
+  /// Counts only while `directory` is shown, as do the next two.
   virtual void RemoveRow(const std::string& name, const std::string& directory) = 0;
   virtual void RenameRow(const std::string& from, const std::string& to,
                          const std::string& directory) = 0;
+  /// An entry of that name is new or has changed.
+  virtual void UpdateRow(const MWListItem& item, const std::string& directory) = 0;
   /// A link leads to a file of `size` bytes.
   virtual void ChangeValues(const std::string& name, std::int64_t size) = 0;
   virtual void OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) = 0;

@@ -8,7 +8,9 @@
 #include "app/browser/BrowserSession.h"
 #include "app/browser/MViewFile.h"
 #include "app/shared/GuiThread.h"
+#include "app/shared/ScreenText.h"
 #include "app/shared/SoundPlayer.h"
+#include "app/shared/Style.h"
 
 namespace corvane {
 namespace {
@@ -17,6 +19,16 @@ namespace {
 constexpr int kTurnMilliseconds = 10;
 constexpr std::size_t kLogPiece = std::size_t{16} * 1024;
 constexpr std::size_t kMostAttributes = 4096;
+
+/// The rows that lead every listing.
+std::vector<MWListItem> Dots() {
+  std::vector<MWListItem> dots;
+  fileStruct entry;
+  const std::time_t now = std::time(nullptr);
+  ::localtime_r(&now, &entry.time);
+  for (const char* name : {".", ".."}) dots.emplace_back(entry, name);
+  return dots;
+}
 
 template <typename... Handlers>
 struct Overloaded : Handlers... {
@@ -27,10 +39,15 @@ Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 }  // namespace
 
-BrowserLink::BrowserLink(BrowserSession& session) : session_(&session) {}
+BrowserLink::BrowserLink(BrowserSession& session)
+    : session_(&session), collator_(NameCollator(true)) {}
 
 bool BrowserLink::SetStatus(const Text& text) {
   return Push(Status{text});
+}
+
+bool BrowserLink::ShowStep(const ConnectStep& step) {
+  return Push(step);
 }
 
 bool BrowserLink::AppendLog(std::string_view text) {
@@ -46,14 +63,7 @@ bool BrowserLink::BeginListing() {
     MutexLock hold(lock_);
     attributes_.clear();
   }
-  Rows dots;
-  const std::time_t now = std::time(nullptr);
-  for (const char* name : {".", ".."}) {
-    fileStruct entry;
-    ::localtime_r(&now, &entry.time);
-    dots.items.emplace_back(entry, name);
-  }
-  return Push(Begin{}) && Push(std::move(dots));
+  return Push(Begin{});
 }
 
 bool BrowserLink::AddEntries(std::vector<RemoteEntry> entries) {
@@ -63,15 +73,16 @@ bool BrowserLink::AddEntries(std::vector<RemoteEntry> entries) {
   {
     MutexLock hold(lock_);
     for (RemoteEntry& entry : entries) {
-      rows.items.emplace_back(
-          entry, Shared({std::move(entry.mode), std::move(entry.owner), std::move(entry.group)}));
+      rows.keys.push_back(collator_.sortKey(ToText(entry.name)));
+      rows.items.emplace_back(entry, Shared({std::move(entry.mode), std::move(entry.owner),
+                                             std::move(entry.group), std::move(entry.linkTarget)}));
     }
   }
   return Push(std::move(rows));
 }
 
-bool BrowserLink::EndListing(std::size_t count) {
-  return Push(End{count});
+bool BrowserLink::EndListing(std::size_t /*count*/, bool whole) {
+  return Push(End{whole});
 }
 
 bool BrowserLink::RemoveEntry(std::string_view name, std::string_view directory) {
@@ -81,6 +92,17 @@ bool BrowserLink::RemoveEntry(std::string_view name, std::string_view directory)
 bool BrowserLink::RenameEntry(std::string_view from, std::string_view to,
                               std::string_view directory) {
   return Push(Rename{std::string(from), std::string(to), std::string(directory)});
+}
+
+bool BrowserLink::UpdateEntry(RemoteEntry entry, std::string_view directory) {
+  if (closing_) return false;
+  Update update{{}, std::string(directory)};
+  {
+    MutexLock hold(lock_);
+    update.items.emplace_back(
+        entry, Shared({std::move(entry.mode), std::move(entry.owner), std::move(entry.group)}));
+  }
+  return Push(std::move(update));
 }
 
 bool BrowserLink::ChangeValues(std::string_view name, std::int64_t size) {
@@ -162,18 +184,24 @@ void BrowserLink::Drain() {
     }
     BrowserSession& session = *session_;
     BrowserEvents& window = session.Window();
-    std::visit(Overloaded{[&](const Status& it) { window.ShowStatus(it.text); },
-                          [&](const Log& it) { window.AppendLog(it.text); },
-                          [&](const Path& it) { session.Entered(it.path); },
-                          [&](const Begin&) { session.ListingBegan(); },
-                          [&](Rows& it) { window.AddRows(std::move(it.items)); },
-                          [&](const End& it) { session.ListingEnded(it.count); },
-                          [&](const Remove& it) { window.RemoveRow(it.name, it.directory); },
-                          [&](const Rename& it) { window.RenameRow(it.from, it.to, it.directory); },
-                          [&](const Change& it) { window.ChangeValues(it.name, it.size); },
-                          [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },
-                          [&](const Message& it) { session.MessageReceived(it); }},
-               event);
+    std::visit(
+        Overloaded{[&](const Status& it) { window.ShowStatus(it.text); },
+                   [&](const ConnectStep& it) { window.ShowStep(it); },
+                   [&](const Log& it) { window.AppendLog(it.text); },
+                   [&](const Path& it) { session.Entered(it.path); },
+                   [&](const Begin&) {
+                     session.ListingBegan();
+                     if (Style::InForce().ShowsDots()) window.AddRows({Dots(), {}});
+                   },
+                   [&](Rows& it) { window.AddRows(std::move(it)); },
+                   [&](const End& it) { session.ListingEnded(it.whole); },
+                   [&](const Remove& it) { window.RemoveRow(it.name, it.directory); },
+                   [&](const Rename& it) { window.RenameRow(it.from, it.to, it.directory); },
+                   [&](const Update& it) { window.UpdateRow(it.items.front(), it.directory); },
+                   [&](const Change& it) { window.ChangeValues(it.name, it.size); },
+                   [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },
+                   [&](const Message& it) { session.MessageReceived(it); }},
+        event);
   }
   if (!closing_ && !session_.isNull()) Hop();
 }

@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include "app/browser/MWListItem.h"
+#include "app/browser/RowOrder.h"
 #include "kit/Mutex.h"
 #include "remote/BrowserUi.h"
 
@@ -33,13 +33,15 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   void Close() { closing_ = true; }
 
   bool SetStatus(const Text& text) override;
+  bool ShowStep(const ConnectStep& step) override;
   bool AppendLog(std::string_view text) override;
   bool SetPath(std::string_view path) override;
   bool BeginListing() override;
   bool AddEntries(std::vector<RemoteEntry> entries) override;
-  bool EndListing(std::size_t count) override;
+  bool EndListing(std::size_t count, bool whole) override;
   bool RemoveEntry(std::string_view name, std::string_view directory) override;
   bool RenameEntry(std::string_view from, std::string_view to, std::string_view directory) override;
+  bool UpdateEntry(RemoteEntry entry, std::string_view directory) override;
   bool ChangeValues(std::string_view name, std::int64_t size) override;
   [[nodiscard]] std::shared_ptr<TextSink> OpenViewer(const Text& title) override;
   bool PostMessage(Message message) override;
@@ -56,11 +58,9 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
     std::string path;
   };
   struct Begin {};
-  struct Rows {
-    std::vector<MWListItem> items;
-  };
+  using Rows = NewRows;
   struct End {
-    std::size_t count;
+    bool whole;
   };
   struct Remove {
     std::string name;
@@ -71,6 +71,10 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
     std::string to;
     std::string directory;
   };
+  struct Update {
+    std::vector<MWListItem> items;  // one, which has no empty form
+    std::string directory;
+  };
   struct Change {
     std::string name;
     std::int64_t size;
@@ -79,8 +83,8 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
     std::shared_ptr<ViewerLink> link;
     Text title;
   };
-  using Event =
-      std::variant<Status, Log, Path, Begin, Rows, End, Remove, Rename, Change, Viewer, Message>;
+  using Event = std::variant<Status, ConnectStep, Log, Path, Begin, Rows, End, Remove, Rename,
+                             Update, Change, Viewer, Message>;
 
   bool Push(Event event) EXCLUDES(lock_);
   /// Adds to the last event where that loses nothing.
@@ -95,6 +99,8 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   Mutex lock_;
   std::deque<Event> events_ GUARDED_BY(lock_);
   bool hopPending_ GUARDED_BY(lock_) = false;
+  // Keys are made here, while the GUI thread shows rows that came before.
+  const QCollator collator_ GUARDED_BY(lock_);
   std::map<EntryAttributes, std::shared_ptr<const EntryAttributes>> attributes_ GUARDED_BY(lock_);
 };
 

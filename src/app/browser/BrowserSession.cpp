@@ -47,7 +47,20 @@ void BrowserSession::End() {
   link_->Close();
   if (looper_ != nullptr) looper_->Quit();
   looper_.reset();
+  pending_ = 0;
+  asked_ = 0;
   deleting_ = 0;
+  arriving_ = false;
+  looking_ = false;
+  toLookAt_.MakeEmpty();
+}
+
+// What the first connection still says goes to a link that nobody reads.
+void BrowserSession::TryAgain(const WorkerFactory& workers, Site site) {
+  End();
+  site_ = std::move(site);
+  link_ = std::make_shared<BrowserLink>(*this);
+  Begin(workers);
 }
 
 const std::string& BrowserSession::Place() const {
@@ -66,6 +79,27 @@ void BrowserSession::FollowLink(const std::string& name) {
   Send(std::move(message));
 }
 
+// What waits and belongs to a directory that is shown no more is let go of.
+void BrowserSession::LookAt(const std::string& name, std::int32_t type, std::int64_t size) {
+  if (toLookAt_.FindString("path") != currentDirectory_) {
+    toLookAt_.MakeEmpty();
+    toLookAt_.AddString("path", currentDirectory_);
+  }
+  toLookAt_.AddString("name", name);
+  toLookAt_.AddInt32("type", type);
+  toLookAt_.AddInt64("size", size);
+  if (!looking_) SendLook();
+}
+
+void BrowserSession::SendLook() {
+  looking_ =
+      toLookAt_.CountValues("name") > 0 && Send(std::exchange(toLookAt_, Message("STAT"_what)));
+}
+
+void BrowserSession::Stop() {
+  if (looper_ != nullptr) looper_->Stop();
+}
+
 void BrowserSession::ConnectAgain() {
   Send(Message("RCNN"_what));
 }
@@ -80,6 +114,7 @@ bool BrowserSession::Send(Message message) {
     QApplication::beep();
     return false;
   }
+  ++pending_;
   if (Lists(request)) ++asked_;
   if (request == "DELE"_what) ++deleting_;
   Q_EMIT ReadyChanged();
@@ -106,17 +141,19 @@ void BrowserSession::ListingBegan() {
   window_.GetRidofListing();
 }
 
-void BrowserSession::ListingEnded(std::size_t count) {
+void BrowserSession::ListingEnded(bool whole) {
   arriving_ = false;
-  window_.ListingEnded(count);
+  window_.ListingEnded(whole);
   Q_EMIT ReadyChanged();
 }
 
 void BrowserSession::NoteEnd(const Message& message) {
   if (message.what == "DONE"_what) {
     const auto request = static_cast<std::uint32_t>(message.FindInt32("request").value_or(0));
+    pending_ = std::max(pending_ - 1, 0);
     if (Lists(request)) asked_ = std::max(asked_ - 1, 0);
     if (request == "DELE"_what) deleting_ = std::max(deleting_ - 1, 0);
+    if (request == "STAT"_what) SendLook();
   }
 }
 

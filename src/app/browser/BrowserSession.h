@@ -30,6 +30,8 @@ class BrowserSession : public QObject {
   void Begin(const WorkerFactory& workers);
   /// Lets go of the connection: whatever it does ends in the background.
   void End();
+  /// Starts connecting anew to `site`, where no connection came about.
+  void TryAgain(const WorkerFactory& workers, Site site);
 
   [[nodiscard]] const Site& To() const { return site_; }
   /// The window as its workers see it.
@@ -45,6 +47,8 @@ class BrowserSession : public QObject {
   /// Whether a request may be made: none that ends in a listing is under way.
   [[nodiscard]] bool IsReady() const { return looper_ != nullptr && asked_ == 0 && !arriving_; }
   [[nodiscard]] bool IsDeleting() const { return deleting_ > 0; }
+  /// Whether something is waited for: a request, or the rest of a listing.
+  [[nodiscard]] bool IsBusy() const { return looper_ != nullptr && (pending_ > 0 || arriving_); }
 
   // Requests. Where the queue is full there is a beep instead.
 
@@ -52,10 +56,15 @@ class BrowserSession : public QObject {
   void ChangeDirectory(const std::string& where);
   /// Finds out where a link leads, and goes there.
   void FollowLink(const std::string& name);
+  /// Looks at an entry of the directory shown, of which `type` and `size` are known; the answer
+  /// comes as an updated row. What comes up meanwhile is asked for together.
+  void LookAt(const std::string& name, std::int32_t type, std::int64_t size);
+  /// Ends the request in hand soon; the connection stays. 'DONE' tells.
+  void Stop();
   /// Connects again after a loss.
   void ConnectAgain();
-  /// 'DELE', 'MKDR', 'RNFL', 'VWFL', 'VWDR'; "path" is added where it is missing. False when the
-  /// request is not taken.
+  /// 'CRDR', 'DELE', 'DUPL', 'MKDR', 'MOVE', 'RNFL', 'STAT', 'VWFL', 'VWDR'; "path" is added where
+  /// it is missing. False when the request is not taken.
   bool Send(Message message);
 
   /// Appends to the window's log a bounded piece at a time, however much it is.
@@ -67,7 +76,7 @@ class BrowserSession : public QObject {
   [[nodiscard]] BrowserEvents& Window() { return window_; }
   void Entered(const std::string& path);
   void ListingBegan();
-  void ListingEnded(std::size_t count);
+  void ListingEnded(bool whole);
   void MessageReceived(const Message& message);
 
  Q_SIGNALS:
@@ -76,18 +85,22 @@ class BrowserSession : public QObject {
 
  private:
   void FailToStart();
+  void SendLook();
   /// Takes note of what the message says has ended.
   void NoteEnd(const Message& message);
 
   BrowserEvents& window_;
-  const Site site_;
+  Site site_;
   std::shared_ptr<BrowserLink> link_;
   std::shared_ptr<Looper> looper_;
   std::string currentDirectory_;
   bool connected_ = false;
-  bool arriving_ = false;  // a listing has begun and not ended
-  int asked_ = 0;          // requests under way that may end in a listing
-  int deleting_ = 0;       // requests under way that delete
+  bool arriving_ = false;          // a listing has begun and not ended
+  int pending_ = 0;                // requests under way
+  int asked_ = 0;                  // those under way that may end in a listing
+  Message toLookAt_{"STAT"_what};  // what waits until the last 'STAT' is answered
+  bool looking_ = false;           // a 'STAT' is under way
+  int deleting_ = 0;               // requests under way that delete
 };
 
 }  // namespace corvane

@@ -7,6 +7,7 @@
 
 #include "app/browser/BrowserHost.h"
 #include "app/browser/BrowserLink.h"
+#include "app/browser/BrowserPane.h"
 #include "app/browser/BrowserSession.h"
 #include "app/browser/BrowserView.h"
 #include "app/browser/DirListView.h"
@@ -16,6 +17,7 @@
 #include "app/browser/UploadPanel.h"
 #include "app/shared/GuiThread.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Symbols.h"
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
 #include "kit/Background.h"
@@ -63,7 +65,7 @@ BrowserTransfers::Chosen BrowserTransfers::Selected() const {
   const std::vector<int> selected = window_.Listing().SelectedRows();
   for (const int row : selected) {
     const MWListItem& item = rows.At(row);
-    if (selected.size() > 1 && (row < 2 || item.IsDots())) continue;
+    if (selected.size() > 1 && item.IsDots()) continue;
     if (selected.size() > 1 && !IsSafeLocalName(item.Name())) {
       chosen.refused.append(ToText(item.Name()));
     } else {
@@ -77,7 +79,7 @@ BrowserTransfers::Chosen BrowserTransfers::Named(const std::string& name) const 
   Chosen chosen{window_.Session().CurrentDirectory(), {}, {}};
   const DirListModel& rows = window_.Listing().Rows();
   const int row = rows.Find(name);
-  if (row > 0) chosen.entries.push_back(AsEntry(rows.At(row).GetFileInfo()));
+  if (row >= 0) chosen.entries.push_back(AsEntry(rows.At(row).GetFileInfo()));
   return chosen;
 }
 
@@ -118,7 +120,7 @@ void BrowserTransfers::DragRows(int pressed) {
   const QString name = ToText(row.Name());
   const QString text = others == 0 ? name : MWindow::tr("%1 and %n more", "", others).arg(name);
   const std::string proposed = IsSafeLocalName(row.Name()) ? row.Name() : "download";
-  RowDrag::Begin(RowDrag::Picture(listing, ListIcon(row.Icon()), text), proposed,
+  RowDrag::Begin(RowDrag::Picture(listing, Symbol(SymbolOf(row.Kind())), text), proposed,
                  [self = QPointer(this), chosen = std::move(chosen)](const std::string& folder) {
                    if (self.isNull() || self->window_.Session().Control() == nullptr) return;
                    self->DownloadInto(folder, chosen);
@@ -219,8 +221,10 @@ void BrowserTransfers::ChooseUploads() {
   ShowPanel(panel);
 }
 
-void BrowserTransfers::Upload(const std::vector<std::string>& paths) {
-  SettleUpload(PlaceNow(), paths);
+// What a directory holds that is not shown is not known: there the worker replaces nothing.
+void BrowserTransfers::Upload(const std::vector<std::string>& paths, const std::string& below) {
+  if (below.empty()) return SettleUpload(PlaceNow(), paths);
+  SettleUpload({PathBelow(window_.Session().CurrentDirectory(), below), {}}, paths);
 }
 
 BrowserTransfers::UploadPlace BrowserTransfers::PlaceNow() const {
@@ -264,7 +268,7 @@ transferStruct BrowserTransfers::Described(const std::string& directory) const {
 
 void BrowserTransfers::HandOver(transferStruct description) {
   if (description.jobs.empty()) return;
-  if (window_.View().UsesSameConnection()) return TransferHere(std::move(description));
+  if (window_.View().Pane().UsesSameConnection()) return TransferHere(std::move(description));
   host_.Transfer(std::move(description), Listener());
 }
 

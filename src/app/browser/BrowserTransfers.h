@@ -48,8 +48,8 @@ class BrowserTransfers : public QObject {
 
   /// Lets the user choose what to upload into the directory shown.
   void ChooseUploads();
-  /// Uploads local paths, raw bytes, into the directory shown.
-  void Upload(const std::vector<std::string>& paths);
+  /// Uploads local paths, raw bytes, into the directory shown, or into `below` in it.
+  void Upload(const std::vector<std::string>& paths, const std::string& below = {});
 
  private:
   /// The directory of an upload and what stood in it when the upload was begun.

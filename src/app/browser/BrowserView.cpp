@@ -1,151 +1,184 @@
 #include "app/browser/BrowserView.h"
 
-#include <QCheckBox>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
+#include <QHBoxLayout>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QVBoxLayout>
-#include <algorithm>
-#include <ctime>
 
+#include "app/browser/BrowserPane.h"
+#include "app/browser/BrowserToolBar.h"
+#include "app/browser/ConnectingPage.h"
 #include "app/browser/DirListView.h"
+#include "app/browser/FilterLine.h"
+#include "app/browser/InfoPane.h"
 #include "app/browser/MWindow.h"
-#include "app/shared/ScreenText.h"
+#include "app/browser/PathField.h"
+#include "app/shared/LookStyle.h"
+#include "app/shared/Rule.h"
 #include "app/shared/SmallView.h"
+#include "app/shared/StatusLine.h"
+#include "app/shared/Strip.h"
+#include "app/shared/Style.h"
 #include "app/shared/TransferView.h"
-#include "settings/ProcessSettings.h"
 
 namespace corvane {
-namespace {
-
-std::tm LocalTimeNow() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  return local;
-}
-
-}  // namespace
 
 BrowserView::BrowserView(QWidget* window, TransferView* transfer)
     : QWidget(window),
-      path_(new QLineEdit(this)),
+      bar_(new BrowserToolBar(this)),
+      loss_(new Strip("cross-circle", Tone::Bad, this)),
+      again_(loss_->AddButton(MWindow::tr("&Connect Again"))),
+      lossRoom_(new QWidget(this)),
+      pages_(new QStackedWidget(this)),
       listing_(new DirListView(this)),
-      count_(new SmallView(this)),
-      sameConnection_(new QCheckBox(MWindow::tr("Use &this connection."), this)),
-      transfer_(transfer),
-      download_(new QPushButton(MWindow::tr("&Download"), this)),
-      upload_(new QPushButton(MWindow::tr("&Upload"), this)) {
+      filter_(new FilterLine(*listing_, this)),
+      pane_(new BrowserPane(this, transfer, new InfoPane(*listing_, this))),
+      connecting_(new ConnectingPage(this)),
+      failure_(new FailurePage(this)),
+      status_(new StatusLine(this)) {
   setObjectName("MainWindowView");
-  transfer_->setParent(this);
-  MakeParts();
   Arrange();
-  connect(download_, &QPushButton::clicked, this, &BrowserView::DownloadPressed);
-  connect(upload_, &QPushButton::clicked, this, &BrowserView::UploadPressed);
+  again_->setObjectName("ConnectAgain");
+  SetPrimary(*again_);
+  connect(again_, &QPushButton::clicked, this, &BrowserView::ConnectAgainPressed);
+  connect(filter_, &FilterLine::OpenChanged, bar_, &BrowserToolBar::SetFilterShown);
+  connect(listing_, &DirListView::CountChanged, this, &BrowserView::ShowCount);
+  connect(listing_, &DirListView::SelectionChanged, this, &BrowserView::ShowCount);
+  connect(connecting_, &ConnectingPage::CancelPressed, this, &BrowserView::CancelPressed);
+  connect(failure_, &FailurePage::TryAgainPressed, this, &BrowserView::TryAgainPressed);
+  connect(failure_, &FailurePage::ClosePressed, this, &BrowserView::ClosePressed);
   listing_->setFocus();
 }
 
-void BrowserView::MakeParts() {
-  path_->setObjectName("Path");
-  path_->setAccessibleName(MWindow::tr("Remote path"));
-  sameConnection_->setObjectName("SameCon");
-  sameConnection_->setChecked(ProcessSettings::Get().useSameConnection);
-  download_->setObjectName("download");
-  download_->setEnabled(false);
-  upload_->setObjectName("upload");
-}
-
-QWidget* BrowserView::MakeStatusBox() {
-  auto* box = new QGroupBox(MWindow::tr("Status"), this);
-  box->setObjectName("Status");
-  status_ = new QLabel(box);
-  status_->setObjectName("StatusString");
-  status_->setTextFormat(Qt::PlainText);
-  status_->setAlignment(Qt::AlignCenter);
-  status_->setWordWrap(true);
-  status_->setMinimumHeight(2 * status_->fontMetrics().lineSpacing());
-  auto* layout = new QVBoxLayout(box);
-  layout->addWidget(status_);
-  return box;
+QWidget* BrowserView::MakeBrowsingPage() {
+  auto* page = new QWidget(this);
+  auto* layout = new QHBoxLayout(page);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(listing_, 1);
+  layout->addWidget(new Rule(Qt::Vertical, page));
+  layout->addWidget(pane_);
+  return page;
 }
 
 void BrowserView::Arrange() {
-  auto* pathLabel = new QLabel(MWindow::tr("Path:"), this);
-  pathLabel->setBuddy(path_);
-  auto* side = new QVBoxLayout;
-  side->setSpacing(8);
-  side->addWidget(MakeStatusBox());
-  side->addWidget(listing_->InfoBox());
-  side->addWidget(sameConnection_);
-  side->addWidget(transfer_);
-  side->addStretch();
-  side->addWidget(upload_);
-  side->addWidget(download_);
-
-  auto* pathRow = new QHBoxLayout;
-  pathRow->setSpacing(6);
-  pathRow->addWidget(pathLabel);
-  pathRow->addWidget(path_);
-
-  layout_ = new QGridLayout(this);
-  layout_->setContentsMargins(10, 10, 10, 6);
-  layout_->setHorizontalSpacing(12);
-  layout_->setVerticalSpacing(6);
-  layout_->addLayout(pathRow, 0, 0);
-  layout_->addWidget(listing_, 1, 0);
-  layout_->addLayout(side, 1, 1);
-  layout_->addWidget(count_, 2, 0);
-  layout_->setColumnStretch(0, 1);
-  layout_->setColumnMinimumWidth(1, 150);
-  setTabOrder(listing_, path_);
-  setTabOrder(path_, sameConnection_);
-  setTabOrder(sameConnection_, transfer_);
-  setTabOrder(transfer_, upload_);
-  setTabOrder(upload_, download_);
+  constexpr int kMargin = 8;
+  auto* room = new QVBoxLayout(lossRoom_);
+  room->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  room->addWidget(loss_);
+  lossRoom_->hide();
+  pages_->addWidget(MakeBrowsingPage());
+  pages_->addWidget(connecting_);
+  pages_->addWidget(failure_);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(bar_);
+  layout->addWidget(new Rule(Qt::Horizontal, this));
+  layout->addWidget(lossRoom_);
+  layout->addWidget(filter_);
+  layout->addWidget(pages_, 1);
+  layout->addWidget(status_);
 }
 
-// The height is the layout's, for a transfer that is shown may need more than this.
-void BrowserView::SetLeastHeight(int menuBar) {
-  constexpr int kLeastHeight = 440;
-  const auto height = [this](int column) {
-    return layout_->itemAtPosition(1, column)->minimumSize().height();
-  };
-  const int others = layout_->minimumSize().height() - std::max(height(0), height(1));
-  layout_->setRowMinimumHeight(1, kLeastHeight - menuBar - others);
+QSize BrowserView::sizeHint() const {
+  constexpr QSize kUsual(864, 532);
+  return kUsual.expandedTo(minimumSizeHint());
 }
 
-bool BrowserView::UsesSameConnection() const {
-  return sameConnection_->isChecked();
+QSize BrowserView::minimumSizeHint() const {
+  constexpr QSize kLeast(420, 410);
+  return kLeast.expandedTo(QWidget::minimumSizeHint());
 }
 
-// A label's accessible name stands in for its text, so it holds the text too.
-void BrowserView::ShowStatus(const QString& text) {
-  status_->setText(text);
-  status_->setToolTip(Harmless(text));
-  status_->setAccessibleName(MWindow::tr("Status: %1").arg(text));
+PathField& BrowserView::Path() {
+  return bar_->Path();
 }
 
-void BrowserView::ShowPath(const QString& path) {
-  if (!path_->hasFocus() || !path_->isModified()) path_->setText(path);
+TransferView& BrowserView::Transfer() {
+  return pane_->Transfer();
+}
+
+const TransferView& BrowserView::Transfer() const {
+  return pane_->Transfer();
+}
+
+void BrowserView::ShowListing() {
+  if (ShowsListing()) return;
+  pages_->setCurrentIndex(0);
+  listing_->setFocus();
+}
+
+bool BrowserView::ShowsListing() const {
+  return pages_->currentIndex() == 0;
+}
+
+void BrowserView::ShowConnecting(const QString& host) {
+  HideLoss();
+  connecting_->Begin(host);
+  pages_->setCurrentWidget(connecting_);
+}
+
+void BrowserView::ShowFailure(const FailurePage::Failure& failure, const Site& site) {
+  failure_->Show(failure, site);
+  pages_->setCurrentWidget(failure_);
+}
+
+void BrowserView::ShowLoss(const QString& heading, const QString& reason) {
+  loss_->Set(heading, reason);
+  lossRoom_->show();
+}
+
+void BrowserView::ShowLossAgain() {
+  lossRoom_->show();
+}
+
+void BrowserView::HideLoss() {
+  lossRoom_->hide();
 }
 
 void BrowserView::ClearListing() {
-  listing_->clearSelection();
-  listing_->Rows().Clear();
-  count_->SetText(0);
+  listing_->ClearRows();
+  ShowCount();
 }
 
-void BrowserView::ShowCount(std::size_t count) {
-  count_->SetText(static_cast<int>(count));
+void BrowserView::ShowCount() {
+  const Style& style = Style::InForce();
+  const int shown = listing_->Rows().ShownCount();
+  const SelectionSum sum = listing_->Sum();
+  if (sum.Count() > 1) {
+    QString figure = MWindow::tr("%1 of %2 selected").arg(sum.Count()).arg(shown);
+    if (sum.files > 0) figure += ", " + style.FileSize(sum.bytes);
+    return status_->Figure().SetText(figure);
+  }
+  SmallView& figure = status_->Figure();
+  figure.SetText(listing_->Rows().EntryCount());
+  if (free_ < 0) return;
+  figure.SetText(figure.text() + ", " + MWindow::tr("%1 free").arg(style.FileSize(free_)));
+}
+
+void BrowserView::ShowFree(std::int64_t bytes) {
+  free_ = bytes;
+  ShowCount();
+}
+
+void BrowserView::ToggleFilter() {
+  if (filter_->isHidden()) {
+    filter_->Open();
+  } else {
+    filter_->Close();
+  }
+}
+
+void BrowserView::CloseFilter() {
+  filter_->Close();
 }
 
 void BrowserView::RemoveRow(const std::string& name) {
   const int row = listing_->Rows().Find(name);
   if (row < 0) return;
   listing_->Rows().Remove(row);
-  count_->SetText(count_->Count() - 1);
+  ShowCount();
 }
 
 void BrowserView::RenameRow(const std::string& from, const std::string& to) {
@@ -161,28 +194,30 @@ void BrowserView::ChangeValues(const std::string& name, std::int64_t size) {
   if (row >= 0 && listing_->Rows().At(row).Type() == kLink) listing_->ChangeValues(row, size);
 }
 
-void BrowserView::ShowUploaded(const std::string& name, bool isFile, std::int64_t size) {
-  const int row = listing_->Rows().Find(name);
-  if (row < 0) {
-    fileStruct entry;
-    entry.name = name;
-    entry.type = isFile ? kFile : kDirectory;
-    entry.permissions = isFile ? "-r--r--r--" : "dr-xr--r--";
-    entry.size = isFile ? size : kDirectorySize;
-    entry.time = LocalTimeNow();
-    listing_->InsertItem(entry, name);
-    count_->SetText(count_->Count() + 1);
-  } else if (row > 1 && isFile) {
-    listing_->Rows().SetSizeAndTime(row, size, LocalTimeNow());
-  }
+void BrowserView::SetUsable(bool ready, bool listingEnabled) {
+  listing_->SetReady(ready);
+  const bool selected = listing_->FirstSelected() >= 0;
+  pane_->SetUsable(ready && selected, ready,
+                   selected ? MWindow::tr("The connection is busy or not there.")
+                            : MWindow::tr("Select something in the listing first."));
+  Path().setEnabled(listingEnabled && ShowsListing());
 }
 
-void BrowserView::SetUsable(bool ready, bool listingEnabled) {
-  const int row = listing_->FirstSelected();
-  listing_->SetReady(ready);
-  upload_->setEnabled(ready);
-  download_->setEnabled(ready && row >= 0 && !listing_->Rows().At(row).IsDots());
-  path_->setEnabled(listingEnabled);
+void BrowserView::ShowEntry(const MWListItem& item) {
+  if (item.IsDots()) return;
+  DirListModel& rows = listing_->Rows();
+  const int row = rows.Find(item.Name());
+  if (row >= 0) {
+    rows.Renew(row, item);
+  } else {
+    rows.Insert(item);
+  }
+  ShowCount();
+}
+
+void BrowserView::SetBusy(bool busy) {
+  bar_->SetBusy(busy);
+  status_->SetBusy(busy);
 }
 
 }  // namespace corvane

@@ -2,129 +2,174 @@
 
 #include <malloc.h>
 
-#include <QFontDatabase>
 #include <algorithm>
-#include <span>
-#include <string_view>
 #include <utility>
 
+#include "app/browser/Permissions.h"
+#include "app/shared/Figures.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Style.h"
 
 namespace corvane {
 namespace {
 
-/// One row's place in a sort.
-struct SortEntry {
-  std::uint64_t key;
-  std::uint32_t position;
-};
-
-using SortRange = std::span<SortEntry>;
-
-void SortByKey(SortRange range, bool ascending) {
-  std::ranges::stable_sort(range, [ascending](const SortEntry& a, const SortEntry& b) {
-    return ascending ? a.key < b.key : b.key < a.key;
-  });
+void Erase(RowOrder::Positions& positions, std::uint32_t position) {
+  positions.erase(std::ranges::find(positions, position));
 }
 
-/// Eight bytes of a name, letters lowered, as a number that orders as they do.
-std::uint64_t NameKey(std::string_view name, std::size_t from) {
-  std::uint64_t key = 0;
-  for (std::size_t i = from; i < from + sizeof key; ++i) {
-    key = key << 8 | (i < name.size() ? Lowered(name[i]) : 0U);
-  }
-  return key;
+QString LinkTarget(const MWListItem& item) {
+  const std::string& target = item.Attributes().linkTarget;
+  return target.empty() ? QString() : QStringLiteral(" \u2192 ") + ToText(target);
 }
 
-/// Sorts by the first eight bytes of the names, then each run of equal ones by the next eight, and
-/// so on: long names with a common beginning cost no more than others.
-void SortByName(SortRange all, const std::deque<MWListItem>& items, bool ascending) {
-  struct Run {
-    SortRange range;
-    std::size_t from;
-  };
-  std::vector<Run> runs{{all, 0}};
-  while (!runs.empty()) {
-    const auto [range, from] = runs.back();
-    runs.pop_back();
-    bool longer = false;
-    for (SortEntry& entry : range) {
-      const std::string& name = items[entry.position].Name();
-      entry.key = NameKey(name, from);
-      longer = longer || name.size() > from + sizeof entry.key;
-    }
-    SortByKey(range, ascending);
-    if (!longer) continue;
-    for (std::size_t begin = 0, end = 0; begin < range.size(); begin = end) {
-      for (end = begin + 1; end < range.size() && range[end].key == range[begin].key;) ++end;
-      if (end - begin > 1) runs.push_back({range.subspan(begin, end - begin), from + 8});
-    }
+QString ShownText(const MWListItem& item, int column) {
+  const EntryAttributes& attributes = item.Attributes();
+  switch (column) {
+    case DirListModel::kName: return ToText(item.Name());
+    case DirListModel::kSize: return Style::InForce().EntrySize(item.Size(), item.SizeText());
+    case DirListModel::kDate:
+      return Style::InForce().EntryDate(item.Day(), item.Time(), item.DateText());
+    case DirListModel::kPermissions:
+      return ToText(Permissions::WithoutType(attributes.permissions));
+    case DirListModel::kOwner: return ToText(attributes.owner);
+    case DirListModel::kGroup: return ToText(attributes.group);
+    case DirListModel::kKind: return NameOf(item.Kind());
+    default: return {};
   }
 }
 
-QString ShownSize(const MWListItem& item) {
-  return QString::fromStdString(item.SizeText())
-      .replace(QStringLiteral("<dir>"), DirListModel::tr("<dir>"))
-      .replace(QStringLiteral("<link>"), DirListModel::tr("<link>"))
-      .replace('.', DirListModel::tr(".", "the decimal point of a size"));
-}
-
-QString ShownDate(const MWListItem& item) {
-  QString text = QString::fromStdString(item.DateText());
-  const QStringList parts = text.split('/');
-  if (parts.size() != 3) return text;
-  return DirListModel::tr("%1/%2/%3", "month, day, year").arg(parts[0], parts[1], parts[2]);
+QString ToolTip(const MWListItem& item, int column) {
+  if (column == DirListModel::kName) return Harmless(ToText(item.Name()) + LinkTarget(item));
+  if (column == DirListModel::kSize && item.Size() >= 0) return ExactSize(item.Size());
+  return {};
 }
 
 }  // namespace
 
+DirListModel::DirListModel(QObject* parent) : QAbstractItemModel(parent), rowOrder_(items_) {}
+
 const MWListItem& DirListModel::At(int row) const {
   return items_[order_.at(static_cast<std::size_t>(row))];
+}
+
+MWListItem& DirListModel::Item(int row) {
+  return items_[order_.at(static_cast<std::size_t>(row))];
+}
+
+int DirListModel::EntryCount() const {
+  int dots = 0;
+  while (dots < std::min(Count(), 2) && At(dots).IsDots()) ++dots;
+  return Count() - dots;
 }
 
 void DirListModel::Clear() {
   constexpr std::size_t kManyRows = 10'000;
   const bool many = items_.size() > kManyRows;
   beginResetModel();
-  items_.clear();
-  items_.shrink_to_fit();
-  order_.clear();
-  order_.shrink_to_fit();
+  items_ = {};
+  sorted_ = {};
+  order_ = {};
+  shown_ = 0;
+  rowOrder_.Clear();
   endResetModel();
   // The rows were made on the connection's thread, whose memory would not be given back otherwise.
   if (many) ::malloc_trim(0);
 }
 
-void DirListModel::Append(std::vector<MWListItem> items) {
-  if (items.empty()) return;
-  beginInsertRows({}, Count(), Count() + static_cast<int>(items.size()) - 1);
-  for (MWListItem& item : items) {
-    order_.push_back(static_cast<std::uint32_t>(items_.size()));
+void DirListModel::Append(NewRows rows) {
+  Positions shown;
+  Positions hidden;
+  for (MWListItem& item : rows.items) {
+    const auto position = static_cast<std::uint32_t>(items_.size());
+    (filter_.Matches(item.Name()) ? shown : hidden).push_back(position);
+    sorted_.push_back(position);
     items_.push_back(std::move(item));
   }
+  rowOrder_.Prepare(std::move(rows.keys));
+  order_.insert(order_.end(), hidden.begin(), hidden.end());
+  if (shown.empty()) return;
+  const auto end = static_cast<std::ptrdiff_t>(shown_);
+  beginInsertRows({}, ShownCount(), ShownCount() + static_cast<int>(shown.size()) - 1);
+  order_.insert(order_.begin() + end, shown.begin(), shown.end());
+  shown_ += shown.size();
   endInsertRows();
 }
 
-void DirListModel::Insert(int row, MWListItem item) {
-  beginInsertRows({}, row, row);
-  order_.insert(order_.begin() + row, static_cast<std::uint32_t>(items_.size()));
+void DirListModel::Insert(MWListItem item) {
+  const auto position = static_cast<std::uint32_t>(items_.size());
+  const bool shown = filter_.Matches(item.Name());
   items_.push_back(std::move(item));
+  const auto place = rowOrder_.PlaceFor(position, sorted_);
+  sorted_.insert(sorted_.begin() + static_cast<std::ptrdiff_t>(place), position);
+  AddTo(shown ? static_cast<int>(rowOrder_.PlaceFor(position, Shown())) : Count(), position);
+}
+
+// Behind the last row it is hidden, unless that is where those shown end.
+void DirListModel::AddTo(int row, std::uint32_t position) {
+  const bool shown = row <= ShownCount() && filter_.Matches(items_[position].Name());
+  if (shown) beginInsertRows({}, row, row);
+  order_.insert(order_.begin() + row, position);
+  if (!shown) return;
+  ++shown_;
   endInsertRows();
 }
 
-void DirListModel::SetSizeAndTime(int row, std::int64_t size, const std::tm& time) {
-  Item(row).SetSizeAndTime(size, time);
-  Changed(row);
+// Out of the order of rows; the entry itself stays.
+void DirListModel::Take(int row) {
+  const bool shown = IsShown(row);
+  if (shown) beginRemoveRows({}, row, row);
+  order_.erase(order_.begin() + row);
+  if (!shown) return;
+  --shown_;
+  endRemoveRows();
 }
 
 void DirListModel::Remove(int row) {
-  beginRemoveRows({}, row, row);
-  order_.erase(order_.begin() + row);
-  endRemoveRows();
+  Erase(sorted_, order_.at(static_cast<std::size_t>(row)));
+  Take(row);
 }
 
 void DirListModel::Rename(int row, const std::string& name) {
   Item(row).RenameItem(name);
+  Settle(row);
+}
+
+void DirListModel::Renew(int row, MWListItem item) {
+  Item(row) = std::move(item);
+  Settle(row);
+}
+
+void DirListModel::Settle(int row) {
+  const std::uint32_t position = order_.at(static_cast<std::size_t>(row));
+  rowOrder_.Renamed(position);
+  Changed(row);
+  if (Style::InForce().OrdersByBytes()) return;
+  Erase(sorted_, position);
+  const auto place = rowOrder_.PlaceFor(position, sorted_);
+  sorted_.insert(sorted_.begin() + static_cast<std::ptrdiff_t>(place), position);
+  const bool shown = filter_.Matches(Item(row).Name());
+  if (shown && IsShown(row)) return MoveRow(row);
+  if (shown == IsShown(row)) return;
+  Take(row);
+  AddTo(shown ? static_cast<int>(rowOrder_.PlaceFor(position, Shown())) : Count(), position);
+}
+
+// To its place among the others that are shown.
+void DirListModel::MoveRow(int row) {
+  const auto from = order_.begin() + row;
+  const std::uint32_t position = *from;
+  Positions others(order_.begin(), order_.begin() + static_cast<std::ptrdiff_t>(shown_));
+  others.erase(others.begin() + row);
+  const int to = static_cast<int>(rowOrder_.PlaceFor(position, others));
+  if (to == row) return;
+  beginMoveRows({}, row, row, {}, to < row ? to : to + 1);
+  order_.erase(from);
+  order_.insert(order_.begin() + to, position);
+  endMoveRows();
+}
+
+void DirListModel::SetSizeAndTime(int row, std::int64_t size, const std::tm& time) {
+  Item(row).SetSizeAndTime(size, time);
   Changed(row);
 }
 
@@ -133,18 +178,14 @@ void DirListModel::BecomeFile(int row, std::int64_t size) {
   Changed(row);
 }
 
-MWListItem& DirListModel::Item(int row) {
-  return items_[order_.at(static_cast<std::size_t>(row))];
-}
-
 void DirListModel::Changed(int row) {
-  Q_EMIT dataChanged(index(row, 0), index(row, kColumns - 1));
+  if (IsShown(row)) Q_EMIT dataChanged(index(row, 0), index(row, kColumns - 1));
 }
 
 void DirListModel::SetEnabledAll(bool enabled) {
   if (enabled_ == enabled) return;
   enabled_ = enabled;
-  if (Count() > 0) Q_EMIT dataChanged(index(0, 0), index(Count() - 1, kColumns - 1));
+  if (shown_ > 0) Q_EMIT dataChanged(index(0, 0), index(ShownCount() - 1, kColumns - 1));
 }
 
 int DirListModel::Find(std::string_view name) const {
@@ -153,62 +194,46 @@ int DirListModel::Find(std::string_view name) const {
   return found == order_.end() ? -1 : static_cast<int>(found - order_.begin());
 }
 
-int DirListModel::FindItem(std::string_view prefix) const {
-  const auto found = std::ranges::find_if(order_, [&](std::uint32_t position) {
-    const std::string_view name = items_[position].Name();
-    return CompareLowered(name.substr(0, prefix.size()), prefix) == 0;
-  });
-  return found == order_.end() ? -1 : static_cast<int>(found - order_.begin());
+int DirListModel::FindItem(const QString& prefix) const {
+  const NameFilter typed(prefix);
+  const auto found = std::ranges::find_if(
+      Shown(), [&](std::uint32_t position) { return typed.Begins(items_[position].Name()); });
+  return found == Shown().end() ? -1 : static_cast<int>(found - Shown().begin());
 }
 
-int DirListModel::PlaceFor(std::string_view name) const {
-  const auto first = order_.begin() + std::min<std::ptrdiff_t>(2, std::ssize(order_));
-  const auto found = std::find_if(first, order_.end(), [&](std::uint32_t position) {
-    return CompareLowered(items_[position].Name(), name) > 0;
-  });
-  return static_cast<int>(found - order_.begin());
-}
-
-std::vector<std::uint32_t> DirListModel::Sorted(int column, bool ascending) const {
-  constexpr std::uint64_t kSign = std::uint64_t{1} << 63;  // negative sizes below the others
-  std::vector<SortEntry> entries;
-  entries.reserve(order_.size());
-  for (const std::uint32_t position : order_) {
-    const MWListItem& item = items_[position];
-    entries.push_back(
-        {column == kSize ? static_cast<std::uint64_t>(item.Size()) ^ kSign : item.TimeKey(),
-         position});
+DirListModel::Positions DirListModel::Filtered(std::size_t& shown) const {
+  if (filter_.IsEmpty()) {
+    shown = sorted_.size();
+    return sorted_;
   }
-  if (column == kName) {
-    SortByName(entries, items_, ascending);
-  } else {
-    SortByKey(entries, ascending);
+  Positions order;
+  Positions hidden;
+  order.reserve(sorted_.size());
+  for (const std::uint32_t position : sorted_) {
+    (filter_.Matches(items_[position].Name()) ? order : hidden).push_back(position);
   }
-  std::vector<std::uint32_t> order;
-  order.reserve(entries.size());
-  for (const SortEntry& entry : entries) order.push_back(entry.position);
+  shown = order.size();
+  order.insert(order.end(), hidden.begin(), hidden.end());
   return order;
 }
 
-void DirListModel::MoveToTop(std::vector<std::uint32_t>& order) const {
-  auto top = order.begin();
-  for (const std::string_view name : {".", ".."}) {
-    const auto found = std::find_if(
-        top, order.end(), [&](std::uint32_t position) { return items_[position].Name() == name; });
-    if (found == order.end()) continue;
-    std::rotate(top, found, found + 1);
-    ++top;
-  }
+void DirListModel::SetFilter(const QString& text) {
+  if (text == filter_.Text()) return;
+  beginResetModel();
+  filter_ = NameFilter(text);
+  order_ = Filtered(shown_);
+  endResetModel();
 }
 
-void DirListModel::sort(int column, Qt::SortOrder order) {
-  if (column <= kIcon || column >= kColumns) return;
-  std::vector<std::uint32_t> sorted = Sorted(column, order == Qt::AscendingOrder);
-  MoveToTop(sorted);
-  if (sorted != order_) Apply(std::move(sorted));
+void DirListModel::Sort(const SortRule& rule) {
+  rowOrder_.SetRule(rule);
+  sorted_ = rowOrder_.Sorted(std::move(sorted_));
+  std::size_t shown = 0;
+  Positions order = Filtered(shown);
+  if (order != order_) Apply(std::move(order));
 }
 
-void DirListModel::Apply(std::vector<std::uint32_t> order) {
+void DirListModel::Apply(Positions order) {
   Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
   const QModelIndexList old = persistentIndexList();
   if (!old.isEmpty()) {
@@ -227,7 +252,7 @@ void DirListModel::Apply(std::vector<std::uint32_t> order) {
 }
 
 QModelIndex DirListModel::index(int row, int column, const QModelIndex& parent) const {
-  if (parent.isValid() || row < 0 || row >= Count() || column < 0 || column >= kColumns) return {};
+  if (parent.isValid() || row < 0 || !IsShown(row) || column < 0 || column >= kColumns) return {};
   return createIndex(row, column);
 }
 
@@ -236,7 +261,7 @@ QModelIndex DirListModel::parent(const QModelIndex& /*child*/) const {
 }
 
 int DirListModel::rowCount(const QModelIndex& parent) const {
-  return parent.isValid() ? 0 : Count();
+  return parent.isValid() ? 0 : ShownCount();
 }
 
 int DirListModel::columnCount(const QModelIndex& parent) const {
@@ -244,48 +269,49 @@ int DirListModel::columnCount(const QModelIndex& parent) const {
 }
 
 bool DirListModel::hasChildren(const QModelIndex& parent) const {
-  return !parent.isValid() && Count() > 0;
+  return !parent.isValid() && shown_ > 0;
 }
 
 Qt::ItemFlags DirListModel::flags(const QModelIndex& index) const {
   if (!index.isValid()) return Qt::NoItemFlags;
-  const Qt::ItemFlags fixed = Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
-  if (!enabled_) return fixed;
-  const bool canBeDragged = !At(index.row()).IsDots();
-  return fixed | Qt::ItemIsEnabled | (canBeDragged ? Qt::ItemIsDragEnabled : Qt::NoItemFlags);
+  Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+  if (!enabled_) return flags;
+  flags |= Qt::ItemIsEnabled;
+  if (At(index.row()).IsDots()) return flags;
+  if (index.column() == kName) flags |= Qt::ItemIsEditable;
+  return flags | Qt::ItemIsDragEnabled;
 }
 
 QVariant DirListModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
   const MWListItem& item = At(index.row());
+  const int column = index.column();
   switch (role) {
-    case Qt::DecorationRole:
-      return index.column() == kIcon ? QVariant(ListIcon(item.Icon())) : QVariant();
     case Qt::DisplayRole:
+    case Qt::EditRole: return ShownText(item, column);
     case Qt::AccessibleTextRole:
-      switch (index.column()) {
-        case kName: return ToText(item.Name());
-        case kSize: return ShownSize(item);
-        case kDate: return ShownDate(item);
-        default: return {};
-      }
-    case Qt::ToolTipRole:
-      return index.column() == kName ? Harmless(ToText(item.Name())) : QVariant();
-    case Qt::FontRole:
-      if (index.column() < kSize) return {};
-      return QFontDatabase::systemFont(QFontDatabase::FixedFont);
+      return column == kName ? ShownText(item, column) + LinkTarget(item) : ShownText(item, column);
+    case Qt::ToolTipRole: return ToolTip(item, column);
     default: return {};
   }
 }
 
 QVariant DirListModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal) return {};
-  if (role == Qt::TextAlignmentRole) return int{Qt::AlignLeft | Qt::AlignVCenter};
+  if (role == Qt::TextAlignmentRole) {
+    const bool figures = section == kSize || section == kDate;
+    const Qt::Alignment side = figures ? Style::InForce().FiguresSide() : Qt::AlignLeft;
+    return static_cast<int>(side | Qt::AlignVCenter);
+  }
   if (role != Qt::DisplayRole) return {};
   switch (section) {
     case kName: return tr("Name");
     case kSize: return tr("Size");
     case kDate: return tr("Date");
+    case kPermissions: return tr("Permissions");
+    case kOwner: return tr("Owner");
+    case kGroup: return tr("Group");
+    case kKind: return tr("Kind");
     default: return {};
   }
 }

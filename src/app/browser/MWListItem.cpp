@@ -27,6 +27,10 @@ std::uint64_t PackTime(const RemoteTime& moment) {
   return ::gmtime_r(&seconds, &time) == nullptr ? 0 : PackTime(time);
 }
 
+int PartOf(std::uint64_t time, int shift) {
+  return static_cast<int>(time >> shift & 0xFF);
+}
+
 std::int64_t SizeOf(const RemoteEntry& entry) {
   if (entry.kind == RemoteEntry::Kind::Directory) return kDirectorySize;
   if (entry.kind == RemoteEntry::Kind::Link) return kLinkSize;
@@ -69,16 +73,17 @@ MWListItem::MWListItem(const RemoteEntry& entry, std::shared_ptr<const EntryAttr
       time_(entry.modified ? PackTime(*entry.modified) : 0),
       attributes_(std::move(attributes)),
       type_(static_cast<std::uint8_t>(entry.kind)),
-      icon_(IconFor(type_, entry.name)) {}
+      kind_(KindOf(type_, entry.name)),
+      hasTime_(entry.modified && entry.modified->precision != RemoteTime::Precision::Day) {}
 
 MWListItem::MWListItem(const fileStruct& entry, std::string name)
     : name_(std::move(name)),
       size_(entry.size),
       time_(PackTime(entry.time)),
       attributes_(std::make_shared<const EntryAttributes>(
-          EntryAttributes{entry.permissions, entry.owner, entry.group})),
+          EntryAttributes{entry.permissions, entry.owner, entry.group, {}})),
       type_(static_cast<std::uint8_t>(entry.type)),
-      icon_(IconFor(entry.type, name_)) {}
+      kind_(KindOf(entry.type, name_)) {}
 
 std::string MWListItem::SizeText() const {
   if (size_ == kDirectorySize) return " <dir>";
@@ -91,8 +96,18 @@ std::string MWListItem::SizeText() const {
 
 std::string MWListItem::DateText() const {
   if (IsDots() || time_ == 0) return "-";
-  const auto part = [this](int shift) { return static_cast<int>(time_ >> shift & 0xFF); };
-  return Printed("%02d/%02d/%d", part(32) + 1, part(24), static_cast<int>(time_ >> 40));
+  return Printed("%02d/%02d/%d", PartOf(time_, 32) + 1, PartOf(time_, 24),
+                 static_cast<int>(time_ >> 40));
+}
+
+QDate MWListItem::Day() const {
+  if (time_ == 0) return {};
+  return {static_cast<int>(time_ >> 40), PartOf(time_, 32) + 1, PartOf(time_, 24)};
+}
+
+std::optional<QTime> MWListItem::Time() const {
+  if (time_ == 0 || !hasTime_) return std::nullopt;
+  return QTime(PartOf(time_, 16), PartOf(time_, 8), std::min(PartOf(time_, 0), 59));
 }
 
 fileStruct MWListItem::GetFileInfo() const {
@@ -112,7 +127,7 @@ fileStruct MWListItem::GetFileInfo() const {
 void MWListItem::BecomeFile(std::int64_t size) {
   size_ = size;
   type_ = kFile;
-  icon_ = IconKind::Paper;
+  kind_ = KindOf(type_, name_);
   wasLink_ = true;
   EntryAttributes attributes = *attributes_;
   if (!attributes.permissions.empty()) attributes.permissions[0] = '-';
@@ -123,6 +138,12 @@ void MWListItem::SetSizeAndTime(std::int64_t size, const std::tm& time) {
   size_ = size;
   wasLink_ = false;
   time_ = PackTime(time);
+  hasTime_ = true;
+}
+
+void MWListItem::RenameItem(std::string name) {
+  name_ = std::move(name);
+  kind_ = KindOf(type_, name_);
 }
 
 }  // namespace corvane

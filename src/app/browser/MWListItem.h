@@ -1,13 +1,16 @@
 #pragma once
 
+#include <QDate>
+#include <QTime>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <utility>
 
-#include "app/shared/Icons.h"
+#include "app/browser/EntryKind.h"
 #include "remote/RemoteEntry.h"
 #include "remote/fileStruct.h"
 
@@ -18,9 +21,11 @@ struct EntryAttributes {
   std::string permissions;
   std::string owner;
   std::string group;
+  std::string linkTarget{};
 
   friend bool operator<(const EntryAttributes& a, const EntryAttributes& b) {
-    return std::tie(a.permissions, a.owner, a.group) < std::tie(b.permissions, b.owner, b.group);
+    return std::tie(a.permissions, a.owner, a.group, a.linkTarget) <
+           std::tie(b.permissions, b.owner, b.group, b.linkTarget);
   }
 };
 
@@ -36,19 +41,24 @@ class MWListItem {
   /// Year to second packed so that later is greater; 0 when the server did not tell.
   [[nodiscard]] std::uint64_t TimeKey() const { return time_; }
   [[nodiscard]] std::int32_t Type() const { return type_; }
-  [[nodiscard]] IconKind Icon() const { return icon_; }
+  [[nodiscard]] EntryKind Kind() const { return kind_; }
   [[nodiscard]] const EntryAttributes& Attributes() const { return *attributes_; }
   /// The rows "." and "..".
   [[nodiscard]] bool IsDots() const { return name_ == "." || name_ == ".."; }
 
+  /// Size and date as the row's record has them.
   [[nodiscard]] std::string SizeText() const;
   [[nodiscard]] std::string DateText() const;
+  /// The day of the last change; not valid when the server did not tell.
+  [[nodiscard]] QDate Day() const;
+  /// The time of that day, where the server told it.
+  [[nodiscard]] std::optional<QTime> Time() const;
 
   /// The row as the record that a transfer takes; its time is not filled.
   [[nodiscard]] fileStruct GetFileInfo() const;
 
   void SetSizeAndTime(std::int64_t size, const std::tm& time);
-  void RenameItem(std::string name) { name_ = std::move(name); }
+  void RenameItem(std::string name);
   /// A link that has turned out to lead to a file of `size` bytes.
   void BecomeFile(std::int64_t size);
 
@@ -58,8 +68,9 @@ class MWListItem {
   std::uint64_t time_;
   std::shared_ptr<const EntryAttributes> attributes_;
   std::uint8_t type_;
-  IconKind icon_;
+  EntryKind kind_;
   bool wasLink_ = false;
+  bool hasTime_ = true;
 };
 
 /// An ASCII letter lowered, any other byte as it is, as an unsigned value.

@@ -1,10 +1,9 @@
 #include "app/browser/MWindow.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
-#include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
 #include <utility>
@@ -12,18 +11,25 @@
 #include "app/browser/BrowserAlerts.h"
 #include "app/browser/BrowserCommands.h"
 #include "app/browser/BrowserHost.h"
+#include "app/browser/BrowserPane.h"
 #include "app/browser/BrowserSession.h"
+#include "app/browser/BrowserToolBar.h"
 #include "app/browser/BrowserTransfers.h"
 #include "app/browser/BrowserView.h"
+#include "app/browser/ConnectionProgress.h"
+#include "app/browser/CutRows.h"
 #include "app/browser/DirListView.h"
-#include "app/browser/DragData.h"
 #include "app/browser/EntryCommands.h"
-#include "app/browser/LocalDrop.h"
 #include "app/browser/MViewFile.h"
+#include "app/browser/Navigation.h"
+#include "app/browser/PathField.h"
 #include "app/browser/WindowLog.h"
 #include "app/shared/Frames.h"
+#include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
+#include "app/shared/StatusLine.h"
+#include "app/shared/Style.h"
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
 #include "remote/RemotePath.h"
@@ -31,22 +37,42 @@
 #include "util/Url.h"
 
 namespace corvane {
+namespace {
+
+/// What a window on this directory is called.
+QString LastName(const std::string& directory) {
+  const std::string name = SplitPath(WithoutTrailingSlash(directory)).second;
+  return ToText(name.empty() ? directory : name);
+}
+
+/// By which the listing's look is remembered.
+std::string SiteKey(const Site& site) {
+  return site.user + '@' + site.host + ':' + std::to_string(site.port);
+}
+
+QString LogTitle(const Site& site) {
+  return MWindow::tr("Log Window: %1").arg(ToText(site.host));
+}
+
+}  // namespace
 
 MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)
     : app_(app), session_(std::make_unique<BrowserSession>(*this, std::move(site))) {
-  const QString host = ToText(session_->To().host);
   setAttribute(Qt::WA_DeleteOnClose);
-  setWindowTitle(tr("Connected To: %1").arg(host));
   setMaximumSize(4000, 4000);
   setGeometry(frame);
-  log_ = new WindowLog(this, tr("Log Window: %1").arg(host));
+  log_ = new WindowLog(this, LogTitle(session_->To()));
   alerts_ = new BrowserAlerts(*this);
-  entries_ = new EntryCommands(*this);
   transfers_ = new BrowserTransfers(app_, *this);
+  navigation_ = new Navigation(*this);
+  progress_ = new ConnectionProgress(app_, *this);
   MakeView();
+  entries_ = new EntryCommands(*this);
   MakeMenus();
-  view_->SetLeastHeight(menuBar()->sizeHint().height());
-  setMinimumWidth(420);
+  connect(progress_, &ConnectionProgress::Changed, this, &MWindow::MenusBeginning);
+  connect(progress_, &ConnectionProgress::Changed, this, &MWindow::ShowTitle);
+  view_->Listing().Remember(SiteKey(session_->To()));
+  progress_->Begin();
   session_->Begin(app_.Workers());
 }
 
@@ -61,19 +87,36 @@ MWindow::~MWindow() {
 void MWindow::MakeView() {
   view_ = new BrowserView(this, app_.MakeTransferView(this));
   setCentralWidget(view_);
-  view_->Path().setText(ToText(session_->To().path));
-  view_->Path().installEventFilter(this);
+  PathField& path = view_->Path();
+  path.ShowPath(session_->To().path);
+  path.OfferPaths([this] { return navigation_->Recent(); },
+                  [this] { return navigation_->Below(); });
   setAcceptDrops(true);
   DirListView* listing = &view_->Listing();
-  connect(&view_->Path(), &QLineEdit::returnPressed, this, &MWindow::PathEntered);
-  connect(view_, &BrowserView::DownloadPressed, this,
-          [this] { MessageReceived(Message("DWLD"_what)); });
-  connect(view_, &BrowserView::UploadPressed, this,
-          [this] { MessageReceived(Message("UPLD"_what)); });
-  connect(listing, &DirListView::Invoked, this, [this] { MessageReceived(Message("SNGL"_what)); });
+  const auto on = [this](std::uint32_t code) {
+    return [this, code] { MessageReceived(Message(code)); };
+  };
+  connect(&path, &PathField::Entered, navigation_, &Navigation::PathEntered);
+  connect(&path, &PathField::Left, listing, qOverload<>(&QWidget::setFocus));
+  connect(&view_->Pane(), &BrowserPane::DownloadPressed, this, on("DWLD"_what));
+  connect(&view_->Pane(), &BrowserPane::UploadPressed, this, on("UPLD"_what));
+  connect(view_, &BrowserView::ConnectAgainPressed, progress_, &ConnectionProgress::ConnectAgain);
+  connect(view_, &BrowserView::CancelPressed, this, &MWindow::CloseNow);
+  connect(view_, &BrowserView::ClosePressed, this, &MWindow::CloseNow);
+  connect(view_, &BrowserView::TryAgainPressed, this, &MWindow::TryAgain);
+  connect(listing, &DirListView::Invoked, this, on("SNGL"_what));
   connect(listing, &DirListView::Chosen, this, &MWindow::RunCommand);
   connect(listing, &DirListView::SelectionChanged, this, &MWindow::MenusBeginning);
   connect(listing, &DirListView::EnabledChanged, this, &MWindow::ListingEnabled);
+  connect(listing, &DirListView::BackWanted, this,
+          [this] { commands_->Action("BACK"_what)->trigger(); });
+  connect(listing, &DirListView::ForwardWanted, this,
+          [this] { commands_->Action("FRWD"_what)->trigger(); });
+  connect(listing, &DirListView::MoveWanted, this,
+          [this](const std::vector<std::string>& names, const std::string& directory) {
+            entries_->Move(names, PathBelow(session_->CurrentDirectory(), directory));
+          });
+  connect(listing, &DirListView::FilesDropped, this, &MWindow::FilesDropped);
   connect(listing, &DirListView::DragBegins, transfers_, &BrowserTransfers::DragRows);
   connect(&view_->Transfer(), &TransferView::Settled, this, &MWindow::TransferSettled);
   connect(session_.get(), &BrowserSession::ReadyChanged, this, &MWindow::MenusBeginning);
@@ -90,6 +133,7 @@ void MWindow::MakeMenus() {
       *menuBar(), [this](const BrowserCommand& command) { RunCommand(command); },
       [this](QMenu& menu, int fixed) { AddWindowItems(menu, fixed, app_.BrowserWindows(), this); });
   commands_->setParent(this);
+  view_->Bar().Follow(*commands_);
   connect(commands_, &BrowserCommands::MenusBeginning, this, &MWindow::MenusBeginning);
   MenusBeginning();
 }
@@ -106,12 +150,38 @@ void MWindow::MenusBeginning() {
   if (commands_ == nullptr) return;
   const DirListView& listing = view_->Listing();
   const int row = listing.FirstSelected();
-  const bool ready = session_->IsReady() && listing.IsEnabled();
-  commands_->Update({.ready = ready,
-                     .selected = row < 0 ? 0 : listing.Rows().At(row).Type(),
-                     .pathUsed = lastFocus_ == &view_->Path(),
-                     .anyUsed = !lastFocus_.isNull()});
+  const bool connected = progress_->Now() == ConnectionProgress::State::Connected;
+  const bool ready = connected && session_->IsReady() && listing.IsEnabled();
+  const History& shown = navigation_->Shown();
+  commands_->Update(
+      {.ready = ready,
+       .selected = row < 0 ? 0 : listing.Rows().At(row).Type(),
+       .count = row < 0 ? 0 : listing.SelectedCount(),
+       .pathUsed = lastFocus_ == &view_->Path(),
+       .anyUsed = !lastFocus_.isNull(),
+       .busy = session_->IsBusy(),
+       .canCopy = canCopy_,
+       .canPaste = CutRows::Current().CanMoveTo(session_->To(), session_->CurrentDirectory()),
+       .canGoBack = !shown.Back().empty(),
+       .canGoForward = !shown.Forward().empty()});
   view_->SetUsable(ready, listing.IsEnabled());
+  view_->SetBusy(session_->IsBusy());
+}
+
+void MWindow::ShowTitle() {
+  const bool connected = progress_->Now() == ConnectionProgress::State::Connected;
+  const bool connecting = progress_->Now() == ConnectionProgress::State::Connecting;
+  const QString place = connected    ? LastName(session_->CurrentDirectory())
+                        : connecting ? tr("Connecting")
+                                     : tr("Not connected");
+  setWindowTitle(Style::InForce().TitleOf(TitleFor(session_->To(), place)));
+}
+
+BrowserTitle TitleFor(const Site& site, const QString& place) {
+  return {.place = place,
+          .user = site.user == "anonymous" ? QString() : ToText(site.user),
+          .host = ToText(site.host),
+          .port = site.port};
 }
 
 void MWindow::ListingEnabled(bool enabled) {
@@ -159,7 +229,16 @@ void MWindow::closeEvent(QCloseEvent* event) {
 
 void MWindow::MessageReceived(const Message& message) {
   switch (message.what) {
-    case "PCHN"_what: ChangeDirectory(); break;
+    case "PCHN"_what: navigation_->ChangeDirectory(); break;
+    case "BACK"_what: navigation_->Back(); break;
+    case "FRWD"_what: navigation_->Forward(); break;
+    case "HOME"_what: navigation_->Home(); break;
+    case "STOP"_what: session_->Stop(); break;
+    case "FLTR"_what: view_->ToggleFilter(); break;
+    case "OPNW"_what: OpenInNewWindow(); break;
+    case "CUTT"_what: entries_->Cut(); break;
+    case "PSTE"_what: entries_->Paste(); break;
+    case "DUPL"_what: entries_->Duplicate(); break;
     case "NWST"_what: AddShortcut(); break;
     case "DELE"_what: entries_->Delete(); break;
     case "MKDR"_what: entries_->ShowNewDir(); break;
@@ -172,9 +251,12 @@ void MWindow::MessageReceived(const Message& message) {
     case "COPY"_what: CopySelected(); break;
     case "SALL"_what: SelectEverything(); break;
     case "ADDI"_what: FinishedUpload(message); break;
-    case "FERR"_what: alerts_->FatalError(message); break;
+    case "CAPS"_what: canCopy_ = message.FindInt32("copy").value_or(0) != 0; break;
+    case "FREE"_what: view_->ShowFree(message.FindInt64("bytes").value_or(-1)); break;
+    case "FERR"_what: progress_->Failed(message); break;
     case "GERR"_what: alerts_->Warned(message); break;
-    case "LOST"_what: alerts_->Lost(message); break;
+    case "LOST"_what: progress_->Lost(message); break;
+    case "DONE"_what: progress_->Ended(message); break;
     case "TMOT"_what: CloseNow(); break;
     case "SHLG"_what: log_->BringForward(); break;
     case "SHWD"_what: BringForward(this); break;
@@ -188,7 +270,11 @@ void MWindow::Warn(const QString& text, const QString& title) {
 }
 
 void MWindow::ShowStatus(const Text& text) {
-  view_->ShowStatus(ShownInLine(text));
+  view_->Status().SetText(ShownInLine(text));
+}
+
+void MWindow::ShowStep(const ConnectStep& step) {
+  progress_->Show(step);
 }
 
 void MWindow::AppendLog(std::string_view text) {
@@ -196,20 +282,24 @@ void MWindow::AppendLog(std::string_view text) {
 }
 
 void MWindow::ShowPath(std::string_view path) {
-  view_->ShowPath(ToText(path));
+  navigation_->Visit(std::string(path));
+  progress_->Stands();
+  ShowTitle();
 }
 
 void MWindow::GetRidofListing() {
+  navigation_->ListingBegins();
   view_->ClearListing();
 }
 
-void MWindow::AddRows(std::vector<MWListItem> items) {
-  view_->Listing().Rows().Append(std::move(items));
+void MWindow::AddRows(NewRows rows) {
+  view_->Listing().Rows().Append(std::move(rows));
 }
 
-void MWindow::ListingEnded(std::size_t count) {
-  view_->ShowCount(count);
-  view_->Listing().SortByName();
+void MWindow::ListingEnded(bool whole) {
+  navigation_->ListingEnded();
+  view_->Listing().FinishListing(whole);
+  view_->ShowCount();
 }
 
 void MWindow::RemoveRow(const std::string& name, const std::string& directory) {
@@ -221,6 +311,10 @@ void MWindow::RenameRow(const std::string& from, const std::string& to,
   if (directory == session_->CurrentDirectory()) view_->RenameRow(from, to);
 }
 
+void MWindow::UpdateRow(const MWListItem& item, const std::string& directory) {
+  if (directory == session_->CurrentDirectory()) view_->ShowEntry(item);
+}
+
 void MWindow::ChangeValues(const std::string& name, std::int64_t size) {
   view_->ChangeValues(name, size);
 }
@@ -229,23 +323,6 @@ void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& ti
   auto* viewer = new MViewFile(this, Shown(title), link);
   Frames::PutBelow(*viewer, *this);
   viewer->show();
-}
-
-void MWindow::ChangeDirectory() {
-  if (view_->Path().hasFocus() && !view_->Path().text().isEmpty()) return PathEntered();
-  const DirListView& listing = view_->Listing();
-  const int row = listing.FirstSelected();
-  if (row >= 0 && listing.Rows().At(row).Type() == kDirectory) {
-    session_->ChangeDirectory(listing.Rows().At(row).Name());
-  }
-}
-
-void MWindow::PathEntered() {
-  QLineEdit& path = view_->Path();
-  if (path.text().isEmpty()) return;
-  path.setModified(false);
-  ShowStatus(Text("Changing Dir.."));
-  session_->ChangeDirectory(EditedBytes(path.text(), session_->CurrentDirectory()));
 }
 
 void MWindow::AddShortcut() {
@@ -265,6 +342,16 @@ void MWindow::OpenSelected() {
     case kLink: session_->FollowLink(item.Name()); break;
     default: break;
   }
+}
+
+// On a connection of its own.
+void MWindow::OpenInNewWindow() {
+  const DirListView& listing = view_->Listing();
+  const int row = listing.FirstSelected();
+  if (row < 0) return;
+  Site site = session_->To();
+  site.path = PathBelow(session_->CurrentDirectory(), listing.Rows().At(row).Name());
+  app_.PostMessage(OpenMessage(site));
 }
 
 void MWindow::CopySelected() {
@@ -294,18 +381,27 @@ void MWindow::SelectEverything() {
 void MWindow::DownloadRequested(const Message& message) {
   if (const auto name = message.FindString("FileName"); name.has_value()) {
     transfers_->Download(transfers_->Named(*name));
-  } else if (view_->Listing().FirstSelected() > 0) {
+  } else if (const int row = view_->Listing().FirstSelected();
+             row >= 0 && view_->Listing().Rows().At(row).Name() != ".") {
     transfers_->Download(transfers_->Selected());
   }
 }
 
+// What the entry is now, the server knows.
 void MWindow::FinishedUpload(const Message& message) {
   const std::string name = message.FindString("FileName").value_or("");
   const std::string path = message.FindString("Path").value_or("");
-  const bool isFile = !message.FindString("Type").value_or("").starts_with('d');
   const std::string& shown = session_->CurrentDirectory();
   if (name.empty() || WithoutTrailingSlash(path) != WithoutTrailingSlash(shown)) return;
-  view_->ShowUploaded(name, isFile, message.FindInt64("fSize").value_or(0));
+  const bool isFile = !message.FindString("Type").value_or("").starts_with('d');
+  session_->LookAt(name, isFile ? kFile : kDirectory, message.FindInt64("fSize").value_or(0));
+}
+
+void MWindow::TryAgain(const Site& site) {
+  session_->TryAgain(app_.Workers(), site);
+  progress_->Begin();
+  log_->setWindowTitle(LogTitle(site));
+  view_->Listing().Remember(SiteKey(site));
 }
 
 void MWindow::TransferSettled(const TransferNews& news) {
@@ -313,43 +409,12 @@ void MWindow::TransferSettled(const TransferNews& news) {
   if (!news.failure.isEmpty()) session_->Log(news.failure.toStdString() + "\n");
 }
 
-bool MWindow::Takes(const QDropEvent& drop) const {
-  const QMimeData& offer = *drop.mimeData();
-  return view_->Listing().IsEnabled() && session_->IsReady() && drop.source() == nullptr &&
-         !offer.hasFormat(DragData::kRows) && offer.hasUrls() &&
-         drop.possibleActions().testFlag(Qt::CopyAction);
-}
-
-// Copying, whatever the source would like: after a move it would delete its files.
-void MWindow::dragEnterEvent(QDragEnterEvent* event) {
-  event->setDropAction(Takes(*event) ? Qt::CopyAction : Qt::IgnoreAction);
-  event->setAccepted(event->dropAction() == Qt::CopyAction);
-}
-
-void MWindow::dragMoveEvent(QDragMoveEvent* event) {
-  event->setDropAction(Takes(*event) ? Qt::CopyAction : Qt::IgnoreAction);
-  event->setAccepted(event->dropAction() == Qt::CopyAction);
-}
-
-void MWindow::dropEvent(QDropEvent* event) {
-  event->ignore();
-  if (!Takes(*event)) return;
-  const LocalDrop drop = LocalDrop::Read(event->mimeData()->data("text/uri-list").toStdString());
-  if (!drop.paths.empty()) {
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-    transfers_->Upload(drop.paths);
+void MWindow::mousePressEvent(QMouseEvent* event) {
+  switch (event->button()) {
+    case Qt::BackButton: commands_->Action("BACK"_what)->trigger(); break;
+    case Qt::ForwardButton: commands_->Action("FRWD"_what)->trigger(); break;
+    default: QMainWindow::mousePressEvent(event); break;
   }
-  if (const QString complaint = drop.Complaint(); !complaint.isEmpty()) Warn(complaint);
-}
-
-// The path field would take files as text.
-bool MWindow::eventFilter(QObject* object, QEvent* event) {
-  if (event->type() != QEvent::DragEnter) return QMainWindow::eventFilter(object, event);
-  auto* enter = static_cast<QDragEnterEvent*>(event);
-  if (!enter->mimeData()->hasUrls()) return false;
-  enter->ignore();
-  return true;
 }
 
 }  // namespace corvane

@@ -10,7 +10,10 @@
 #include <vector>
 
 #include "app/browser/BrowserEvents.h"
+#include "app/shared/Style.h"
 #include "remote/Site.h"
+
+class QMimeData;
 
 namespace corvane {
 
@@ -19,8 +22,10 @@ class BrowserCommands;
 class BrowserSession;
 class BrowserTransfers;
 class BrowserView;
+class ConnectionProgress;
 class DirListView;
 class EntryCommands;
+class Navigation;
 class WindowLog;
 struct BrowserCommand;
 struct BrowserHost;
@@ -29,8 +34,8 @@ struct TransferNews;
 /// A browser window: it shows one FTP connection and takes the user's commands for it. GUI thread.
 ///
 /// Deletes itself when closed. The parts have a duty each: BrowserSession the connection,
-/// BrowserView what is seen, BrowserCommands menus and keys, EntryCommands and BrowserTransfers
-/// what the commands do.
+/// BrowserView what is seen, ConnectionProgress how the connection comes and goes, BrowserCommands
+/// menus and keys, Navigation, EntryCommands and BrowserTransfers what the commands do.
 class MWindow : public QMainWindow, public BrowserEvents {
   Q_OBJECT
 
@@ -44,6 +49,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   [[nodiscard]] BrowserView& View() { return *view_; }
   [[nodiscard]] DirListView& Listing();
   [[nodiscard]] BrowserTransfers& Transfers() { return *transfers_; }
+  [[nodiscard]] Navigation& Ways() { return *navigation_; }
 
   /// Whether a transfer runs on this window's own connection.
   [[nodiscard]] bool IsTransferring() const;
@@ -58,14 +64,16 @@ class MWindow : public QMainWindow, public BrowserEvents {
 
   void MessageReceived(const Message& message) override;
   void ShowStatus(const Text& text) override;
+  void ShowStep(const ConnectStep& step) override;
   void AppendLog(std::string_view text) override;
   void ShowPath(std::string_view path) override;
   void GetRidofListing() override;
-  void AddRows(std::vector<MWListItem> items) override;
-  void ListingEnded(std::size_t count) override;
+  void AddRows(NewRows rows) override;
+  void ListingEnded(bool whole) override;
   void RemoveRow(const std::string& name, const std::string& directory) override;
   void RenameRow(const std::string& from, const std::string& to,
                  const std::string& directory) override;
+  void UpdateRow(const MWListItem& item, const std::string& directory) override;
   void ChangeValues(const std::string& name, std::int64_t size) override;
   void OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) override;
 
@@ -74,7 +82,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
-  bool eventFilter(QObject* object, QEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
 
  private:
   void MakeView();
@@ -85,15 +93,18 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void ListingEnabled(bool enabled);
   [[nodiscard]] bool Takes(const QDropEvent& drop) const;
 
-  void ChangeDirectory();
-  void PathEntered();
+  void ShowTitle();
+  bool FilesDropped(const QMimeData& offer, const std::string& directory);
   void AddShortcut();
   void OpenSelected();
+  void OpenInNewWindow();
   void CopySelected();
   void SelectEverything();
   void DownloadRequested(const Message& message);
   void FinishedUpload(const Message& message);
   void TransferSettled(const TransferNews& news);
+  void TryAgain(const Site& site);
+
   BrowserHost& app_;
   std::unique_ptr<BrowserSession> session_;
   WindowLog* log_;
@@ -102,9 +113,15 @@ class MWindow : public QMainWindow, public BrowserEvents {
   EntryCommands* entries_ = nullptr;
   BrowserTransfers* transfers_ = nullptr;
   BrowserAlerts* alerts_ = nullptr;
+  Navigation* navigation_ = nullptr;
+  ConnectionProgress* progress_ = nullptr;
+  bool canCopy_ = false;   // the server copies files
   bool mayClose_ = false;  // without a question
   bool closed_ = false;
   QPointer<QWidget> lastFocus_;  // path field or listing, whichever had the focus last
 };
+
+/// The title of a window that is about `place` on the server.
+[[nodiscard]] BrowserTitle TitleFor(const Site& site, const QString& place);
 
 }  // namespace corvane

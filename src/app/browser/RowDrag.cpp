@@ -86,11 +86,10 @@ void RowDrag::Run(const QPixmap& picture) {
   });
   dropped_ = drag->exec(Qt::CopyAction) != Qt::IgnoreAction;
   qApp->removeEventFilter(this);
-  if (!dropped_) {
-    folder_.clear();
-    if (cancelled_ || overOwnWindow_ || OverDeafWindow()) then_ = {};
-  }
-  if (!dropped_ || !folder_.empty()) return Settle();
+  if (!dropped_) folder_.clear();
+  // A drop that a window of this program took is settled there.
+  if (overOwnWindow_ || (!dropped_ && (cancelled_ || OverDeafWindow()))) then_ = {};
+  if (!dropped_ || overOwnWindow_ || !folder_.empty()) return Settle();
   QTimer::singleShot(kAnswerMilliseconds, this, &RowDrag::Settle);
 }
 

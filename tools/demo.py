@@ -20,8 +20,8 @@ DIRECTORY, FILE = "Samples", "sample 200 MB.bin"
 
 
 def drive(screen, server, client, downloads):
-    browser = screen.window("Connected To: 127.0.0.1")
-    print('opened a browser window, "Connected To: 127.0.0.1"')
+    browser = screen.window("demo@127.0.0.1")
+    print("opened a browser window")
     screen.place(browser, 4, 24, 760, 840)
     wait_for("the listing", lambda: server.has("< LIST", "> 226"))
 

@@ -52,10 +52,10 @@ def wait_for(what, predicate, limit=15):
 class Server:
     """The sample server, its log in `folder`."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, *options):
         self.log = folder / "server.log"
         with open(self.log, "wb") as output:
-            self.process = start([sys.executable, TOOLS / "demo-server.py", "--log"], stdout=output)
+            self.process = start([sys.executable, TOOLS / "demo-server.py", "--log", *options], stdout=output)
         first = wait_for("the sample server", lambda: self.lines() or self.process.poll(), 30)
         if not isinstance(first, list):
             raise Failure("the sample server did not start")

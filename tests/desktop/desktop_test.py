@@ -14,7 +14,9 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 from desktop import Screen, Server, end, private_environment, start, try_keys, wait_for
 
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve() if len(sys.argv) > 1 else sys.exit(__doc__)
-BROWSER = "Connected To: 127.0.0.1"
+# Where the rows of a browser window in the upper left corner of the screen stand.
+FIRST_ROW, ROW = 110, 28
+BROWSER = "Samples – demo@127.0.0.1"
 
 
 class DesktopTest(unittest.TestCase):
@@ -46,9 +48,9 @@ class DesktopTest(unittest.TestCase):
 
     def end_program(self):
         """Ends the running program, which need not be our child."""
-        pid = int(self.screen.run("xdotool", "getwindowpid", self.screen.window("Transfer List")))
+        pid = int(self.screen.run("xdotool", "getwindowpid", self.screen.window(BROWSER)))
         os.kill(pid, signal.SIGTERM)
-        wait_for("the end of the program", lambda: not self.windows("Transfer List"))
+        wait_for("the end of the program", lambda: not self.windows(BROWSER))
 
     def choose_in_tray(self, *keys):
         """Opens the menu of the only icon in the tray and presses keys there."""
@@ -70,8 +72,8 @@ class DesktopTest(unittest.TestCase):
         browser = self.screen.window(BROWSER)
         wait_for("the listing", lambda: self.server.has("< CWD Samples", "< LIST", "> 226"))
         self.screen.type(browser, "", "ctrl+s")
-        self.screen.type(self.screen.window("Add Shortcut"), "", "Return")
-        wait_for("the shortcut", lambda: not self.windows("Add Shortcut"))
+        self.screen.type(self.screen.window("New Shortcut"), "", "Return")
+        wait_for("the shortcut", lambda: not self.windows("New Shortcut"))
         self.assertTrue(end(program))
 
         shortcut = ["Down", "Down", "Down", "Return"]  # behind the list's first entry
@@ -94,6 +96,7 @@ class DesktopTest(unittest.TestCase):
         self.screen.window("^Corvane$")
         self.assertEqual(self.ended(self.server.url + "Samples/"), (0, ""))
         browser = self.screen.window(BROWSER)
+        self.assertEqual(self.windows("Transfer List"), [])
         wait_for("the listing", lambda: self.server.has("< CWD Samples", "< LIST", "> 226"))
 
         # The download waits for its server until another program's window has the focus.
@@ -115,6 +118,64 @@ class DesktopTest(unittest.TestCase):
                  lambda: self.screen.type(transfers, "", "Home", "Menu", "Up", "Return"),
                  lambda: self.windows("Downloads - Thunar"))
         self.assertTrue(end(program))
+
+    def browse(self, url, title):
+        """A browser window of a program of our own, its listing shown."""
+        self.start(PROGRAM, url)
+        browser = self.screen.window(title)
+        wait_for("the listing", lambda: self.server.has("< LIST", "> 226"))
+        self.screen.place(browser, 0, 0, 864, 560)
+        return browser
+
+    def drag_row(self, start, to):
+        """Drags one row of the only browser window onto another, as a hand does."""
+        first, last = [("mousemove", 100, FIRST_ROW + ROW * row) for row in (start, to)]
+        self.screen.run("xdotool", *first, "mousedown", 1, "mousemove_relative", 15, 0, "sleep", 0.1, *last,
+                        "sleep", 0.1, "mousemove_relative", 5, 0, "sleep", 0.1, "mouseup", 1)
+
+    def test_changes_in_place_and_moves_by_drag(self):
+        root = self.server.root
+        browser = self.browse(self.server.url, "^/ – demo@127.0.0.1")
+        self.screen.type(browser, "", "ctrl+m")
+        self.screen.type(browser, "A place", "Return")
+        wait_for("the directory", (root / "A place").is_dir)
+        self.screen.type(browser, "Read", "F2")
+        self.screen.type(browser, "Told", "Return")  # over the stem
+        wait_for("the new name", (root / "Told.txt").exists)
+        self.screen.picture(self.folder / "rest.png")
+        try_keys("the move", lambda: self.drag_row(5, 0), (root / "A place/Told.txt").exists)
+        self.assertFalse((root / "Told.txt").exists())
+
+    def test_keeps_the_place(self):
+        browser = self.browse(self.server.url, "^/ – demo@127.0.0.1")
+
+        def lead(keys, title):
+            seen = len(self.server.lines())
+            self.screen.type(browser, *keys)
+            wait_for(title, lambda: self.windows(title) and self.server.has("> 226", after=seen))
+            self.screen.picture(self.folder / "rest.png")
+
+        lead(("Sam", "Return"), BROWSER)
+        self.screen.type(browser, "two")
+        for back in ("alt+Left", "BackSpace", "alt+Up"):
+            lead(("", back), "^/ – demo@127.0.0.1")
+            lead(("", "Return"), BROWSER)  # into what is selected: where we came from
+        lead(("", "alt+Left"), "^/ – demo@127.0.0.1")
+        lead(("", "alt+Right"), BROWSER)
+        self.screen.type(browser, "", "ctrl+d")
+        wait_for("what was selected before", (self.downloads / "two words.txt").exists)
+
+    def test_comes_back_by_itself(self):
+        browser = self.browse(self.server.url + "Samples/", BROWSER)
+        wait_for("rest", lambda: self.server.has("< SITE QUOTA", "> 5"))
+        seen = len(self.server.lines())
+        os.kill(self.server.process.pid, signal.SIGUSR1)
+        wait_for("the end of the connection", lambda: self.server.has("> 421", after=seen))
+        self.screen.type(browser, "", "F5")
+        wait_for("a new login and the listing", lambda: self.server.has(
+            "< PASS", "> 230", "< CWD", "< LIST", "> 226", after=seen))
+        self.assertEqual(self.screen.run("xdotool", "getactivewindow").strip(), browser)
+        self.assertEqual(self.windows(BROWSER), [browser])
 
 
 if __name__ == "__main__":

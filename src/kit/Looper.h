@@ -48,7 +48,7 @@ class Looper : public std::enable_shared_from_this<Looper> {
 
   /// Called on the poster's thread once a message of the code `what` has been queued.
   virtual void Arrived(std::uint32_t /*what*/) {}
-  /// Whether messages wait for the one in hand.
+  /// Whether messages wait until the present one is handled.
   [[nodiscard]] bool IsWaitedFor() const EXCLUDES(lock_);
 
   /// Called by Quit, on the caller's thread: make a blocked MessageReceived return soon.

@@ -45,7 +45,7 @@ class ControlLooper : public Looper {
                 std::shared_ptr<BrowserUi> window);
   ~ControlLooper() override;
 
-  /// Ends the request in hand, or the listing that it began; the connection stays.
+  /// Ends the present request, or the listing that it began; the connection stays.
   void Stop() override EXCLUDES(lock_);
 
   /// The connection, for a transfer that uses it.

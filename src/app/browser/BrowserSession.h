@@ -59,7 +59,7 @@ class BrowserSession : public QObject {
   /// Looks at an entry of the directory shown, of which `type` and `size` are known; the answer
   /// comes as an updated row. What comes up meanwhile is asked for together.
   void LookAt(const std::string& name, std::int32_t type, std::int64_t size);
-  /// Ends the request in hand soon; the connection stays. 'DONE' tells.
+  /// Ends the request that is being carried out soon; the connection stays. 'DONE' tells.
   void Stop();
   /// Connects again after a loss.
   void ConnectAgain();

@@ -10,6 +10,7 @@
 #include "app/browser/Navigation.h"
 #include "app/browser/NewDir.h"
 #include "app/browser/RenameWin.h"
+#include "app/browser/SiteNames.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/ScreenText.h"

@@ -23,6 +23,7 @@
 #include "app/browser/MViewFile.h"
 #include "app/browser/Navigation.h"
 #include "app/browser/PathField.h"
+#include "app/browser/SiteNames.h"
 #include "app/browser/WindowLog.h"
 #include "app/shared/Frames.h"
 #include "app/shared/OpenMessage.h"
@@ -37,24 +38,6 @@
 #include "util/Url.h"
 
 namespace corvane {
-namespace {
-
-/// What a window on this directory is called.
-QString LastName(const std::string& directory) {
-  const std::string name = SplitPath(WithoutTrailingSlash(directory)).second;
-  return ToText(name.empty() ? directory : name);
-}
-
-/// By which the listing's look is remembered.
-std::string SiteKey(const Site& site) {
-  return site.user + '@' + site.host + ':' + std::to_string(site.port);
-}
-
-QString LogTitle(const Site& site) {
-  return MWindow::tr("Log Window: %1").arg(ToText(site.host));
-}
-
-}  // namespace
 
 MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)
     : app_(app), session_(std::make_unique<BrowserSession>(*this, std::move(site))) {
@@ -175,13 +158,6 @@ void MWindow::ShowTitle() {
                         : connecting ? tr("Connecting")
                                      : tr("Not connected");
   setWindowTitle(Style::InForce().TitleOf(TitleFor(session_->To(), place)));
-}
-
-BrowserTitle TitleFor(const Site& site, const QString& place) {
-  return {.place = place,
-          .user = site.user == "anonymous" ? QString() : ToText(site.user),
-          .host = ToText(site.host),
-          .port = site.port};
 }
 
 void MWindow::ListingEnabled(bool enabled) {

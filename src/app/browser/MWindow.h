@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "app/browser/BrowserEvents.h"
-#include "app/shared/Style.h"
 #include "remote/Site.h"
 
 class QMimeData;
@@ -120,8 +119,5 @@ class MWindow : public QMainWindow, public BrowserEvents {
   bool closed_ = false;
   QPointer<QWidget> lastFocus_;  // path field or listing, whichever had the focus last
 };
-
-/// The title of a window that is about `place` on the server.
-[[nodiscard]] BrowserTitle TitleFor(const Site& site, const QString& place);
 
 }  // namespace corvane

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+#include <string>
+
+#include "app/shared/Style.h"
+#include "remote/Site.h"
+
+namespace corvane {
+
+/// What a window on this directory, raw bytes, is called.
+[[nodiscard]] QString LastName(const std::string& directory);
+
+/// By which a listing's look is remembered: "user@host:port".
+[[nodiscard]] std::string SiteKey(const Site& site);
+
+/// The title of a window that is about `place` on the server.
+[[nodiscard]] BrowserTitle TitleFor(const Site& site, const QString& place);
+
+[[nodiscard]] QString LogTitle(const Site& site);
+
+}  // namespace corvane

@@ -1,6 +1,5 @@
 #include "kit/Looper.h"
 
-#include <optional>
 #include <utility>
 
 #include "kit/Background.h"
@@ -47,17 +46,30 @@ bool Looper::Quitting() const {
   return quitting_;
 }
 
-void Looper::Loop() {
-  for (;;) {
-    std::optional<Message> next;
-    {
-      const MutexLock lock(lock_);
-      while (queue_.empty() && !quitting_) wake_.Wait(lock_);
-      if (quitting_) return;
-      next = std::move(queue_.front());
-      queue_.pop_front();
+std::optional<Message> Looper::Await(std::chrono::milliseconds patience) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const MutexLock lock(lock_);
+  while (queue_.empty() && !quitting_) {
+    if (patience.count() == 0) {
+      wake_.Wait(lock_);
+    } else if (!wake_.WaitUntil(lock_, deadline)) {
+      break;
     }
-    MessageReceived(*next);
+  }
+  if (queue_.empty() || quitting_) return std::nullopt;
+  Message next = std::move(queue_.front());
+  queue_.pop_front();
+  return next;
+}
+
+void Looper::Loop() {
+  while (!Quitting()) {
+    const std::optional<Message> next = Await(Patience());
+    if (next) {
+      MessageReceived(*next);
+    } else if (!Quitting()) {
+      Idle();
+    }
   }
 }
 

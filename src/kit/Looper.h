@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "kit/Message.h"
@@ -46,6 +48,11 @@ class Looper : public std::enable_shared_from_this<Looper> {
   /// On the looper's thread.
   virtual void MessageReceived(const Message& message) = 0;
 
+  /// After how long without a message Idle is called; asked before each wait. 0 for never.
+  [[nodiscard]] virtual std::chrono::milliseconds Patience() { return {}; }
+  /// On the looper's thread.
+  virtual void Idle() {}
+
   /// Called on the poster's thread once a message of the code `what` has been queued.
   virtual void Arrived(std::uint32_t /*what*/) {}
   /// Whether messages wait until the present one is handled.
@@ -56,6 +63,9 @@ class Looper : public std::enable_shared_from_this<Looper> {
 
  private:
   void Loop();
+  /// The next message, for which it waits no longer than `patience`; nothing where none has come,
+  /// or the looper is quitting.
+  [[nodiscard]] std::optional<Message> Await(std::chrono::milliseconds patience) EXCLUDES(lock_);
 
   const std::string name_;
   mutable Mutex lock_;

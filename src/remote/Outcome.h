@@ -28,6 +28,8 @@ struct [[nodiscard]] Outcome {
     NoAnswer = 2,      ///< nothing comes from there
     RefusedPort = 3,   ///< the machine is there, and nothing serves the port
     RefusedLogin = 4,  ///< user or password
+    NoEncryption = 5,  ///< the server does not encrypt, or not as it should
+    Certificate = 6,   ///< the user does not trust the server's certificate
   };
 
   Kind kind = Kind::Done;

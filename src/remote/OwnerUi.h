@@ -1,10 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string_view>
 
 #include "kit/Message.h"
 #include "kit/Text.h"
 #include "remote/ConnectStep.h"
+#include "remote/Protection.h"
+#include "remote/UserQuestion.h"
 
 namespace corvane {
 
@@ -34,6 +37,15 @@ class OwnerUi {
 
   /// How far connecting has come; for those who show that.
   virtual bool ShowStep(const ConnectStep& /*step*/) { return true; }
+
+  /// How the connection is protected, as soon as that is known on each connection.
+  virtual bool ShowProtection(const Protection& /*protection*/) { return true; }
+
+  /// Puts a question to the user; the answer is given to it. Who has nobody to ask says No at once.
+  virtual bool Ask(const std::shared_ptr<UserQuestion>& question) {
+    question->Give(UserQuestion::Answer::No);
+    return true;
+  }
 
   /// A line of the dialogue with the server, with its line feed, for those who keep a log.
   virtual bool AppendLog(std::string_view line) = 0;

@@ -11,8 +11,9 @@ struct RemoteTime {
   /// How much of it the server told.
   enum class Precision : std::uint8_t { Day, Minute, Second };
 
-  std::int64_t seconds = 0;  ///< since 1970, UTC
+  std::int64_t seconds = 0;  ///< since 1970
   Precision precision = Precision::Second;
+  bool utc = false;  ///< else in the server's own zone, which it does not tell
 
   friend bool operator==(const RemoteTime&, const RemoteTime&) = default;
 };

@@ -91,6 +91,11 @@ class RemoteSession {
   /// How many bytes may still be stored in a directory; nothing where the server does not tell.
   virtual Outcome FreeSpace(const std::string& path, std::optional<std::int64_t>& bytes) = 0;
 
+  /// When a file was last changed, in UTC; nothing where the server does not tell.
+  virtual Outcome ModifiedTime(const std::string& path, std::optional<RemoteTime>& time) = 0;
+  /// Sets that time, in seconds since 1970; Refused where the server cannot.
+  virtual Outcome SetModifiedTime(const std::string& path, std::int64_t seconds) = 0;
+
   virtual Outcome MakeDirectory(const std::string& path) = 0;
   virtual Outcome RemoveDirectory(const std::string& path) = 0;
   virtual Outcome RemoveFile(const std::string& path) = 0;
@@ -108,6 +113,8 @@ class RemoteSession {
   /// Whether the connection stands. Takes note of what the server has done meanwhile, such as
   /// closing it, without asking the server.
   [[nodiscard]] virtual bool IsAlive() = 0;
+  /// Shows the server that this end is still there.
+  virtual Outcome KeepAlive() = 0;
   /// How many commands the server has answered so far, on all connections; a good-bye is none.
   [[nodiscard]] virtual std::uint64_t Answers() const = 0;
 

@@ -27,6 +27,7 @@ NLEndpoint::NLEndpoint(const NLEndpoint& source)
       localAddress_(source.localAddress_),
       remoteAddress_(source.remoteAddress_),
       protocol_(source.protocol_),
+      family_(source.family_),
       silenceLimit_(source.silenceLimit_) {}
 
 NLEndpoint::~NLEndpoint() {
@@ -58,13 +59,29 @@ void NLEndpoint::p_resetSocket() {
   constexpr char kFunction[] = "NLEndpoint::p_resetSocket()";
   close();
   const auto fresh = std::make_shared<const UniqueFd>(
-      ::socket(AF_INET, static_cast<int>(protocol_) | SOCK_CLOEXEC, 0));
+      ::socket(family_, static_cast<int>(protocol_) | SOCK_CLOEXEC, 0));
   if (!*fresh) fail(kFunction, "::socket()", errno);
   applySilenceLimit(fresh->get());
   const MutexLock lock(lock_);
   if (aborted_) throw NLException(kFunction, "Connection aborted", this);
   socket_ = fresh;
   state_ |= s_open;
+}
+
+// What was set on a socket that is merely of the other family is set on the new one.
+void NLEndpoint::openFor(const NLAddress& address) {
+  const bool open = (state() & s_open) != 0;
+  if (open && family_ == address.family()) return;
+  const Socket before = use("NLEndpoint::p_resetSocket()");
+  int reuse = 0;
+  socklen_t length = sizeof reuse;
+  ::getsockopt(before->get(), SOL_SOCKET, SO_REUSEADDR, &reuse, &length);
+  const int flags = ::fcntl(before->get(), F_GETFL);
+  family_ = address.family();
+  p_resetSocket();
+  if (!open) return;
+  setReuseAddr(reuse != 0);
+  setNonBlock((flags & O_NONBLOCK) != 0);
 }
 
 void NLEndpoint::setProtocol(e_type type) {

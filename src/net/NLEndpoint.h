@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "kit/Mutex.h"
 #include "net/NLAddress.h"
@@ -18,10 +19,11 @@ namespace corvane {
 
 class NLPacket;
 
-/// One IPv4 socket. One thread at a time works with it; close() and abort() may be called from any
-/// thread and make a blocked call return. Failing calls throw NLException (net/NLException.h),
-/// unless stated otherwise; bind, connect, listen and accept close the socket first. Timeouts are
-/// milliseconds; 0 or less waits without limit.
+/// One socket, IPv4 or IPv6 as the address that it is bound or connected to. One thread at a time
+/// works with it; close() and abort() may be called from any thread and make a blocked call return.
+/// Failing calls throw NLException (net/NLException.h), unless stated otherwise; bind, connect,
+/// listen and accept close the socket first. Timeouts are milliseconds; 0 or less waits without
+/// limit.
 class NLEndpoint : public Stream {
  public:
   enum e_type : int { stream = SOCK_STREAM, datagram = SOCK_DGRAM };
@@ -58,9 +60,11 @@ class NLEndpoint : public Stream {
 
   virtual void connect(const NLAddress& address);
   virtual void connect(const char* host, int port);
-  /// Connects, asking `goOn` a few times a second while it waits; false, and nothing connected,
-  /// when that said no. What `goOn` throws goes through.
-  [[nodiscard]] bool connectWhile(const NLAddress& address, const std::function<bool()>& goOn);
+  /// Connects to whichever of a host's addresses answers first; they are tried as RFC 8305 has it,
+  /// each for 20 seconds or the silence limit, whichever is less. Asks `goOn` a few times a second;
+  /// false, and nothing connected, when that said no. What `goOn` throws goes through.
+  [[nodiscard]] bool connectFirst(std::span<const NLAddress> addresses,
+                                  const std::function<bool()>& goOn);
 
   virtual void listen(int backlog);
 
@@ -128,13 +132,20 @@ class NLEndpoint : public Stream {
                          const char* sourceFile = __builtin_FILE(),
                          int sourceLine = __builtin_LINE());
 
-  [[nodiscard]] NLAddress resolve(const char* host, std::uint16_t port) EXCLUDES(lock_);
-  [[nodiscard]] bool connectSocket(const NLAddress& address, const std::function<bool()>& goOn);
-  /// An errno number, 0 once connected, EINTR when `goOn` said no.
-  [[nodiscard]] int startConnecting(const Socket& socket, const NLAddress& address,
-                                    const std::function<bool()>& goOn);
-  [[nodiscard]] int awaitConnected(const Socket& socket, const std::function<bool()>& goOn) const;
-  [[nodiscard]] sockaddr_in socketName(const Socket& socket, const char* function);
+  [[nodiscard]] std::vector<NLAddress> resolve(const char* host, std::uint16_t port)
+      EXCLUDES(lock_);
+  /// The address to keep for a socket bound to every address of this machine.
+  [[nodiscard]] NLAddress ownAddress(const NLAddress& bound);
+  /// Opens a socket of the address's family where this one is of another or none.
+  void openFor(const NLAddress& address);
+  /// An errno number, 0 once connected.
+  [[nodiscard]] int startConnecting(const Socket& socket, const NLAddress& address);
+  [[nodiscard]] int awaitConnected(const Socket& socket) const;
+  /// The connection takes the place of the socket `before`, unless that was closed meanwhile.
+  void adopt(const Socket& before, UniqueFd connected);
+  /// Notes both ends of a connection that stands.
+  void noteConnected(const Socket& socket);
+  [[nodiscard]] NLAddress socketName(const Socket& socket, const char* function);
   void applySilenceLimit(int descriptor) const;
   [[nodiscard]] std::unique_ptr<char[]> packetBuffer(std::size_t length, const char* function);
   [[nodiscard]] int transferError(const Socket& socket, int error) const;
@@ -146,6 +157,7 @@ class NLEndpoint : public Stream {
   NLAddress localAddress_;
   NLAddress remoteAddress_;
   e_type protocol_;
+  int family_ = AF_INET;
   long silenceLimit_ = 0;
 
   // Each call shares the socket while it runs. Closing shuts a shared one down at once, which wakes

@@ -9,11 +9,14 @@
 #include <limits>
 #include <utility>
 
+#include "net/ConnectRace.h"
 #include "net/NLEndpoint.h"
 #include "net/NLException.h"
 
 namespace corvane {
 namespace {
+
+constexpr char kConnect[] = "NLEndpoint::connect()";
 
 // Waits for `events`; like poll(), but interrupted by nothing. Less than 0 waits without limit.
 int Poll(int descriptor, short events, long milliseconds) {
@@ -39,9 +42,9 @@ int Poll(int descriptor, short events, long milliseconds) {
 
 }  // namespace
 
-NLAddress NLEndpoint::resolve(const char* host, std::uint16_t port) {
+std::vector<NLAddress> NLEndpoint::resolve(const char* host, std::uint16_t port) {
   in_addr quad{};
-  if (host == nullptr || ::inet_aton(host, &quad) != 0) return NLAddress(host, port);
+  if (host == nullptr || ::inet_aton(host, &quad) != 0) return {NLAddress(host, port)};
   const auto lookup = std::make_shared<NLLookup>(host, port);
   {
     const MutexLock lock(lock_);
@@ -58,84 +61,123 @@ void NLEndpoint::bind(int port) {
 void NLEndpoint::bind(const NLAddress& address) {
   constexpr char kFunction[] = "NLEndpoint::bind()";
   if (state() != s_open) p_resetSocket();
+  openFor(address);
   const Socket socket = use(kFunction);
-  sockaddr_in wanted{};
+  sockaddr_storage wanted{};
   address.get(wanted);
-  if (::bind(socket->get(), reinterpret_cast<const sockaddr*>(&wanted), sizeof wanted) != 0) {
+  const auto* plain = reinterpret_cast<const sockaddr*>(&wanted);
+  if (::bind(socket->get(), plain, address.length()) != 0) {
     const int error = errno;
     close();
     fail(kFunction, "::bind()", error);
   }
-  sockaddr_in bound = socketName(socket, kFunction);
-  if (bound.sin_addr.s_addr == 0) {
-    char machine[64] = "";
-    try {
-      if (::gethostname(machine, sizeof machine - 1) == 0) {
-        resolve(machine, 0).get(bound.sin_addr, nullptr);
-      }
-    } catch (const NLException&) {
-      // A machine whose own name does not resolve keeps the empty address.
-    }
-  }
-  localAddress_.set(bound);
+  const NLAddress bound = socketName(socket, kFunction);
+  localAddress_ = bound.isAny() ? ownAddress(bound) : bound;
   addState(socket, s_bound, kFunction, "::bind()");
 }
 
-sockaddr_in NLEndpoint::socketName(const Socket& socket, const char* function) {
-  sockaddr_in name{};
+// A machine whose own name does not resolve keeps the empty address.
+NLAddress NLEndpoint::ownAddress(const NLAddress& bound) {
+  char machine[64] = "";
+  if (::gethostname(machine, sizeof machine - 1) != 0) return bound;
+  try {
+    for (const NLAddress& own : resolve(machine, bound.port()))
+      if (own.family() == bound.family()) return own;
+  } catch (const NLException&) {
+    return bound;
+  }
+  return bound;
+}
+
+NLAddress NLEndpoint::socketName(const Socket& socket, const char* function) {
+  sockaddr_storage name{};
   socklen_t length = sizeof name;
   if (::getsockname(socket->get(), reinterpret_cast<sockaddr*>(&name), &length) != 0) {
     const int error = errno;
     close();
     fail(function, "::getsockname()", error);
   }
-  return name;
+  return NLAddress(name);
 }
 
 void NLEndpoint::connect(const char* host, int port) {
-  connect(resolve(host, static_cast<std::uint16_t>(port)));
+  const std::vector<NLAddress> addresses = resolve(host, static_cast<std::uint16_t>(port));
+  if (addresses.size() == 1) return connect(addresses.front());
+  (void)connectFirst(addresses, {});
 }
 
 void NLEndpoint::connect(const NLAddress& address) {
-  (void)connectSocket(address, {});
-}
-
-bool NLEndpoint::connectWhile(const NLAddress& address, const std::function<bool()>& goOn) {
-  return connectSocket(address, goOn);
-}
-
-bool NLEndpoint::connectSocket(const NLAddress& address, const std::function<bool()>& goOn) {
-  constexpr char kFunction[] = "NLEndpoint::connect()";
-  if ((state() & s_open) == 0) p_resetSocket();
-  const Socket socket = use(kFunction);
-  const int failure = startConnecting(socket, address, goOn);
-  if (failure == EINTR) {
-    close();
-    return false;
-  }
+  openFor(address);
+  const Socket socket = use(kConnect);
+  const int failure = startConnecting(socket, address);
   if (failure != 0) {
     close();
     lastError = failure;
-    fail(kFunction, "::connect()", failure);
+    fail(kConnect, "::connect()", failure);
   }
-  sockaddr_in peer{};
+  noteConnected(socket);
+}
+
+void NLEndpoint::noteConnected(const Socket& socket) {
+  sockaddr_storage peer{};
   socklen_t length = sizeof peer;
   if (::getpeername(socket->get(), reinterpret_cast<sockaddr*>(&peer), &length) != 0) {
-    const int error = errno;
+    // A peer that was there and has hung up already has no name any more.
+    lastError = errno == ENOTCONN ? ECONNRESET : errno;
     close();
-    fail(kFunction, "::getpeername()", error);
+    fail(kConnect, "::getpeername()", lastError);
   }
   remoteAddress_.set(peer);
-  localAddress_.set(socketName(socket, kFunction));
-  addState(socket, s_connected, kFunction, "::connect()");
+  localAddress_ = socketName(socket, kConnect);
+  addState(socket, s_connected, kConnect, "::connect()");
+}
+
+// The race has sockets of its own; closing the endpoint meanwhile closes `before`, which ends it.
+bool NLEndpoint::connectFirst(std::span<const NLAddress> addresses,
+                              const std::function<bool()>& goOn) {
+  using std::chrono::milliseconds;
+  constexpr milliseconds kSlice(50);
+  constexpr long kMostPatience = 20'000;
+  const long limit = silenceLimit_ > 0 ? std::min(silenceLimit_, kMostPatience) : kMostPatience;
+  if ((state() & s_open) == 0) p_resetSocket();
+  const Socket before = use(kConnect);
+  ConnectRace race(addresses, protocol_, milliseconds(limit));
+  while (!race.step(kSlice)) {
+    if (!isCurrent(before)) fail(kConnect, "::connect()", ECONNABORTED);
+    if (!goOn || goOn()) continue;
+    close();
+    return false;
+  }
+  UniqueFd connected = race.takeWinner();
+  if (!connected) {
+    close();
+    lastError = race.error();
+    fail(kConnect, "::connect()", lastError);
+  }
+  adopt(before, std::move(connected));
   return true;
+}
+
+void NLEndpoint::adopt(const Socket& before, UniqueFd connected) {
+  const auto own = std::make_shared<const UniqueFd>(std::move(connected));
+  ::fcntl(own->get(), F_SETFL, ::fcntl(own->get(), F_GETFL) & ~O_NONBLOCK);
+  applySilenceLimit(own->get());
+  {
+    const MutexLock lock(lock_);
+    if (socket_ == before) {
+      socket_ = own;
+      state_ = s_open;
+    }
+  }
+  if (!isCurrent(own)) fail(kConnect, "::connect()", ECONNABORTED);
+  noteConnected(own);
+  family_ = remoteAddress_.family();
 }
 
 // A blocking connect is done as a non-blocking one that is waited for: a shutdown that comes before
 // the call is noticed by the look at the socket after it, a later one ends the wait.
-int NLEndpoint::startConnecting(const Socket& socket, const NLAddress& address,
-                                const std::function<bool()>& goOn) {
-  sockaddr_in target{};
+int NLEndpoint::startConnecting(const Socket& socket, const NLAddress& address) {
+  sockaddr_storage target{};
   address.get(target);
   const int descriptor = socket->get();
   const int flags = ::fcntl(descriptor, F_GETFL);
@@ -143,28 +185,19 @@ int NLEndpoint::startConnecting(const Socket& socket, const NLAddress& address,
   const bool wait = (flags & O_NONBLOCK) == 0;
   if (wait) ::fcntl(descriptor, F_SETFL, flags | O_NONBLOCK);
   int error = 0;
-  if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) {
+  if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&target), address.length()) != 0) {
     error = errno;
   }
-  if (wait && (error == EINPROGRESS || error == EINTR)) error = awaitConnected(socket, goOn);
+  if (wait && (error == EINPROGRESS || error == EINTR)) error = awaitConnected(socket);
   if (wait) ::fcntl(descriptor, F_SETFL, flags);
   return isCurrent(socket) ? error : ECONNABORTED;
 }
 
-int NLEndpoint::awaitConnected(const Socket& socket, const std::function<bool()>& goOn) const {
-  using std::chrono::steady_clock;
-  constexpr long kSlice = 50;
-  const auto begin = steady_clock::now();
-  const auto limit = std::chrono::milliseconds(silenceLimit_);
-  int ready = 0;
-  while (ready == 0 && isCurrent(socket)) {
-    ready = Poll(socket->get(), POLLOUT, goOn || silenceLimit_ > 0 ? kSlice : -1);
-    if (ready < 0) return errno;
-    if (ready > 0) break;
-    if (goOn && !goOn()) return EINTR;
-    if (silenceLimit_ > 0 && steady_clock::now() - begin > limit) return ETIMEDOUT;
-  }
-  int error = 0;
+int NLEndpoint::awaitConnected(const Socket& socket) const {
+  if (!isCurrent(socket)) return ECONNABORTED;
+  const int ready = Poll(socket->get(), POLLOUT, silenceLimit_ > 0 ? silenceLimit_ : -1);
+  if (ready < 0) return errno;
+  int error = ETIMEDOUT;
   socklen_t length = sizeof error;
   if (ready > 0) ::getsockopt(socket->get(), SOL_SOCKET, SO_ERROR, &error, &length);
   return error;
@@ -184,7 +217,7 @@ std::unique_ptr<NLEndpoint> NLEndpoint::accept(long timeout) {
   constexpr char kFunction[] = "NLEndpoint::accept()";
   if (!isDataPending(timeout)) return nullptr;
   const Socket socket = use(kFunction);
-  sockaddr_in peer{};
+  sockaddr_storage peer{};
   socklen_t length = sizeof peer;
   UniqueFd accepted;
   do {
@@ -206,7 +239,7 @@ std::unique_ptr<NLEndpoint> NLEndpoint::accept(long timeout) {
     connection->socket_ = own;
     connection->state_ = s_open | s_connected;
   }
-  sockaddr_in local{};
+  sockaddr_storage local{};
   length = sizeof local;
   if (::getsockname(own->get(), reinterpret_cast<sockaddr*>(&local), &length) != 0) {
     fail(kFunction, "::getsockname()", errno);

@@ -61,11 +61,11 @@ long NLEndpoint::send(NLPacket& packet, int flags) {
 long NLEndpoint::sendto(const void* data, std::size_t length, const NLAddress& to, int flags) {
   constexpr char kFunction[] = "NLEndpoint::sendto()";
   const Socket socket = use(kFunction);
-  sockaddr_in target{};
+  sockaddr_storage target{};
   to.get(target);
   const long result = Retrying([&] {
     return ::sendto(socket->get(), data, length, flags | MSG_NOSIGNAL,
-                    reinterpret_cast<const sockaddr*>(&target), sizeof target);
+                    reinterpret_cast<const sockaddr*>(&target), to.length());
   });
   return endSend(socket, result, data, kFunction, "::sendto()");
 }
@@ -86,7 +86,7 @@ long NLEndpoint::recvfrom(void* buffer, std::size_t length, NLAddress& from, int
   constexpr char kFunction[] = "NLEndpoint::recvfrom()";
   if (receiveTimeout >= 0 && !isDataPending(receiveTimeout)) return 0;
   const Socket socket = use(kFunction);
-  sockaddr_in sender{};
+  sockaddr_storage sender{};
   socklen_t senderLength = sizeof sender;
   const long result = Retrying([&] {
     return ::recvfrom(socket->get(), buffer, length, flags, reinterpret_cast<sockaddr*>(&sender),

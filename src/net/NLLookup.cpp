@@ -3,6 +3,7 @@
 #include <optional>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "kit/Mutex.h"
 #include "net/NLException.h"
@@ -14,22 +15,22 @@ struct NLLookup::State {
   Condition changed;
   bool cancelled GUARDED_BY(lock) = false;
   bool done GUARDED_BY(lock) = false;
-  NLAddress address GUARDED_BY(lock);
+  std::vector<NLAddress> addresses GUARDED_BY(lock);
   std::optional<NLException> failure GUARDED_BY(lock);
 };
 
 NLLookup::NLLookup(const std::string& host, std::uint16_t port)
     : state_(std::make_shared<State>()) {
   const auto lookUp = [state = state_, host, port] {
-    NLAddress address;
+    std::vector<NLAddress> addresses;
     std::optional<NLException> failure;
     try {
-      address.set(host.c_str(), port);
+      addresses = NLAddress::all(host, port);
     } catch (const NLException& exception) {
       failure = exception;
     }
     const MutexLock lock(state->lock);
-    state->address = address;
+    state->addresses = std::move(addresses);
     state->failure = failure;
     state->done = true;
     state->changed.NotifyAll();
@@ -42,13 +43,13 @@ NLLookup::NLLookup(const std::string& host, std::uint16_t port)
   }
 }
 
-NLAddress NLLookup::get() {
+std::vector<NLAddress> NLLookup::get() {
   State& state = *state_;
   const MutexLock lock(state.lock);
   while (!state.done && !state.cancelled) state.changed.Wait(state.lock);
   if (state.cancelled) throw NLException("NLLookup::get", "Lookup cancelled");
   if (state.failure) throw NLException(*state.failure);
-  return state.address;
+  return state.addresses;
 }
 
 void NLLookup::cancel() {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "net/NLAddress.h"
 
@@ -15,9 +16,9 @@ class NLLookup {
   /// Starts the lookup. Throws NLException when no thread can be started.
   NLLookup(const std::string& host, std::uint16_t port);
 
-  /// Waits for the answer. Throws what NLAddress::set throws, or an NLException with the message
-  /// "Lookup cancelled" once cancel was called.
-  [[nodiscard]] NLAddress get();
+  /// Waits for all addresses of the host. Throws what NLAddress::all throws, or an NLException with
+  /// the message "Lookup cancelled" once cancel was called.
+  [[nodiscard]] std::vector<NLAddress> get();
 
   /// Any thread: makes get() return at once.
   void cancel();

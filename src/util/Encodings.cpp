@@ -1,6 +1,11 @@
 #include "util/Encodings.h"
 
+#include <iconv.h>
+
+#include <algorithm>
 #include <cstdint>
+#include <map>
+#include <utility>
 
 namespace corvane {
 namespace {
@@ -66,6 +71,57 @@ void AppendVisible(std::string& out, std::uint32_t code) {
   }
 }
 
+bool IsAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+constexpr char kUtf8[] = "UTF-8";
+
+// A way from one encoding to another, where the system has it.
+class Converter {
+ public:
+  Converter(const std::string& from, const std::string& to)
+      : way_(::iconv_open(to.c_str(), from.c_str())) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (IsOpen()) ::iconv_close(way_);
+  }
+
+  // Nothing where the bytes are not all of the one encoding, or the other lacks a character.
+  std::optional<std::string> Convert(std::string_view bytes) {
+    constexpr std::size_t kMostPerByte = 4;
+    if (!IsOpen()) return std::nullopt;
+    std::string out(bytes.size() * kMostPerByte + kMostPerByte, '\0');
+    // iconv takes what it only reads by a pointer that could be written through.
+    char* from = const_cast<char*>(bytes.data());
+    std::size_t left = bytes.size();
+    char* to = out.data();
+    std::size_t room = out.size();
+    ::iconv(way_, nullptr, nullptr, nullptr, nullptr);
+    const bool exact = ::iconv(way_, &from, &left, &to, &room) == 0 && left == 0 &&
+                       ::iconv(way_, nullptr, nullptr, &to, &room) == 0;
+    if (!exact) return std::nullopt;
+    out.resize(out.size() - room);
+    return out;
+  }
+
+ private:
+  [[nodiscard]] bool IsOpen() const {  // The library's "(iconv_t)-1".
+    return reinterpret_cast<std::intptr_t>(way_) != -1;
+  }
+
+  iconv_t way_;
+};
+
+// Opening a way takes up to milliseconds, so each thread keeps the few that it uses.
+std::optional<std::string> Converted(std::string_view bytes, const std::string& from,
+                                     const std::string& to) {
+  thread_local std::map<std::pair<std::string, std::string>, Converter> ways;
+  const auto [way, fresh] = ways.try_emplace({from, to}, from, to);
+  return way->second.Convert(bytes);
+}
+
 }  // namespace
 
 bool IsUtf8(std::string_view bytes) {
@@ -78,16 +134,51 @@ bool IsUtf8(std::string_view bytes) {
   return true;
 }
 
-std::string DisplayText(std::string_view bytes) {
-  std::string text;
-  text.reserve(bytes.size());
-  const bool utf8 = IsUtf8(bytes);
-  while (!bytes.empty()) {
-    std::uint32_t code = static_cast<unsigned char>(bytes.front());
-    bytes.remove_prefix(utf8 ? DecodeUtf8(bytes, code) : 1);
-    AppendVisible(text, code);
+std::vector<OfferedEncoding> OfferedEncodings() {
+  return {
+      {Text("Western European"), "WINDOWS-1252"},
+      {Text("Western European (ISO)"), "ISO-8859-15"},
+      {Text("Central European"), "WINDOWS-1250"},
+      {Text("Central European (ISO)"), "ISO-8859-2"},
+      {Text("Cyrillic"), "WINDOWS-1251"},
+      {Text("Cyrillic (KOI8-R)"), "KOI8-R"},
+      {Text("Cyrillic (KOI8-U)"), "KOI8-U"},
+      {Text("Greek"), "WINDOWS-1253"},
+      {Text("Turkish"), "WINDOWS-1254"},
+      {Text("Baltic"), "WINDOWS-1257"},
+      {Text("Japanese (Shift_JIS)"), "CP932"},
+      {Text("Japanese (EUC)"), "EUC-JP"},
+      {Text("Korean"), "EUC-KR"},
+      {Text("Chinese, simplified"), "GBK"},
+      {Text("Chinese, traditional"), "BIG5"},
+  };
+}
+
+std::string Decoded(std::string_view bytes, const std::string& encoding) {
+  if (IsUtf8(bytes)) return std::string(bytes);
+  if (!encoding.empty()) {
+    if (auto text = Converted(bytes, encoding, kUtf8); text && IsUtf8(*text)) return *text;
   }
+  std::string text;
+  for (const char byte : bytes) AppendUtf8(text, static_cast<unsigned char>(byte));
   return text;
+}
+
+std::optional<std::string> Encoded(std::string_view text, const std::string& encoding) {
+  if (encoding.empty() || IsAscii(text) || !IsUtf8(text)) return std::string(text);
+  return Converted(text, kUtf8, encoding);
+}
+
+std::string DisplayText(std::string_view bytes, const std::string& encoding) {
+  std::string shown;
+  shown.reserve(bytes.size());
+  const std::string text = Decoded(bytes, encoding);
+  for (std::string_view rest = text; !rest.empty();) {
+    std::uint32_t code = 0;
+    rest.remove_prefix(DecodeUtf8(rest, code));
+    AppendVisible(shown, code);
+  }
+  return shown;
 }
 
 }  // namespace corvane

@@ -61,6 +61,7 @@ int LocalFile::OpenPresent(int flags) {
   if (!own_ || ::fstat(own_.get(), &status) != 0) return errno;
   if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
   initialSize_ = status.st_size;
+  initialTime_ = status.st_mtime;
   return flags == O_RDONLY ? 0 : LockEntry(folder_.get(), name_, own_.get());
 }
 
@@ -103,6 +104,7 @@ int LocalFile::OpenForReading(const std::string& path) {
   if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
   own_ = std::move(fd);
   initialSize_ = status.st_size;
+  initialTime_ = status.st_mtime;
   return 0;
 }
 
@@ -162,7 +164,14 @@ int LocalFile::StartAfresh() {
   return 0;
 }
 
+void LocalFile::ApplyTime() const {
+  if (!time_) return;
+  const timespec times[] = {{0, UTIME_OMIT}, {*time_, 0}};
+  static_cast<void>(::futimens(Target(), times));
+}
+
 int LocalFile::Commit(Durability durability) {
+  if (writes_) ApplyTime();
   const bool named = created_ || part_;
   const bool now = writes_ && durability == Durability::Now;
   if ((now || part_) && ::fsync(Target()) != 0) return errno;
@@ -191,7 +200,8 @@ void LocalFile::Discard() {
   folder_.reset();
   name_.clear();
   created_ = writes_ = false;
-  initialSize_ = position_ = pushed_ = 0;
+  initialSize_ = initialTime_ = position_ = pushed_ = 0;
+  time_.reset();
 }
 
 }  // namespace corvane

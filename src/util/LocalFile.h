@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,6 +55,11 @@ class LocalFile {
   [[nodiscard]] int ReadAt(std::int64_t offset, std::span<char> buffer, std::size_t& got) const;
   /// Writes all bytes.
   [[nodiscard]] int Write(std::span<const char> bytes);
+  /// When what stood at the name when it was opened was changed, in seconds since 1970.
+  [[nodiscard]] std::int64_t InitialTime() const { return initialTime_; }
+  /// What is written is to bear that time, in seconds since 1970, once it is committed; a file
+  /// system that does not let it keeps its own.
+  void SetTime(std::int64_t seconds) { time_ = seconds; }
   /// Begins again at 0 in a part file, as Replace does. What stood at the name when it was opened
   /// stays as it was until Commit, and so does what was written to a file of CreateNew; what a part
   /// file or a resumed file got is given up.
@@ -74,6 +80,7 @@ class LocalFile {
   int OpenPart();
   int KeepMode();
   void StartWriteBack();
+  void ApplyTime() const;
   [[nodiscard]] int Target() const { return part_ ? part_.Fd() : own_.get(); }
 
   std::string name_;
@@ -83,6 +90,8 @@ class LocalFile {
   bool created_ = false;
   bool writes_ = false;
   std::int64_t initialSize_ = 0;
+  std::int64_t initialTime_ = 0;
+  std::optional<std::int64_t> time_;
   std::int64_t position_ = 0;
   std::int64_t pushed_ = 0;  // so far the kernel was told to write back
 };

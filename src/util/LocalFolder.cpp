@@ -36,4 +36,9 @@ int LocalFolder::SyncAll() const {
   return 0;
 }
 
+int LocalFolder::SetTime(std::int64_t seconds) const {
+  const timespec times[] = {{0, UTIME_OMIT}, {seconds, 0}};
+  return ::utimensat(fd_.get(), ".", times, 0) == 0 ? 0 : errno;
+}
+
 }  // namespace corvane

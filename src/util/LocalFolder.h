@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,10 @@ class LocalFolder {
   /// Writes everything on the folder's file system to the disk: one call for a whole tree whose
   /// files were committed with Durability::Later. Blocks as long as the disk needs.
   [[nodiscard]] int SyncAll() const;
+
+  /// Gives the folder a time of its last change, in seconds since 1970; what is made in it later
+  /// changes that.
+  [[nodiscard]] int SetTime(std::int64_t seconds) const;
 
   [[nodiscard]] int Fd() const { return fd_.get(); }
 

@@ -4,19 +4,32 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
+#include <utility>
 
 #include "util/Percent.h"
 
 namespace corvane {
 namespace {
 
-constexpr std::string_view kScheme = "ftp://";
-constexpr std::uint16_t kUsualPort = 21;
+using Scheme = Url::Scheme;
+
+constexpr std::pair<std::string_view, Scheme> kSchemes[] = {
+    {"ftp://", Scheme::Ftp}, {"ftpes://", Scheme::Ftpes}, {"ftps://", Scheme::Ftps}};
 
 std::string_view Trimmed(std::string_view text) {
   constexpr std::string_view kBlanks = " \t\r\n";
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
   return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+// The scheme with which `text` begins; null without any.
+const std::pair<std::string_view, Scheme>* SchemeOf(std::string_view text) {
+  const auto* found = std::ranges::find_if(kSchemes, [text](const auto& scheme) {
+    const std::string_view name = scheme.first;
+    return text.size() >= name.size() && ::strncasecmp(text.data(), name.data(), name.size()) == 0;
+  });
+  return found != std::end(kSchemes) ? found : nullptr;
 }
 
 // Puts the part's bytes into `bytes`; false where they cannot be read.
@@ -59,7 +72,7 @@ bool ReadHost(std::string_view text, Url& url) {
   return end >= text.size() || ReadPort(text.substr(end + 1), url);
 }
 
-// What stands behind "ftp://".
+// What stands behind the scheme.
 std::optional<Url> ReadRest(std::string_view text) {
   Url url;
   const std::size_t slash = std::min(text.find('/'), text.size());
@@ -83,14 +96,16 @@ bool IsPlainV6(std::string_view text) {
 }  // namespace
 
 bool Url::IsMeant(std::string_view text) {
-  text = Trimmed(text);
-  return text.size() >= kScheme.size() &&
-         ::strncasecmp(text.data(), kScheme.data(), kScheme.size()) == 0;
+  return SchemeOf(Trimmed(text)) != nullptr;
 }
 
 std::optional<Url> Url::Read(std::string_view text) {
-  if (!IsMeant(text)) return {};
-  return ReadRest(Trimmed(text).substr(kScheme.size()));
+  text = Trimmed(text);
+  const auto* scheme = SchemeOf(text);
+  if (scheme == nullptr) return {};
+  auto url = ReadRest(text.substr(scheme->first.size()));
+  if (url.has_value()) url->scheme = scheme->second;
+  return url;
 }
 
 std::optional<Url> Url::ReadAddress(std::string_view text) {
@@ -105,13 +120,14 @@ std::optional<Url> Url::ReadAddress(std::string_view text) {
 std::string Url::Written() const {
   constexpr std::string_view kInHost = "!$&'()*+,;=";
   constexpr std::string_view kInPath = "!$&'()*+,;=:@/";
-  std::string text(kScheme);
+  std::string text(
+      std::ranges::find(kSchemes, scheme, [](const auto& one) { return one.second; })->first);
   if (host.find(':') != std::string::npos) {
     text += "[" + PercentEncoded(host, ":") + "]";
   } else {
     text += PercentEncoded(host, kInHost);
   }
-  if (port.value_or(kUsualPort) != kUsualPort) text += ":" + std::to_string(*port);
+  if (port.value_or(UsualPort()) != UsualPort()) text += ":" + std::to_string(*port);
   return text + PercentEncoded(path, kInPath);
 }
 

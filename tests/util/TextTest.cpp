@@ -34,6 +34,39 @@ TEST(Encodings, OnlyWellFormedUtf8IsUtf8) {
     EXPECT_FALSE(IsUtf8(bad));
 }
 
+TEST(Encodings, NamesSurviveTheWayThereAndBack) {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"", "Gr\xFC\xDF", "Grüß"},  // Latin-1 is only read
+      {"WINDOWS-1252", "100 \x80", "100 €"},
+      {"WINDOWS-1251", "\xCF\xF0\xE8\xE2\xE5\xF2.txt", "Привет.txt"},
+      {"KOI8-R", "\xF0\xD2\xC9\xD7\xC5\xD4", "Привет"},
+      {"EUC-KR", "\xC7\xD1\xB1\xDB 1", "한글 1"},
+      {"GBK", "\xD6\xD0\xCE\xC4", "中文"},
+      {"CP932", "\x95\x5C\x83\x65", "表テ"},  // the first ends in a backslash
+      {"EUC-KR", "Ünï", "Ünï"},               // UTF-8 is recognised for what it is
+      {"EUC-KR", "a\xFF\xFE", "aÿþ"},         // of no encoding
+      {"BIG5", "\xA4", "¤"},                  // cut
+      {"no such", "\xE4", "ä"},
+  };
+  for (const auto& [encoding, bytes, text] : cases) {
+    EXPECT_EQ(Decoded(bytes, encoding), text) << encoding;
+    EXPECT_EQ(DisplayText(bytes, encoding), text) << encoding;
+    const bool reads =
+        IsUtf8(bytes) || encoding.empty() || text == "aÿþ" || text == "¤" || text == "ä";
+    if (!reads) EXPECT_EQ(Encoded(text, encoding), bytes) << encoding;
+  }
+  const std::tuple<std::string, std::string, std::optional<std::string>> typed[] = {
+      {"", "ä€", "ä€"},        {"KOI8-R", "plain", "plain"}, {"KOI8-R", "100 €", {}},
+      {"GBK", "\xFF", "\xFF"}, {"no such", "ä", {}},
+  };
+  for (const auto& [encoding, text, bytes] : typed) EXPECT_EQ(Encoded(text, encoding), bytes);
+  // The system has every one that is offered.
+  for (const OfferedEncoding& offered : OfferedEncodings()) {
+    const auto has = [&](const char* letter) { return Encoded(letter, offered.name).has_value(); };
+    EXPECT_TRUE(has("é") || has("ж") || has("α") || has("あ") || has("한")) << offered.name;
+  }
+}
+
 TEST(Encodings, ShownTextHidesNothing) {
   using std::string_view_literals::operator""sv;
   const std::pair<std::string_view, std::string_view> cases[] = {

@@ -2,9 +2,10 @@
 """Serves a sample tree on a free loopback port, or the one named with --port, until it is told to end
 (SIGTERM, SIGINT).
 
-The login is demo/demo and may do everything. The first line on standard output is "PORT ROOT", the
-port and the directory that is served; with --log every command and reply follows. SIGUSR1 ends
-the connections that stand, as a server does with those that are idle.
+The login is demo/demo, or the one named with --login, and may do everything. With --certificate the
+server offers encryption. The first line on standard output is "PORT ROOT", the port and the directory
+that is served; with --log every command and reply follows. SIGUSR1 ends the connections that stand, as
+a server does with those that are idle.
 """
 
 import argparse
@@ -18,7 +19,7 @@ import tempfile
 import zlib
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler
+from pyftpdlib.handlers import DTPHandler, FTPHandler, ThrottledDTPHandler
 from pyftpdlib.ioloop import IOLoop
 from pyftpdlib.servers import FTPServer
 
@@ -69,7 +70,9 @@ def make_tree(root):
             file.write(struct.pack(">Q", number) + block[8:])
 
 
-class Handler(FTPHandler):
+class Sample:
+    """What the sample server adds to a handler of connections."""
+
     banner = "Sample server ready."
     trace = False
 
@@ -86,9 +89,20 @@ class Handler(FTPHandler):
 
 def end_connections(*_):
     for one in list(IOLoop.instance().socket_map.values()):
-        if isinstance(one, Handler):
+        if isinstance(one, Sample):
             one.respond("421 You were idle for too long.")
             one.close_when_done()
+
+
+def handlers(certificate, rate):
+    """The class of control connections, which names that of data connections."""
+    control, data = FTPHandler, DTPHandler
+    if certificate:
+        from pyftpdlib.handlers import TLS_DTPHandler, TLS_FTPHandler  # they want pyOpenSSL
+        control, data = TLS_FTPHandler, TLS_DTPHandler
+    if rate:
+        data = type("Data", (ThrottledDTPHandler, data), {"read_limit": rate, "write_limit": rate})
+    return type("Handler", (Sample, control), {"certfile": certificate, "dtp_handler": data})
 
 
 def main():
@@ -100,18 +114,18 @@ def main():
     parser.add_argument("--log", action="store_true")
     parser.add_argument("--port", type=int, default=0)
     parser.add_argument("--rate", type=int, default=0, help="bytes in a second")
+    parser.add_argument("--login", default="demo:demo", help="NAME:PASSWORD")
+    parser.add_argument("--certificate", help="a file with key and certificate")
     options = parser.parse_args()
     with tempfile.TemporaryDirectory(prefix="corvane-demo-") as name:
         root = pathlib.Path(name)
         make_tree(root)
         authorizer = DummyAuthorizer()
-        authorizer.add_user("demo", "demo", name, perm="elradfmwMT")
-        Handler.authorizer = authorizer
-        Handler.trace = options.log
-        if options.rate:
-            ThrottledDTPHandler.read_limit = ThrottledDTPHandler.write_limit = options.rate
-            Handler.dtp_handler = ThrottledDTPHandler
-        server = FTPServer(("127.0.0.1", options.port), Handler)
+        authorizer.add_user(*options.login.split(":", 1), name, perm="elradfmwMT")
+        handler = handlers(options.certificate, options.rate)
+        handler.authorizer = authorizer
+        handler.trace = options.log
+        server = FTPServer(("127.0.0.1", options.port), handler)
         try:
             print(server.socket.getsockname()[1], name, flush=True)
             server.serve_forever(handle_exit=False)

@@ -77,7 +77,8 @@ class Server:
 
 
 def private_environment(folder, home=None):
-    """A home of its own, so that nothing of the user's is read or written."""
+    """A home of its own, so that nothing of the user's is read or written. A bus of its own starts
+    no keyring there, which would ask for a password of its own."""
     home = home or folder / "home"
     environment = {name: value for name, value in os.environ.items()
                    if name not in ("WAYLAND_DISPLAY", "XDG_SESSION_TYPE", "QT_QPA_PLATFORM")}
@@ -86,6 +87,10 @@ def private_environment(folder, home=None):
     for name, place in places.items():
         place.mkdir(mode=0o700, parents=True, exist_ok=True)
         environment[name] = str(place)
+    services = home / "data/dbus-1/services"
+    services.mkdir(parents=True, exist_ok=True)
+    (services / "org.freedesktop.secrets.service").write_text(
+        "[D-BUS Service]\nName=org.freedesktop.secrets\nExec=/bin/false\n")
     downloads = home / "Downloads"
     downloads.mkdir()
     (home / "config/user-dirs.dirs").write_text(f'XDG_DOWNLOAD_DIR="{downloads}"\n')

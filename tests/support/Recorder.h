@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,8 @@ struct OwnerRecord {
   std::vector<Sound> sounds;
   std::vector<std::string> statuses;
   std::string log;
+  std::vector<UserQuestion::Subject> questions;
+  std::vector<Protection> protections;
 
   /// The texts under `field` of all messages with the code `what`.
   [[nodiscard]] std::vector<std::string> Texts(std::uint32_t what, std::string_view field) const {
@@ -35,6 +38,10 @@ template <typename Seam, typename Record>
 class Recorder : public Seam {
  public:
   std::atomic<bool> closing{false};
+  /// What every question is answered with, at once, unless it is left open.
+  std::atomic<UserQuestion::Answer> answer{UserQuestion::Answer::No};
+  std::atomic<bool> leavesOpen{false};
+  std::string passphrase{};  ///< comes with each answer
 
   [[nodiscard]] Record Seen() const {
     const MutexLock hold(lock_);
@@ -52,6 +59,13 @@ class Recorder : public Seam {
   }
   bool AppendLog(std::string_view line) override {
     return Note([&](Record& r) { r.log += line; });
+  }
+  bool ShowProtection(const Protection& protection) override {
+    return Note([&](Record& r) { r.protections.push_back(protection); });
+  }
+  bool Ask(const std::shared_ptr<UserQuestion>& question) override {
+    if (!leavesOpen) question->Give(answer, passphrase);
+    return Note([&](Record& r) { r.questions.push_back(question->About()); });
   }
 
  protected:

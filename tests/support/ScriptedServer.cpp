@@ -18,13 +18,20 @@ namespace corvane {
 
 namespace {
 
-constexpr std::uint32_t kStranger = 0x7F000002;  // 127.0.0.2
+const NLAddress kStranger("127.0.0.2", 0);
 
 const std::map<std::string_view, const char*> kFixedReplies = {
-    {"greeting", "220 Ready.\r\n"},  {"USER", "331 Password, please.\r\n"},
-    {"PASS", "230 Logged in.\r\n"},  {"SYST", "215 UNIX Type: L8\r\n"},
-    {"TYPE", "200 Type set.\r\n"},   {"PASV", "227 Entering Passive Mode (127,0,0,1,{port}).\r\n"},
-    {"NOOP", "200 Still here.\r\n"}, {"QUIT", "221 Bye.\r\n"}};
+    {"greeting", "220 Ready.\r\n"},
+    {"USER", "331 Password, please.\r\n"},
+    {"PASS", "230 Logged in.\r\n"},
+    {"SYST", "215 UNIX Type: L8\r\n"},
+    {"TYPE", "200 Type set.\r\n"},
+    {"PASV", "227 Entering Passive Mode (127,0,0,1,{port}).\r\n"},
+    {"EPSV", "229 Entering Extended Passive Mode (|||{epsv}|).\r\n"},
+    {"NOOP", "200 Still here.\r\n"},
+    {"QUIT", "221 Bye.\r\n"},
+    {"PBSZ", "200 As you like.\r\n"},
+    {"PROT", "200 As you like.\r\n"}};
 
 /// Makes the coming close of a socket a reset.
 void MakeCloseReset(int fd) {
@@ -47,7 +54,7 @@ class ScriptedSession {
     Perform("greeting", "");
     while (control_) {
       pollfd next = {control_.get(), POLLIN, 0};
-      if (!held_.empty()) ::poll(&next, 1, 2'000);
+      if (!held_.empty() && ahead_.empty()) ::poll(&next, 1, 2'000);
       Write(control_.get(), std::exchange(held_, {}));
       if (IsIdle()) break;
       const std::string line = ReadLine();
@@ -75,7 +82,7 @@ class ScriptedSession {
   void Perform(const std::string& verb, const std::string& argument) {
     action_ = server_.Next(verb);
     if (action_.arrived) action_.arrived();
-    if (verb == "PASV") std::tie(passive_, passivePort_) = server_.ListenOnHost();
+    if (verb == "PASV" || verb == "EPSV") std::tie(passive_, passivePort_) = server_.ListenOnHost();
     action_.reply ? Say(*action_.reply) : Dispatch(verb, argument);
     if (action_.control == ControlEnd::Reset) MakeCloseReset(control_.get());
     if (action_.control != ControlEnd::Open) control_.reset();
@@ -86,6 +93,8 @@ class ScriptedSession {
       text.replace(at, 6,
                    std::to_string(passivePort_ / 256) + "," + std::to_string(passivePort_ % 256));
     }
+    if (const std::size_t at = text.find("{epsv}"); at != std::string::npos)
+      text.replace(at, 6, std::to_string(passivePort_));
     if (text.empty()) return;
     server_.NoteReply(text);
     if (action_.late) {
@@ -104,15 +113,69 @@ class ScriptedSession {
   }
 
   /// A command with its line end; "" when there is none any more.
-  [[nodiscard]] std::string ReadLine() const {
-    std::string line;
-    for (char c = 0; c != '\n'; line += c) {
-      if (!Wait(control_.get(), POLLIN) || ::recv(control_.get(), &c, 1, 0) != 1) return "";
+  [[nodiscard]] std::string ReadLine() {
+    while (ahead_.find('\n') == std::string::npos) {
+      const std::string more = Receive(control_.get(), controlTls_.get(), 4096);
+      if (more.empty()) return "";
+      ahead_ += more;
     }
+    const std::string line = ahead_.substr(0, ahead_.find('\n') + 1);
+    ahead_.erase(0, line.size());
     return line;
   }
 
+  /// What comes next, at most so many bytes of it; "" at the end.
+  [[nodiscard]] std::string Receive(int fd, TlsEnd* tls, std::size_t most) {
+    broken_ = false;
+    // It may have come together with the end of the handshake.
+    std::string plain = tls != nullptr ? tls->Open() : std::string();
+    while (plain.empty()) {
+      std::string bytes(most, '\0');
+      const ssize_t count = Wait(fd, POLLIN) ? ::recv(fd, bytes.data(), most, 0) : -1;
+      broken_ = count < 0;
+      bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+      if (tls == nullptr || bytes.empty()) return bytes;
+      tls->Feed(bytes);
+      plain = tls->Open();
+    }
+    return plain;
+  }
+
+  /// The server's end of a handshake; null where it does not come about.
+  [[nodiscard]] std::unique_ptr<TlsEnd> Shake(int fd) const {
+    auto tls = std::make_unique<TlsEnd>(*server_.Tls());
+    std::size_t left = action_.handshakeLimit;
+    std::array<char, 4096> block{};
+    for (bool done = false; !done;) {
+      if (!Wait(fd, POLLIN)) return nullptr;
+      const ssize_t count = ::recv(fd, block.data(), block.size(), 0);
+      if (count <= 0) return nullptr;
+      tls->Feed({block.data(), static_cast<std::size_t>(count)});
+      done = tls->Shake();
+      const std::string out = tls->Wire().substr(0, left);
+      left -= std::min(left, out.size());
+      const bool written = WriteRaw(fd, out);
+      if (left == 0 && action_.dataEnd == DataEnd::Stall) Wait(fd, POLLRDHUP);
+      if (!written || left == 0) return nullptr;
+    }
+    return tls;
+  }
+
+  void Auth() {
+    if (!server_.Tls()) return Say("502 Not known here.\r\n");
+    Say("234 Go on.\r\n");
+    controlTls_ = Shake(control_.get());
+    if (!controlTls_) control_.reset();
+  }
+
   bool Write(int fd, std::string_view bytes) const {
+    TlsEnd* const tls = fd == control_.get() ? controlTls_.get() : dataTls_.get();
+    if (tls == nullptr) return WriteRaw(fd, bytes);
+    tls->Seal(bytes);
+    return WriteRaw(fd, tls->Wire());
+  }
+
+  bool WriteRaw(int fd, std::string_view bytes) const {
     while (!bytes.empty()) {
       if (!Wait(fd, POLLOUT)) return false;
       const ssize_t count = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
@@ -136,12 +199,16 @@ class ScriptedSession {
       if (verb == "QUIT") control_.reset();
     } else if (verb == "PWD") {
       Say("257 \"" + directory_ + "\" is here.\r\n");
+    } else if (verb == "AUTH") {
+      Auth();
     } else if (verb == "PORT") {
       Port(argument);
+    } else if (verb == "EPRT") {
+      ExtendedPort(argument);
     } else if (verb == "REST") {
       restart_ = std::strtoull(argument.c_str(), nullptr, 10);
       Say("350 Restarting there.\r\n");
-    } else if (verb == "LIST") {
+    } else if (verb == "LIST" || (verb == "MLSD" && action_.data)) {
       SendData(server_.Tree().Listing(directory_));
     } else {
       AboutPath(verb, VirtualTree::Join(directory_, argument));
@@ -155,7 +222,20 @@ class ScriptedSession {
     for (std::uint32_t& number : n) numbers >> number;
     passive_.reset();
     const auto port = static_cast<std::uint16_t>(n[4] << 8 | n[5]);
-    active_ = {AF_INET, htons(port), {htonl(n[0] << 24 | n[1] << 16 | n[2] << 8 | n[3])}, {}};
+    active_.set(in_addr{htonl(n[0] << 24 | n[1] << 16 | n[2] << 8 | n[3])}, port);
+    Say("200 Port noted.\r\n");
+  }
+
+  /// "|2|::1|5282|"
+  void ExtendedPort(std::string argument) {
+    std::replace(argument.begin(), argument.end(), '|', ' ');
+    std::istringstream words(argument);
+    std::string family;
+    std::string host;
+    std::uint16_t port = 0;
+    words >> family >> host >> port;
+    passive_.reset();
+    active_.set(host.c_str(), port);
     Say("200 Port noted.\r\n");
   }
 
@@ -200,15 +280,14 @@ class ScriptedSession {
     UniqueFd data = BeginData();
     if (!data) return;
     std::string bytes;
-    std::array<char, 65536> block;
-    ssize_t count = 1;
-    while (count > 0 && bytes.size() < action_.dataLimit) {
-      const std::size_t most = std::min(action_.dataLimit - bytes.size(), block.size());
-      count = Wait(data.get(), POLLIN) ? ::recv(data.get(), block.data(), most, 0) : -1;
-      if (count > 0) bytes.append(block.data(), static_cast<std::size_t>(count));
+    std::string more = "begin";
+    while (!more.empty() && bytes.size() < action_.dataLimit) {
+      const std::size_t most = std::min<std::size_t>(action_.dataLimit - bytes.size(), 65536);
+      more = Receive(data.get(), dataTls_.get(), most);
+      bytes += more;
     }
     server_.Tree().AddFile(path, bytes);
-    EndData(std::move(data), count >= 0);
+    EndData(std::move(data), !broken_);
   }
 
   /// Opens the data connection and says the preliminary reply; none when nothing more is to be
@@ -225,6 +304,8 @@ class ScriptedSession {
       passive_.reset();
     }
     Say(data ? preliminary : "425 No data connection.\r\n");
+    dataTls_ = data && controlTls_ ? Shake(data.get()) : nullptr;
+    if (controlTls_ && !dataTls_) data.reset();
     return data;
   }
 
@@ -233,28 +314,40 @@ class ScriptedSession {
       Wait(data.get(), POLLRDHUP);
       whole = false;
     }
+    if (dataTls_ && action_.saysEnd) {
+      dataTls_->SayEnd();
+      WriteRaw(data.get(), dataTls_->Wire());
+    }
+    dataTls_.reset();
     if (action_.dataEnd == DataEnd::Reset) MakeCloseReset(data.get());
     data.reset();
     Say(action_.completion.value_or(whole ? "226 Done.\r\n" : "426 Broken off.\r\n"));
   }
 
-  [[nodiscard]] UniqueFd Connect(std::uint32_t from) const {
-    UniqueFd data(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const sockaddr_in source{AF_INET, 0, {htonl(from)}, {}};
-    (void)::bind(data.get(), reinterpret_cast<const sockaddr*>(&source), sizeof source);
-    const auto* const target = reinterpret_cast<const sockaddr*>(&active_);
-    return ::connect(data.get(), target, sizeof active_) == 0 ? std::move(data) : UniqueFd();
+  [[nodiscard]] UniqueFd Connect(const NLAddress& from) const {
+    UniqueFd data(::socket(from.family(), SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_storage source{};
+    sockaddr_storage target{};
+    from.get(source);
+    active_.get(target);
+    (void)::bind(data.get(), reinterpret_cast<const sockaddr*>(&source), from.length());
+    const auto* const plain = reinterpret_cast<const sockaddr*>(&target);
+    return ::connect(data.get(), plain, active_.length()) == 0 ? std::move(data) : UniqueFd();
   }
 
   ScriptedServer& server_;
   UniqueFd control_;
   ScriptedAction action_;
-  std::string held_;  // replies that are late
+  std::unique_ptr<TlsEnd> controlTls_;
+  std::unique_ptr<TlsEnd> dataTls_;
+  bool broken_ = false;  // the last receive failed
+  std::string ahead_;    // received, and no whole line yet
+  std::string held_;     // replies that are late
   std::string directory_ = "/";
   std::size_t restart_ = 0;
   UniqueFd passive_;
   std::uint16_t passivePort_ = 0;
-  sockaddr_in active_{};
+  NLAddress active_;
 };
 
 void ScriptedServer::Serve(UniqueFd control) {
@@ -262,18 +355,20 @@ void ScriptedServer::Serve(UniqueFd control) {
 }
 
 std::pair<UniqueFd, std::uint16_t> ScriptedServer::ListenOnHost() const {
-  UniqueFd listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{AF_INET, 0, {htonl(host_)}, {}};
-  socklen_t length = sizeof address;
+  UniqueFd listener(::socket(host_.family(), SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_storage address{};
+  host_.get(address);
+  socklen_t length = host_.length();
   auto* const plain = reinterpret_cast<sockaddr*>(&address);
   if (::bind(listener.get(), plain, length) != 0 || ::listen(listener.get(), 16) != 0 ||
       ::getsockname(listener.get(), plain, &length) != 0) {
     throw std::runtime_error("cannot listen on the loopback interface");
   }
-  return {std::move(listener), ntohs(address.sin_port)};
+  return {std::move(listener), NLAddress(address).port()};
 }
 
-ScriptedServer::ScriptedServer(std::uint32_t host) : host_(host), stop_(::eventfd(0, EFD_CLOEXEC)) {
+ScriptedServer::ScriptedServer(const NLAddress& host)
+    : host_(host), stop_(::eventfd(0, EFD_CLOEXEC)) {
   std::tie(listener_, port_) = ListenOnHost();
   thread_ = std::thread([this] { Listen(); });
 }
@@ -284,10 +379,12 @@ ScriptedServer::~ScriptedServer() {
 }
 
 Site ScriptedServer::Where(bool passive) const {
-  const in_addr address = {htonl(host_)};
-  std::array<char, INET_ADDRSTRLEN> text{};
-  const std::string host = ::inet_ntop(AF_INET, &address, text.data(), text.size());
-  return {.host = host, .port = port_, .user = "u", .password = "p", .passive = passive};
+  return {.host = host_.text(),
+          .port = port_,
+          .user = "u",
+          .password = "p",
+          .passive = passive,
+          .security = Security::Plain};
 }
 
 void ScriptedServer::Listen() {

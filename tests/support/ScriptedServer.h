@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <thread>
@@ -12,7 +13,9 @@
 #include <vector>
 
 #include "kit/Mutex.h"
+#include "net/NLAddress.h"
 #include "remote/Site.h"
+#include "support/TlsEnd.h"
 #include "support/VirtualTree.h"
 #include "util/UniqueFd.h"
 
@@ -30,7 +33,8 @@ enum class DataEnd { Close, Reset, Stall };
 struct ScriptedAction {
   std::function<void()> arrived = {};  ///< called on the server's thread
   /// Sent in place of doing anything: whole replies, half a line, or "" for silence. "{port}"
-  /// becomes the two numbers of the passive port (PASV listens all the same).
+  /// becomes the two numbers of the passive port (PASV listens all the same),
+  /// "{epsv}" the port as EPSV tells it.
   std::optional<std::string> reply = {};
   bool late = false;        ///< what it says is held back for 2 seconds, or until the next command
   bool byteByByte = false;  ///< every byte of a reply in a packet of its own
@@ -44,6 +48,10 @@ struct ScriptedAction {
   std::optional<std::string> completion = {};  ///< in place of the 226; "" leaves it out
 
   ControlEnd control = ControlEnd::Open;
+
+  // AUTH and encrypted data.
+  std::size_t handshakeLimit = std::string::npos;  ///< bytes of it after which all is over
+  bool saysEnd = true;                             ///< close_notify at the end of data
 };
 
 /// An FTP server on a loopback port, serving a tree in memory, that misbehaves as it is told.
@@ -51,10 +59,10 @@ struct ScriptedAction {
 /// Every control connection has its own thread; every wait is bounded. All calls from any thread.
 class ScriptedServer {
  public:
-  /// `host`, in host order, is the address that it listens on and connects from. Where many run at
-  /// once and break off, each has one of its own: a port that one client has let go of may be the
-  /// next one's, and a late connection to it is then a stranger's.
-  explicit ScriptedServer(std::uint32_t host = 0x7F000001);
+  /// `host` is the address that it listens on and connects from. Where many run at once and break
+  /// off, each has one of its own: a port that one client has let go of may be the next one's, and
+  /// a late connection to it is then a stranger's.
+  explicit ScriptedServer(const NLAddress& host = NLAddress("127.0.0.1", 0));
   /// Hangs up everywhere and waits for the threads.
   ~ScriptedServer();
   ScriptedServer(const ScriptedServer&) = delete;
@@ -69,6 +77,11 @@ class ScriptedServer {
   /// all connections; 0 stands for every one that has no action of its own.
   void On(const std::string& verb, ScriptedAction action, int occurrence = 0);
 
+  /// From now on offers AUTH TLS with this identity.
+  void Encrypt(const TestIdentity& identity) {
+    const MutexLock hold(lock_);
+    tls_ = std::make_shared<TlsServer>(identity);
+  }
   /// From now on says `words` and closes where so many milliseconds pass without a command.
   void CloseIdle(int milliseconds, std::string words) {
     const MutexLock hold(lock_);
@@ -97,6 +110,10 @@ class ScriptedServer {
   void Listen();
   /// One control connection, on a thread of its own.
   void Serve(UniqueFd control);
+  [[nodiscard]] std::shared_ptr<TlsServer> Tls() {
+    const MutexLock hold(lock_);
+    return tls_;
+  }
   [[nodiscard]] ScriptedAction Next(const std::string& verb);
   void NoteCommand(const std::string& line) {
     const MutexLock hold(lock_);
@@ -108,7 +125,7 @@ class ScriptedServer {
     dialogue_ += "< " + text + (text.ends_with('\n') ? "" : "\n");
   }
 
-  const std::uint32_t host_;
+  const NLAddress host_;
   VirtualTree tree_;
   UniqueFd listener_;
   UniqueFd stop_;  ///< readable once the server stops
@@ -118,6 +135,7 @@ class ScriptedServer {
   std::map<std::string, int> seen_ GUARDED_BY(lock_);
   std::vector<std::string> commands_ GUARDED_BY(lock_);
   std::string dialogue_ GUARDED_BY(lock_);
+  std::shared_ptr<TlsServer> tls_ GUARDED_BY(lock_);
   std::string idleWords_ GUARDED_BY(lock_);
   std::atomic<int> idleLimit_{-1};
   std::atomic<int> closed_{0};

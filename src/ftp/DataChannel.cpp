@@ -1,19 +1,19 @@
 #include "ftp/DataChannel.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <chrono>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "ftp/DataPort.h"
 #include "ftp/FtpControl.h"
 #include "ftp/FtpFailure.h"
+#include "ftp/Reason.h"
 #include "net/NLEndpoint.h"
 #include "net/NLException.h"
+#include "net/TlsStream.h"
+#include "net/Tunnel.h"
 
 namespace corvane {
 namespace {
@@ -23,55 +23,9 @@ constexpr long kMostPatience = 30'000;  // milliseconds for a data connection to
 constexpr int kNoDataConnection = 425;  // RFC 959, 4.2
 constexpr int kBrokenOff = 426;
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-// Six numbers with commas between them at the front of `text`; nothing where there are none.
-std::optional<std::array<unsigned, 6>> SixNumbers(std::string_view text) {
-  std::array<unsigned, 6> numbers{};
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    if (i > 0) {
-      const std::size_t comma = std::min(text.find_first_not_of(' '), text.size());
-      if (!text.substr(comma).starts_with(',')) return std::nullopt;
-      text.remove_prefix(comma + 1);
-      text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    }
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), numbers[i]);
-    if (error != std::errc()) return std::nullopt;
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
-  }
-  return numbers;
-}
-
-// The data port of a PASV reply (RFC 959, 4.1.2): the last two of six numbers, each a byte,
-// wherever they stand behind the code.
-std::optional<std::uint16_t> PassivePort(std::string_view reply) {
-  for (std::size_t at = 4; at < reply.size(); ++at) {
-    if (!IsDigit(reply[at]) || IsDigit(reply[at - 1])) continue;
-    const auto numbers = SixNumbers(reply.substr(at));
-    if (!numbers) continue;
-    if (std::ranges::any_of(*numbers, [](unsigned number) { return number > 255; })) break;
-    const unsigned port = (*numbers)[4] * 256 + (*numbers)[5];
-    return port == 0 ? std::nullopt : std::optional(static_cast<std::uint16_t>(port));
-  }
-  return std::nullopt;
-}
-
-// The PORT command for an address and port in host order (RFC 959, 4.1.2).
-std::string PortCommand(std::uint32_t host, std::uint16_t port) {
-  std::string command = "PORT ";
-  for (const std::uint32_t number : {host >> 24, host >> 16 & 255, host >> 8 & 255, host & 255,
-                                     std::uint32_t{port} >> 8, std::uint32_t{port} & 255})
-    command += std::to_string(number) + ',';
-  command.pop_back();
-  return command;
-}
-
-in_addr HostOf(const NLAddress& address) {
-  in_addr host{};
-  address.get(host, nullptr);
-  return host;
+// For good, as by a server that does not know the command.
+bool IsRefused(const Reply& reply) {
+  return reply.code / 100 == 5;
 }
 
 // Ends the waits of one data connection.
@@ -116,6 +70,7 @@ DataChannel::~DataChannel() = default;
 
 // An endpoint that comes after an interruption is useless.
 void DataChannel::SetEndpoint(std::unique_ptr<NLEndpoint> endpoint) {
+  tls_.reset();
   if (endpoint) endpoint->setSilenceLimit(control_.silenceLimit);
   const MutexLock hold(reach_);
   endpoint_ = std::move(endpoint);
@@ -129,16 +84,37 @@ NLEndpoint* DataChannel::Endpoint() {
 }
 
 Stream& DataChannel::Connection() {
+  if (tls_) return *tls_;
   return *Endpoint();
 }
 
+bool DataChannel::WasCut() const {
+  return tls_ ? tls_->wasCut() : cut_;
+}
+
+void DataChannel::NoteCareless() {
+  if (!std::exchange(careless_, true))
+    control_.UpdateLog("The server does not end the encryption of data, and nothing is missing.\n");
+}
+
 void DataChannel::Close() {
+  if (tls_) cut_ = tls_->wasCut();
+  if (tls_ && !control_.IsInterrupted()) tls_->sayEnd();
   SetEndpoint(nullptr);
 }
 
 void DataChannel::Abort() {
   const MutexLock hold(reach_);
   if (endpoint_) endpoint_->abort();
+}
+
+void DataChannel::Begin() {
+  const bool wide = control_.ServerAddress().family() == AF_INET6;
+  extendedActive_ = wide;
+  // From which family the server sees a proxy come is not known here.
+  extendedPassive_ = wide || control_.IsTunnelled();
+  if (!control_.IsTunnelled() || std::exchange(passive_, true)) return;
+  control_.UpdateLog("Through the proxy all data connections are passive.\n");
 }
 
 Outcome DataChannel::SetUp() {
@@ -157,7 +133,7 @@ Outcome DataChannel::SetUpThisWay() {
 }
 
 bool DataChannel::TryOtherWay() {
-  if (!noConnection_ || std::exchange(triedBoth_, true)) return false;
+  if (!noConnection_ || control_.IsTunnelled() || std::exchange(triedBoth_, true)) return false;
   passive_ = !passive_;
   onTrial_ = true;
   control_.UpdateLog(passive_ ? "No data connection; trying passive ones.\n"
@@ -175,21 +151,32 @@ Outcome DataChannel::SetUpActive() {
   auto listener = std::make_unique<NLEndpoint>(NLEndpoint::stream);
   // Bound where the server already knows this machine: servers refuse a PORT that names another
   // address than the one the control connection comes from.
-  listener->bind(NLAddress(HostOf(control_.LocalAddress()), 0));
+  listener->bind(control_.LocalAddress().withPort(0));
   listener->listen(kBacklog);
-  in_addr here{};
-  std::uint16_t port = 0;
-  listener->localAddress().get(here, &port);
+  const NLAddress here = listener->localAddress();
   SetEndpoint(std::move(listener));
-  return FtpControl::CheckResult(control_.SendCommand(PortCommand(ntohl(here.s_addr), port)),
-                                 Text("The server refuses active connections."));
+  Reply reply =
+      control_.SendCommand(extendedActive_ ? ExtendedPortCommand(here) : PortCommand(here));
+  if (!extendedActive_ && IsRefused(reply)) {
+    const Reply other = control_.SendCommand(ExtendedPortCommand(here));
+    extendedActive_ = other.IsCompletion();
+    if (extendedActive_) reply = other;
+  }
+  return FtpControl::CheckResult(reply, Text("The server refuses active connections."));
 }
 
 Outcome DataChannel::SetUpPassive() {
-  const Reply reply = control_.SendCommand("PASV");
+  Reply reply = control_.SendCommand(extendedPassive_ ? "EPSV" : "PASV");
+  if (IsRefused(reply)) {
+    const Reply other = control_.SendCommand(extendedPassive_ ? "PASV" : "EPSV");
+    if (other.IsCompletion()) {
+      extendedPassive_ = !extendedPassive_;
+      reply = other;
+    }
+  }
   Outcome outcome = FtpControl::CheckResult(reply, Text("The server refuses passive connections."));
   if (!outcome.IsDone()) return outcome;
-  const auto port = PassivePort(reply.text);
+  const auto port = extendedPassive_ ? ExtendedPort(reply.text) : PassivePort(reply.text);
   if (!port) {
     return {Outcome::Kind::Refused, reply.code,
             Text("The server gave no port for the data connection: %1", reply.lastText)};
@@ -210,7 +197,7 @@ Outcome DataChannel::Open(FtpCommand& command) {
   const bool accepted = first.code >= 100 && first.code < 300;
   if (attempt.open && accepted) {
     onTrial_ = false;
-    return {};
+    return protected_ ? Encrypt(attempt) : Outcome();
   }
   Close();
   if (attempt.localFailure) return Outcome::LocalError(attempt.why);
@@ -230,17 +217,49 @@ Outcome DataChannel::Open(FtpCommand& command) {
   return {Outcome::Kind::Busy, kNoDataConnection, Text::WithReason(failed, attempt.why)};
 }
 
+// A server that refuses the session says so in its reply, which says more than how the handshake
+// ended.
+Outcome DataChannel::Encrypt(Attempt& attempt) {
+  const TlsStream* const control = control_.Encryption();
+  const Deadline deadline(control_);
+  Text why("The server does not answer");
+  bool done = false;
+  cut_ = false;
+  tls_ = std::make_unique<TlsStream>(control->context(), *Endpoint());
+  tls_->endsTogether = control_.IsTunnelled();
+  try {
+    done = tls_->handshake(control->host(), control, control_.silenceLimit, [&] {
+      deadline.ThrowIfInterrupted();
+      return !control_.isDataPending(0) && !deadline.HasPassed();
+    });
+    if (done && tls_->certificate().sha256 == control->certificate().sha256) {
+      if (!tls_->isResumed()) control_.UpdateLog("The data connection has a session of its own.\n");
+      return {};
+    }
+    if (done) why = Text("It shows another certificate.");
+  } catch (const NLException& error) {
+    deadline.ThrowIfInterrupted();
+    why = Reason(error);
+  }
+  Close();
+  const Text failed("The data connection was not encrypted.");
+  while (!attempt.command.IsComplete()) attempt.Listen();
+  if (attempt.last.code >= 400) return FtpControl::CheckResult(attempt.last, failed);
+  return {Outcome::Kind::Refused, 0, Text::WithReason(failed, why)};
+}
+
 void DataChannel::Connect(Attempt& attempt) {
   const Deadline deadline(control_);
   try {
-    attempt.open =
-        Endpoint()->connectWhile(NLAddress(HostOf(control_.ServerAddress()), passivePort_), [&] {
-          deadline.ThrowIfInterrupted();
-          if (!control_.isDataPending(0)) return !deadline.HasPassed();
-          attempt.Listen();
-          return !attempt.command.IsComplete();
-        });
+    attempt.open = control_.Join(*Endpoint(), passivePort_, [&] {
+      deadline.ThrowIfInterrupted();
+      if (!control_.isDataPending(0)) return !deadline.HasPassed();
+      attempt.Listen();
+      return !attempt.command.IsComplete();
+    });
     if (!attempt.open) attempt.why = Text("The server does not answer");
+  } catch (const TunnelFailure& failure) {
+    attempt.why = failure.why;
   } catch (const NLException& error) {
     attempt.why = Reason(error);
   } catch (const FtpFailure&) {
@@ -262,7 +281,9 @@ void DataChannel::ConnectInVain() {
   try {
     NLEndpoint endpoint(NLEndpoint::stream);
     endpoint.setSilenceLimit(kShort);
-    endpoint.connect(NLAddress(HostOf(control_.ServerAddress()), passivePort_));
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(kShort);
+    (void)control_.Join(endpoint, passivePort_,
+                        [&] { return std::chrono::steady_clock::now() < until; });
   } catch (const NLException&) {
     // Then nobody waits there.
   }
@@ -281,8 +302,7 @@ void DataChannel::Accept(Attempt& attempt) {
       deadline.ThrowIfInterrupted();
       const bool lastLook = attempt.command.IsComplete();
       auto accepted = listener->accept(kSlice);
-      if (accepted &&
-          HostOf(accepted->remoteAddress()).s_addr == HostOf(control_.ServerAddress()).s_addr) {
+      if (accepted && accepted->remoteAddress().isSameHost(control_.ServerAddress())) {
         SetEndpoint(std::move(accepted));
         attempt.open = true;
         return;

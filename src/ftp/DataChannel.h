@@ -13,10 +13,12 @@ class FtpCommand;
 class FtpControl;
 class NLEndpoint;
 class Stream;
+class TlsStream;
 
 /// How the data connection of a command comes about: active (PORT) or passive (PASV), RFC 959, 3.2
-/// and 4.1.2. Where one way fails the other is tried once, and kept to where it works. One thread
-/// at a time; Abort from any thread.
+/// and 4.1.2; over IPv6, and where a server refuses these, by EPRT and EPSV (RFC 2428). Where one
+/// way fails the other is tried once, and kept to where it works. Through a tunnel only the passive
+/// way leads anywhere. One thread at a time; Abort from any thread.
 ///
 /// An active connection is taken from the server alone; a passive one goes to the server, whatever
 /// address its reply names.
@@ -28,6 +30,8 @@ class DataChannel {
   DataChannel(const DataChannel&) = delete;
   DataChannel& operator=(const DataChannel&) = delete;
 
+  /// Once the control connection stands: what is known of its server holds for no other.
+  void Begin();
   /// Announces a listening socket or asks for the server's port, ahead of a command.
   Outcome SetUp();
   /// Opens the data connection for a command that was just sent and judges its first reply. The
@@ -37,8 +41,16 @@ class DataChannel {
   /// After a failed Open: whether the other way, which is then in force, is worth a try.
   [[nodiscard]] bool TryOtherWay();
 
+  /// Whether data connections are encrypted, with the control connection's session (RFC 4217).
+  void SetProtected(bool isProtected) { protected_ = isProtected; }
+
   /// The open connection.
   [[nodiscard]] Stream& Connection();
+  /// Whether what was read on the last connection may be cut: the encryption was not ended as it
+  /// should be.
+  [[nodiscard]] bool WasCut() const;
+  /// This server never ends encryption as it should, and nothing was missing all the same.
+  void NoteCareless();
   /// Closes the data connection if there is one.
   void Close();
   /// Any thread: a blocked data connection returns.
@@ -55,17 +67,25 @@ class DataChannel {
   void Connect(Attempt& attempt);
   void Accept(Attempt& attempt);
   void ConnectInVain();
+  /// Encrypts the open connection of a command that was accepted.
+  Outcome Encrypt(Attempt& attempt);
   void SetEndpoint(std::unique_ptr<NLEndpoint> endpoint) EXCLUDES(reach_);
   [[nodiscard]] NLEndpoint* Endpoint() EXCLUDES(reach_);
 
   FtpControl& control_;
   bool passive_;
+  bool protected_ = false;
+  bool cut_ = false;
+  bool careless_ = false;      // which has been said
   bool noConnection_ = false;  // no data connection came about, and that is all that failed
   bool triedBoth_ = false;
-  bool onTrial_ = false;  // the way in force is the other one, and has not led anywhere yet
+  bool onTrial_ = false;          // the way in force is the other one, and has not led anywhere yet
+  bool extendedActive_ = false;   // by EPRT
+  bool extendedPassive_ = false;  // by EPSV
   std::uint16_t passivePort_ = 0;
   Mutex reach_;  // guards what Abort reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
+  std::unique_ptr<TlsStream> tls_;  // above the endpoint, where the connection is encrypted
 };
 
 }  // namespace corvane

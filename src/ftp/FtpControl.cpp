@@ -1,11 +1,15 @@
 #include "ftp/FtpControl.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <utility>
 
 #include "ftp/FtpFailure.h"
+#include "ftp/Reason.h"
 #include "net/NLEndpoint.h"
 #include "net/NLException.h"
+#include "net/TlsStream.h"
 
 namespace corvane {
 namespace {
@@ -46,52 +50,111 @@ Text WordsFor(int code) {
   }
 }
 
-}  // namespace
-
-Text Reason(const NLException& error) {
-  const std::string_view message = error.message;
-  constexpr std::string_view kMarker = " failed: ";
-  const std::size_t marker = message.find(kMarker);
-  return Text::Raw(marker == std::string_view::npos ? message
-                                                    : message.substr(marker + kMarker.size()));
+FtpFailure Lost(const Text& why, Outcome::Trouble trouble) {
+  return {{Outcome::Kind::Lost, 0, why, {}, trouble}};
 }
+
+}  // namespace
 
 FtpControl::FtpControl(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
 
 FtpControl::~FtpControl() = default;
 
-void FtpControl::Connect(const NLAddress& server) {
+void FtpControl::Connect(std::span<const NLAddress> addresses, std::optional<Tunnel> tunnel,
+                         std::uint16_t port) {
   GiveUp(Text("The connection is closed"));
+  tls_.reset();
   auto endpoint = std::make_unique<NLEndpoint>(NLEndpoint::stream);
-  stream_ = endpoint.get();
+  endpointHere_ = endpoint.get();
   {
     const MutexLock hold(reach_);
     endpoint_ = std::move(endpoint);
     if (closed_) endpoint_->abort();
   }
-  replies_ = std::make_unique<ReplyReader>(*stream_, interrupted_);
-  replies_->silenceLimit = silenceLimit;
-  server_ = server;
+  ReadFrom(*endpointHere_);
+  tunnel_ = std::move(tunnel);
   unread_ = 0;
   heard_ = 0;
-  stream_->setSilenceLimit(silenceLimit);
-  bool connected = false;
-  try {
-    connected = stream_->connectWhile(server, [this] { return !interrupted_.load(); });
-  } catch (const NLException& error) {
-    const bool refused = stream_->lastError == ECONNREFUSED;
-    throw FtpFailure{{Outcome::Kind::Lost,
-                      0,
-                      Reason(error),
-                      {},
-                      refused ? Outcome::Trouble::RefusedPort : Outcome::Trouble::NoAnswer}};
-  }
-  if (!connected) throw FtpFailure{Outcome::Cancelled()};
-  stream_->setKeepAlive();
+  endpointHere_->setSilenceLimit(silenceLimit);
+  if (!JoinFirst(addresses, port)) throw FtpFailure{Outcome::Cancelled()};
+  endpointHere_->setKeepAlive();
   lost_ = false;
   loss_ = {};
   changing_ = false;
   spoken_ = std::chrono::steady_clock::now();
+}
+
+bool FtpControl::JoinFirst(std::span<const NLAddress> addresses, std::uint16_t port) {
+  using Trouble = Outcome::Trouble;
+  const auto goOn = [this] { return !interrupted_.load(); };
+  try {
+    if (!endpointHere_->connectFirst(addresses, goOn)) return false;
+  } catch (const NLException& error) {
+    if (tunnel_) throw Lost(Text("The proxy cannot be reached: %1", Reason(error)), Trouble::Other);
+    const int number = endpointHere_->lastError;
+    throw Lost(Reason(error), number == ECONNREFUSED ? Trouble::RefusedPort
+                              : number == ECONNRESET ? Trouble::Other
+                                                     : Trouble::NoAnswer);
+  }
+  server_ = endpointHere_->remoteAddress();
+  try {
+    return Pass(*endpointHere_, port, goOn);
+  } catch (const TunnelFailure& failure) {
+    throw Lost(failure.why, failure.portClosed ? Trouble::RefusedPort : Trouble::Other);
+  }
+}
+
+bool FtpControl::Join(NLEndpoint& endpoint, std::uint16_t port,
+                      const std::function<bool()>& goOn) const {
+  const std::array way = {tunnel_ ? server_ : server_.withPort(port)};
+  if (!endpoint.connectFirst(way, goOn)) return false;
+  return Pass(endpoint, port, goOn);
+}
+
+bool FtpControl::Pass(NLEndpoint& endpoint, std::uint16_t port,
+                      const std::function<bool()>& goOn) const {
+  constexpr long kMostPatience = 30'000;
+  return !tunnel_ || tunnel_->open(endpoint, port, std::min(silenceLimit, kMostPatience), goOn);
+}
+
+Stream& FtpControl::Wire() {
+  if (tls_) return *tls_;
+  return *endpointHere_;
+}
+
+void FtpControl::ReadFrom(Stream& stream) {
+  replies_ = std::make_unique<ReplyReader>(stream, interrupted_);
+  replies_->silenceLimit = silenceLimit;
+}
+
+// A server that has agreed to encrypt waits for this end to begin: bytes that are there already
+// were put in by somebody who wants them to be taken for encrypted ones.
+void FtpControl::Encrypt(std::shared_ptr<const TlsContext> context, const std::string& host) {
+  constexpr long kMostPatience = 20'000;
+  const auto fail = [this](const Text& why) {
+    GiveUp(why);
+    throw FtpFailure{{Outcome::Kind::Lost, 0, why, {}, Outcome::Trouble::NoEncryption}};
+  };
+  try {
+    const bool agreed = heard_ > 0;
+    if (agreed && (replies_->IsAhead() || endpointHere_->wait(0)))
+      fail(
+          Text("Something came before the encryption had begun, as it does when somebody stands "
+               "between you and the server."));
+    auto tls = std::make_unique<TlsStream>(std::move(context), *endpointHere_);
+    const bool done = tls->handshake(host, nullptr, std::min(silenceLimit, kMostPatience),
+                                     [this] { return !IsInterrupted(); });
+    if (!done) throw FtpFailure{Outcome::Cancelled()};
+    tls_ = std::move(tls);
+    ReadFrom(*tls_);
+  } catch (const NLException& error) {
+    if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
+    fail(Text::WithReason(Text("The encryption did not come about."), Reason(error)));
+  }
+}
+
+void FtpControl::SayEnd() {
+  if (tls_ && !lost_) tls_->sayEnd();
 }
 
 Reply FtpControl::SendCommand(std::string_view command) {
@@ -130,22 +193,52 @@ void FtpControl::Send(std::string_view command, std::string_view logged) {
   changing_ = false;
   spoken_ = std::chrono::steady_clock::now();
   UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
+  Write(command);
+}
+
+void FtpControl::Write(std::string_view command) {
   try {
-    stream_->write(std::string(command) + "\r\n");
+    Wire().write(std::string(command) + "\r\n");
   } catch (const NLException& error) {
     Lose(Reason(error));
   }
 }
 
 void FtpControl::ReadUnread() {
-  while (unread_ > 0) {
+  while (unread_ > 0 && ComesSoon()) {
     // The completion follows a preliminary reply.
     if (!ReadResponse().IsPreliminary()) --unread_;
   }
+  if (unread_ > 0) SetRight();
   ReadUnasked();
   if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
   // A server that said good-bye unasked is gone.
   if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
+}
+
+bool FtpControl::ComesSoon() {
+  using std::chrono::steady_clock;
+  constexpr std::chrono::seconds kSoon(2);
+  constexpr long kSlice = 50;
+  const auto deadline = steady_clock::now() + kSoon;
+  while (!isDataPending(kSlice)) {
+    if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
+    if (steady_clock::now() > deadline) return false;
+  }
+  return true;
+}
+
+// Not every server says how a transfer ended that was broken off. The reply to NOOP, which is none
+// that ends a transfer, shows that nothing more is to come.
+void FtpControl::SetRight() {
+  constexpr std::array kEndTransfers = {225, 226, 250, 425, 426, 450, 451, 452, 550, 551, 552, 553};
+  UpdateLog("NOOP\n");
+  Write("NOOP");
+  for (;;) {
+    const Reply reply = ReadResponse();
+    if (!reply.IsPreliminary() && std::ranges::count(kEndTransfers, reply.code) == 0) break;
+  }
+  unread_ = 0;
 }
 
 // A reply that nobody waited for is not unasked, though it is read here where it has come.
@@ -174,7 +267,7 @@ std::optional<std::chrono::seconds> FtpControl::Idle() const {
   using namespace std::chrono;
   constexpr seconds kLeast(2);
   if (!unasked_ || closed_) return std::nullopt;
-  const auto idle = steady_clock::now() - spoken_ - milliseconds(stream_->sinceHeard());
+  const auto idle = steady_clock::now() - spoken_ - milliseconds(endpointHere_->sinceHeard());
   if (idle < kLeast) return std::nullopt;
   return duration_cast<seconds>(idle);
 }
@@ -211,7 +304,7 @@ void FtpControl::Lose(Text why) {
 void FtpControl::GiveUp(const Text& why) {
   if (std::exchange(lost_, true)) return;
   loss_ = {why, Idle(), changing_};
-  stream_->close();
+  endpointHere_->close();
 }
 
 Outcome FtpControl::CheckResult(const Reply& reply, const Text& failed, int wanted) {
@@ -251,7 +344,7 @@ bool FtpControl::isDataPending(long milliseconds) {
 }
 
 const NLAddress& FtpControl::LocalAddress() const {
-  return stream_->localAddress();
+  return endpointHere_->localAddress();
 }
 
 void FtpControl::Close() {

@@ -6,19 +6,23 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "ftp/ReplyReader.h"
 #include "kit/Mutex.h"
 #include "net/NLAddress.h"
+#include "net/Tunnel.h"
 #include "remote/Loss.h"
 #include "remote/Outcome.h"
 
 namespace corvane {
 
 class NLEndpoint;
-struct NLException;
+class Stream;
+class TlsContext;
+class TlsStream;
 
 /// The control connection: commands, replies and their judgement (RFC 959, 4). One thread at a
 /// time; Close and Interrupt from any thread. Calls that talk to the server throw FtpFailure when
@@ -37,9 +41,24 @@ class FtpControl {
   /// How long a silent server is waited for, in milliseconds. Set before Connect.
   long silenceLimit = 120'000;
 
-  /// Connects anew; what was said on an earlier connection is forgotten. Throws what
-  /// says why that fails.
-  void Connect(const NLAddress& server);
+  /// Connects anew to whichever of the addresses answers first, which are the server's or, with a
+  /// tunnel, the proxy's, and then to `port`; what was said on an earlier connection is forgotten.
+  /// Throws what says why that fails.
+  void Connect(std::span<const NLAddress> addresses, std::optional<Tunnel> tunnel,
+               std::uint16_t port);
+  /// Connects to another port of the same server in the same way. Returns and throws what
+  /// NLEndpoint::connectFirst and Tunnel::open do.
+  [[nodiscard]] bool Join(NLEndpoint& endpoint, std::uint16_t port,
+                          const std::function<bool()>& goOn) const;
+
+  /// Encrypts the connection from here on (RFC 4217): `host` is who the server is to be. What came
+  /// before in plain text must have been read: anything else may be somebody else's. Throws where
+  /// that fails.
+  void Encrypt(std::shared_ptr<const TlsContext> context, const std::string& host);
+  /// The encryption; null while the connection is not encrypted.
+  [[nodiscard]] const TlsStream* Encryption() const { return tls_.get(); }
+  /// Ends an encrypted connection as it should be ended, once the server has said good-bye.
+  void SayEnd();
 
   /// Logs and sends the command, which has no line end; its first reply.
   Reply SendCommand(std::string_view command);
@@ -62,9 +81,10 @@ class FtpControl {
   /// Whether the server says something within so many milliseconds.
   [[nodiscard]] bool isDataPending(long milliseconds);
 
-  /// This end's and the server's address.
+  /// Both ends of the connection; with a tunnel the other one is the proxy.
   [[nodiscard]] const NLAddress& LocalAddress() const;
   [[nodiscard]] const NLAddress& ServerAddress() const { return server_; }
+  [[nodiscard]] bool IsTunnelled() const { return tunnel_.has_value(); }
 
   [[nodiscard]] bool IsLost() const { return lost_; }
   [[nodiscard]] const Loss& HowLost() const { return loss_; }
@@ -88,8 +108,18 @@ class FtpControl {
  private:
   friend class FtpCommand;
 
+  [[nodiscard]] Stream& Wire();
+  void ReadFrom(Stream& stream);
+  [[nodiscard]] bool JoinFirst(std::span<const NLAddress> addresses, std::uint16_t port);
+  /// Passes through the tunnel where there is one.
+  [[nodiscard]] bool Pass(NLEndpoint& endpoint, std::uint16_t port,
+                          const std::function<bool()>& goOn) const;
   void Send(std::string_view command, std::string_view logged);
+  void Write(std::string_view command);
   void ReadUnread();
+  /// Whether a reply begins within a moment.
+  [[nodiscard]] bool ComesSoon();
+  void SetRight();
   void ReadUnasked();
   [[nodiscard]] std::optional<std::chrono::seconds> Idle() const;
   using Reading =
@@ -100,6 +130,7 @@ class FtpControl {
 
   const std::function<void(std::string_view)> log_;
   NLAddress server_;
+  std::optional<Tunnel> tunnel_;
   std::atomic<bool> interrupted_{false};
   std::atomic<bool> closed_{false};
   bool lost_ = true;
@@ -112,7 +143,8 @@ class FtpControl {
   int heard_ = 0;                                 // replies since the last command
   Mutex reach_;  // guards what Close reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
-  NLEndpoint* stream_ = nullptr;  // the endpoint, for the thread that works here
+  NLEndpoint* endpointHere_ = nullptr;  // the endpoint, for the thread that works here
+  std::unique_ptr<TlsStream> tls_;      // above it, where the connection is encrypted
   std::unique_ptr<ReplyReader> replies_;
 };
 
@@ -137,8 +169,5 @@ class FtpCommand {
   FtpControl& control_;
   bool complete_ = false;
 };
-
-/// The part of an exception's message that a user understands: the system's own words.
-[[nodiscard]] Text Reason(const NLException& error);
 
 }  // namespace corvane

@@ -4,14 +4,19 @@
 
 #include "ftp/DataChannel.h"
 #include "ftp/FtpControl.h"
+#include "ftp/Reason.h"
 #include "net/NLException.h"
 #include "net/Stream.h"
 
 namespace corvane {
 
 FtpFile::FtpFile(FtpControl& control, DataChannel& data, std::unique_ptr<FtpCommand> command,
-                 std::int64_t offset)
-    : control_(control), data_(data), command_(std::move(command)), offset_(offset) {}
+                 std::int64_t offset, AskSize size)
+    : control_(control),
+      data_(data),
+      command_(std::move(command)),
+      offset_(offset),
+      size_(std::move(size)) {}
 
 FtpFile::~FtpFile() {
   if (!ended_) (void)Verdict();
@@ -22,6 +27,7 @@ Outcome FtpFile::Read(std::span<char> buffer, std::size_t& got) {
   if (ended_) return Outcome::Cancelled();
   try {
     got = data_.Connection().read(buffer);
+    received_ += static_cast<std::int64_t>(got);
     return {};
   } catch (const NLException& error) {
     return BrokenOff(Reason(error));
@@ -78,8 +84,15 @@ Outcome FtpFile::Verdict() {
     }
     Outcome outcome;
     while (!command->IsComplete()) outcome = FtpControl::CheckResult(command->Next());
-    return outcome;
+    return outcome.IsDone() && !wrote_ && data_.WasCut() ? JudgeCut() : outcome;
   });
+}
+
+// Somebody on the way can end a connection early, but not forge the size that comes encrypted.
+Outcome FtpFile::JudgeCut() {
+  const auto size = size_ ? size_() : std::nullopt;
+  if (size == offset_ + received_) return data_.NoteCareless(), Outcome();
+  return {Outcome::Kind::Busy, 0, Text("The data ended without a word that it was all.")};
 }
 
 }  // namespace corvane

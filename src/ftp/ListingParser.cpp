@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "ftp/ListingDialects.h"
+#include "ftp/ListingFacts.h"
 
 namespace corvane {
 
@@ -16,7 +17,7 @@ bool ListingParser::Next(RemoteEntry& entry) {
     const bool first = std::exchange(first_, false);
     if (line.find_first_not_of(' ') == std::string_view::npos) continue;
     // Only the first line tells a total.
-    if (first && (line == "total" || line.starts_with("total "))) continue;
+    if (first && form_ == Form::Lines && (line == "total" || line.starts_with("total "))) continue;
     if (!Read(line, entry)) {
       ++strange_;
       continue;
@@ -33,6 +34,7 @@ bool ListingParser::Next(RemoteEntry& entry) {
 
 // A mode never begins with a digit, a date always does.
 bool ListingParser::Read(std::string_view line, RemoteEntry& entry) const {
+  if (form_ == Form::Facts) return ReadFactsLine(line, entry);
   const bool digit = line.front() >= '0' && line.front() <= '9';
   return digit ? ReadDosLine(line, entry) : ReadUnixLine(line, now_, entry);
 }

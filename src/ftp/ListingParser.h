@@ -13,9 +13,14 @@ namespace corvane {
 class ListingParser {
  public:
   static constexpr std::size_t kMaxName = 4096;
+  enum class Form {
+    Lines,  ///< of LIST: the long format, or that of DIR
+    Facts,  ///< of MLSD
+  };
 
   /// `text` has no carriage returns; `now` is today where the user is.
-  ListingParser(std::string_view text, std::chrono::year_month_day now) : rest_(text), now_(now) {}
+  ListingParser(std::string_view text, std::chrono::year_month_day now, Form form = Form::Lines)
+      : rest_(text), now_(now), form_(form) {}
 
   /// The next entry, "." and ".." left out; false at the end of the text.
   [[nodiscard]] bool Next(RemoteEntry& entry);
@@ -32,6 +37,7 @@ class ListingParser {
 
   std::string_view rest_;
   std::chrono::year_month_day now_;
+  Form form_;
   bool first_ = true;
   std::size_t strange_ = 0;
   std::size_t known_ = 0;

@@ -39,9 +39,10 @@ class NameSeeker final : public ListingSink {
 
 }  // namespace
 
-MFtp::MFtp(Site site, std::shared_ptr<OwnerUi> owner)
+MFtp::MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrust> trust)
     : site_(std::move(site)),
       owner_(std::move(owner)),
+      trust_(std::move(trust)),
       control_([this](std::string_view line) { owner_->AppendLog(line); }),
       data_(control_, site_.passive) {}
 
@@ -67,6 +68,7 @@ void MFtp::Quit() {
     FtpCommand quit(control_, "QUIT");
     control_.SetInterrupted(true);
     quit.Hurry();
+    control_.SayEnd();
     return {};
   });
   control_.SetInterrupted(false);

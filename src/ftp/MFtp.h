@@ -6,26 +6,32 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "ftp/DataChannel.h"
 #include "ftp/FtpControl.h"
 #include "ftp/FtpFeatures.h"
+#include "ftp/ListingParser.h"
 #include "kit/Mutex.h"
 #include "remote/OwnerUi.h"
 #include "remote/RemoteSession.h"
+#include "remote/ServerTrust.h"
 #include "remote/Site.h"
 
 namespace corvane {
 
 class NLLookup;
+class TlsContext;
 
 /// A session with an FTP server (RFC 959): its control connection and, while something is listed or
 /// transferred, its data connection. Worker threads, one at a time; Close, Interrupt and Resume
 /// from any.
 class MFtp final : public RemoteSession {
  public:
-  /// `owner` is told what goes on and gets the dialogue for its log.
-  MFtp(Site site, std::shared_ptr<OwnerUi> owner);
+  /// `owner` is told what goes on and gets the dialogue for its log. `trust` may be null: then no
+  /// server is known, and none is remembered.
+  MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrust> trust = {});
   ~MFtp() override;
   MFtp(const MFtp&) = delete;
   MFtp& operator=(const MFtp&) = delete;
@@ -50,6 +56,9 @@ class MFtp final : public RemoteSession {
   Outcome CanCopy(bool& can) override;
   Outcome Copy(const std::string& from, const std::string& to) override;
   Outcome FreeSpace(const std::string& path, std::optional<std::int64_t>& bytes) override;
+  Outcome ModifiedTime(const std::string& path, std::optional<RemoteTime>& time) override;
+  Outcome SetModifiedTime(const std::string& path, std::int64_t seconds) override;
+  Outcome KeepAlive() override;
   Outcome MakeDirectory(const std::string& path) override;
   Outcome RemoveDirectory(const std::string& path) override;
   Outcome RemoveFile(const std::string& path) override;
@@ -68,8 +77,13 @@ class MFtp final : public RemoteSession {
  private:
   // MFtpLogin.cpp
   Outcome Login();
-  Outcome Resolve(NLAddress& server);
-  Outcome Reach(const NLAddress& server);
+  Outcome Resolve(std::vector<NLAddress>& addresses);
+  Outcome Reach(const std::vector<NLAddress>& addresses);
+  void TellAddress(const NLAddress& address);
+  /// The proxy that the connection goes to; null where it goes to the server.
+  [[nodiscard]] const Proxy* Via() const;
+  /// The way through that proxy; nothing for one that speaks FTP itself.
+  [[nodiscard]] std::optional<Tunnel> Through() const;
   Outcome Identify();
   Outcome RefusedLogin(const Reply& reply, const Text& text);
   void GetServerType();
@@ -77,6 +91,23 @@ class MFtp final : public RemoteSession {
   std::optional<std::string> AskPath();
   [[nodiscard]] bool Tell(const Text& status);
   void Step(ConnectStep::Kind kind, ConnectStep::State state, const Text& text);
+
+  // MFtpSecurity.cpp
+  [[nodiscard]] std::pair<const std::string&, std::uint16_t> Peer() const;
+  [[nodiscard]] KnownServer Known() const;
+  /// Puts a question to the user and waits for the answer.
+  UserQuestion::Answer Ask(UserQuestion::Kind kind, const Certificate& certificate,
+                           std::string* text);
+  /// Encrypts the connection as the site wants it, before the login.
+  Outcome Protect();
+  Outcome MayStayPlain();
+  Outcome StayPlain();
+  Outcome Encrypt();
+  Outcome Judge(const Certificate& certificate);
+  /// After the login: data connections are encrypted where this one is.
+  Outcome ProtectData();
+  [[nodiscard]] std::shared_ptr<const TlsContext> Context();
+  [[nodiscard]] std::optional<std::int64_t> AskSize(const std::string& name);
 
   // MFtp.cpp
   /// Goes to a directory, unless the server stands there.
@@ -92,8 +123,19 @@ class MFtp final : public RemoteSession {
   [[nodiscard]] static std::optional<std::int64_t> NumberOf(const Reply& reply);
 
   // MFtpFeatures.cpp
-  const FtpFeatures& Features();
+  /// Asks for the list of features, before the login; and `after` it where the server has it for
+  /// those only who are logged in.
+  void AskFeatures(bool after);
+  /// Asks for the host by its name, where one server may serve several (RFC 7151). Before the
+  /// login.
+  void NameHost();
+  /// Has the server tell names and facts as this program reads them. After the login.
+  void SettleFeatures();
+  /// Whether the server tells entries by facts that can be relied on.
+  [[nodiscard]] bool UsesFacts() const { return features_.facts && links_ != Links::Hidden; }
+  Outcome TakeFromFacts(RemoteEntry& entry, bool& known);
   Outcome TakeFromListing(RemoteEntry& entry, bool mayBeFile, bool& known);
+  Outcome AskTime(const std::string& name, std::optional<RemoteTime>& time);
 
   // MFtpData.cpp
   /// What comes before every transfer, and the transfer's command with its data connection.
@@ -103,20 +145,38 @@ class MFtp final : public RemoteSession {
                       std::unique_ptr<RemoteFile>& file);
   Outcome SetBinary();
   Outcome SetOffset(std::int64_t offset, std::int64_t& accepted);
-  Outcome FetchListing(std::string& text);
+  /// A listing as it came.
+  struct Listing {
+    std::string text{};
+    ListingParser::Form form = ListingParser::Form::Lines;
+  };
+  Outcome FetchListing(Listing& listing);
+  Outcome FetchLines(Listing& listing);
+  /// The text of a listing, whole also where the server does not end its encryption as it should.
+  Outcome Fetch(const std::string& command, std::string_view logged, std::string& text);
+  Outcome FetchOnce(const std::string& command, std::string_view logged, std::string& text);
+  Outcome LookForLinks(Listing& listing);
   Outcome ReadListing(RemoteFile& data, std::string& text);
 
   const Site site_;
   const std::shared_ptr<OwnerUi> owner_;
+  const std::shared_ptr<ServerTrust> trust_;
   FtpControl control_;
   DataChannel data_;
+  std::shared_ptr<const TlsContext> context_;  // once anything was encrypted
+  bool asked_ = false;                         // the server has waited for the user
   std::string listCommand_ = "LIST -la";
   std::size_t maxListing_ = std::size_t{1024} * 1024 * 1024;
   std::size_t maxEntries_ = 10'000'000;
-  std::optional<FtpFeatures> features_;  // once they were asked for
-  bool asksQuota_ = true;                // SITE QUOTA has not been refused
-  bool binary_ = false;                  // TYPE I is in force
-  bool markerSet_ = false;               // REST may have been accepted, and no transfer has used it
+  FtpFeatures features_;        // less what was refused all the same
+  bool knowsFeatures_ = false;  // they were asked for
+  /// How the server's facts tell symbolic links, which must never be followed unawares: by their
+  /// own type, or in the guise of what they lead to, if at all.
+  enum class Links { Unknown, Shown, Hidden };
+  Links links_ = Links::Unknown;
+  bool asksQuota_ = true;           // SITE QUOTA has not been refused
+  bool binary_ = false;             // TYPE I is in force
+  bool markerSet_ = false;          // REST may have been accepted, and no transfer has used it
   std::string start_;               // where the connection began; "" when the server does not tell
   std::string told_;                // the last directory that the server named
   std::optional<std::string> cwd_;  // where the server stands; nothing when that is not known

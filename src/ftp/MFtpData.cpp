@@ -25,8 +25,7 @@ Outcome NotComplete(Outcome outcome) {
 }
 
 // Hands a listing's entries over.
-Outcome HandOver(std::string_view text, std::size_t maxEntries, ListingSink& sink) {
-  ListingParser parser(text, Today());
+Outcome HandOver(ListingParser parser, std::size_t maxEntries, ListingSink& sink) {
   std::vector<RemoteEntry> batch;
   std::size_t count = 0;
   bool more = true;
@@ -102,7 +101,10 @@ Outcome MFtp::OpenThisWay(const std::string& command, std::string_view logged, s
   outcome = data_.Open(*sent);
   if (!outcome.IsDone()) return outcome;
   markerSet_ = false;
-  file = std::make_unique<FtpFile>(control_, data_, std::move(sent), begin);
+  FtpFile::AskSize size;
+  if (constexpr std::string_view kGet = "RETR "; command.starts_with(kGet))
+    size = [this, name = command.substr(kGet.size())] { return AskSize(name); };
+  file = std::make_unique<FtpFile>(control_, data_, std::move(sent), begin, std::move(size));
   return outcome;
 }
 
@@ -124,34 +126,78 @@ Outcome MFtp::OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile
 }
 
 Outcome MFtp::List(const std::string& path, ListingSink& sink) {
-  std::string text;
+  Listing listing;
   Outcome fetched = control_.Guard([&]() -> Outcome {
     if (!Tell(Text("Getting Dir Listing."))) return Outcome::Cancelled();
     if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
-    return FetchListing(text);
+    return FetchListing(listing);
   });
   const bool ended =
       fetched.kind == Outcome::Kind::Lost || fetched.kind == Outcome::Kind::Cancelled;
-  if (ended && text.empty()) return fetched;
+  if (ended && listing.text.empty()) return fetched;
   return control_.Guard([&]() -> Outcome {
-    sink.Raw(text);
-    Outcome understood = HandOver(text, maxEntries_, sink);
+    sink.Raw(listing.text);
+    Outcome understood =
+        HandOver(ListingParser(listing.text, Today(), listing.form), maxEntries_, sink);
     return fetched.IsDone() ? understood : fetched;
   });
 }
 
+// A server that lists facts and then refuses them, but not a plain listing, is not asked again.
+Outcome MFtp::FetchListing(Listing& listing) {
+  if (!UsesFacts()) return FetchLines(listing);
+  listing.form = ListingParser::Form::Facts;
+  Outcome outcome = Fetch("MLSD", {}, listing.text);
+  if (outcome.IsDone() && links_ == Links::Unknown) return LookForLinks(listing);
+  if (outcome.kind != Outcome::Kind::Refused || !listing.text.empty()) return outcome;
+  outcome = FetchLines(listing);
+  if (outcome.IsDone()) features_.facts = false;
+  return outcome;
+}
+
+// Many servers tell by facts where a link leads in place of the link. As long as they have told
+// none, the plain listing is fetched too, unless that would take long; where that has links, it
+// alone is believed from now on.
+Outcome MFtp::LookForLinks(Listing& listing) {
+  constexpr std::size_t kLong = std::size_t{4} * 1024 * 1024;
+  bool any = false;
+  ListingParser facts(listing.text, {}, listing.form);
+  for (RemoteEntry entry; facts.Next(entry); any = true) {
+    if (!entry.mode.starts_with('l')) continue;
+    links_ = Links::Shown;
+    return {};
+  }
+  if (!any || listing.text.size() > kLong) return {};
+  Listing plain;
+  Outcome outcome = FetchLines(plain);
+  const bool hasNoLines = outcome.code == 500 || outcome.code == 502;
+  if (!outcome.IsDone()) return hasNoLines ? Outcome() : outcome;
+  ListingParser lines(plain.text, {});
+  for (RemoteEntry entry; lines.Next(entry);) {
+    const bool isLink = entry.kind == RemoteEntry::Kind::Link &&
+                        (entry.mode.empty() || entry.mode.starts_with('l'));
+    if (isLink) links_ = Links::Hidden;
+  }
+  if (links_ == Links::Hidden) listing = std::move(plain);
+  return {};
+}
+
 // A server that refuses options gets the bare command from now on.
-Outcome MFtp::FetchListing(std::string& text) {
+Outcome MFtp::FetchLines(Listing& listing) {
   constexpr int kUnavailable = 550;
   constexpr std::string_view kBare = "LIST";
+  listing = {};
+  Outcome outcome = Fetch(listCommand_, kBare, listing.text);
+  if (outcome.code != kUnavailable || listCommand_ == kBare || !listing.text.empty())
+    return outcome;
+  listCommand_ = kBare;
+  return Fetch(listCommand_, kBare, listing.text);
+}
+
+Outcome MFtp::FetchOnce(const std::string& command, std::string_view logged, std::string& text) {
   std::unique_ptr<RemoteFile> data;
-  Outcome outcome = Open(listCommand_, kBare, 0, data);
-  if (outcome.code == kUnavailable && listCommand_ != kBare) {
-    listCommand_ = kBare;
-    outcome = Open(listCommand_, kBare, 0, data);
-  }
-  if (!outcome.IsDone()) return outcome;
-  outcome = ReadListing(*data, text);
+  if (Outcome outcome = Open(command, logged, 0, data); !outcome.IsDone()) return outcome;
+  Outcome outcome = ReadListing(*data, text);
   if (!outcome.IsDone()) return NotComplete(outcome);
   outcome = data->Finish();
   return outcome.IsDone() ? outcome : NotComplete(outcome);

@@ -1,8 +1,10 @@
-#include <algorithm>
+#include <array>
 #include <utility>
 
+#include "ftp/ListingFacts.h"
 #include "ftp/ListingParser.h"
 #include "ftp/MFtp.h"
+#include "net/HostName.h"
 #include "remote/RemotePath.h"
 
 namespace corvane {
@@ -11,53 +13,95 @@ namespace {
 constexpr int kFileStatus = 213;  // RFC 3659
 constexpr int kUnavailable = 550;
 
+constexpr int kGone = 421;
+
+// The server does not know the command, or not in this form.
+bool IsUnknown(int code) {
+  return code >= 500 && code <= 504;
+}
+
+// The facts of an MLST reply (RFC 3659, 7.2), which stand in its one line that begins with a blank.
+bool ReadFacts(std::string_view reply, RemoteEntry& entry) {
+  const std::size_t begin = reply.find("\n ");
+  if (begin == std::string_view::npos) return false;
+  reply.remove_prefix(begin + 2);
+  return ReadFactsLine(reply.substr(0, reply.find('\n')), entry);
+}
+
 bool Ends(const Outcome& outcome) {
   return outcome.kind == Outcome::Kind::Lost || outcome.kind == Outcome::Kind::Cancelled;
 }
 
 }  // namespace
 
-// Asked once on each connection, when it is first needed.
-const FtpFeatures& MFtp::Features() {
-  if (!features_) {
-    const Reply reply = control_.SendCommand("FEAT");
-    features_ = reply.IsCompletion() ? ReadFeatures(reply.text) : FtpFeatures();
-  }
-  return *features_;
+void MFtp::AskFeatures(bool after) {
+  if (knowsFeatures_) return;
+  const Reply reply = control_.SendCommand("FEAT");
+  knowsFeatures_ = after || reply.IsCompletion() || IsUnknown(reply.code);
+  features_ = reply.IsCompletion() ? ReadFeatures(reply.text) : FtpFeatures();
 }
 
-// What it is tells MLST, or that it has a size. The rest is taken from its line of a listing where
-// there is one, so that a row that is renewed looks as its neighbours do: listings tell the time in
-// the server's zone, MLST and MDTM do not.
+// A server that does not know the name serves the host that it serves where none is named.
+void MFtp::NameHost() {
+  const std::string& host = site_.host;
+  const bool isAddress = host.find_first_not_of("0123456789.") == std::string::npos ||
+                         host.find(':') != std::string::npos;
+  if (features_.hosts && !isAddress) (void)control_.SendCommand("HOST " + asciiHost(host));
+}
+
+void MFtp::SettleFeatures() {
+  AskFeatures(true);
+  if (features_.utf8) (void)control_.SendCommand("OPTS UTF8 ON");
+  if (features_.facts && !features_.neededFacts.empty())
+    (void)control_.SendCommand("OPTS MLST " + features_.neededFacts);
+}
+
+// By facts where listings come by them; otherwise the size tells that it is a file, and the rest is
+// taken from its line of a listing where there is one, so that a row that is renewed looks as its
+// neighbours do: facts and MDTM tell the time in another zone than listings.
 Outcome MFtp::Stat(const std::string& path, RemoteEntry& entry) {
   return control_.Guard([&]() -> Outcome {
     const auto [directory, name] = SplitPath(path);
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
     entry = {.name = name};
     bool known = false;
-    bool mayBeFile = true;
-    if (Features().facts) {
-      const Reply reply = control_.SendCommand("MLST " + name);
-      known = reply.IsCompletion() && ReadFacts(reply.text, entry);
-      if (reply.code == kUnavailable) return FtpControl::CheckResult(reply);
-      mayBeFile = !known || entry.kind == RemoteEntry::Kind::File;
+    if (UsesFacts()) {
+      Outcome outcome = TakeFromFacts(entry, known);
+      if (!outcome.IsDone() || known) return outcome;
     }
-    if (!known) {
-      Outcome outcome = Size(path, entry.size);
-      if (Ends(outcome)) return outcome;
-      mayBeFile = outcome.code != kUnavailable;
-      known = entry.size.has_value();
-    }
-    if (Outcome outcome = TakeFromListing(entry, mayBeFile, known); Ends(outcome)) return outcome;
+    Outcome outcome = Size(path, entry.size);
+    if (Ends(outcome)) return outcome;
+    const bool mayBeFile = outcome.code != kUnavailable;
+    known = entry.size.has_value();
+    if (outcome = TakeFromListing(entry, mayBeFile, known); Ends(outcome)) return outcome;
     if (!known) {
       return {Outcome::Kind::Refused, 0, Text("The server does not tell about %1.", name)};
     }
-    if (!entry.modified) {
-      const Reply reply = control_.SendCommand("MDTM " + name);
-      if (reply.code == kFileStatus) entry.modified = ReadTimeVal(reply.lastText);
-    }
+    if (!entry.modified) return AskTime(name, entry.modified);
     return {};
   });
+}
+
+// As long as the server has told no link by facts, a link may pass for what it leads to.
+Outcome MFtp::TakeFromFacts(RemoteEntry& entry, bool& known) {
+  RemoteEntry told;
+  const Reply reply = control_.SendCommand("MLST " + entry.name);
+  if (reply.code == kUnavailable) return FtpControl::CheckResult(reply);
+  known = reply.IsCompletion() && ReadFacts(reply.text, told);
+  if (!known) return {};
+  told.name = entry.name;
+  if (told.mode.starts_with('l')) links_ = Links::Shown;
+  if (links_ == Links::Unknown) {
+    RemoteEntry line{.name = entry.name};
+    bool isLink = false;
+    if (Outcome outcome = TakeFromListing(line, false, isLink); Ends(outcome)) return outcome;
+    if (isLink && line.mode.starts_with('l')) {
+      links_ = Links::Hidden;
+      told = std::move(line);
+    }
+  }
+  entry = std::move(told);
+  return {};
 }
 
 // A server that does not know the option lists what is in a directory; what is then found under its
@@ -86,9 +130,67 @@ Outcome MFtp::TakeFromListing(RemoteEntry& entry, bool mayBeFile, bool& known) {
   return outcome;
 }
 
+Outcome MFtp::ModifiedTime(const std::string& path, std::optional<RemoteTime>& time) {
+  time.reset();
+  return control_.Guard([&]() -> Outcome {
+    if (!UsesFacts() && !features_.modifiedTime) return {};
+    const auto [directory, name] = SplitPath(path);
+    if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
+    if (!UsesFacts()) return AskTime(name, time);
+    RemoteEntry entry;
+    const Reply reply = control_.SendCommand("MLST " + name);
+    if (reply.IsCompletion() && ReadFacts(reply.text, entry)) time = entry.modified;
+    return time ? Outcome() : AskTime(name, time);
+  });
+}
+
+// Many a server takes a name that begins with a date for a time that is to be set.
+Outcome MFtp::AskTime(const std::string& name, std::optional<RemoteTime>& time) {
+  if (!features_.modifiedTime) return {};
+  const bool misleads = ReadTimeVal(name).has_value();
+  const Reply reply = control_.SendCommand("MDTM " + std::string(misleads ? "./" : "") + name);
+  if (reply.code == kFileStatus) time = ReadTimeVal(reply.lastText);
+  if (IsUnknown(reply.code)) features_.modifiedTime = false;
+  if (reply.code == kGone) return FtpControl::CheckResult(reply);
+  return {};
+}
+
+// The ways in the order of how plainly they are meant for it. One that the server turns out not to
+// know is not tried again on this connection.
+Outcome MFtp::SetModifiedTime(const std::string& path, std::int64_t seconds) {
+  const Text failed("The server cannot set a file's time.");
+  const bool can = features_.setTime || features_.dateByMdtm || features_.siteTime;
+  const std::optional<std::string> time = WriteTimeVal(seconds);
+  if (!can || !time) return {Outcome::Kind::Refused, 0, failed};
+  return control_.Guard([&]() -> Outcome {
+    const auto [directory, name] = SplitPath(path);
+    if (Outcome there = GoTo(directory); !there.IsDone()) return there;
+    const std::array<std::pair<bool FtpFeatures::*, std::string>, 3> ways = {{
+        {&FtpFeatures::setTime, "MFMT " + *time + " " + name},
+        {&FtpFeatures::dateByMdtm, "MDTM " + *time + " " + name},
+        {&FtpFeatures::siteTime,
+         "SITE UTIME " + name + " " + *time + " " + *time + " " + *time + " UTC"},
+    }};
+    Outcome outcome{Outcome::Kind::Refused, 0, failed};
+    for (const auto& [way, command] : ways) {
+      if (!(features_.*way)) continue;
+      const Reply reply = control_.SendCommand(command);
+      outcome = FtpControl::CheckResult(reply, failed);
+      if (!IsUnknown(reply.code)) return outcome;
+      features_.*way = false;
+    }
+    return outcome;
+  });
+}
+
+Outcome MFtp::KeepAlive() {
+  return control_.Guard(
+      [this]() -> Outcome { return FtpControl::CheckResult(control_.SendCommand("NOOP")); });
+}
+
 Outcome MFtp::CanCopy(bool& can) {
   can = false;
-  return control_.Guard([&]() -> Outcome { return can = Features().copy, Outcome(); });
+  return control_.Guard([&]() -> Outcome { return can = features_.copy, Outcome(); });
 }
 
 Outcome MFtp::Copy(const std::string& from, const std::string& to) {
@@ -100,7 +202,7 @@ Outcome MFtp::Copy(const std::string& from, const std::string& to) {
 Outcome MFtp::FreeSpace(const std::string& path, std::optional<std::int64_t>& bytes) {
   bytes.reset();
   return control_.Guard([&]() -> Outcome {
-    if (Features().room) {
+    if (features_.room) {
       if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
       const Reply reply = control_.SendCommand("AVBL");
       if (reply.code == kFileStatus) bytes = NumberOf(reply);

@@ -1,12 +1,10 @@
-#include <netinet/in.h>
-
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <utility>
 
 #include "ftp/FtpFailure.h"
 #include "ftp/MFtp.h"
+#include "ftp/Reason.h"
 #include "net/NLException.h"
 #include "net/NLLookup.h"
 #include "remote/RemotePath.h"
@@ -33,12 +31,17 @@ void MFtp::Step(ConnectStep::Kind kind, ConnectStep::State state, const Text& te
 }
 
 Outcome MFtp::Connect() {
+  asked_ = false;
   Outcome outcome = control_.Guard([this] { return Login(); });
+  // A server may not have had the patience for a question; the answer is known now.
+  if (outcome.kind == Outcome::Kind::Lost && std::exchange(asked_, false))
+    outcome = control_.Guard([this] { return Login(); });
   if (!outcome.IsDone()) {
     control_.GiveUp(outcome.text);
     return control_.IsClosed() ? Outcome::Cancelled() : outcome;
   }
   return control_.Guard([this]() -> Outcome {
+    SettleFeatures();
     GetServerType();
     start_ = AskPath().value_or("");
     cwd_ = start_;
@@ -52,15 +55,23 @@ Outcome MFtp::Connect() {
 Outcome MFtp::Login() {
   binary_ = false;
   markerSet_ = false;
-  features_.reset();
+  knowsFeatures_ = false;
   cwd_.reset();
   if (!Tell(Text("Resolving address."))) return Outcome::Cancelled();
-  NLAddress server;
-  if (Outcome outcome = Resolve(server); !outcome.IsDone()) return outcome;
+  std::vector<NLAddress> addresses;
+  if (Outcome outcome = Resolve(addresses); !outcome.IsDone()) return outcome;
   if (!Tell(Text("Connecting to host."))) return Outcome::Cancelled();
   try {
-    Outcome outcome = Reach(server);
-    return outcome.IsDone() ? Identify() : outcome;
+    Outcome outcome = Reach(addresses);
+    if (outcome.IsDone()) outcome = Protect();
+    if (!outcome.IsDone()) return outcome;
+    // A proxy that one logs in to would tell of itself.
+    if (!site_.proxy || site_.proxy->kind != Proxy::Kind::Ftp) {
+      AskFeatures(false);
+      NameHost();
+    }
+    outcome = Identify();
+    return outcome.IsDone() ? ProtectData() : outcome;
   } catch (const NLException& error) {
     return {Outcome::Kind::Lost, 0,
             Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), Reason(error))};
@@ -72,31 +83,44 @@ Outcome MFtp::Login() {
   }
 }
 
-// Finds the address of the server, or of the proxy in front of it.
-Outcome MFtp::Resolve(NLAddress& server) {
-  const bool viaProxy = site_.proxy && !site_.proxy->host.empty();
-  const std::uint16_t port = viaProxy ? site_.proxy->port : site_.port;
-  Step(Kind::Address, State::Running,
-       Text("Looking up %1 …", viaProxy ? site_.proxy->host : site_.host));
-  Step(Kind::Port, State::Waiting, Text("Connecting to port %1", port));
+const Proxy* MFtp::Via() const {
+  return site_.proxy && !site_.proxy->host.empty() ? &*site_.proxy : nullptr;
+}
+
+std::optional<Tunnel> MFtp::Through() const {
+  if (!site_.proxy || site_.proxy->kind == Proxy::Kind::Ftp) return std::nullopt;
+  const bool socks = site_.proxy->kind == Proxy::Kind::Socks5;
+  return Tunnel{socks ? Tunnel::Kind::socks5 : Tunnel::Kind::http, site_.proxy->user,
+                site_.proxy->password, site_.host};
+}
+
+// Finds the addresses of the server, or of the proxy in front of it.
+Outcome MFtp::Resolve(std::vector<NLAddress>& addresses) {
+  const Proxy* proxy = Via();
+  // Without its address such a proxy would be bypassed.
+  if (proxy == nullptr && Through())
+    return Outcome::LocalError(Text("The preferences name no address for the proxy."));
+  const std::string& host = proxy != nullptr ? proxy->host : site_.host;
+  const std::uint16_t port = proxy != nullptr ? proxy->port : site_.port;
+  Step(Kind::Address, State::Running, Text("Looking up %1 …", host));
+  Step(Kind::Port, State::Waiting, Text("Connecting to port %1", Peer().second));
+  if (site_.security != Security::Plain)
+    Step(Kind::Encryption, State::Waiting, Text("Encrypting the connection"));
   Step(Kind::Login, State::Waiting, Text("Logging in as %1", site_.user));
   try {
-    auto lookup = viaProxy ? std::make_shared<NLLookup>(site_.proxy->host, site_.proxy->port)
-                           : std::make_shared<NLLookup>(site_.host, site_.port);
+    auto lookup = std::make_shared<NLLookup>(host, port);
     {
       const MutexLock hold(reach_);
       lookup_ = lookup;
       if (control_.IsInterrupted()) lookup->cancel();
     }
-    server = lookup->get();
-    std::array<char, INET_ADDRSTRLEN> address{};
-    server.get(address.data(), nullptr);
-    Step(Kind::Address, State::Done,
-         viaProxy ? Text("The address of the proxy is %1.", address.data())
-                  : Text("The address is %1.", address.data()));
+    addresses = lookup->get();
+    TellAddress(addresses.front());
     return {};
   } catch (const NLException&) {
     if (control_.IsInterrupted()) return Outcome::Cancelled();
+    if (Through())
+      return Outcome::LocalError(Text("Could not resolve the address for the proxy:\n\n %1", host));
     // Names the server even where it was the proxy that could not be found.
     return {Outcome::Kind::LocalError,
             0,
@@ -106,12 +130,23 @@ Outcome MFtp::Resolve(NLAddress& server) {
   }
 }
 
+void MFtp::TellAddress(const NLAddress& address) {
+  Step(Kind::Address, State::Done,
+       Via() != nullptr ? Text("The address of the proxy is %1.", address.text())
+                        : Text("The address is %1.", address.text()));
+}
+
 // From the connection to the greeting.
-Outcome MFtp::Reach(const NLAddress& server) {
-  std::uint16_t port = 0;
-  server.get(static_cast<char*>(nullptr), &port);
+Outcome MFtp::Reach(const std::vector<NLAddress>& addresses) {
+  const std::uint16_t port = Peer().second;
   Step(Kind::Port, State::Running, Text("Connecting to port %1 …", port));
-  control_.Connect(server);
+  control_.Connect(addresses, Through(), site_.port);
+  data_.Begin();
+  if (!control_.ServerAddress().isSameHost(addresses.front()))
+    TellAddress(control_.ServerAddress());
+  if (site_.security == Security::Implicit) {
+    if (Outcome outcome = Encrypt(); !outcome.IsDone()) return outcome;
+  }
   if (!Tell(Text("Waiting for the server's greeting."))) return Outcome::Cancelled();
   Reply reply = control_.ReadResponse();
   // "120 Service ready in nnn minutes": the greeting proper is still to come.
@@ -131,7 +166,8 @@ Outcome MFtp::Identify() {
   constexpr int kUnavailable = 550;
   Step(Kind::Login, State::Running, Text("Logging in as %1 …", site_.user));
   if (!Tell(Text("Sending Username."))) return Outcome::Cancelled();
-  Reply reply = control_.SendCommand("USER " + site_.user + (site_.proxy ? "@" + site_.host : ""));
+  const bool named = site_.proxy && !Through();
+  Reply reply = control_.SendCommand("USER " + site_.user + (named ? "@" + site_.host : ""));
   const Text failed("Login to: %1 failed.", site_.host);
   if (reply.code == kNotLoggedIn)
     return RefusedLogin(reply, Text("Login to: %1 failed.\n\nUsername is invalid", site_.host));

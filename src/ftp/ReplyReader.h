@@ -47,6 +47,8 @@ class ReplyReader {
   [[nodiscard]] std::optional<Reply> ReadUnasked(
       const std::function<void(std::string_view)>& onLine);
 
+  /// Whether bytes are unread that have been taken from the stream already.
+  [[nodiscard]] bool IsAhead() const { return next_ < ahead_.size() || !line_.empty() || begun_; }
   /// Whether something is unread, or comes within `milliseconds`; the end counts.
   [[nodiscard]] bool IsPending(long milliseconds);
 

@@ -2,10 +2,12 @@
 #include <sys/socket.h>
 
 #include <filesystem>
+#include <future>
 #include <span>
 #include <thread>
 
 #include "ftp/Session.h"
+#include "net/NLEndpoint.h"
 #include "net/Stream.h"
 #include "support/WaitFor.h"
 
@@ -187,7 +189,7 @@ TEST(Login, ReportsEveryFailure) {
     const std::string reply = action.reply->substr(0, action.reply->find('\r'));
     EXPECT_EQ(outcome.server, outcome.code != 0 ? reply : "");
     EXPECT_EQ(s.ui->Seen().sounds.empty(), told.find("Connection to") != std::string::npos);
-    EXPECT_EQ(s.server.Transcript().size(), verb == "greeting" ? 0U : verb == "USER" ? 1U : 2U);
+    EXPECT_EQ(s.server.Transcript().size(), verb == "greeting" ? 0U : verb == "USER" ? 2U : 3U);
     EXPECT_TRUE(s.engine.IsLost());
   }
 }
@@ -218,10 +220,12 @@ TEST(Features, TellOfAnEntry) {
     std::string told;  // kind, size, mode, owner, time; or why not
   };
   const Case cases[] = {
-      {facts, no, line, "1 9 -rw-r----- ann 1584144000"},
+      {facts, no, line, "1 9 -rw-r----- bob 1584177960"},
       {facts, no, "", "1 9 -rw-r----- bob 1584177960"},
       {"250-d\r\n type=dir;size=4096;modify=20200314092600; d\r\n250 End\r\n", no, line,
        "2 - - - 1584177960"},
+      {"250-l\r\n type=dir;modify=20200314092600; l\r\n250 End\r\n", no,
+       "lrwxrwxrwx 1 ann web 7 Mar 14 2020 f -> g\r\n", "3 - lrwxrwxrwx ann 1584144000"},
       {"550 None\r\n", no, line, "None"},
       {"250 What?\r\n", no, line, "1 7 -rw-r----- ann 1584144000"},
       {{}, {.reply = "213 8\r\n"}, line, "1 8 -rw-r----- ann 1584144000"},
@@ -254,18 +258,89 @@ TEST(Features, TellOfAnEntry) {
   }
 }
 
+// What the list of features has the login say, on a server that serves several hosts.
+TEST(Features, AreAskedForOnce) {
+  const auto list = [](const std::string& lines) { return "211-Has\r\n" + lines + "211 End\r\n"; };
+  const std::string end = "SYST|PWD|TYPE I";
+  std::string garbage;
+  for (int i = 0; i < 4'000; ++i) garbage += " MLST type;\xFF=;;*\r\n";
+  // FEAT before the login, and after it; what is sent.
+  const std::tuple<std::string, std::string, std::string> cases[] = {
+      {"500 What?\r\n", "", "FEAT|USER u|PASS p|" + end},
+      {"530 Log in\r\n", list(" UTF8\r\n HOST\r\n"), "FEAT|USER u|PASS p|FEAT|OPTS UTF8 ON|" + end},
+      {"550 Log in\r\n", "550 No\r\n", "FEAT|USER u|PASS p|FEAT|" + end},
+      {list(" host\r\n UTF8\r\n"), "", "FEAT|HOST localhost|USER u|PASS p|OPTS UTF8 ON|" + end},
+      {list(" MLST type*;Size*;perm;\r\n"), "", "FEAT|USER u|PASS p|" + end},
+      {list(" MLST Type*;Size;Perm*;UNIX.mode*;\r\n"), "",
+       "FEAT|USER u|PASS p|OPTS MLST type;size;unix.mode;|" + end},
+      {list("MLST type;\r\n MLST\r\n\r\n MLSD\r\n MLST size\r\n"), "", "FEAT|USER u|PASS p|" + end},
+      {list(garbage), "", "FEAT|USER u|PASS p|OPTS MLST type;|" + end},
+      {"211 " + std::string(70'000, 'x'), "", "FEAT"},
+  };
+  for (const auto& [before, after, sent] : cases) {
+    Session s;
+    s.server.On("FEAT", {.reply = before}, 1);
+    s.server.On("FEAT", {.reply = after}, 2);
+    s.server.On("HOST", {.reply = "504 Unknown\r\n"});
+    Site site = s.server.Where(false);
+    site.host = "localhost";
+    MFtp engine(site, s.ui);
+    EXPECT_EQ(engine.Connect().IsDone(), sent != "FEAT");
+    EXPECT_EQ(s.Sent(), sent);
+  }
+}
+
+// A server that knows several ways to set a time, and what becomes of those that it refuses.
+TEST(Features, SetTimes) {
+  // The features; the replies to MFMT, MDTM and SITE; what is sent for two files.
+  const std::string mfmt = "MFMT 20010909014640 f";
+  const std::string mdtm = "MDTM 20010909014640 f";
+  const std::string site = "SITE UTIME f 20010909014640 20010909014640 20010909014640 UTC";
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+      {" MFMT\r\n MDTM\r\n", "213 Modify=20010909014640; f", "Done", mfmt + "|" + mfmt},
+      {" MFMT\r\n MDTM\r\n", "550 No", "Refused", mfmt + "|" + mfmt},
+      {" MFMT\r\n SITE UTIME\r\n", "500 What?", "Refused", mfmt + "|" + site},
+      {" MDTM\r\n SITE UTIME\r\n", "253 Set", "Done", mdtm + "|" + mdtm},
+      {" SIZE\r\n", "200 Set", "Refused", ""},
+  };
+  for (const auto& [features, reply, told, sent] : cases) {
+    Session s;
+    s.server.On("FEAT", {.reply = "211-Has\r\n" + features + "211 End\r\n"});
+    for (const char* verb : {"MFMT", "MDTM", "SITE"}) s.server.On(verb, {.reply = reply + "\r\n"});
+    s.LogIn();
+    for (int i = 0; i < 2; ++i) {
+      const Outcome outcome = s.engine.SetModifiedTime("/f", 1'000'000'000);
+      EXPECT_TRUE(Told(outcome).starts_with(told)) << Told(outcome);
+    }
+    EXPECT_EQ(s.Sent(), sent);
+  }
+}
+
+// A name that begins with a date is not to set another file's time.
+TEST(Features, TellTimes) {
+  Session s;
+  s.server.On("MDTM", {.reply = "213 20010909014640.5\r\n"});
+  s.server.On("MDTM", {.reply = "502 No\r\n"}, 3);
+  s.LogIn();
+  std::optional<RemoteTime> time;
+  for (const char* name : {"/f", "/20010909014640 f", "/g", "/h"}) {
+    EXPECT_TRUE(s.engine.ModifiedTime(name, time).IsDone());
+    EXPECT_EQ(time.has_value() && time->seconds == 1'000'000'000 && time->utc,
+              name[2] != '\0' || name[1] == 'f');
+  }
+  EXPECT_EQ(s.Sent(), "MDTM f|MDTM ./20010909014640 f|MDTM g");
+}
+
 TEST(Features, TellOfFreeSpace) {
   const std::string quota = "200-Quota [current/limit]:\r\n Name: ann\r\n";
   // FEAT, the question's reply, the answer, and what is sent for two questions.
   const std::tuple<std::string, std::string, std::optional<std::int64_t>, std::string> cases[] = {
-      {" AVBL", "213 7000000000\r\n", 7'000'000'000, "FEAT|CWD d|AVBL|AVBL"},
-      {" avbl", "550 No\r\n", {}, "FEAT|CWD d|AVBL|AVBL"},
-      {"", quota + "   Uploaded Kb:\t1.50/10.00\r\n200 Ask.\r\n", 8704,
-       "FEAT|SITE QUOTA|SITE QUOTA"},
-      {"", quota + "   Uploaded bytes:\t20.00/10.00\r\n200 Ask.\r\n", 0,
-       "FEAT|SITE QUOTA|SITE QUOTA"},
-      {"", quota + "   Uploaded bytes:\tunlimited\r\n200 Ask.\r\n", {}, "FEAT|SITE QUOTA"},
-      {"", "500 What?\r\n", {}, "FEAT|SITE QUOTA"},
+      {" AVBL", "213 7000000000\r\n", 7'000'000'000, "CWD d|AVBL|AVBL"},
+      {" avbl", "550 No\r\n", {}, "CWD d|AVBL|AVBL"},
+      {"", quota + "   Uploaded Kb:\t1.50/10.00\r\n200 Ask.\r\n", 8704, "SITE QUOTA|SITE QUOTA"},
+      {"", quota + "   Uploaded bytes:\t20.00/10.00\r\n200 Ask.\r\n", 0, "SITE QUOTA|SITE QUOTA"},
+      {"", quota + "   Uploaded bytes:\tunlimited\r\n200 Ask.\r\n", {}, "SITE QUOTA"},
+      {"", "500 What?\r\n", {}, "SITE QUOTA"},
   };
   for (const auto& [feature, reply, bytes, sent] : cases) {
     Session s;
@@ -286,9 +361,48 @@ TEST(Login, GoesThroughAProxy) {
   for (const std::string host : {"ftp.example", "127.0.0.1"}) {
     Session s;
     const Proxy proxy{host == "127.0.0.1" ? "" : "127.0.0.1", s.server.Port()};
-    MFtp engine({.host = host, .port = s.server.Port(), .user = "u", .proxy = proxy}, s.ui);
+    Site site = s.server.Where(false);
+    site.host = host;
+    site.proxy = proxy;
+    MFtp engine(site, s.ui);
     EXPECT_TRUE(engine.Connect().IsDone());
     EXPECT_EQ(s.server.Transcript().at(0), "USER u@" + host + "\r\n");
+  }
+}
+
+// A proxy that is to be passed through is never bypassed, and one that is silent is cancelled.
+TEST(Login, NeedsAProxyThatIsThere) {
+  const std::pair<std::string, std::string> hosts[] = {
+      {"", "LocalError: The preferences name no address for the proxy."},
+      {"nowhere.invalid",
+       "LocalError: Could not resolve the address for the proxy:\n\n nowhere.invalid"},
+      {"127.0.0.1",
+       "Lost: Connection to:  127.0.0.1 FAILED!\n\nThe proxy cannot be reached: Connection "
+       "refused"},
+  };
+  NLEndpoint silent(NLEndpoint::stream);
+  silent.bind(NLAddress("127.0.0.1", 0));
+  for (const Proxy::Kind kind : {Proxy::Kind::Socks5, Proxy::Kind::Http}) {
+    Session s;
+    Site site = s.server.Where(true);
+    for (const auto& [host, told] : hosts) {
+      site.proxy = Proxy{host, 1, kind};
+      EXPECT_EQ(Told(MFtp(site, s.ui).Connect()), told);
+    }
+    silent.listen(5);
+    site.proxy = Proxy{"127.0.0.1", silent.localAddress().port(), kind};
+    for (const bool close : {false, true}) {
+      MFtp engine(site, s.ui);
+      auto connecting = std::async(std::launch::async, [&] { return engine.Connect(); });
+      const auto reached = silent.accept(5'000);
+      ASSERT_TRUE(reached);
+      char byte = 0;
+      EXPECT_EQ(reached->read({&byte, 1}), 1);
+      close ? engine.Close() : engine.Interrupt();
+      ASSERT_EQ(connecting.wait_for(500ms), std::future_status::ready);
+      EXPECT_EQ(connecting.get().kind, Outcome::Kind::Cancelled);
+    }
+    EXPECT_TRUE(s.server.Transcript().empty());
   }
 }
 

@@ -25,25 +25,102 @@ std::string Hanging(const FullPort& full) {
          ")\r\n";
 }
 
-TEST(Passive, TakesSixNumbersWhereverTheyStand) {
+TEST(Passive, FindsThePortWhereverItStands) {
   // The address is not this machine's; the listing comes all the same.
-  const std::set<std::string> good = {"227 Entering Passive Mode (10,0,0,1,{port})",
-                                      "227 Port 3 of 4: ( 10 , 0, 0 ,1, {port} ).",
-                                      "227 10,0,0,1,{port}", "227-Passive\r\n227 10,0,0,1,{port}"};
-  std::set<std::string> all = {
-      "227 ok (10,0,0,1,4)",    "227 ok (10,0,0,1,256,1)", "227 ok (10,0,0,999,{port})", "227",
-      "227 ok (10,0,0,1,4,-1)", "227 ok (10,0,0,1,0,0)",   "502 No (10,0,0,1,{port})"};
+  const std::set<std::string> good = {
+      "227 Entering Passive Mode (10,0,0,1,{port})", "227 Port 3 of 4: ( 10 , 0, 0 ,1, {port} ).",
+      "227 10,0,0,1,{port}", "227-Passive\r\n227 10,0,0,1,{port}",
+      // As replies to EPSV.
+      "229 ok (|||{epsv}|)", "229 ok (!!!{epsv}!)", "229 ok ((((({epsv}()", "229 ~~~{epsv}~",
+      "229 ok (|||x) |||0| (|||{epsv}|)"};
+  std::set<std::string> all = {"227 ok (10,0,0,1,4)",
+                               "227 ok (10,0,0,1,256,1)",
+                               "227 ok (10,0,0,999,{port})",
+                               "227",
+                               "227 ok (10,0,0,1,4,-1)",
+                               "227 ok (10,0,0,1,0,0)",
+                               "229 ok (|||0|)",
+                               "229",
+                               "229 ok (|||65536|)",
+                               "229 ok (|||{epsv})",
+                               "229 ok (|||{epsv}",
+                               "229 |||",
+                               "229 ok (||{epsv}|)",
+                               "229 ok (|||-1|)",
+                               "229 ok (   {epsv} )"};
   all.insert(good.begin(), good.end());
   for (const std::string& reply : all) {
-    Session s(true);
-    s.server.On("PASV", {.reply = reply + "\r\n"});
-    s.server.On("PORT", {.reply = "502 No\r\n"});
+    const bool wide = reply.starts_with("229");
+    const std::string verb = wide ? "EPSV" : "PASV";
+    Session s(true, NLAddress(wide ? "::1" : "127.0.0.1", 0));
+    s.server.On(verb, {.reply = reply + "\r\n"});
+    s.server.On("PORT", {.reply = "425 No\r\n"});
+    s.server.On("EPRT", {.reply = "425 No\r\n"});
     s.LogIn();
     const Outcome outcome = s.List();
     const bool taken = good.contains(reply);
     EXPECT_EQ(outcome.kind, taken ? Outcome::Kind::Done : Outcome::Kind::Refused) << reply;
-    EXPECT_EQ(s.Sent(), taken ? "PASV|LIST -la" : "PASV|PORT") << reply;
+    EXPECT_EQ(s.Sent(), verb + (taken ? "|LIST -la" : wide ? "|EPRT" : "|PORT")) << reply;
+    if (!taken)
+      EXPECT_TRUE(Told(outcome).starts_with("Refused: The server gave no port for the data"));
     EXPECT_TRUE(s.IsInStep());
+  }
+}
+
+// What a server does not know is tried in its other form, which is then kept to.
+TEST(DataChannel, SpeaksAsItsServerUnderstands) {
+  const char* no = "500 No\r\n";
+  const char* busy = "425 No\r\n";
+  // The address, passive, what is refused, how, and what is sent for two listings.
+  const std::tuple<const char*, bool, std::vector<const char*>, const char*, std::string> rows[] = {
+      {"::1", true, {}, no, "EPSV|LIST -la|EPSV|LIST -la"},
+      {"::1", false, {}, no, "EPRT|LIST -la|EPRT|LIST -la"},
+      {"::1", true, {"EPSV"}, no, "EPSV|PASV|LIST -la|PASV|LIST -la"},
+      {"::1", true, {"EPSV", "PASV"}, no, "EPSV|PASV|EPRT|LIST -la|EPRT|LIST -la"},
+      {"::1", false, {"EPRT"}, "522 Only (1)\r\n", "EPRT|EPSV|LIST -la|EPSV|LIST -la"},
+      {"127.0.0.1", true, {"PASV"}, no, "PASV|EPSV|LIST -la|EPSV|LIST -la"},
+      {"127.0.0.1", false, {"PORT"}, no, "PORT|EPRT|LIST -la|EPRT|LIST -la"},
+      {"127.0.0.1", true, {"PASV"}, busy, "PASV|PORT|LIST -la|PORT|LIST -la"},
+      {"127.0.0.1", false, {"PORT", "EPRT"}, no, "PORT|EPRT|PASV|LIST -la|PASV|LIST -la"},
+  };
+  for (const auto& [host, passive, verbs, reply, sent] : rows) {
+    Session s(passive, NLAddress(host, 0));
+    for (const char* verb : verbs) s.server.On(verb, {.reply = reply});
+    s.server.On("LIST", {.data = kLine});
+    s.LogIn();
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(Told(s.List()), "Done") << s.server.Dialogue();
+    EXPECT_EQ(s.Sent(), sent);
+    EXPECT_TRUE(s.IsInStep());
+  }
+}
+
+// A server that tells of a link by facts as of what it leads to, one that tells it as a link, and
+// one that leaves it out.
+TEST(Listing, NeverTakesALinkForADirectory) {
+  const std::string plain =
+      "drwxr-xr-x 2 u g 1 Jan 1 2000 d\r\nlrwxrwxrwx 1 u g 1 Jan 1 2000 l -> d\r\n";
+  const std::string d = "type=dir; d\r\n";
+  // MLSD, LIST, the kinds told, and what is sent for two listings.
+  const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
+      {d + "type=dir; l\r\n", plain, "d2l3", "PORT|MLSD|PORT|LIST -la|PORT|LIST -la"},
+      {d, plain, "d2l3", "PORT|MLSD|PORT|LIST -la|PORT|LIST -la"},
+      {d + "type=OS.unix=slink:d; l\r\n", plain, "d2l3", "PORT|MLSD|PORT|MLSD"},
+      {d, "drwxr-xr-x 2 u g 1 Jan 1 2000 d\r\n", "d2",
+       "PORT|MLSD|PORT|LIST -la|PORT|MLSD|PORT|LIST -la"},
+      {"", "", "", "PORT|MLSD|PORT|MLSD"},
+      {"500", plain, "d2l3", "PORT|MLSD|PORT|LIST -la|PORT|LIST -la"},
+  };
+  for (const auto& [facts, lines, told, sent] : cases) {
+    Session s;
+    s.server.On("FEAT", {.reply = "211-Has\r\n MLST type*;\r\n211 End\r\n"});
+    if (facts != "500") s.server.On("MLSD", {.data = facts});
+    s.server.On("LIST", {.data = lines});
+    s.LogIn();
+    for (int i = 0; i < 2; ++i) {
+      EXPECT_EQ(Told(s.List()), "Done");
+      EXPECT_EQ(s.kinds, told);
+    }
+    EXPECT_EQ(s.Sent(), sent);
   }
 }
 
@@ -118,8 +195,8 @@ TEST(DataChannel, FindsTheWayThatWorks) {
   // Passive, to PASV, to PORT, to each RETR, told and sent.
   const std::tuple<bool, ScriptedAction, ScriptedAction, Actions, std::string, const char*> rows[] =
       {
-          {false, {}, no, {{}, {}}, "Done", "PORT|PASV|RETR f|PASV|RETR f"},
-          {true, no, {}, {{}, {}}, "Done", "PASV|PORT|RETR f|PORT|RETR f"},
+          {false, {}, no, {{}, {}}, "Done", "PORT|EPRT|PASV|RETR f|PASV|RETR f"},
+          {true, no, {}, {{}, {}}, "Done", "PASV|EPSV|PORT|RETR f|PORT|RETR f"},
           {true, dead, {}, {none, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
           {true, hangs, {}, {late, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
           {true, hangs, {}, {done, {}, {}}, "Done", "PASV|RETR f|PORT|RETR f|PORT|RETR f"},
@@ -131,7 +208,7 @@ TEST(DataChannel, FindsTheWayThatWorks) {
           {true, hangs, {}, {never, never}, "Refused" + refused, "PASV|RETR f|PASV|RETR f"},
           {true, dead, {}, {cut, cut}, failed, "PASV|RETR f|PASV|RETR f"},
           // Neither works: the way that was asked for stays.
-          {true, no, no, {}, noPassive, "PASV|PORT|PASV"},
+          {true, no, no, {}, noPassive, "PASV|EPSV|PORT|EPRT|PASV|EPSV"},
           {false,
            dead,
            {},
@@ -145,6 +222,7 @@ TEST(DataChannel, FindsTheWayThatWorks) {
     s.server.Tree().AddFile("/f", "bytes");
     s.server.On("PASV", pasv);
     s.server.On("PORT", port);
+    for (const char* wide : {"EPSV", "EPRT"}) s.server.On(wide, no);
     for (std::size_t i = 0; i < retr.size(); ++i)
       s.server.On("RETR", retr[i], static_cast<int>(i) + 1);
     s.LogIn();

@@ -23,6 +23,16 @@ std::string Describe(const RemoteEntry& e) {
          (e.linkTarget.empty() ? "" : "->" + e.linkTarget);
 }
 
+std::string Rows(const std::string& text, ListingParser::Form form = ListingParser::Form::Lines) {
+  ListingParser parser(text, 2024y / 3 / 15, form);
+  RemoteEntry entry;
+  std::string found;
+  while (parser.Next(entry)) found += Describe(entry) + '\n';
+  if (parser.Strange() > 0) found += "strange " + std::to_string(parser.Strange()) + '\n';
+  if (parser.TooLong() > 0) found += "too long " + std::to_string(parser.TooLong()) + '\n';
+  return found;
+}
+
 TEST(ListingParser, ReadsEveryKindOfLine) {
   const std::string longest(4096, 'n');
   // What is of no known form, or too long, is counted.
@@ -55,15 +65,33 @@ TEST(ListingParser, ReadsEveryKindOfLine) {
       {"-r- 1 u g 1 Jan 1 10:00 " + longest + "\n-r- 1 u g 1 Jan 1 10:00 n" + longest + "\n",
        "1|-r-|u|g|1|2024-01-01 10:00|" + longest + "\ntoo long 1\n"},
   };
-  for (const auto& [text, rows] : cases) {
-    ListingParser parser(text, 2024y / 3 / 15);
-    RemoteEntry entry;
-    std::string found;
-    while (parser.Next(entry)) found += Describe(entry) + '\n';
-    if (parser.Strange() > 0) found += "strange " + std::to_string(parser.Strange()) + '\n';
-    if (parser.TooLong() > 0) found += "too long " + std::to_string(parser.TooLong()) + '\n';
-    EXPECT_EQ(found, rows) << text;
-  }
+  for (const auto& [text, rows] : cases) EXPECT_EQ(Rows(text), rows) << text;
+}
+
+TEST(ListingParser, ReadsFacts) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"type=file;size=5;modify=20260314092600.123456;UNIX.mode=0640;UNIX.owner=7; a b\n",
+       "1|-rw-r-----|7||5|2026-03-14 09:26|a b\n"},
+      {"UNIX.groupname=web;Unix.ownerName=ann;unix.owner=7;TYPE=Dir;Size=4096;x;y=; d\n",
+       "2||ann|web||1970-01-01 00:00|d\n"},
+      {"modify=16010101000000;type=file; old\nmodify=20260231000000;type=file; no day\n",
+       "1|||||1601-01-01 00:00|old\n1|||||1970-01-01 00:00|no day\n"},
+      // What is of no type that is known can be nothing that is followed.
+      {"type=OS.unix=slink:/a b;UNIX.mode=0777; l\ntype=os.unix=symlink;size=8; m\n"
+       "type=unknown;UNIX.mode=644; u\nsize=3; t\ntype=OS.unix=chr-1/3; c\n",
+       "3|lrwxrwxrwx||||1970-01-01 00:00|l->/a b\n3|l||||1970-01-01 00:00|m\n"
+       "3|?rw-r--r--||||1970-01-01 00:00|u\n3|||||1970-01-01 00:00|t\n"
+       "4|||||1970-01-01 00:00|c\n"},
+      {"type=cdir; /here\ntype=pdir; /\ntype=file; ..\ntype=dir; .\ntype=dir; a/b\n",
+       "2|||||1970-01-01 00:00|a/b\n"},
+      {"type=file;size=1;  lead\ntype=file; a;b=c d\n plain\ntype=file;size=2 short\n",
+       "1||||1|1970-01-01 00:00| lead\n1|||||1970-01-01 00:00|a;b=c d\n"
+       "3|||||1970-01-01 00:00|plain\n1||||2|1970-01-01 00:00|short\n"},
+      {"type=file;size=-1; a\ntype=file;size=99999999999999999999; b\ntype=file;\ntype=file; \n",
+       "1|||||1970-01-01 00:00|a\n1|||||1970-01-01 00:00|b\nstrange 2\n"},
+  };
+  for (const auto& [text, rows] : cases)
+    EXPECT_EQ(Rows(text, ListingParser::Form::Facts), rows) << text;
 }
 
 }  // namespace

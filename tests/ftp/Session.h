@@ -14,7 +14,8 @@ namespace corvane {
 
 /// A scripted server and a session with it.
 struct Session : ListingSink {
-  explicit Session(bool passive = false) : engine(server.Where(passive), ui) {
+  explicit Session(bool passive = false, const NLAddress& host = NLAddress("127.0.0.1", 0))
+      : server(host), engine(server.Where(passive), ui) {
     engine.SetSilenceLimit(10'000);
   }
 
@@ -24,13 +25,15 @@ struct Session : ListingSink {
     skip = server.Transcript().size();
   }
 
-  /// What the client sent since LogIn, joined with "|". The numbers of PORT lines are left out, for
-  /// the system chooses them. With `verb` only its commands.
+  /// What the client sent since LogIn, joined with "|". The addresses of PORT and EPRT are left
+  /// out, for the system chooses them. With `verb` only its commands.
   [[nodiscard]] std::string Sent(const std::string& verb = "") const {
     std::string sent;
     const std::vector<std::string> lines = server.Transcript();
     for (std::size_t i = skip; i < lines.size(); ++i) {
-      const bool port = lines[i].starts_with("PORT 127,0,0,1,");
+      const bool port = lines[i].starts_with("PORT 127,0,0,1,") ||
+                        lines[i].starts_with("EPRT |1|127.0.0.1|") ||
+                        lines[i].starts_with("EPRT |2|::1|");
       EXPECT_TRUE(lines[i].ends_with("\r\n"));
       if (!lines[i].starts_with(verb)) continue;
       sent += (sent.empty() ? "" : "|") + lines[i].substr(0, port ? 4 : lines[i].size() - 2);
@@ -38,23 +41,27 @@ struct Session : ListingSink {
     return sent;
   }
 
-  /// Lists a directory; what came stands in `raw` and `names`.
+  /// Lists a directory; what came stands in `raw`, `names` and `kinds`.
   Outcome List(const std::string& path = "/") {
     raw.clear();
     names.clear();
+    kinds.clear();
     return engine.List(path, *this);
   }
   void Raw(std::string_view text) override { raw = text; }
   bool Add(std::vector<RemoteEntry> entries) override {
-    for (const RemoteEntry& entry : entries) names += entry.name + "|";
+    for (const RemoteEntry& entry : entries) {
+      names += entry.name + "|";
+      kinds += entry.name + std::to_string(static_cast<int>(entry.kind));
+    }
     return true;
   }
 
-  /// Downloads a file into `raw`.
-  Outcome Get(const std::string& path, std::int64_t offset = 0) {
+  /// Downloads a file into `raw`, by another session with the server where that is given.
+  Outcome Get(const std::string& path, std::int64_t offset = 0, MFtp* other = nullptr) {
     raw.clear();
     std::unique_ptr<RemoteFile> file;
-    Outcome outcome = engine.OpenForReading(path, offset, file);
+    Outcome outcome = (other != nullptr ? *other : engine).OpenForReading(path, offset, file);
     if (!outcome.IsDone()) return outcome;
     char block[4096];
     for (std::size_t got = 1; got > 0; raw.append(block, got)) {
@@ -77,6 +84,7 @@ struct Session : ListingSink {
   std::size_t skip = 0;
   std::string raw;
   std::string names;
+  std::string kinds;
 };
 
 /// How an operation ended: its kind and its text in English.

@@ -1,10 +1,14 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 
 #include "ftp/MFtp.h"
+#include "remote/RemotePath.h"
 #include "support/Files.h"
 #include "support/RealServers.h"
 #include "support/RecordingBrowserUi.h"
@@ -21,18 +25,57 @@ namespace fs = std::filesystem;
 
 constexpr char kKorean[] = "\xED\x95\x9C\xEA\xB8\x80 \xEC\x97\xAC.txt";
 
+/// How a server is spoken to.
+struct Way {
+  std::string server;
+  std::string tls{};  ///< "explicit", "implicit", or nothing
+  std::string version = "1.3";
+  bool passive = true;
+  bool ipv6 = false;
+};
+
+std::ostream& operator<<(std::ostream& out, const Way& way) {
+  return out << way.server << (way.tls.empty() ? "" : " " + way.tls + " TLS " + way.version)
+             << (way.passive ? " passive" : " active") << (way.ipv6 ? " IPv6" : "");
+}
+
 /// What a user does in one session, against a server of the distribution.
-class SessionTest : public testing::TestWithParam<std::tuple<std::string, bool>> {
+class SessionTest : public testing::TestWithParam<Way> {
  protected:
   void SetUp() override {
-    const std::string& name = std::get<0>(GetParam());
-    if (name == "pure-ftpd" && ::geteuid() != 0) GTEST_SKIP() << name << " starts for root only";
+    const Way& way = GetParam();
+    if (way.server == "pure-ftpd" && ::geteuid() != 0)
+      GTEST_SKIP() << way.server << " starts for root only";
     Write(pub_ / kKorean, "utf-8\n");
     for (const char* file : {"a b", "empty", "old/deep/f"}) Write(pub_ / file, "");
     Write(remote_.Path() / "tree" / "one" / "deep", "x");
-    server_ = std::make_unique<RealServer>(name, remote_.Path());
-    where_ = {"127.0.0.1", server_->port, server_->user, server_->password, "pub"};
-    where_.passive = std::get<1>(GetParam());
+    std::vector<std::string> options;
+    if (!way.tls.empty()) options = {"--tls", way.tls, "--max-tls", way.version};
+    if (way.ipv6) options.emplace_back("--ipv6");
+    server_ = std::make_unique<RealServer>(way.server, remote_.Path(), options);
+    where_ = {way.ipv6 ? "::1" : "localhost", server_->port, server_->user, server_->password,
+              "pub"};
+    where_.passive = way.passive;
+    if (way.tls == "explicit") where_.security = Security::Required;
+    if (way.tls == "implicit") where_.security = Security::Implicit;
+  }
+
+  /// Whether the server was asked for its certificate once for each connection, and every data
+  /// connection went on with the session of its control connection.
+  template <typename Record>
+  void ExpectProtected(const Record& seen, std::size_t connections) const {
+    const Way& way = GetParam();
+    const bool encrypted = !way.tls.empty();
+    EXPECT_EQ(seen.questions.size(), encrypted ? connections : 0);
+    ASSERT_EQ(seen.protections.size(), connections);
+    const Protection& protection = seen.protections.back();
+    EXPECT_EQ(protection.encrypted, encrypted);
+    EXPECT_EQ(protection.protocol, encrypted ? "TLS " + way.version : "");
+    if (encrypted) EXPECT_EQ(protection.certificate.problems, Certificate::kSelfSigned);
+    // Pure-FTPd hands no session out that could be resumed.
+    const bool cannot = way.server == "pure-ftpd" && way.version == "1.3";
+    const bool anew = seen.log.find("has a session of its own") != std::string::npos;
+    EXPECT_EQ(anew, encrypted && cannot) << seen.log;
   }
 
   TemporaryDirectory remote_;
@@ -50,7 +93,22 @@ std::map<std::string, std::string> TreeOf(const fs::path& top) {
   return tree;
 }
 
-TEST_P(SessionTest, TransfersTreesBothWays) {
+/// When what is below a folder was changed, by its path; folders too where `folders` says so.
+std::map<std::string, std::int64_t> TimesOf(const fs::path& top, bool folders) {
+  std::map<std::string, std::int64_t> times;
+  for (const auto& entry : fs::recursive_directory_iterator(top)) {
+    struct stat status {};
+    EXPECT_EQ(::stat(entry.path().c_str(), &status), 0);
+    if (folders || !entry.is_directory())
+      times[entry.path().lexically_relative(top)] = status.st_mtime;
+  }
+  return times;
+}
+
+class TreeTest : public SessionTest {};
+class WindowTest : public SessionTest {};
+
+TEST_P(TreeTest, TransfersTreesBothWays) {
   TemporaryDirectory local;
   const fs::path back = local.Path() / "back";
   for (const char* name :
@@ -58,13 +116,22 @@ TEST_P(SessionTest, TransfersTreesBothWays) {
     Write(local.Path() / "d" / name, Bytes(name[1] == '\0' ? 0 : 400'000));
   fs::create_directories(local.Path() / "d" / "up" / "void");
   fs::create_directory(back);
+  std::int64_t time = 1'000'000'000;
+  for (const auto& entry : fs::recursive_directory_iterator(local.Path() / "d")) {
+    const timespec times[] = {{0, UTIME_OMIT}, {time += 100'003, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, entry.path().c_str(), times, 0), 0);
+  }
   const auto expected = TreeOf(local.Path() / "d");
+  const bool folders = GetParam().server != "vsftpd";
+  const auto expectedTimes = TimesOf(local.Path() / "d", folders);
   for (const std::string step : {"send", "fetch", "resume"}) {
     const auto row = std::make_shared<RecordingTransferUi>();
+    row->answer = UserQuestion::Answer::Once;
     const auto session = std::make_shared<MFtp>(where_, row);
     transferStruct what;
     what.download = step != "send";
     what.targetFolder = back;
+    what.keepTimes = true;
     if (step == "resume") fs::resize_file(back / "d" / "up" / "\xC3\xA4", 300'001);
     const std::string here = what.download ? back / "d" : local.Path() / "d";
     what.jobs = {{"pub/d", here, RemoteEntry::Kind::Directory, -1,
@@ -72,14 +139,18 @@ TEST_P(SessionTest, TransfersTreesBothWays) {
     std::make_shared<FileTransfer>(row, what, session)->Run();
     ASSERT_TRUE(WaitFor([&] { return row->End().has_value(); }, std::chrono::seconds(30)));
     EXPECT_EQ(row->End(), TransferEnd::Finished) << step << row->Seen().why;
-    EXPECT_TRUE(TreeOf(what.download ? back / "d" : pub_ / "d") == expected) << step;
+    const fs::path target = what.download ? back / "d" : pub_ / "d";
+    EXPECT_TRUE(TreeOf(target) == expected) << step;
+    EXPECT_EQ(TimesOf(target, folders), expectedTimes) << step << row->Seen().log;
+    ExpectProtected(row->Seen(), 1);
   }
 }
 
-TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
+TEST_P(WindowTest, DoesWhatABrowserWindowAsks) {
   fs::create_directory_symlink("../tree", pub_ / "to tree");
   fs::create_symlink(kKorean, pub_ / "to file");
   const auto ui = std::make_shared<RecordingBrowserUi>();
+  ui->answer = UserQuestion::Answer::Once;
   const auto looper =
       std::make_shared<ControlLooper>(where_, std::make_shared<MFtp>(where_, ui), ui);
   ASSERT_TRUE(looper->Run());
@@ -122,7 +193,7 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   ASSERT_TRUE(shows({kKorean, "to file", "to tree", "new"}));
   EXPECT_EQ(ui->Seen().entries.back().size, 5);
   EXPECT_EQ(ui->Seen().entries.back().mode, "-rw-r--r--");
-  if (std::get<0>(GetParam()) == "proftpd") {
+  if (GetParam().server == "proftpd") {
     post("DUPL"_what, {{"name", "new"}, {"to", "new [2]"}});
     ASSERT_TRUE(shows({kKorean, "to file", "to tree", "new", "new [2]"}));
     EXPECT_EQ(Contents(pub_ / "new [2]"), "12345");
@@ -133,16 +204,106 @@ TEST_P(SessionTest, DoesWhatABrowserWindowAsks) {
   EXPECT_EQ(Contents(remote_.Path() / "tree" / "one" / "new"), "12345");
   post("VWFL"_what, {{"file", kKorean}});
   EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerText == "utf-8\n"; }));
+  // What is stopped leaves the connection as it was.
+  Write(pub_ / "empty too", "x");
+  fs::resize_file(pub_ / "empty too", 50'000'000);
+  post("VWFL"_what, {{"file", "empty too"}});
+  EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerText.size() > 10; }));
+  looper->Stop();
+  EXPECT_TRUE(WaitFor([&] { return ui->Seen().viewerNote.has_value(); }));
+  post("CRDR"_what, {});
+  ASSERT_TRUE(shows({kKorean, "to file", "to tree", "empty too"}));
   post("HSYM"_what, {{"sym", "to file"}});
   post("HSYM"_what, {{"sym", "to tree"}});
   EXPECT_TRUE(shows({"one"}));
   EXPECT_EQ(ui->Seen().Texts("DWLD"_what, "FileName"), std::vector<std::string>{"to file"});
   EXPECT_EQ(ui->Seen().Texts("GERR"_what, "warning"), std::vector<std::string>{});
+  // ProFTPD may end an encrypted connection whose transfer was stopped; another one is made then.
+  const std::size_t connections = ui->Seen().protections.size();
+  EXPECT_LE(connections, GetParam().server == "proftpd" && !GetParam().tls.empty() ? 2 : 1);
+  ExpectProtected(ui->Seen(), connections);
   looper->Quit();
 }
 
-INSTANTIATE_TEST_SUITE_P(Servers, SessionTest,
-                         testing::Combine(testing::ValuesIn(RealServer::Names()), testing::Bool()));
+// Neither a deletion nor a download goes where a link in the tree leads, however the server tells
+// of links, and a window shows each as one.
+TEST_P(WindowTest, FollowsNoLinks) {
+  const fs::path outside = remote_.Path() / "tree";
+  Write(pub_ / "t" / "f", "own");
+  fs::permissions(pub_ / "t", fs::perms::all);
+  fs::create_directory_symlink("../../tree", pub_ / "t" / "out");
+  fs::create_symlink("../../tree/one/deep", pub_ / "t" / "file");
+  const auto ui = std::make_shared<RecordingBrowserUi>();
+  ui->answer = UserQuestion::Answer::Once;
+  const auto session = std::make_shared<MFtp>(where_, ui);
+  const auto looper = std::make_shared<ControlLooper>(where_, session, ui);
+  ASSERT_TRUE(looper->Run());
+  const auto post = [&](Message message, std::ptrdiff_t requests) {
+    EXPECT_TRUE(looper->PostMessage(std::move(message)));
+    const auto done = [](const Message& m) { return m.what == "DONE"_what; };
+    ASSERT_TRUE(
+        WaitFor([&] { return std::ranges::count_if(ui->Seen().messages, done) == requests; }));
+  };
+  post(Message("CNNT"_what), 1);
+  Message enter("PCHN"_what);
+  enter.AddString("path", ui->Seen().path);
+  enter.AddString("cwd", "t");
+  post(std::move(enter), 2);
+  ASSERT_TRUE(WaitFor([&] { return ui->Seen().count == 3U; })) << ui->Seen().log;
+  for (const RemoteEntry& entry : ui->Seen().entries)
+    EXPECT_EQ(entry.kind, entry.name == "f" ? RemoteEntry::Kind::File : RemoteEntry::Kind::Link);
+
+  TemporaryDirectory local;
+  const auto row = std::make_shared<RecordingTransferUi>();
+  row->answer = UserQuestion::Answer::Once;
+  transferStruct what{.targetFolder = local.Path()};
+  what.jobs = {{"pub/t", local.Path() / "t", RemoteEntry::Kind::Directory}};
+  std::make_shared<FileTransfer>(row, what, std::make_shared<MFtp>(where_, row))->Run();
+  ASSERT_TRUE(WaitFor([&] { return row->End().has_value(); }, std::chrono::seconds(30)));
+  EXPECT_EQ(TreeOf(local.Path()),
+            (std::map<std::string, std::string>{{"t", "folder"}, {"t/f", "file own"}}));
+
+  Message doomed("DELE"_what);
+  doomed.AddString("path", SplitPath(ui->Seen().path).first);
+  doomed.AddString("name", "t");
+  doomed.AddInt32("type", 2);
+  post(std::move(doomed), 3);
+  EXPECT_TRUE(fs::exists(outside / "one" / "deep") && !fs::exists(pub_ / "t" / "f"))
+      << ui->Seen().log;
+  EXPECT_TRUE(fs::is_symlink(pub_ / "t" / "out")) << ui->Seen().log;
+  looper->Quit();
+}
+
+// Pure-FTPd knows no encryption from the first byte on.
+std::vector<Way> AllWays() {
+  std::vector<Way> ways;
+  for (const std::string& server : RealServer::Names()) {
+    for (const bool passive : {true, false}) {
+      ways.push_back({.server = server, .passive = passive});
+      ways.push_back({.server = server, .passive = passive, .ipv6 = true});
+      ways.push_back({server, "explicit", "1.3", passive, true});
+      for (const std::string tls : {"explicit", "implicit"}) {
+        if (tls == "implicit" && server == "pure-ftpd") continue;
+        for (const char* version : {"1.2", "1.3"}) ways.push_back({server, tls, version, passive});
+      }
+    }
+  }
+  return ways;
+}
+
+// What a window asks comes over the same connections: one way in plain text, one encrypted.
+std::vector<Way> FewWays() {
+  std::vector<Way> ways;
+  for (const std::string& server : RealServer::Names()) {
+    ways.push_back({.server = server, .passive = false});
+    ways.push_back({server, "explicit", "1.2"});
+    ways.push_back({server, "explicit", "1.3"});
+  }
+  return ways;
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, TreeTest, testing::ValuesIn(AllWays()));
+INSTANTIATE_TEST_SUITE_P(Servers, WindowTest, testing::ValuesIn(FewWays()));
 
 }  // namespace
 }  // namespace corvane

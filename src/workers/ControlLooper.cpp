@@ -87,12 +87,28 @@ void ControlLooper::MessageReceived(const Message& message) {
     }
     turn_.End();
     Tell(outcome);
+    keepsAlive_ = lease && !session_->IsLost();
   }
   Message done("DONE"_what);
   done.AddInt32("request", static_cast<std::int32_t>(message.what));
   if (turn_.Stopped()) done.AddBool("stopped", true);
   window_->PostMessage(std::move(done));
   if (!postponed_.empty()) AskLater(*this, std::exchange(postponed_, {}));
+}
+
+std::chrono::milliseconds ControlLooper::Patience() {
+  return keepsAlive_ ? std::chrono::seconds(site_.keepAlive) : std::chrono::seconds(0);
+}
+
+// A connection that a transfer uses is alive. That one has gone is noticed by the next request.
+void ControlLooper::Idle() {
+  asking_.Begin();
+  const std::atomic<bool> atOnce{true};
+  const EngineLease lease(*session_, atOnce);
+  if (lease && !IsWaitedFor() && asking_.Work()) {
+    keepsAlive_ = session_->IsAlive() && session_->KeepAlive().kind != Outcome::Kind::Lost;
+  }
+  asking_.End();
 }
 
 void ControlLooper::AskAround(const std::string& directory) {

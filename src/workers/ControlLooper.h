@@ -36,6 +36,8 @@ class ListingCache;
 /// each connection) and how much room there is ('FREE', "bytes"), where the server tells. A request
 /// that arrives meanwhile goes first.
 ///
+/// While nothing is asked of it the connection is kept alive, as often as the site has it.
+///
 /// A connection that was lost meanwhile is logged in anew without a question, and a request whose
 /// first command finds it gone is carried out once more, unless something may have been changed.
 class ControlLooper : public Looper {
@@ -55,6 +57,8 @@ class ControlLooper : public Looper {
   void MessageReceived(const Message& message) override;
   void Interrupt() override;
   void Arrived(std::uint32_t what) override;
+  std::chrono::milliseconds Patience() override;
+  void Idle() override;
 
  private:
   [[nodiscard]] EngineLease Lease(bool tells);
@@ -94,6 +98,7 @@ class ControlLooper : public Looper {
   std::shared_ptr<ListingCache> cache_;  // from the first 'CNNT' on
   std::string shown_;                    // the directory that the window shows
   std::string postponed_;                // of which to ask once the requests are done
+  bool keepsAlive_ = false;              // the connection stood when last a request ended
   bool tellsFeatures_ = false;           // 'CAPS' is still to be sent
   Text verdict_;                         // the status at the end; empty where it is set elsewhere
   Mutex lock_;

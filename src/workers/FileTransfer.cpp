@@ -16,7 +16,9 @@ FileTransfer::FileTransfer(std::shared_ptr<TransferUi> row, transferStruct descr
       window_(std::move(window)),
       mover_(*session_, row_->Progress(), CancelFlag(), description_.bufferSize, !window_),
       way_(*session_),
-      notes_(*row_, description_.jobs.size()) {}
+      notes_(*row_, description_.jobs.size()),
+      keepsTimes_(description_.keepTimes),
+      keepsFolderTimes_(description_.keepTimes) {}
 
 // A browser's connection stays; what is under way on it while this transfer still waits for its
 // turn is not this transfer's to interrupt.
@@ -106,6 +108,22 @@ bool FileTransfer::Stops(const Outcome& outcome) const {
     case Outcome::Kind::Cancelled: return true;
   }
   return true;
+}
+
+void FileTransfer::KeepTime(const std::string& remote, std::int64_t seconds, bool folder) {
+  bool& keeps = folder ? keepsFolderTimes_ : keepsTimes_;
+  if (!keeps || Cancelled()) return;
+  const Outcome outcome = session_->SetModifiedTime(remote, seconds);
+  if (outcome.kind != Outcome::Kind::Refused) return;
+  keeps = false;
+  const bool hasNoWay = outcome.code == 0;
+  if (hasNoWay) keepsTimes_ = keepsFolderTimes_ = false;
+  const Text told =
+      folder && !hasNoWay
+          ? Text("Folders on the server do not keep their times: %1", outcome.text.Reason())
+          : Text("Files on the server do not keep their times: %1", outcome.text.Reason());
+  OwnerUi& owner = window_ ? static_cast<OwnerUi&>(*window_) : *row_;
+  owner.AppendLog(told.English() + "\n");
 }
 
 void FileTransfer::Finish() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "kit/Mutex.h"
@@ -55,12 +56,17 @@ class FileTransfer : public MThread {
   static constexpr int kMostBusy = 3;
   void Finish();
 
+  /// What was stored on the server is to bear that time. Where it cannot, the log says so once.
+  void KeepTime(const std::string& remote, std::int64_t seconds, bool folder);
+
   // FileTransferDownload.cpp
   Outcome DownloadAll();
   [[nodiscard]] static std::string LocalName(const Entry& entry);
   Outcome DownloadEntry(const LocalFolder& folder, const Entry& entry);
   Outcome dDirectory(const LocalFolder& above, const Entry& entry);
   Outcome DownloadEntries(const LocalFolder& above, const Entry& entry, const std::string& where);
+  /// When the entry was changed on the server, as far as that is known or can be asked for.
+  std::optional<std::int64_t> TimeOf(const Entry& entry);
   Outcome DownloadFile(const LocalFolder& folder, const Entry& entry);
   Outcome OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file, bool& resume);
 
@@ -79,6 +85,8 @@ class FileTransfer : public MThread {
   WayDown way_;
   TransferNotes notes_;
   int busyInARow_ = 0;
+  bool keepsTimes_;        // of files; the server has not refused to
+  bool keepsFolderTimes_;  // likewise of folders
   Mutex lock_;
   bool working_ GUARDED_BY(lock_) = false;  // the session is this transfer's to interrupt
 };

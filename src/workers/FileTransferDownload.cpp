@@ -1,4 +1,5 @@
 #include <cerrno>
+#include <set>
 #include <utility>
 
 #include "remote/RemotePath.h"
@@ -17,6 +18,10 @@ Outcome UnusableName(const std::string& name, Kind kind) {
   return Outcome::LocalError(kind == Kind::Directory
                                  ? Text("The name \"%1\" cannot be a local folder's.", name)
                                  : Text("The name \"%1\" cannot be used for a local file.", name));
+}
+
+bool IsExact(const std::optional<RemoteTime>& time) {
+  return time && time->utc && time->precision == RemoteTime::Precision::Second;
 }
 
 Outcome OpenFailure(const std::string& name, int error) {
@@ -74,7 +79,12 @@ Outcome FileTransfer::dDirectory(const LocalFolder& above, const Entry& entry) {
   std::string where;
   const Outcome entered = way_.Enter(entry.job.remote, where);
   if (!entered.IsDone()) return End(entry, entered);
-  Outcome outcome = DownloadEntries(above, entry, where);
+  Outcome outcome;
+  if (entry.inFolder && WayDown::LeadsElsewhere(entry.job.remote, where)) {
+    notes_.Note(Text("Left out: %1 (%2)", entry.shown, Text("a link or a special file")));
+  } else {
+    outcome = DownloadEntries(above, entry, where);
+  }
   way_.Leave();
   return outcome;
 }
@@ -90,15 +100,21 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
   EntryCollector listing;
   Outcome listed = End(entry, session_->List(where, listing));
   if (!listed.IsDone()) return listed;
+  std::set<std::string> taken;
+  for (const RemoteEntry& found : listing.entries) taken.insert(found.name);
   for (RemoteEntry& found : listing.entries) {
     const std::string shown = entry.shown + "/" + found.name;
     if (found.kind == Kind::Link || found.kind == Kind::Device) {
       notes_.Note(Text("Left out: %1 (%2)", shown, Text("a link or a special file")));
       continue;
     }
-    TransferJob job{PathBelow(where, found.name), PathBelow(entry.job.local, found.name),
-                    found.kind, found.size.value_or(-1), entry.job.policy};
-    if (found.name.find('/') != std::string::npos) {
+    std::string local = Decoded(found.name, description_.site.encoding);
+    // A name that would come to the same as another stays as the server has it.
+    if (local != found.name && !taken.insert(local).second) local = found.name;
+    TransferJob job{PathBelow(where, found.name), PathBelow(entry.job.local, local), found.kind,
+                    found.size.value_or(-1), entry.job.policy};
+    if (IsExact(found.modified)) job.modified = found.modified->seconds;
+    if ((found.name + local).find('/') != std::string::npos) {
       notes_.Begin();
       (void)End({std::move(job), shown, true}, UnusableName(found.name, found.kind));
       continue;
@@ -106,7 +122,19 @@ Outcome FileTransfer::DownloadEntries(const LocalFolder& above, const Entry& ent
     Outcome outcome = DownloadEntry(folder, {std::move(job), shown, true});
     if (Stops(outcome)) return outcome;
   }
+  if (const auto time = TimeOf(entry)) static_cast<void>(folder.SetTime(*time));
   return {};
+}
+
+// A folder inside another is not asked for: where its time is not listed, servers do not tell it.
+std::optional<std::int64_t> FileTransfer::TimeOf(const Entry& entry) {
+  if (!description_.keepTimes) return std::nullopt;
+  if (entry.job.modified) return entry.job.modified;
+  if (entry.inFolder && entry.job.kind == Kind::Directory) return std::nullopt;
+  std::optional<RemoteTime> time;
+  if (!session_->ModifiedTime(entry.job.remote, time).IsDone() || !IsExact(time))
+    return std::nullopt;
+  return time->seconds;
 }
 
 Outcome FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry) {
@@ -119,6 +147,7 @@ Outcome FileTransfer::DownloadFile(const LocalFolder& folder, const Entry& entry
   if (!outcome.IsDone() || !outcome.text.IsEmpty()) return outcome;
   if (!BeginFile(entry, Text("Downloading File."), std::max<std::int64_t>(entry.job.size, 0)))
     return Outcome::Cancelled();
+  if (const auto time = TimeOf(entry)) file.SetTime(*time);
   outcome = mover_.Download(entry.job.remote, entry.job.size, file, resume,
                             entry.inFolder ? Durability::Later : Durability::Now);
   if (outcome.IsDone() && entry.inFolder) {

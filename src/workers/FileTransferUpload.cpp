@@ -1,8 +1,11 @@
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <vector>
 
 #include "remote/RemotePath.h"
+#include "util/Encodings.h"
 #include "util/ErrorText.h"
 #include "util/LocalFolder.h"
 #include "workers/EntryCollector.h"
@@ -68,6 +71,9 @@ Outcome FileTransfer::uDirectory(const Entry& entry) {
   }
   Outcome outcome = UploadEntries(entry, where, made.IsDone());
   way_.Leave();
+  struct stat status {};
+  if (outcome.IsDone() && ::stat(entry.job.local.c_str(), &status) == 0)
+    KeepTime(entry.job.remote, status.st_mtime, true);
   return outcome;
 }
 
@@ -79,11 +85,19 @@ Outcome FileTransfer::UploadEntries(const Entry& entry, const std::string& where
                           Text("Could not read the folder: %1", ErrorText(error.value()))));
   }
   for (const fs::directory_entry& found : entries) {
-    const std::string name = found.path().filename();
+    const std::string local = found.path().filename();
+    const auto encoded = Encoded(local, description_.site.encoding);
+    const std::string name = encoded.value_or(local);
     // In a folder that was just made nothing is replaced.
     const Policy policy = made ? Policy::Replace : entry.job.policy;
     const Entry inside{
         {PathBelow(where, name), found.path(), {}, -1, policy}, entry.shown + "/" + name, true};
+    if (!encoded) {
+      notes_.Begin();
+      (void)End(inside, Outcome::LocalError(Text("The name has letters that %1 does not have.",
+                                                 description_.site.encoding)));
+      continue;
+    }
     if (const Text kind = LeftOut(found); !kind.IsEmpty()) {
       notes_.Note(Text("Left out: %1 (%2)", inside.shown, kind));
       continue;
@@ -118,6 +132,7 @@ Outcome FileTransfer::UploadFile(const Entry& entry) {
   }
   if (!BeginFile(entry, Text("Uploading File."), file.InitialSize())) return Outcome::Cancelled();
   Outcome outcome = End(entry, mover_.Upload(file, entry.job.remote));
+  if (outcome.IsDone()) KeepTime(entry.job.remote, file.InitialTime(), false);
   if (outcome.IsDone() && entry.inFolder) {
     ++row_->Progress().files;
     row_->Progress().changed = true;

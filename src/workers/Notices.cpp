@@ -62,6 +62,10 @@ Text AdviceFor(const Outcome& outcome) {
       return Text("Mostly the port is wrong, or no FTP server runs on that computer.");
     case Trouble::RefusedLogin:
       return Text("Mostly the username or the password is wrong; capitals count.");
+    case Trouble::NoEncryption:
+      return Text("Ask the server's administrator for its encryption, or choose another one here.");
+    case Trouble::Certificate:
+      return Text("Ask the server's administrator for the certificate's fingerprint and compare.");
     case Trouble::Other: return {};
   }
   return {};

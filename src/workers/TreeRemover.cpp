@@ -9,11 +9,6 @@ namespace {
 
 using Kind = RemoteEntry::Kind;
 
-// A server that tells where it stands in another way than by paths is believed.
-bool LeadsElsewhere(const std::string& path, const std::string& where) {
-  return path.starts_with('/') && where.starts_with('/') && WithoutTrailingSlash(path) != where;
-}
-
 }  // namespace
 
 // The user sees paths from the directory on.
@@ -49,7 +44,7 @@ bool TreeRemover::DeleteDirectory(const std::string& path) {
   } else {
     // What was listed as a directory may be a link by now, or in a listing that hides links: it is
     // not to be emptied where it leads.
-    if (LeadsElsewhere(path, where)) {
+    if (WayDown::LeadsElsewhere(path, where)) {
       Refuse(path, Text("Left alone, for it leads to %1", where));
     } else {
       emptied = DeleteEntries(where);

@@ -28,4 +28,8 @@ Outcome WayDown::Enter(const std::string& path, std::string& where) {
   return {};
 }
 
+bool WayDown::LeadsElsewhere(const std::string& path, const std::string& where) {
+  return path.starts_with('/') && where.starts_with('/') && WithoutTrailingSlash(path) != where;
+}
+
 }  // namespace corvane

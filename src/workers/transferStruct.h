@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,7 @@ struct TransferJob {
   RemoteEntry::Kind kind = RemoteEntry::Kind::File;  ///< of a download; an upload looks for itself
   std::int64_t size = -1;                            ///< bytes as listed; -1 when not known
   Policy policy = Policy::CreateNew;
+  std::optional<std::int64_t> modified{};  ///< when it was changed as listed, in seconds since 1970
 };
 
 /// The description of one transfer: what a row of the transfer window stands for. A value.
@@ -35,6 +37,7 @@ struct transferStruct {
   std::string targetFolder{};     ///< the local folder that the row names
   std::int64_t size = 0;  ///< bytes of the last entry as listed, for the row until it begins
   std::int32_t bufferSize = 8192;   ///< bytes with which a transfer's buffer starts
+  bool keepTimes = false;           ///< what is transferred keeps its time
   std::vector<TransferJob> jobs{};  ///< one for each entry that was chosen
 };
 

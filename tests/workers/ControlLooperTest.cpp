@@ -23,10 +23,12 @@ struct Window {
   ScriptedServer server;
   std::shared_ptr<RecordingBrowserUi> browser = std::make_shared<RecordingBrowserUi>();
   std::shared_ptr<ControlLooper> looper;
+  std::int32_t keepAlive = 0;
 
   void Connect(const std::string& path = "", bool passive = true) {
     Site site = server.Where(passive);
     site.path = path;
+    site.keepAlive = keepAlive;
     looper = std::make_shared<ControlLooper>(site, std::make_shared<MFtp>(site, browser), browser);
     looper->Run();
     Post("CNNT"_what, "");
@@ -123,11 +125,12 @@ TEST(ControlLooper, TellsHowFarConnectingIs) {
                                       "The address is 127.0.0.1.",
                                       "Connecting to port " + port + " …",
                                       "Port " + port + " answers.",
+                                      "Not encrypted.",
                                       "Logging in as u …",
                                       "Logged in as u.",
                                       "Opening /pub …",
                                       "Opening /pub"};
-    if (refused) steps.resize(5);
+    if (refused) steps.resize(6);
     EXPECT_EQ(seen.steps, steps);
     EXPECT_EQ(std::ranges::count(seen.statuses, "Connected."), refused ? 0 : 1);
     EXPECT_EQ(seen.statuses.back(), refused ? "Not connected." : "Connected.");
@@ -366,13 +369,30 @@ TEST(ControlLooper, LooksAtWhatHasCome) {
   EXPECT_TRUE(w.Warned(0));
 }
 
+// It shows nothing of that, and an end that it meets is left to the next request.
+TEST(ControlLooper, KeepsAnIdleConnectionAlive) {
+  Window w;
+  w.keepAlive = 1;
+  w.server.On("NOOP", {.reply = "421 Bye\r\n", .control = ControlEnd::Close}, 2);
+  w.Connect();
+  ASSERT_TRUE(w.Shows("/", {}) && w.Ends("Connected."));
+  const std::size_t told = w.browser->Seen().statuses.size();
+  ASSERT_TRUE(WaitFor([&] { return w.Sent("NOOP") == "NOOP|NOOP"; }));
+  std::this_thread::sleep_for(1500ms);
+  EXPECT_EQ(w.Sent("USER"), "USER u");
+  EXPECT_TRUE(w.Warned(0, kLost) && w.Answered(1));
+  EXPECT_EQ(w.browser->Seen().statuses.size(), told);
+  w.server.Tree().AddFile("/a", "1");
+  w.Post("CRDR"_what, "/");
+  EXPECT_TRUE(w.Shows("/", {"a"})) << w.server.Dialogue();
+}
+
 // A request that arrives goes before what nobody asked for, however long the server thinks of it.
 TEST(ControlLooper, TellsOfFreeSpaceOnlyWhereThatDelaysNothing) {
   Window w;
   std::atomic<bool> arrived = false;
-  w.server.On("FEAT", {.arrived = [&] { arrived = true; }, .reply = "500 What?\r\n", .late = true},
-              1);
   w.server.On("FEAT", {.reply = "211-Features:\r\n AVBL\r\n211 End\r\n"});
+  w.server.On("AVBL", {.arrived = [&] { arrived = true; }, .reply = "550 No\r\n", .late = true}, 1);
   w.server.On("AVBL", {.reply = "213 6442450944\r\n"});
   w.server.Tree().AddFile("/a", "1");
   w.Connect();

@@ -25,9 +25,9 @@ namespace corvane {
 namespace fs = std::filesystem;
 
 /// A loopback address that no other server of this process has.
-inline std::uint32_t NextHost() {
+inline NLAddress NextHost() {
   static std::atomic<std::uint32_t> last = 0x7F010000;
-  return ++last;
+  return {in_addr{htonl(++last)}, 0};
 }
 
 /// One transfer between a local folder and "/pub", on its own connection or on a browser's.

@@ -13,7 +13,7 @@ std::string Line(char type, const std::string& name) {
 std::string Sent(const Job& job) {
   std::string sent;
   const std::vector<std::string> lines = job.server.Transcript();
-  for (std::size_t i = 4; i < lines.size(); ++i) sent += lines[i];
+  for (std::size_t i = 5; i < lines.size(); ++i) sent += lines[i];
   return sent;
 }
 
@@ -38,6 +38,51 @@ TEST(TreeTransfer, DownloadsInOrder) {
             "TYPE I\r\nCWD /pub/d\r\nPWD\r\nPASV\r\nLIST -la\r\nPASV\r\nRETR A\r\nPASV\r\n"
             "RETR a\r\nCWD e\r\nPWD\r\nPASV\r\nLIST -la\r\nPASV\r\nRETR b\r\n"
             "CWD /pub/d/void\r\nPWD\r\nPASV\r\nLIST -la\r\nCWD /pub\r\nPASV\r\nRETR f\r\nQUIT\r\n");
+}
+
+// Where a server does not set times that is said once, and no transfer fails of it.
+TEST(TreeTransfer, KeepsTimesWhereTheServerLetsIt) {
+  Job job;
+  job.description.keepTimes = true;
+  job.server.On("FEAT", {.reply = "211-Has\r\n MFMT\r\n211 End\r\n"});
+  job.server.On("MFMT", {.reply = "213 Set\r\n"}, 1);
+  job.server.On("MFMT", {.reply = "550 Not yours\r\n"});
+  for (const char* file : {"up/a", "up/b", "up/c", "up/e/d"}) Write(job.folder.Path() / file, "1");
+  job.Send("up");
+  EXPECT_EQ(job.Run(), TransferEnd::Finished) << job.row->Seen().why;
+  const std::string log = job.row->Seen().log;
+  const auto count = [&](std::string_view text) {
+    int times = 0;
+    for (std::size_t at = 0; (at = log.find(text, at)) != std::string::npos; ++at) ++times;
+    return times;
+  };
+  EXPECT_EQ(count("MFMT 20"), 3) << log;
+  EXPECT_EQ(count("Files on the server do not keep their times: Not yours"), 1) << log;
+  EXPECT_EQ(count("Folders on the server do not keep their times: Not yours"), 1) << log;
+}
+
+// Raw bytes there, UTF-8 here; of two names that come to the same neither replaces the other.
+TEST(TreeTransfer, NamesFilesInTheSitesEncoding) {
+  const std::string raw = "\xCF\xF0";
+  Job down;
+  down.description.site.encoding = "WINDOWS-1251";
+  down.policy = Policy::Replace;
+  down.server.Tree().AddFile("/pub/d/" + raw + "/" + raw, "raw");
+  down.server.Tree().AddFile("/pub/d/" + raw + "/Пр", "utf-8");
+  down.Fetch("d", RemoteEntry::Kind::Directory);
+  EXPECT_EQ(down.Run(), TransferEnd::Finished) << down.row->Seen().why;
+  const fs::path d = down.folder.Path() / "d" / "Пр";
+  EXPECT_EQ(Contents(d / raw) + Contents(d / "Пр"), "rawutf-8");
+  Job up;
+  up.description.site.encoding = "WINDOWS-1251";
+  for (const char* name : {"up/Пр", "up/ä", "up/z"}) Write(up.folder.Path() / name, name);
+  up.Send("up");
+  EXPECT_EQ(up.Run(), TransferEnd::Failed);
+  EXPECT_EQ(up.server.Tree().File("/pub/up/" + raw), "up/Пр");
+  EXPECT_EQ(up.server.Tree().File("/pub/up/z"), "up/z");
+  EXPECT_NE(up.Notes().find("up/ä: The name has letters that WINDOWS-1251 does not have."),
+            std::string::npos)
+      << up.Notes();
 }
 
 // Whatever a server lists, nothing outside the folder is touched and the rest comes.

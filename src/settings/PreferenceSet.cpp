@@ -7,12 +7,6 @@
 #include "util/ErrorText.h"
 
 namespace corvane {
-namespace {
-
-constexpr const char* kApplication = "x-ovak-Corvane";
-
-}  // namespace
-
 PreferenceSet::PreferenceSet(const char* name, Saving saving) : saving_(saving) {
   Note(PREFInit(kApplication, &app_));
   if (app_ == nullptr) return;

@@ -5,6 +5,9 @@
 
 namespace corvane {
 
+/// Under which the program's sets stand in the store.
+inline constexpr const char* kApplication = "x-ovak-Corvane";
+
 /// One of the program's preference sets, opened for one use. Not locked.
 class PreferenceSet {
  public:

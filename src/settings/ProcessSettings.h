@@ -18,6 +18,14 @@ struct SettingsValues {
   bool useProxy = false;
   std::string proxyAddress{};
   std::string proxyPort = "21";  ///< decimal text
+  std::int32_t proxyKind = 0;    ///< as Proxy::Kind
+  std::string proxyUser{};
+  std::string proxyPassword{};
+  std::int32_t security = 0;   ///< of new connections, as Security
+  bool askBeforePlain = true;  ///< before a password goes unencrypted
+  bool useKeyring = true;      ///< passwords go to the desktop's secret store where there is one
+  bool keepTimes = true;       ///< files keep their times when they are transferred
+  bool keepAlive = true;       ///< idle connections are kept open
   bool useSameConnection = false;
   bool removeItem = false;    ///< take finished transfers off the list
   bool defaultpass = false;   ///< never set

@@ -16,6 +16,18 @@ constexpr std::array kBufferSizes{
     SettingsChoice{65536, QT_TRANSLATE_NOOP("corvane::PrefWindow", " 64 KB")},
     SettingsChoice{131072, QT_TRANSLATE_NOOP("corvane::PrefWindow", "128 KB")}};
 
+constexpr std::array kProxyKinds{
+    SettingsChoice{0, QT_TRANSLATE_NOOP("corvane::PrefWindow", "FTP proxy")},
+    SettingsChoice{1, QT_TRANSLATE_NOOP("corvane::PrefWindow", "SOCKS5")},
+    SettingsChoice{2, QT_TRANSLATE_NOOP("corvane::PrefWindow", "HTTP")}};
+
+// An encryption that begins with the first byte depends on the server: it is none for all new ones.
+constexpr std::array kSecurities{
+    SettingsChoice{0, QT_TRANSLATE_NOOP("corvane::PrefWindow", "&Where the server offers it")},
+    SettingsChoice{1, QT_TRANSLATE_NOOP("corvane::PrefWindow",
+                                        "A&lways; without it Corvane does not connect")},
+    SettingsChoice{3, QT_TRANSLATE_NOOP("corvane::PrefWindow", "&Never")}};
+
 using Values = SettingsValues;
 using enum SettingsTab;
 
@@ -64,7 +76,7 @@ const std::array kSettings{
             .tab = Misc,
             .control = "UseSameConnection",
             .label = QT_TRANSLATE_NOOP("corvane::PrefWindow",
-                                       "&Always use same connection to transfer files.")},
+                                       "Al&ways use same connection to transfer files.")},
     Setting{.key = "classicstyle",
             .variable = &Values::classicStyle,
             .tab = Misc,
@@ -110,7 +122,13 @@ const std::array kSettings{
             .variable = &Values::useProxy,
             .tab = Proxy,
             .control = "ProxyCheckBox",
-            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "&Enable Proxy")},
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "E&nable Proxy")},
+    Setting{.key = "proxykind",
+            .variable = &Values::proxyKind,
+            .tab = Proxy,
+            .control = "ProxyKind",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Proxy &Kind :"),
+            .choices = kProxyKinds},
     Setting{.key = "ftpproxyaddress",
             .variable = &Values::proxyAddress,
             .tab = Proxy,
@@ -122,6 +140,57 @@ const std::array kSettings{
             .control = "ProxyPort",
             .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Proxy &Port :"),
             .readsEmpty = "21"},
+    Setting{.key = "proxyuser",
+            .variable = &Values::proxyUser,
+            .tab = Proxy,
+            .control = "ProxyUser",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Proxy Use&rname :"),
+            .hint = QT_TRANSLATE_NOOP("corvane::PrefWindow", "none")},
+    Setting{.key = "proxypassword",
+            .variable = &Values::proxyPassword,
+            .tab = Proxy,
+            .control = "ProxyPassword",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Proxy Pass&word :"),
+            .secret = true},
+    Setting{.key = "keepalive",
+            .variable = &Values::keepAlive,
+            .tab = Connections,
+            .control = "KeepAlive",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Keep &idle connections open"),
+            .hint = QT_TRANSLATE_NOOP("corvane::PrefWindow",
+                                      "Servers close a connection on which nothing is said for "
+                                      "long. A sign of life now and then prevents it."),
+            .hintBelow = true},
+    Setting{.key = "keeptimes",
+            .variable = &Values::keepTimes,
+            .tab = Transfers,
+            .control = "KeepTimes",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Keep the &time of files"),
+            .heading = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Files")},
+    Setting{.key = "security",
+            .variable = &Values::security,
+            .tab = Security,
+            .control = "Security",
+            .heading = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Encryption of new connections"),
+            .choices = kSecurities,
+            .asButtons = true},
+    Setting{.key = "askbeforeplain",
+            .variable = &Values::askBeforePlain,
+            .tab = Security,
+            .control = "AskBeforePlain",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow",
+                                       "As&k before a password goes unencrypted")},
+    Setting{
+        .key = "usekeyring",
+        .variable = &Values::useKeyring,
+        .tab = Security,
+        .control = "UseKeyring",
+        .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Keep them in the &desktop’s keyring"),
+        .hint = QT_TRANSLATE_NOOP(
+            "corvane::PrefWindow",
+            "Without a keyring they are stored as plain text that only you can read."),
+        .hintBelow = true,
+        .heading = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Passwords")},
     // Stored as a text under the same key, so that the number is never there and the flag stays
     // false.
     Setting{.key = "defaultpass", .variable = &Values::defaultpass},

@@ -10,7 +10,7 @@
 namespace corvane {
 
 /// The tabs of the preferences window.
-enum class SettingsTab { None, Misc, Sound, Proxy };
+enum class SettingsTab { None, Misc, Sound, Proxy, Connections, Transfers, Security };
 
 /// One value of a number that the user picks from a list.
 struct SettingsChoice {
@@ -33,11 +33,14 @@ struct Setting {
   const char* hint = "";        ///< below the pointer, or in an empty field
   bool hintBelow = false;       ///< the hint stands below it, always seen
   bool opensGroup = false;      ///< a line parts it from those before
+  const char* heading = "";     ///< of the group that it opens
   const char* emptied = "";     ///< a text in force where the user has left the field empty
   bool storesEmptied = true;    ///< whether that text is stored as well, or the empty one
   const char* readsEmpty = "";  ///< a text in force where an empty one was stored
   bool atNextStart = false;     ///< a change is stored and comes into force with the next start
   std::span<const SettingsChoice> choices{};  ///< of a number, ascending
+  bool asButtons = false;  ///< the choices stand side by side, without a label, not in a list
+  bool secret = false;     ///< the text is not shown
 };
 
 /// All settings, in the order in which they are shown and stored.

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "settings/Access.h"
+#include "sites/SiteOf.h"
 #include "util/Percent.h"
 #include "util/PortFrom.h"
 
@@ -17,12 +18,15 @@ using Connection = RecentStore::Connection;
 
 constexpr const char* kSet = "recent";
 
-// Time, mode, host, port, user and path, each as in a URL, so that a blank parts them.
+// Time, mode, host, port, user, path, security, encoding and certificate, each as in a URL, so that
+// a blank parts them. The last three may be missing.
 std::string StoredForm(const Connection& connection) {
   const Site& site = connection.site;
   const auto part = [](const std::string& text) { return " " + PercentEncoded(text, ":@/"); };
   return std::to_string(connection.when) + (site.passive ? " P" : " A") + part(site.host) + " " +
-         std::to_string(site.port) + part(site.user) + part(site.path);
+         std::to_string(site.port) + part(site.user) + part(site.path) + " " +
+         std::to_string(static_cast<int>(site.security)) + part(site.encoding) +
+         part(site.clientCertificate);
 }
 
 std::string TakePart(std::string_view& text) {
@@ -41,6 +45,9 @@ std::optional<Connection> ReadForm(std::string_view text) {
   site.port = PortFrom(TakePart(text));
   site.user = TakePart(text);
   site.path = TakePart(text);
+  site.security = SecurityFrom(PortFrom(TakePart(text))).value_or(Security::Automatic);
+  site.encoding = TakePart(text);
+  site.clientCertificate = TakePart(text);
   if (site.host.empty() || site.port == 0) return {};
   return connection;
 }
@@ -90,17 +97,22 @@ std::vector<Connection> RecentStore::Read() {
 }
 
 Text RecentStore::Add(const Site& site, std::int64_t when) {
-  Connection added{.site = site, .when = when};
-  added.site.user = UserOf(site);
-  added.site.password.clear();
-  added.site.proxy.reset();
+  const Connection added{.site = {.host = site.host,
+                                  .port = site.port,
+                                  .user = UserOf(site),
+                                  .path = site.path,
+                                  .passive = site.passive,
+                                  .security = site.security,
+                                  .encoding = site.encoding,
+                                  .clientCertificate = site.clientCertificate},
+                         .when = when};
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
   if (set.Handle() == nullptr) return set.Finish();
   std::vector<Connection> connections = ReadAll(set);
   std::erase_if(connections, [&added](const Connection& other) {
     return SameLogin(added.site, other.site) && SameDirectory(added.site, other.site);
   });
-  connections.insert(connections.begin(), std::move(added));
+  connections.insert(connections.begin(), added);
   if (connections.size() > kMost) connections.resize(kMost);
   return WriteAll(set, connections);
 }

@@ -1,11 +1,15 @@
 #include "sites/ShortcutStore.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <functional>
 #include <limits>
 
 #include "settings/Access.h"
 #include "sites/ParseUrl.h"
+#include "sites/SecretStore.h"
+#include "sites/SiteExtras.h"
 
 namespace corvane {
 namespace {
@@ -16,19 +20,38 @@ constexpr const char* kLast = "howmany";  // the number of the last entry
 constexpr const char* kConverted = "converted";
 constexpr auto kGathered = PreferenceSet::Saving::Gathered;
 
+// Beside the line of an entry: what the line has no place for.
+std::string ExtrasName(std::int32_t index) {
+  return "more " + std::to_string(index);
+}
+
 std::optional<Shortcut> ReadEntry(const PreferenceSet& set, std::int32_t index) {
-  return ParseUrl(GetString(set, std::to_string(index).c_str(), ""), false);
+  auto shortcut = ParseUrl(GetString(set, std::to_string(index).c_str(), ""), false);
+  if (shortcut.has_value()) {
+    TakeExtras(GetString(set, ExtrasName(index).c_str(), ""), shortcut->site);
+  }
+  return shortcut;
+}
+
+void WriteEntry(PreferenceSet& set, std::int32_t index, const Shortcut& shortcut) {
+  SaveString(set, std::to_string(index).c_str(), ShortcutStore::StoredForm(shortcut));
+  const std::string extras = ExtrasText(shortcut.site);
+  if (extras.empty()) {
+    PREFDelete(set.Handle(), ExtrasName(index).c_str());
+  } else {
+    SaveString(set, ExtrasName(index).c_str(), extras);
+  }
 }
 
 void StoreEntry(PreferenceSet& set, std::int32_t index, const Shortcut& shortcut) {
   SaveInt32(set, kLast, index);
-  SaveString(set, std::to_string(index).c_str(), ShortcutStore::StoredForm(shortcut));
+  WriteEntry(set, index, shortcut);
 }
 
-// How many entries are stored from number `first` to `last`, readable or not. Goes by what is
-// there, because `last` may be any number.
-std::int32_t CountEntries(const PreferenceSet& set, std::int32_t first, std::int32_t last) {
-  std::int32_t count = 0;
+// The numbers from `first` to `last` under which entries are stored, readable or not. Goes by what
+// is there, because `last` may be any number.
+std::vector<std::int32_t> Numbers(const PreferenceSet& set, std::int32_t first, std::int32_t last) {
+  std::vector<std::int32_t> numbers;
   PREFDataCookie* cookie = nullptr;
   std::array<char, 32> name{};
   std::uint32_t type = 0;
@@ -37,10 +60,25 @@ std::int32_t CountEntries(const PreferenceSet& set, std::int32_t first, std::int
     std::int32_t number = -1;
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     const bool whole = error == std::errc() && stop == text.data() + text.size();
-    if (whole && type == "BYTE"_what && number >= first && number <= last) ++count;
+    if (whole && type == "BYTE"_what && number >= first && number <= last)
+      numbers.push_back(number);
   }
   PREFDisposeDataCookie(cookie);
-  return count;
+  return numbers;
+}
+
+constexpr std::int32_t kNoLast = std::numeric_limits<std::int32_t>::max();
+
+// Takes the password out of the lines from number `first` on for which `matches` is true.
+void TakeOut(PreferenceSet& set, std::int32_t first,
+             const std::function<bool(const Site&)>& matches) {
+  for (const std::int32_t number : Numbers(set, first, kNoLast)) {
+    auto shortcut = ReadEntry(set, number);
+    if (!shortcut.has_value() || !IsSecret(shortcut->site) || !matches(shortcut->site)) continue;
+    shortcut->site.password.clear();
+    shortcut->site.keptPassword = !shortcut->site.asksPassword;
+    WriteEntry(set, number, *shortcut);
+  }
 }
 
 // `last` is what the store says; the entries that are there end the walk.
@@ -66,9 +104,10 @@ Shortcut FirstEntry() {
 
 std::string ShortcutStore::StoredForm(const Shortcut& shortcut) {
   const Site& site = shortcut.site;
+  const bool elsewhere = site.keptPassword || site.asksPassword;
   std::string text = site.passive ? "P" : "A";
-  text += shortcut.label + "*ftp://" + site.user + ":" + site.password + "@" + site.host + ":" +
-          std::to_string(site.port);
+  text += shortcut.label + "*ftp://" + site.user + ":" + (elsewhere ? "" : site.password) + "@" +
+          site.host + ":" + std::to_string(site.port);
   if (!site.path.starts_with('/')) text += '/';
   return text + site.path;
 }
@@ -76,8 +115,15 @@ std::string ShortcutStore::StoredForm(const Shortcut& shortcut) {
 ShortcutStore::Return ShortcutStore::ComesBack(const Shortcut& shortcut) {
   auto stored = ParseUrl(StoredForm(shortcut), false);
   if (!stored.has_value()) return Return::Nothing;
-  Shortcut wanted = shortcut;
-  wanted.site.proxy.reset();
+  const Site& site = shortcut.site;
+  Shortcut wanted{.label = shortcut.label,
+                  .site = {.host = site.host,
+                           .port = site.port,
+                           .user = site.user,
+                           .password = site.password,
+                           .path = site.path,
+                           .passive = site.passive}};
+  if (site.keptPassword || site.asksPassword) wanted.site.password.clear();
   if (!wanted.site.path.starts_with('/')) wanted.site.path.insert(0, "/");
   if (wanted.site.user == "anonymous") stored->site.password = wanted.site.password;
   return *stored == wanted ? Return::Whole : Return::Changed;
@@ -113,11 +159,24 @@ std::int32_t ShortcutStore::CountOutOfReach() {
   const PreferenceSet set(kSet);
   const std::int32_t last = GetInt32(set, kLast, -1);
   if (last < 0) return 0;
-  return CountEntries(set, static_cast<std::int32_t>(ReadAll(set, last).size()), last);
+  const auto end = static_cast<std::int32_t>(ReadAll(set, last).size());
+  return static_cast<std::int32_t>(Numbers(set, end, last).size());
 }
 
 std::optional<Shortcut> ShortcutStore::Read(std::int32_t index) {
   return ReadEntry(PreferenceSet(kSet), index);
+}
+
+void ShortcutStore::FillPassword(Site& site) {
+  for (const Shortcut& shortcut : ReadForList().shortcuts) {
+    const Site& saved = shortcut.site;
+    const bool anonymous = saved.user.empty() && site.user == "anonymous";
+    const bool same = saved.host == site.host && saved.port == site.port &&
+                      (anonymous || saved.user == site.user) && saved.path == site.path;
+    if (!same || saved.password.empty()) continue;
+    site.password = saved.password;
+    return;
+  }
 }
 
 ShortcutStore::Added ShortcutStore::Add(const Shortcut& shortcut) {
@@ -147,6 +206,21 @@ Text ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
   set.Save();
   std::int32_t index = 0;
   for (const Shortcut& shortcut : shortcuts) StoreEntry(set, index++, shortcut);
+  TakeOut(set, index, [&shortcuts](const Site& site) {
+    return std::ranges::any_of(shortcuts, [&site](const Shortcut& shortcut) {
+      return shortcut.site.keptPassword && KeyOf(shortcut.site) == KeyOf(site);
+    });
+  });
+  return set.Finish();
+}
+
+Text ShortcutStore::TakeOutPassword(const Site& kept) {
+  PreferenceSet set(kSet, kGathered);
+  if (set.Handle() != nullptr) {
+    TakeOut(set, 0, [&kept](const Site& site) {
+      return KeyOf(site) == KeyOf(kept) && site.password == kept.password;
+    });
+  }
   return set.Finish();
 }
 

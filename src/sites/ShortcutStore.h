@@ -13,11 +13,14 @@ namespace corvane {
 
 /// The saved connections on the disk: the set "shortcuts", entries numbered from 0. GUI thread.
 ///
+/// An entry is a line of text, which holds the password where that is kept nowhere else, and beside
+/// it, where there is something to say, what the line has no place for.
+///
 /// Reading ends at the first entry that is missing or is no saved connection. Writers return why
 /// something could not be stored, an empty text when it was.
 class ShortcutStore {
  public:
-  /// The stored form, which ParseUrl reads. Nothing is escaped.
+  /// The stored line, which ParseUrl reads. Nothing is escaped.
   [[nodiscard]] static std::string StoredForm(const Shortcut& shortcut);
   /// What ParseUrl gets back from a stored form.
   enum class Return {
@@ -44,6 +47,10 @@ class ShortcutStore {
   /// The entry of that number.
   [[nodiscard]] static std::optional<Shortcut> Read(std::int32_t index);
 
+  /// Gives `site` the password that stands with a shortcut to the same place as the same user;
+  /// without such a one it stays as it is.
+  static void FillPassword(Site& site);
+
   struct Added {
     std::int32_t index = -1;
     Text failure{};
@@ -52,9 +59,14 @@ class ShortcutStore {
   /// Stores one more entry, at the end or where reading ends before; an entry there that is no
   /// connection moves to the end. A store that was never written takes none.
   [[nodiscard]] static Added Add(const Shortcut& shortcut);
-  /// Stores the whole list, in one piece. Entries beyond its end stay on the disk, out of reach; an
-  /// empty list leaves the first entry in reach.
+  /// Stores the whole list, in one piece. Entries beyond its end stay on the disk, out of reach,
+  /// without a password that is kept for their login; an empty list leaves the first entry in
+  /// reach.
   [[nodiscard]] static Text SaveAll(const std::vector<Shortcut>& shortcuts);
+
+  /// Takes the password out of every line that holds it, those out of reach included: the secret
+  /// store keeps it from now on. Returns why that could not be stored.
+  [[nodiscard]] static Text TakeOutPassword(const Site& kept);
 
   /// Puts the flag of an active connection before each entry: the older form had none. Returns -1
   /// when there is no list, 0 when it could not be stored, else 1. Until EndConversion a second

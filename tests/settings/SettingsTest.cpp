@@ -70,9 +70,12 @@ TEST_F(Settings, EveryRowIsStoredAndReadAgain) {
   const PreferenceSet set("settings");
   for (const std::string& name : PREFGetMessage(set.Handle())->Names()) keys.insert(name);
   EXPECT_EQ(keys, (std::set<std::string>{
-                      "defaultpass", "downloaddir", "shwtranwin", "removeitem", "notify",
-                      "useSameConnection", "classicstyle", "buffersize", "loginSsnd", "loginFsnd",
-                      "upldsnd", "dwnldsnd", "useproxy", "ftpproxyaddress", "ftpproxyport"}));
+                      "defaultpass", "downloaddir",       "shwtranwin",   "removeitem",
+                      "notify",      "useSameConnection", "classicstyle", "buffersize",
+                      "loginSsnd",   "loginFsnd",         "upldsnd",      "dwnldsnd",
+                      "useproxy",    "ftpproxyaddress",   "ftpproxyport", "proxykind",
+                      "proxyuser",   "proxypassword",     "security",     "askbeforeplain",
+                      "usekeyring",  "keeptimes",         "keepalive"}));
 }
 
 TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {

@@ -12,7 +12,9 @@ std::string All() {
   std::string text;
   for (const auto& [site, when] : RecentStore::Read()) {
     text += std::to_string(when) + " " + site.user + "@" + site.host + ":" +
-            std::to_string(site.port) + site.path + (site.passive ? "+ " : " ");
+            std::to_string(site.port) + site.path + (site.passive ? "+" : "") +
+            (site.security == Security::Automatic ? "" : "!") + site.encoding +
+            site.clientCertificate + " ";
     EXPECT_EQ(site.password, "");
   }
   return text;
@@ -20,13 +22,21 @@ std::string All() {
 
 TEST_F(Recent, AreTheNewestOnceEachAndWithoutPasswords) {
   EXPECT_EQ(All(), "");
-  const Site odd{.host = "h 1", .port = 2121, .user = "u", .password = "secret", .path = "/a%\xFC"};
+  const Site odd{.host = "h 1",
+                 .port = 2121,
+                 .user = "u",
+                 .password = "secret",
+                 .path = "/a%\xFC",
+                 .security = Security::Plain,
+                 .encoding = "CP1251",
+                 .clientCertificate = "/my key.pem",
+                 .keptPassword = true};
   EXPECT_EQ(RecentStore::Add(odd, 1), Text());
   EXPECT_EQ(RecentStore::Add({.host = "i", .user = "anonymous", .password = "x"}, 2), Text());
   EXPECT_EQ(RecentStore::Add({.host = "i", .user = "u", .path = "/d"}, 3), Text());
   EXPECT_EQ(RecentStore::Add({.host = "i", .user = "u", .path = "/d/", .passive = true}, 4),
             Text());
-  EXPECT_EQ(All(), "4 u@i:21/d/+ 2 @i:21 1 u@h 1:2121/a%\xFC ");
+  EXPECT_EQ(All(), "4 u@i:21/d/+ 2 @i:21 1 u@h 1:2121/a%\xFC!CP1251/my key.pem ");
 }
 
 TEST_F(Recent, AreBoundedAndForgotten) {

@@ -72,6 +72,60 @@ TEST_F(Shortcuts, ASavedListLeavesWhatLiesBeyondItsEnd) {
   EXPECT_EQ(Entry("1"), "-");
 }
 
+Site Rich() {
+  return {.host = "h",
+          .user = "u v",
+          .path = "/",
+          .security = Security::Implicit,
+          .encoding = "CP1251",
+          .clientCertificate = "/a b/c=d.p12",
+          .keptPassword = true};
+}
+
+TEST_F(Shortcuts, KeepBesideTheirLineWhatItHasNoPlaceFor) {
+  const std::vector<Shortcut> all = {
+      {.label = "rich", .site = Rich()},
+      Named("plain"),
+      {.label = "asks", .site = {.host = "h", .user = "u", .path = "/", .asksPassword = true}}};
+  Shortcut secret = all[0];
+  secret.site.password = "se*cret@";
+  EXPECT_EQ(ShortcutStore::ComesBack(secret), ShortcutStore::Return::Whole) << "it is not written";
+  EXPECT_TRUE(ShortcutStore::SaveAll({secret, all[1], all[2]}).IsEmpty());
+  EXPECT_TRUE(ShortcutStore::ReadForList().shortcuts == all);
+  EXPECT_EQ(Contents(File("shortcuts")).find("cret"), std::string::npos);
+  EXPECT_EQ(Entry("0"), "Arich*ftp://u v:@h:21/");
+  // Another program has reordered the lines: what belongs to another login is let be.
+  const std::string first = Entry("0");
+  Put("shortcuts", "0", Entry("1"));
+  Put("shortcuts", "1", first);
+  EXPECT_TRUE(ShortcutStore::Read(0) == all[1]);
+  EXPECT_EQ(ShortcutStore::Read(1)->site.security, Security::Automatic);
+  EXPECT_TRUE(ShortcutStore::SaveAll({all[1]}).IsEmpty());
+  EXPECT_EQ(Entry("more 0"), "-") << "nothing to say";
+}
+
+TEST_F(Shortcuts, APasswordThatIsKeptElsewhereLeavesEveryLine) {
+  const auto with = [](const char* password, const char* user) {
+    return ShortcutStore::StoredForm(
+        {.label = password, .site = {.host = "h", .user = user, .password = password}});
+  };
+  const std::string lines[] = {with("pw", "u"), with("other", "u"), with("pw", "v"),
+                               with("pw", "u")};
+  Fill({lines[0].c_str(), lines[1].c_str(), lines[2].c_str(), nullptr, lines[3].c_str()});
+  EXPECT_TRUE(
+      ShortcutStore::TakeOutPassword({.host = "h", .user = "u", .password = "pw"}).IsEmpty());
+  std::string left;
+  for (const Shortcut& one : ShortcutStore::ReadForList().shortcuts) {
+    left += one.site.password + (one.site.keptPassword ? "+ " : " ");
+  }
+  EXPECT_EQ(left, "+ other pw ");
+  EXPECT_EQ(Entry("4"), "Apw*ftp://u:@h:21/") << "out of reach";
+  // What a shorter list leaves behind loses it too.
+  EXPECT_TRUE(ShortcutStore::SaveAll({{.site = {.host = "h", .user = "v", .keptPassword = true}}})
+                  .IsEmpty());
+  EXPECT_EQ(Entry("2"), "Apw*ftp://v:@h:21/");
+}
+
 TEST_F(Shortcuts, ADamagedListIsReadToItsFirstGapAndLosesNothing) {
   const std::int32_t absurd = 2'000'000'000;
   Put("shortcuts", "howmany", absurd);

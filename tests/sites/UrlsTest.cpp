@@ -55,6 +55,9 @@ TEST(Url, IsReadAndWrittenInOneWay) {
       {"ftp://h/a b#c?d", "h|||/a b#c?d|21", "ftp://h/a%20b%23c%3Fd"},
       {"ftp://h/\xFC", "h|||/\xFC|21", "ftp://h/%FC"},
       {"ftp://[::1]", "::1||||21", "ftp://[::1]"},
+      {"ftps://u@h/x", "h|u||/x|990", "ftps://h/x"},
+      {"FTPS://h:21", "h||||21", "ftps://h:21"},
+      {"ftpes://h:990", "h||||990", "ftpes://h:990"},
       {"ftp://u:p@[fe80::1%25eth0]:2121/", "fe80::1%eth0|u|p||2121", "ftp://[fe80::1%25eth0]:2121"},
   };
   for (const auto& [text, site, written] : cases) {
@@ -65,6 +68,8 @@ TEST(Url, IsReadAndWrittenInOneWay) {
     const auto again = Url::Read(written);
     ASSERT_TRUE(again) << text;
     EXPECT_EQ(again->host + again->path, url->host + url->path);
+    EXPECT_EQ(SiteOf(*again).port, SiteOf(*url).port);
+    EXPECT_EQ(UrlOf(SiteOf(*url), url->path).Written(), written);
   }
   for (const char* bad :
        {"ftp://", "ftp:///pub", "ftp://u:p@/pub", "ftp://h:0", "ftp://h:65536", "ftp://h:21x/",
@@ -78,6 +83,7 @@ TEST(Url, IsReadAndWrittenInOneWay) {
       {"[::1]:2121", "::1||||2121"},
       {"fe80::1%eth0", "fe80::1%eth0||||21"},
       {"ftp://h:2121/pub", "h|||/pub|2121"},
+      {"ftps://h", "h||||990"},
   };
   for (const auto& [text, site] : addresses) {
     const auto url = Url::ReadAddress(text);
@@ -85,20 +91,44 @@ TEST(Url, IsReadAndWrittenInOneWay) {
   }
   for (const char* bad : {"", " ", "h:port", "h:0", "http://h", "ftp://", "x:y:z"})
     EXPECT_FALSE(Url::ReadAddress(bad)) << bad;
-  EXPECT_TRUE(Url::IsMeant(" Ftp://h:0"));
+  EXPECT_TRUE(Url::IsMeant(" Ftp://h:0") && Url::IsMeant("ftpes://"));
   EXPECT_FALSE(Url::IsMeant("ftp:/"));
 }
 
-TEST(ProxyOf, TakesThePortAsTheUserWroteIt) {
-  const std::tuple<bool, const char*, std::optional<Proxy>> cases[] = {
-      {false, "8021", {}},
-      {true, "8021", Proxy{"p", 8021}},
-      {true, " 8021 ", Proxy{"p", 8021}},
-      {true, "many", Proxy{"p", 0}},
-      {true, "", Proxy{"p", 0}},
+TEST(SiteOf, TakesTheProtectionOfTheUrlOrThatOfThePreferences) {
+  const SettingsValues before = ProcessSettings::Get();
+  const std::tuple<std::int32_t, const char*, Security, std::uint16_t> cases[] = {
+      {0, "ftp://h", Security::Automatic, 21},  {3, "ftp://h", Security::Plain, 21},
+      {2, "ftp://h", Security::Implicit, 990},  {2, "ftp://h:21", Security::Implicit, 21},
+      {3, "ftpes://h", Security::Required, 21}, {0, "ftps://h", Security::Implicit, 990},
+      {99, "ftp://h", Security::Automatic, 21}, {-1, "ftp://h", Security::Automatic, 21},
   };
-  for (const auto& [used, port, proxy] : cases)
-    EXPECT_EQ(ProxyOf({.useProxy = used, .proxyAddress = "p", .proxyPort = port}), proxy) << port;
+  for (const auto& [setting, text, security, port] : cases) {
+    ProcessSettings::Set({.security = setting});
+    const Site site = SiteOf(Url::Read(text).value());
+    EXPECT_TRUE(site.security == security && site.port == port) << text << " " << setting;
+  }
+  ProcessSettings::Set(before);
+}
+
+TEST(ProxyOf, TakesWhatTheUserSet) {
+  const std::tuple<bool, const char*, int, std::optional<Proxy>> cases[] = {
+      {false, "8021", 0, {}},
+      {true, "8021", 0, Proxy{"p", 8021, Proxy::Kind::Ftp, "u", "s"}},
+      {true, " 8021 ", 1, Proxy{"p", 8021, Proxy::Kind::Socks5, "u", "s"}},
+      {true, "many", 2, Proxy{"p", 0, Proxy::Kind::Http, "u", "s"}},
+      {true, "", 3, Proxy{"p", 0, Proxy::Kind::Ftp, "u", "s"}},
+      {true, "1", 257, Proxy{"p", 1, Proxy::Kind::Ftp, "u", "s"}},
+  };
+  for (const auto& [used, port, kind, proxy] : cases) {
+    const SettingsValues settings{.useProxy = used,
+                                  .proxyAddress = "p",
+                                  .proxyPort = port,
+                                  .proxyKind = kind,
+                                  .proxyUser = "u",
+                                  .proxyPassword = "s"};
+    EXPECT_EQ(ProxyOf(settings), proxy) << port;
+  }
 }
 
 }  // namespace

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "app/desktop/TrayShortcuts.h"
 #include "app/shared/Icons.h"
 #include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
-#include "sites/ShortcutStore.h"
 
 namespace corvane {
 
@@ -34,19 +34,19 @@ void ReplicantView::SetupPopUpMenu() {
 }
 
 void ReplicantView::SetupShortcuts(QMenu* menu) {
-  const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForMenu().shortcuts;
+  const auto shortcuts = ReadForTray().value_or(std::vector<TrayShortcut>());
   if (shortcuts.empty()) menu->addAction(tr("The shortcuts could not be read."))->setEnabled(false);
-  for (const Shortcut& shortcut : shortcuts) {
-    connect(menu->addAction(ItemText(NameOf(shortcut))), &QAction::triggered, this,
-            [this, shortcut] { Open(shortcut); });
+  for (const TrayShortcut& shortcut : shortcuts) {
+    connect(menu->addAction(ItemText(shortcut.name)), &QAction::triggered, this,
+            [this, open = shortcut.open] { Open(open); });
   }
 }
 
-void ReplicantView::Open(const Shortcut& shortcut) {
-  if (shortcut.site.port == 0) {
+void ReplicantView::Open(const Message& open) {
+  if (!SiteIn(open).has_value()) {
     return Warn(tr("The port of this shortcut is no number from 1 to 65535."));
   }
-  launch_(OpenMessage(shortcut.site));
+  launch_(open);
 }
 
 // Beside the context menu, which the tray itself opens. Only X11 lets a program without a window

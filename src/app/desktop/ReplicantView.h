@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "kit/Message.h"
-#include "sites/Shortcut.h"
 
 namespace corvane {
 
@@ -33,7 +32,7 @@ class ReplicantView : public QObject {
   /// The menu as the shortcuts are now.
   void SetupPopUpMenu();
   void SetupShortcuts(QMenu* menu);
-  void Open(const Shortcut& shortcut);
+  void Open(const Message& open);
   void Clicked(QSystemTrayIcon::ActivationReason reason);
 
   std::function<void(const Message&)> launch_;

@@ -1,25 +1,23 @@
 #include "app/program/PrefWindow.h"
 
 #include <QCheckBox>
-#include <QComboBox>
-#include <QCoreApplication>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
-#include <algorithm>
+#include <utility>
 
 #include "app/desktop/Autostart.h"
+#include "app/program/SettingControls.h"
+#include "app/program/TrustedList.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/FaultLine.h"
 #include "app/shared/Frames.h"
 #include "app/shared/HintLabel.h"
 #include "app/shared/LookStyle.h"
-#include "app/shared/Rule.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
@@ -30,54 +28,24 @@ namespace corvane {
 namespace {
 
 constexpr QSize kSize(576, 624);
-constexpr int kBoxHeight = 24;
-constexpr int kIndent = 24;  // of what belongs to a box
 
-/// The rows of a tab.
-QFormLayout* MakeForm(QWidget* page) {
-  auto* form = new QFormLayout(page);
-  form->setHorizontalSpacing(12);
-  form->setVerticalSpacing(8);
-  form->setLabelAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-  form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-  return form;
-}
-
-void AddRow(QFormLayout* form, const QString& label, QWidget* field, QLayout* row = nullptr) {
-  auto* name = new QLabel(label);
-  name->setBuddy(field);
-  name->setMinimumHeight(LookStyle::kControlHeight);
-  if (row != nullptr) {
-    form->addRow(name, row);
-  } else {
-    form->addRow(name, field);
-  }
-}
-
-void AddRule(QFormLayout* form) {
-  auto* space = new QVBoxLayout;
-  space->setContentsMargins(0, 8, 0, 8);
-  space->addWidget(new Rule(Qt::Horizontal, nullptr));
-  form->addRow(space);
-}
-
-QString Translate(const char* text) {
-  return *text == '\0' ? QString() : QCoreApplication::translate("corvane::PrefWindow", text);
+QFormLayout* RowsOf(const QWidget* page) {
+  return static_cast<QFormLayout*>(page->layout());
 }
 
 }  // namespace
 
-PrefWindow::PrefWindow()
+PrefWindow::PrefWindow(TrustedCertificates trusted)
     : QWidget(nullptr, kFixedWindow),
-      shown_(StoredSettings::ForEditing()),
+      trusted_(std::move(trusted)),
+      controls_(new SettingControls(StoredSettings::ForEditing(), this)),
       tabs_(new QTabWidget(this)),
       fault_(new FaultLine(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Corvane: Preferences"));
-  tabs_->setObjectName("tab_view");
-  tabs_->addTab(MakeMisc(), tr("&Misc"));
-  tabs_->addTab(MakeSound(), tr("So&und"));
-  tabs_->addTab(MakeProxy(), tr("Pro&xy"));
+  connect(controls_, &SettingControls::Confirmed, this, &PrefWindow::Save);
+  connect(controls_, &SettingControls::Edited, fault_, &FaultLine::Clear);
+  MakeTabs();
   auto* layout = new QVBoxLayout(this);
   layout->setSpacing(16);
   layout->addWidget(tabs_);
@@ -85,107 +53,36 @@ PrefWindow::PrefWindow()
   setFixedSize(layout->totalMinimumSize().expandedTo(kSize));
   move(Frames::OnScreen(QRect(QPoint(250, 92), size())).topLeft());
   AddCloseKeys(this);
-  filled_ = Entered();
-  FieldOf(&SettingsValues::DfltPass)->setFocus();
+  filled_ = controls_->Entered();
+  controls_->FieldOf(&SettingsValues::DfltPass)->setFocus();
 }
 
-// The field, box or list of one setting, filled with what is in force.
-void PrefWindow::Add(QFormLayout* form, const Setting& setting) {
-  const QString label = Translate(setting.label);
-  const QString hint = Translate(setting.hint);
-  QWidget* control = nullptr;
-  if (const auto* text = std::get_if<std::string SettingsValues::*>(&setting.variable)) {
-    control = AddField(form, setting, shown_.**text);
-  } else if (const auto* flag = std::get_if<bool SettingsValues::*>(&setting.variable)) {
-    control = AddBox(form, label, setting.hintBelow ? QString() : hint, shown_.**flag);
-  } else {
-    const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting.variable);
-    control = AddList(form, label, setting.choices, shown_.**number);
-  }
-  if (setting.hintBelow) {
-    auto* below = new HintLabel(hint);
-    below->setContentsMargins(kIndent, 0, 0, 8);
-    control->setAccessibleDescription(hint);
-    form->addRow(below);
-  }
-  control->setObjectName(setting.control);
-  controls_.emplace_back(&setting, control);
+void PrefWindow::MakeTabs() {
+  proxy_ = MakeProxy();
+  tabs_->setObjectName("tab_view");
+  tabs_->addTab(MakeTab(SettingsTab::Misc), tr("&Misc"));
+  tabs_->addTab(MakeSound(), tr("So&und"));
+  tabs_->addTab(proxy_, tr("Pro&xy"));
+  tabs_->addTab(MakeTab(SettingsTab::Connections), tr("Conn&ections"));
+  tabs_->addTab(MakeTab(SettingsTab::Transfers), tr("Tr&ansfers"));
+  tabs_->addTab(MakeSecurity(), tr("Securit&y"));
 }
 
-QWidget* PrefWindow::ControlOf(const Setting::Variable& variable) const {
-  const auto found = std::ranges::find_if(
-      controls_, [&](const auto& entry) { return entry.first->variable == variable; });
-  return found != controls_.end() ? found->second : nullptr;
-}
-
-QLineEdit* PrefWindow::FieldOf(std::string SettingsValues::*text) const {
-  return static_cast<QLineEdit*>(ControlOf(text));
-}
-
-QCheckBox* PrefWindow::BoxOf(bool SettingsValues::*flag) const {
-  return static_cast<QCheckBox*>(ControlOf(flag));
-}
-
-void PrefWindow::AddTab(QFormLayout* form, SettingsTab tab) {
+QWidget* PrefWindow::MakeTab(SettingsTab tab) {
+  auto* page = new QWidget;
+  QFormLayout* form = SettingControls::MakeForm(page);
   for (const Setting& setting : AllSettings()) {
     if (setting.tab != tab) continue;
-    if (setting.opensGroup) AddRule(form);
-    Add(form, setting);
-    if (setting.variable == Setting::Variable(&SettingsValues::notify)) AddTrayBox(form);
+    const bool folder = setting.variable == Setting::Variable(&SettingsValues::DwnldDir);
+    controls_->Add(form, setting,
+                   folder ? MakeButton("findfolder", tr("Select &Folder"), "FRTR"_what) : nullptr);
+    if (setting.variable != Setting::Variable(&SettingsValues::notify)) continue;
+    tray_ =
+        SettingControls::AddBox(form, tr("Show &in the tray at login."),
+                                tr("An icon whose menu opens your shortcuts."), Autostart::IsSet());
+    tray_->setObjectName("ShowInTray");
   }
-}
-
-QLineEdit* PrefWindow::AddField(QFormLayout* form, const Setting& setting,
-                                const std::string& text) {
-  const QString label = Translate(setting.label);
-  auto* field = new QLineEdit(ToText(text));
-  field->setAccessibleName(QString(label).remove('&').remove(':').trimmed());
-  field->setPlaceholderText(Translate(setting.hint));
-  field->setCursorPosition(0);
-  connect(field, &QLineEdit::returnPressed, this, &PrefWindow::Save);
-  connect(field, &QLineEdit::textChanged, fault_, &FaultLine::Clear);
-  if (setting.variable != Setting::Variable(&SettingsValues::DwnldDir)) {
-    AddRow(form, label, field);
-    return field;
-  }
-  auto* row = new QHBoxLayout;
-  row->setSpacing(8);
-  row->addWidget(field);
-  row->addWidget(MakeButton("findfolder", tr("Select &Folder"), "FRTR"_what));
-  AddRow(form, label, field, row);
-  return field;
-}
-
-QCheckBox* PrefWindow::AddBox(QFormLayout* form, const QString& label, const QString& hint,
-                              bool checked) {
-  auto* box = new QCheckBox(label);
-  box->setToolTip(hint);
-  box->setChecked(checked);
-  box->setMinimumHeight(kBoxHeight);
-  form->addRow(box);
-  return box;
-}
-
-void PrefWindow::AddTrayBox(QFormLayout* form) {
-  tray_ = AddBox(form, tr("Show &in the tray at login."),
-                 tr("An icon whose menu opens your shortcuts."), Autostart::IsSet());
-  tray_->setObjectName("ShowInTray");
-}
-
-// A value that is no choice shows as the next bigger one.
-QComboBox* PrefWindow::AddList(QFormLayout* form, const QString& label,
-                               std::span<const SettingsChoice> choices, std::int32_t chosen) {
-  auto* list = new QComboBox;
-  list->setAccessibleName(QString(label).remove('&').remove(':'));
-  int fitting = 0;
-  for (const auto& [value, text] : choices) {
-    list->addItem(Translate(text), value);
-    if (value < chosen) fitting = std::min(list->count(), static_cast<int>(choices.size()) - 1);
-  }
-  list->setCurrentIndex(fitting);
-  list->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-  AddRow(form, label, list);
-  return list;
+  return page;
 }
 
 // A click leaves the focus in the field that the button is about.
@@ -198,33 +95,31 @@ QPushButton* PrefWindow::MakeButton(const char* name, const QString& label, std:
   return button;
 }
 
-QWidget* PrefWindow::MakeMisc() {
-  auto* page = new QWidget;
-  AddTab(MakeForm(page), SettingsTab::Misc);
-  return page;
-}
-
 QWidget* PrefWindow::MakeSound() {
-  auto* page = new QWidget;
-  QFormLayout* form = MakeForm(page);
-  AddTab(form, SettingsTab::Sound);
+  QWidget* page = MakeTab(SettingsTab::Sound);
   auto* info = new HintLabel(tr("Select the TextBox you want to set the sound for first."));
   info->setObjectName("info");
   auto* row = new QHBoxLayout;
   row->setSpacing(16);
   row->addWidget(info, 1, Qt::AlignVCenter);
-  row->addWidget(MakeButton("SelectUPSound", tr("S&elect Sound"), "SSND"_what));
-  form->addRow(row);
+  row->addWidget(MakeButton("SelectUPSound", tr("Select S&ound"), "SSND"_what));
+  RowsOf(page)->addRow(row);
   return page;
 }
 
 QWidget* PrefWindow::MakeProxy() {
-  auto* page = new QWidget;
-  proxy_ = MakeForm(page);
-  AddTab(proxy_, SettingsTab::Proxy);
-  connect(BoxOf(&SettingsValues::useProxy), &QCheckBox::toggled, this,
+  QWidget* page = MakeTab(SettingsTab::Proxy);
+  connect(controls_->BoxOf(&SettingsValues::useProxy), &QCheckBox::toggled, this,
           [this] { MessageReceived(Message("prxy"_what)); });
   ProxyToggled();
+  return page;
+}
+
+QWidget* PrefWindow::MakeSecurity() {
+  QWidget* page = MakeTab(SettingsTab::Security);
+  SettingControls::AddHeading(RowsOf(page), tr("Certificates that you trust"));
+  certificates_ = new TrustedList(trusted_);
+  RowsOf(page)->addRow(certificates_);
   return page;
 }
 
@@ -273,7 +168,7 @@ void PrefWindow::SelectFolder() {
   panel->setFileMode(QFileDialog::Directory);
   panel->setOption(QFileDialog::ShowDirsOnly);
   panel->setLabelText(QFileDialog::Accept, tr("Select"));
-  QLineEdit* folder = FieldOf(&SettingsValues::DwnldDir);
+  QLineEdit* folder = controls_->FieldOf(&SettingsValues::DwnldDir);
   panel->setDirectory(folder->text());
   connect(panel, &QFileDialog::fileSelected, folder, &QLineEdit::setText);
   BringForward(panel);
@@ -283,52 +178,35 @@ void PrefWindow::SelectSound() {
   QFileDialog* panel = NewPanel(tr("Select Sound"));
   if (panel == nullptr) return;
   panel->setFileMode(QFileDialog::ExistingFile);
-  connect(panel, &QFileDialog::fileSelected, this, &PrefWindow::PutSound);
+  connect(panel, &QFileDialog::fileSelected, this, [this](const QString& path) {
+    QLineEdit* field = controls_->FocusedFieldOf(SettingsTab::Sound);
+    if (field != nullptr) field->setText(path);
+  });
   BringForward(panel);
 }
 
-void PrefWindow::PutSound(const QString& path) {
-  for (const auto& [setting, control] : controls_) {
-    if (setting->tab != SettingsTab::Sound || control != focusWidget()) continue;
-    static_cast<QLineEdit*>(control)->setText(path);
-  }
-}
-
 void PrefWindow::ProxyToggled() {
-  const bool on = BoxOf(&SettingsValues::useProxy)->isChecked();
+  const bool on = controls_->BoxOf(&SettingsValues::useProxy)->isChecked();
   const QString why = on ? QString() : tr("In use with “Enable Proxy” alone.");
-  for (const auto setting : {&SettingsValues::proxyAddress, &SettingsValues::proxyPort}) {
-    QLineEdit* field = FieldOf(setting);
-    field->setEnabled(on);
-    field->setToolTip(why);
+  for (const Setting& setting : AllSettings()) {
+    const bool box = setting.variable == Setting::Variable(&SettingsValues::useProxy);
+    if (setting.tab != SettingsTab::Proxy || box) continue;
+    QWidget* control = controls_->ControlOf(setting.variable);
+    control->setEnabled(on);
+    control->setToolTip(why);
   }
-}
-
-SettingsValues PrefWindow::Entered() const {
-  SettingsValues entered = shown_;
-  for (const auto& [setting, control] : controls_) {
-    if (const auto* text = std::get_if<std::string SettingsValues::*>(&setting->variable)) {
-      std::string& value = entered.**text;
-      value = EditedBytes(static_cast<QLineEdit*>(control)->text(), value);
-    } else if (const auto* flag = std::get_if<bool SettingsValues::*>(&setting->variable)) {
-      entered.** flag = static_cast<QCheckBox*>(control)->isChecked();
-    } else {
-      const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting->variable);
-      entered.** number = static_cast<QComboBox*>(control)->currentData().toInt();
-    }
-  }
-  return entered;
 }
 
 bool PrefWindow::Changed() const {
-  return Entered() != filled_ || tray_->isChecked() != Autostart::IsSet();
+  return controls_->Entered() != filled_ || certificates_->Changed() ||
+         tray_->isChecked() != Autostart::IsSet();
 }
 
 bool PrefWindow::CheckProxy() {
   fault_->Clear();
-  if (!BoxOf(&SettingsValues::useProxy)->isChecked()) return true;
-  QLineEdit* host = FieldOf(&SettingsValues::proxyAddress);
-  QLineEdit* port = FieldOf(&SettingsValues::proxyPort);
+  if (!controls_->BoxOf(&SettingsValues::useProxy)->isChecked()) return true;
+  QLineEdit* host = controls_->FieldOf(&SettingsValues::proxyAddress);
+  QLineEdit* port = controls_->FieldOf(&SettingsValues::proxyPort);
   if (host->text().trimmed().isEmpty()) {
     return RefuseProxy(host, tr("Please enter the address of the proxy."));
   }
@@ -337,15 +215,16 @@ bool PrefWindow::CheckProxy() {
 }
 
 bool PrefWindow::RefuseProxy(QLineEdit* field, const QString& text) {
-  tabs_->setCurrentIndex(tabs_->count() - 1);
-  fault_->Say(*proxy_, *field, text);
+  tabs_->setCurrentWidget(proxy_);
+  fault_->Say(*RowsOf(proxy_), *field, text);
   return false;
 }
 
 void PrefWindow::Save() {
   if (!CheckProxy()) return;
   QString problem = tr("The preferences are in force but could not be saved for the next start.");
-  Text failure = StoredSettings::Apply(Entered());
+  certificates_->Save();
+  Text failure = StoredSettings::Apply(controls_->Entered());
   if (const bool tray = tray_->isChecked(); failure.IsEmpty() && tray != Autostart::IsSet()) {
     problem = tr("The preferences are saved, all but what is shown in the tray at login.");
     failure = Text::Raw(Autostart::Set(tray));

@@ -8,14 +8,14 @@
 
 namespace corvane {
 
-WorkerFactory RealWorkers() {
+WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust) {
   WorkerFactory factory;
-  factory.looper = [](const Site& site, std::shared_ptr<BrowserUi> window) {
-    auto session = std::make_shared<MFtp>(site, window);
+  factory.looper = [trust](const Site& site, std::shared_ptr<BrowserUi> window) {
+    auto session = std::make_shared<MFtp>(site, window, trust);
     return std::make_shared<ControlLooper>(site, std::move(session), std::move(window));
   };
-  factory.transfer = [](std::shared_ptr<TransferUi> row, transferStruct description) {
-    auto session = std::make_shared<MFtp>(description.site, row);
+  factory.transfer = [trust](std::shared_ptr<TransferUi> row, transferStruct description) {
+    auto session = std::make_shared<MFtp>(description.site, row, trust);
     return std::make_shared<FileTransfer>(std::move(row), std::move(description),
                                           std::move(session));
   };

@@ -18,6 +18,7 @@
 #include "app/desktop/StartupNotice.h"
 #include "app/program/About.h"
 #include "app/program/PrefWindow.h"
+#include "app/program/TrustedCertificates.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/Icons.h"
@@ -30,13 +31,18 @@
 #include "app/transfers/TransferPane.h"
 #include "settings/ProcessSettings.h"
 #include "settings/StoredSettings.h"
+#include "sites/KnownServers.h"
 #include "sites/ProxyOf.h"
 #include "sites/ReadAtStart.h"
 #include "sites/RecentStore.h"
 #include "sites/ShortcutStore.h"
+#include "sites/SiteOf.h"
 
 namespace corvane {
 namespace {
+
+/// Seconds between signs of life; servers of today give up after a few minutes.
+constexpr std::int32_t kKeepAlive = 60;
 
 /// Without a chosen folder, downloads go where the desktop keeps them.
 void ChooseDownloadFolder() {
@@ -50,7 +56,9 @@ void ChooseDownloadFolder() {
 
 }  // namespace
 
-TambleApp::TambleApp(WorkerFactory workers) : workers_(std::move(workers)) {}
+TambleApp::TambleApp(WorkerFactory workers, std::shared_ptr<SecretStore> secrets,
+                     std::shared_ptr<KnownServers> known)
+    : workers_(std::move(workers)), passwords_(std::move(secrets)), known_(std::move(known)) {}
 
 TambleApp::~TambleApp() {
   delete preferences_;
@@ -76,6 +84,10 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   start_->Init();
   qApp->installEventFilter(this);
   if (!unread_.IsEmpty()) WarnOfUnread(start_.get());
+  const Text trouble = known_ != nullptr ? known_->Trouble() : Text();
+  if (!trouble.IsEmpty()) {
+    Alerts::Show(start_.get(), {.title = tr("Warning!"), .text = Shown(trouble)});
+  }
   if (open.has_value()) PostMessage(*open);
 }
 
@@ -122,8 +134,12 @@ void TambleApp::OpenBrowser(const Message& message) {
 }
 
 void TambleApp::Open(const Message& message) {
+  const SettingsValues settings = ProcessSettings::Get();
   Site to = SiteIn(message).value();
-  to.proxy = ProxyOf(ProcessSettings::Get());
+  if (message.FindBool("saved").value_or(false)) ShortcutStore::FillPassword(to);
+  to.proxy = ProxyOf(settings);
+  to.warnsOfPlain = WarnsOfPlain(to, settings);
+  to.keepAlive = settings.keepAlive ? kKeepAlive : 0;
   auto* window = new MWindow(*this, Frames::ForBrowser(), std::move(to));
   windowList_.push_back(window);
   connect(window, &QObject::destroyed, this, [this, window] { std::erase(windowList_, window); });
@@ -180,7 +196,14 @@ void TambleApp::ShowShortcuts() {
 void TambleApp::ShowPreferences() {
   if (!preferences_.isNull()) return BringForward(preferences_);
   if (!unread_.IsEmpty()) ReadSettings();
-  preferences_ = new PrefWindow;
+  TrustedCertificates trusted;
+  if (known_) {
+    trusted.list = [this] { return known_->List(); };
+    trusted.remove = [this](const std::string& host, std::uint16_t port) {
+      known_->Remove(host, port);
+    };
+  }
+  preferences_ = new PrefWindow(std::move(trusted));
   BringForward(preferences_);
   if (!unread_.IsEmpty()) WarnOfUnread(preferences_);
 }
@@ -210,8 +233,33 @@ void TambleApp::ShowEditor(const Shortcut& shortcut, const QWidget& opener) {
   ShowEditor(shortcut, opener, {});
 }
 
-// What cannot be kept is no reason to disturb.
-void TambleApp::ConnectionStands(const Site& site) {
+void TambleApp::FindPassword(QWidget* window, const Site& site,
+                             std::function<void(std::optional<Site>, bool)> found) {
+  passwords_.Find(window, site, std::move(found));
+}
+
+void TambleApp::KeepPasswords(std::vector<EditedShortcut> shortcuts,
+                              std::function<void(std::vector<Shortcut>, const Text&)> then) {
+  passwords_.KeepAll(std::move(shortcuts), std::move(then));
+}
+
+void TambleApp::ForgetPasswords(const std::vector<Shortcut>& before,
+                                const std::vector<Shortcut>& now) {
+  passwords_.ForgetUnused(before, now);
+}
+
+void TambleApp::AskWhetherKept(std::function<void(bool)> then) {
+  passwords_.AskWhetherKept(std::move(then));
+}
+
+// A recent connection that cannot be kept is no reason to disturb.
+void TambleApp::ConnectionStands(const Site& site, bool keep,
+                                 std::function<void(const Text&)> tell) {
+  if (keep) {
+    passwords_.Keep(site, tell);
+  } else {
+    passwords_.MoveOver(site, tell);
+  }
   RecentStore::Add(site, QDateTime::currentSecsSinceEpoch());
   start_->RecentChanged();
 }

@@ -11,6 +11,8 @@
 #include "app/browser/BrowserHost.h"
 #include "app/connect/ConnectHost.h"
 #include "app/desktop/Notifier.h"
+#include "app/program/Passwords.h"
+#include "app/program/TrustedCertificates.h"
 #include "app/transfers/TransferHost.h"
 #include "kit/Message.h"
 #include "settings/StoredSettings.h"
@@ -19,6 +21,7 @@ namespace corvane {
 
 class About;
 class DownLoadWin;
+class KnownServers;
 class MWindow;
 class PrefWindow;
 class ShortCutEditWindow;
@@ -33,7 +36,10 @@ class TambleApp : public QObject,
   Q_OBJECT
 
  public:
-  explicit TambleApp(WorkerFactory workers);
+  /// Without `secrets` passwords stand in the program's own files; `known` are the servers that the
+  /// workers ask.
+  explicit TambleApp(WorkerFactory workers, std::shared_ptr<SecretStore> secrets = {},
+                     std::shared_ptr<KnownServers> known = {});
   ~TambleApp() override;
 
   /// Settings, the two windows, and what the command line asked for.
@@ -59,7 +65,15 @@ class TambleApp : public QObject,
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener,
                   std::function<bool(const Shortcut&)> change) override;
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener) override;
-  void ConnectionStands(const Site& site) override;
+  void FindPassword(QWidget* window, const Site& site,
+                    std::function<void(std::optional<Site>, bool)> found) override;
+  void ConnectionStands(const Site& site, bool keep,
+                        std::function<void(const Text&)> tell) override;
+  void KeepPasswords(std::vector<EditedShortcut> shortcuts,
+                     std::function<void(std::vector<Shortcut>, const Text&)> then) override;
+  void ForgetPasswords(const std::vector<Shortcut>& before,
+                       const std::vector<Shortcut>& now) override;
+  void AskWhetherKept(std::function<void(bool)> then) override;
 
   /// Sees windows go: the last one ends the program.
   bool eventFilter(QObject* target, QEvent* event) override;
@@ -96,6 +110,8 @@ class TambleApp : public QObject,
   void QuitWithoutWindows();
 
   WorkerFactory workers_;
+  Passwords passwords_;
+  const std::shared_ptr<KnownServers> known_;
   std::optional<StoredSettings::GatheredFrames> frames_;  // from the start on, stored at the end
   Notifier notifier_;
   std::vector<MWindow*> windowList_;

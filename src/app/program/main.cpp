@@ -7,10 +7,12 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/desktop/LibSecretStore.h"
 #include "app/desktop/RequestServer.h"
 #include "app/desktop/RunningProgram.h"
 #include "app/desktop/StartupNotice.h"
@@ -24,6 +26,7 @@
 #include "app/shared/LookStyle.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
+#include "sites/KnownServers.h"
 #include "workers/ListingCache.h"
 
 namespace {
@@ -106,7 +109,9 @@ int main(int argc, char** argv) {
       const corvane::QuitSignals signals(QCoreApplication::quit);
       result = tray.Run();
     } else {
-      corvane::TambleApp app(corvane::RealWorkers());
+      const auto known = std::make_shared<corvane::KnownServers>();
+      corvane::TambleApp app(corvane::RealWorkers(known),
+                             std::make_shared<corvane::LibSecretStore>(), known);
       const corvane::QuitSignals signals([&app] { app.Quit(); });
       app.ReadyToRun(line.open);
       std::optional<corvane::RequestServer> requests;

@@ -1,0 +1,255 @@
+#include "app/program/Passwords.h"
+
+#include <QPointer>
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "app/shared/Alerts.h"
+#include "app/shared/GuiThread.h"
+#include "app/shared/ScreenText.h"
+#include "kit/Background.h"
+#include "settings/ProcessSettings.h"
+#include "sites/ShortcutStore.h"
+
+namespace corvane {
+namespace {
+
+using Result = SecretStore::Result;
+using Prompt = SecretStore::Prompt;
+
+/// Runs `work` behind the windows and hands what it returns to `then`.
+template <typename Work, typename Then>
+void Behind(Work work, Then then) {
+  const bool started = Background::Start("passwords", [work, then] {
+    OnGuiThread([then, done = work()]() mutable { then(std::move(done)); });
+  });
+  if (!started) then({});
+}
+
+/// A failure where no thread could be had.
+struct Answer {
+  Result result = Result::Failed;
+  std::string secret{};
+};
+
+struct Saved {
+  std::vector<Shortcut> shortcuts;
+  Result worst = Result::Done;
+};
+
+Text WordFor(Result result) {
+  switch (result) {
+    case Result::Done:
+    case Result::Missing: return {};
+    case Result::NoService:
+      return Text("No keyring runs: passwords stand in a file that only you can read.");
+    case Result::Locked:
+      return Text("The keyring is locked: passwords stand in a file that only you can read.");
+    case Result::Failed: break;
+  }
+  return Text("The keyring does not work: passwords stand in a file that only you can read.");
+}
+
+/// Whether the line of a shortcut can hold its password.
+bool FitsItsLine(const Shortcut& shortcut) {
+  Shortcut without = shortcut;
+  without.site.keptPassword = true;
+  return ShortcutStore::ComesBack(shortcut) == ShortcutStore::ComesBack(without);
+}
+
+void AskEachTime(Site& site) {
+  site.password.clear();
+  site.asksPassword = true;
+}
+
+/// Saves passwords in the store, and asks the user to unlock it once at most.
+class Keeper {
+ public:
+  explicit Keeper(SecretStore& store) : store_(store) {}
+
+  Shortcut Keep(const EditedShortcut& edited) {
+    Shortcut shortcut = edited.shortcut;
+    Site& site = shortcut.site;
+    if (IsSecret(site)) {
+      site.keptPassword = Note(store_.Save(KeyOf(site), site.password, prompt_)) == Result::Done;
+      if (site.keptPassword) site.password.clear();
+      if (!site.keptPassword && !FitsItsLine(shortcut)) AskEachTime(site);
+    } else if (site.keptPassword && edited.keptAs && *edited.keptAs != KeyOf(site)) {
+      std::string secret;
+      const bool found = store_.Lookup(*edited.keptAs, prompt_, secret) == Result::Done;
+      if (!found) prompt_ = Prompt::Never;
+      // What the keyring does not take stands in the line, as a new password would.
+      if (found && Note(store_.Save(KeyOf(site), secret, prompt_)) != Result::Done) {
+        site.password = std::move(secret);
+        site.keptPassword = false;
+        if (!FitsItsLine(shortcut)) AskEachTime(site);
+      }
+    }
+    return shortcut;
+  }
+  [[nodiscard]] Result Worst() const { return worst_; }
+
+ private:
+  Result Note(Result result) {
+    if (result != Result::Done) {
+      worst_ = result;
+      prompt_ = Prompt::Never;
+    }
+    return result;
+  }
+
+  SecretStore& store_;
+  Prompt prompt_ = Prompt::Allowed;
+  Result worst_ = Result::Done;
+};
+
+std::set<SecretKey> KeptKeys(const std::vector<Shortcut>& shortcuts) {
+  std::set<SecretKey> keys;
+  for (const Shortcut& shortcut : shortcuts) {
+    if (shortcut.site.keptPassword) keys.insert(KeyOf(shortcut.site));
+  }
+  return keys;
+}
+
+}  // namespace
+
+bool Passwords::Wanted() const {
+  return store_ != nullptr && ProcessSettings::Get().useKeyring;
+}
+
+void Passwords::Find(QWidget* window, const Site& site, Found found) {
+  if (site.asksPassword || store_ == nullptr) return Ask(window, site, false, std::move(found));
+  const auto work = [store = store_, key = KeyOf(site)] {
+    Answer answer;
+    answer.result = store->Lookup(key, Prompt::Allowed, answer.secret);
+    return answer;
+  };
+  Behind(work, [self = QPointer(this), over = QPointer(window), site,
+                found = std::move(found)](Answer answer) {
+    if (self.isNull() || over.isNull()) return;
+    if (answer.result != Result::Done) {
+      const bool runs = answer.result == Result::Missing || answer.result == Result::Locked;
+      return self->Ask(over, site, runs && self->Wanted(), found);
+    }
+    Site whole = site;
+    whole.password = std::move(answer.secret);
+    found(std::move(whole), false);
+  });
+}
+
+void Passwords::Ask(QWidget* window, const Site& site, bool mayKeep, Found found) {
+  struct Given {
+    std::string password;
+    bool keep = false;
+  };
+  const auto given = std::make_shared<Given>();
+  const QString whose = ToText(site.user + "@" + site.host);
+  Alerts::Question question{.icon = QMessageBox::Question,
+                            .title = tr("Password"),
+                            .text = tr("Password for %1").arg(whose),
+                            .buttons = {tr("Co&nnect"), tr("&Cancel")},
+                            .field = tr("&Password:"),
+                            .entered = [given](const auto& text) { given->password = text; }};
+  if (mayKeep) {
+    question.tick = tr("&Keep it in the keyring");
+    question.ticks = true;
+    question.ticked = [given](bool ticked) { given->keep = ticked; };
+  }
+  Alerts::Show(window, question, [site, given, found = std::move(found)](int button) {
+    if (button != 0) return found({}, false);
+    Site whole = site;
+    whole.password = given->password;
+    found(std::move(whole), given->keep);
+  });
+}
+
+void Passwords::Keep(const Site& site, std::function<void(const Text&)> tell) {
+  if (!Wanted() || !IsSecret(site)) return;
+  const auto work = [store = store_, site] {
+    return Answer{store->Save(KeyOf(site), site.password, Prompt::Allowed)};
+  };
+  Behind(work, [tell = std::move(tell)](const Answer& answer) {
+    if (answer.result != Result::Done) tell(Text("The keyring did not take the password."));
+  });
+}
+
+void Passwords::MoveOver(const Site& site, std::function<void(const Text&)> tell) {
+  if (!Wanted() || !IsSecret(site)) return;
+  const std::vector<Shortcut> shortcuts = ShortcutStore::ReadForList().shortcuts;
+  const auto shortcut = std::ranges::find_if(shortcuts, [&site](const Shortcut& one) {
+    return KeyOf(one.site) == KeyOf(site) && one.site.password == site.password;
+  });
+  if (shortcut == shortcuts.end()) return;
+  const auto work = [store = store_, site] {
+    return Answer{store->Save(KeyOf(site), site.password, Prompt::Never)};
+  };
+  Behind(work, [site, name = NameOf(*shortcut), tell = std::move(tell)](const Answer& answer) {
+    if (answer.result != Result::Done) return;
+    const Text failure = ShortcutStore::TakeOutPassword(site);
+    tell(failure.IsEmpty() ? Text("The password of “%1” now stands in the keyring.", name)
+                           : Text("The shortcuts could not be saved: %1", failure));
+  });
+}
+
+void Passwords::KeepAll(std::vector<EditedShortcut> shortcuts, Stored then) {
+  bool asked = false;  // the store, for anything
+  for (EditedShortcut& edited : shortcuts) {
+    Site& site = edited.shortcut.site;
+    if (site.asksPassword) site.keptPassword = false;
+    if (site.asksPassword || !site.password.empty()) edited.keptAs.reset();
+    if (site.asksPassword) site.password.clear();
+    if (IsSecret(site)) site.keptPassword = false;
+    asked = asked || IsSecret(site) || (site.keptPassword && edited.keptAs.has_value());
+  }
+  if (!asked || !Wanted()) {
+    const bool told = asked && ProcessSettings::Get().useKeyring;
+    std::vector<Shortcut> plain;
+    plain.reserve(shortcuts.size());
+    for (EditedShortcut& edited : shortcuts) plain.push_back(std::move(edited.shortcut));
+    return then(std::move(plain), told ? WordFor(Result::NoService) : Text());
+  }
+  const auto work = [store = store_, shortcuts] {
+    Keeper keeper(*store);
+    Saved saved;
+    for (const EditedShortcut& edited : shortcuts) saved.shortcuts.push_back(keeper.Keep(edited));
+    saved.worst = keeper.Worst();
+    return std::optional(std::move(saved));
+  };
+  Behind(work, [shortcuts, then = std::move(then)](std::optional<Saved> saved) {
+    if (saved.has_value()) return then(std::move(saved->shortcuts), WordFor(saved->worst));
+    std::vector<Shortcut> plain;
+    plain.reserve(shortcuts.size());
+    for (const EditedShortcut& edited : shortcuts) plain.push_back(edited.shortcut);
+    then(std::move(plain), WordFor(Result::Failed));
+  });
+}
+
+void Passwords::ForgetUnused(const std::vector<Shortcut>& before,
+                             const std::vector<Shortcut>& now) {
+  if (store_ == nullptr) return;
+  std::set<SecretKey> unused = KeptKeys(before);
+  for (const SecretKey& key : KeptKeys(now)) unused.erase(key);
+  if (unused.empty()) return;
+  // Nobody is asked to unlock anything for what is thrown away; nor does a password go that could
+  // not be moved because the store stayed locked.
+  Background::Start("passwords", [store = store_, unused] {
+    for (const SecretKey& key : unused) {
+      if (store->Remove(key, Prompt::Never) == Result::Locked) return;
+    }
+  });
+}
+
+void Passwords::AskWhetherKept(std::function<void(bool)> then) {
+  if (!Wanted()) return then(false);
+  const auto work = [store = store_] {
+    Answer answer;
+    answer.result = store->Lookup({}, Prompt::Never, answer.secret);
+    return answer;
+  };
+  Behind(work, [then = std::move(then)](const Answer& answer) {
+    then(answer.result != Result::NoService && answer.result != Result::Failed);
+  });
+}
+
+}  // namespace corvane

@@ -1,6 +1,7 @@
 #include "AppFixture.h"
 #include "app/browser/BrowserSession.h"
 #include "app/browser/BrowserTransfers.h"
+#include "app/browser/BrowserView.h"
 #include "app/browser/FailurePage.h"
 #include "app/browser/UploadPanel.h"
 #include "remote/Outcome.h"
@@ -45,6 +46,28 @@ TEST_F(Browser, SortsByAClickWithTheDotsOnTop) {
     EXPECT_EQ(Names(), names) << column;
     EXPECT_EQ(Selected(), "beta") << column;
   }
+}
+
+// The bytes are the server's, what is seen and typed is text.
+TEST_F(Browser, ShowsAndEditsNamesInTheSitesEncoding) {
+  Site site = window_->Session().To();
+  site.encoding = "WINDOWS-1251";
+  Q_EMIT window_->View().TryAgainPressed(site);
+  ASSERT_TRUE(Wait([&] { return IsReady(); }));
+  List({File("\xCF\xF0"), File("z")});
+  const DirListModel& rows = View().Rows();
+  EXPECT_EQ(rows.data(rows.index(3, DirListModel::kName), Qt::DisplayRole), "Пр");
+  EXPECT_EQ(rows.FindItem("п"), 3);
+  View().SelectRow(3);
+  const auto rename = [&](const QString& to) {
+    Q_EMIT View().NameEntered(rows.At(3).Name(), to);
+    QApplication::processEvents();
+  };
+  rename("Пр");
+  rename("ä");
+  EXPECT_TRUE(Alerted(1));
+  rename("Ру");
+  EXPECT_TRUE(Asks("RNFL original=\xCF\xF0 renameto=\xD0\xF3 path="));
 }
 
 TEST_F(Browser, TypingSelectsByTheBeginningOfTheName) {

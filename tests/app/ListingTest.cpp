@@ -176,6 +176,20 @@ TEST_F(Listing, TypingStartsAnewAfterEnterAndKeepsTheSelectionOnAMiss) {
   EXPECT_EQ(Selected(), "b ");
 }
 
+// A time whose zone is known is shown by the user's clock, any other as it stands.
+TEST_F(Listing, TimesStandInTheUsersZone) {
+  const QByteArray zone = qgetenv("TZ");
+  qputenv("TZ", "UTC-9");
+  ::tzset();
+  for (const bool utc : {false, true}) {
+    const RemoteTime noon{.seconds = 12 * 3600, .utc = utc};
+    const MWListItem item({.name = "f", .modified = noon}, std::make_shared<EntryAttributes>());
+    EXPECT_EQ(item.Time(), QTime(utc ? 21 : 12, 0));
+  }
+  zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
+  ::tzset();
+}
+
 TEST_F(Listing, NamesAreEditedWhereTheyStand) {
   List({Folder("a.dir"), File(".rc"), File("b.txt"), File("c.tar.gz"), File("\xE4")});
   PutInFront(*window_);

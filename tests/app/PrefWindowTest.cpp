@@ -2,7 +2,9 @@
 #include "app/desktop/Autostart.h"
 #include "app/program/PrefWindow.h"
 #include "settings/Access.h"
+#include "sites/ProxyOf.h"
 #include "sites/ReadAtStart.h"
+#include "sites/SecurityOf.h"
 
 namespace corvane {
 namespace {
@@ -29,11 +31,16 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   for (const char* sound : {"LoginSuccess", "LoginFailure", "Upload Sound", "Download Sound"}) {
     Field(sound).setText(*sound == 'U' ? "" : sound);
   }
-  for (const char* box : {"ShowTranWin", "RemoveItem", "Notify", "ShowInTray", "UseSameConnection",
-                          "ClassicStyle", "ProxyCheckBox"}) {
+  for (const char* box :
+       {"ShowTranWin", "RemoveItem", "Notify", "ShowInTray", "UseSameConnection", "ClassicStyle",
+        "ProxyCheckBox", "KeepAlive", "KeepTimes", "AskBeforePlain", "UseKeyring"}) {
     Box(box).toggle();
   }
   window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);
+  window_->findChild<QWidget*>("Security")->findChildren<QRadioButton*>().last()->click();
+  window_->findChild<QComboBox*>("ProxyKind")->setCurrentIndex(1);
+  Field("ProxyUser").setText("u");
+  QTest::keyClicks(&Field("ProxyPassword"), "secret");
   const std::pair<const char*, const char*> faults[] = {
       {"", "21"}, {"proxy", "many"}, {"p", ""}, {"p", "0"}};
   for (const auto& [host, port] : faults) {
@@ -63,6 +70,9 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     EXPECT_EQ(now.proxyAddress + now.proxyPort + std::to_string(now.buffersize), "p 8021 131072");
     EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy && !now.defaultpass);
     EXPECT_TRUE(!now.notify && now.classicStyle);
+    EXPECT_TRUE(!now.keepAlive && !now.keepTimes && !now.askBeforePlain && !now.useKeyring);
+    EXPECT_EQ(SecurityOf(now), Security::Plain);
+    EXPECT_EQ(ProxyOf(now), (Proxy{"p", 8021, Proxy::Kind::Socks5, "u", "secret"}));
     EXPECT_EQ(ReadAtStart(), Text());
   }
 }

@@ -213,8 +213,11 @@ TEST_F(Shortcuts, AreOpenedFromTheTray) {
   ASSERT_EQ(launched.size(), 3U);
   EXPECT_EQ(launched[0], Message("RUNN"_what));
   odd.site.user = "anonymous";
-  for (const Site& site : {Named("one").site, odd.site}) {
+  for (Site site : {Named("one").site, odd.site}) {
+    site.warnsOfPlain = true;
+    site.keepAlive = 60;
     launched.erase(launched.begin());
+    EXPECT_FALSE(launched[0].FindString("pass"));
     app_->PostMessage(*RequestServer::Read(RequestServer::Line(launched[0])));
     EXPECT_TRUE(connections_.back() == site);
   }

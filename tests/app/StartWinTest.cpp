@@ -201,8 +201,8 @@ TEST_P(Start, ShortcutsFillTheFieldsByTheirKeys) {
 
 TEST_P(Start, RecentConnectionsFillTheFieldsWithThePasswordOfTheirShortcut) {
   ASSERT_EQ(ShortcutStore::SaveAll({Saved()}), Text());
-  app_->ConnectionStands({.host = "i", .user = "anonymous", .password = "secret"});
-  app_->ConnectionStands(Saved().site);
+  app_->ConnectionStands({.host = "i", .user = "anonymous", .password = "secret"}, false, {});
+  app_->ConnectionStands(Saved().site, false, {});
   const auto choose = [this](int row) {
     Field("Host").setFocus();
     Key(Qt::Key_Down, {});

@@ -30,9 +30,9 @@ VERSION = re.search(r"project\(\w+\s+VERSION (\d+\.\d+)", (ROOT / "CMakeLists.tx
 
 TOOLS = ["push button Back", "push button Parent Dir", "push button Home", "push button Refresh Listing",
          "text Remote path", "check box Filter"]
-PANE = ["push button Upload", "check box Use this connection."]
+PANE = ["push button Upload", "check box Use this connection.", "push button Not encrypted"]
 FORM = ["text Host", "text Username", "password text Password", "text Path", "text Port",
-        "check box Passive Connection"]
+        "check box Passive Connection", "combo box Encryption"]
 ENDS = ["push button Cancel", "push button Save"]
 
 
@@ -180,7 +180,9 @@ class AccessTest(unittest.TestCase):
                 self.assertNotEqual(told, each.getRoleName(), "a name")
                 self.assertNotIn("<", each.description)
                 self.assertEqual(self.reader.has(each, "ENABLED"), self.reader.has(each, "SENSITIVE"), told)
-                if self.reader.has(each, "ENABLED", "FOCUSABLE"):
+                # The arrows lead from the chosen one of a group to the others.
+                beside = each.getRoleName() == "radio button" and not self.reader.has(each, "CHECKED")
+                if self.reader.has(each, "ENABLED", "FOCUSABLE") and not beside:
                     usable.append(told)
                     editable = self.reader.has(each, "EDITABLE")
                     self.assertEqual(editable, "text" in each.getRoleName() and told not in READ_ONLY, told)
@@ -231,8 +233,17 @@ class AccessTest(unittest.TestCase):
         self.press("alt+x")
         self.look("Preferences", "check box Enable Proxy", *ENDS, "page tab list Proxy")
         self.press("space")
-        self.look("Preferences", "check box Enable Proxy", "text Proxy Host", "text Proxy Port", *ENDS,
+        self.look("Preferences", "check box Enable Proxy", "combo box Proxy Kind", "text Proxy Host",
+                  "text Proxy Port", "text Proxy Username", "password text Proxy Password", *ENDS,
                   "page tab list Proxy")
+        self.press("alt+e")
+        self.look("Preferences", "check box Keep idle connections open", *ENDS, "page tab list Connections")
+        self.press("alt+a")
+        self.look("Preferences", "check box Keep the time of files", *ENDS, "page tab list Transfers")
+        self.press("alt+y")
+        self.look("Preferences", "radio button Where the server offers it",
+                  "check box Ask before a password goes unencrypted",
+                  "check box Keep them in the desktop’s keyring", *ENDS, "page tab list Security")
         self.close("Preferences", "Escape")
         self.activate("^Corvane$", "alt+f", "a")
         self.look("About", f"label Corvane, version {VERSION}")
@@ -241,7 +252,7 @@ class AccessTest(unittest.TestCase):
         self.look("Shortcuts", "push button New Shortcut", "push button Edit", "push button Remove",
                   "push button Save", "tree Shortcuts")
         self.press("ctrl+n")
-        self.look("New Shortcut", "text Label", *FORM, "push button Cancel", "push button Add")
+        self.look("New Shortcut", "text Label", *FORM, "push button More", "push button Cancel", "push button Add")
         self.close("New Shortcut", "Escape")
         self.close("Shortcuts")
 
@@ -282,6 +293,9 @@ class AccessTest(unittest.TestCase):
         self.press("ctrl+f")
         self.look("two words.txt", "text Text", "text Find", "push button Previous", "push button Next")
         self.close("two words.txt")
+        self.press("ctrl+shift+e")
+        self.look("is not encrypted", "push button Close")
+        self.close("Security", "Escape")
         self.press("ctrl+k")
         self.look("Log", "text Log")
         self.close("Log")
@@ -307,7 +321,7 @@ class AccessTest(unittest.TestCase):
         self.press("ctrl+d")
         self.reader.hears("progress bar Progress", "accessible-value")
         os.kill(self.server.process.pid, signal.SIGSTOP)
-        self.look("Samples", "tree Remote directory", PANE[-1], "push button Cancel")
+        self.look("Samples", "tree Remote directory", PANE[1], "push button Cancel", PANE[2])
         os.kill(self.server.process.pid, signal.SIGCONT)
         self.reader.hears("push button Clear")
         self.close("Samples")
@@ -324,7 +338,7 @@ class AccessTest(unittest.TestCase):
         self.press("F5")
         self.reader.hears("alert The connection to 127.0.0.1 was lost.")
         self.reader.hears("label Status: Connection lost.")
-        self.look("Not connected", "text Remote path", "push button Connect Again", "tree Remote directory", PANE[-1])
+        self.look("Not connected", "text Remote path", "push button Connect Again", "tree Remote directory", PANE[1])
         self.close("Not connected")
 
 

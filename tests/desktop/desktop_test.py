@@ -64,6 +64,23 @@ class DesktopTest(unittest.TestCase):
                  lambda: len(visible("corvane")) > before)
         self.screen.run("xdotool", "key", "--delay", 60, *keys)
 
+    @staticmethod
+    def in_memory(process, text):
+        """Whether a child of ours holds that text where it may write, as a crash would leave it."""
+        with open(f"/proc/{process.pid}/maps") as maps, open(f"/proc/{process.pid}/mem", "rb") as memory:
+            for area in maps:
+                place, rights = area.split()[:2]
+                begin, beyond = (int(number, 16) for number in place.split("-"))
+                if not rights.startswith("rw") or beyond - begin > 1 << 28:
+                    continue  # what a sanitizer reserves for itself
+                try:
+                    memory.seek(begin)
+                    if text in memory.read(beyond - begin):
+                        return True
+                except (OSError, OverflowError):
+                    pass
+        return False
+
     def test_tray_opens_shortcuts(self):
         self.assertEqual(self.ended("-deskbar"), (1, "This desktop has no tray for Corvane's icon.\n"))
         self.start("trayer", "--widthtype", "request", "--height", 24)
@@ -83,6 +100,10 @@ class DesktopTest(unittest.TestCase):
             wait_for("a browser window", lambda: len(self.windows(BROWSER)) == count)
             wait_for("its listing", lambda: self.server.has(
                 "< PASS", "> 230", "< CWD Samples", "< LIST", "> 226", after=seen))
+        stored = next((self.folder / "home/config").glob("_LP_*/shortcuts")).read_bytes()
+        self.assertIn(b"demo:demo@", stored)
+        self.assertFalse(self.in_memory(tray, b"demo:demo@"))
+        self.assertTrue(self.in_memory(tray, b"Be Inc."))
         self.assertEqual(self.ended("-deskbar"), (0, "Corvane stands in the tray already.\n"))
         self.choose_in_tray("Up", "Return")
         self.assertEqual(tray.wait(5), 0)

@@ -98,6 +98,8 @@ std::span<const BrowserCommand> BrowserCommands::All() {
        {13, "Ctrl+L", QT_TR_NOOP("View File"), When::File}},
       {"SHLG"_what, kWindow, Menu::Windows, 0, When::Always, "Ctrl+K", QT_TR_NOOP("&Log Window"),
        QT_TR_NOOP("Shows what was said between Corvane and the server")},
+      {"SECU"_what, kWindow, Menu::Windows, 0, When::Shown, "Ctrl+Shift+E", QT_TR_NOOP("Connection &Security…"),
+       QT_TR_NOOP("Shows how the connection is protected")},
       {"SHLG"_what, kProgram, Menu::Windows, 0, When::Always, "Ctrl+X", QT_TR_NOOP("&Transfer List"),
        QT_TR_NOOP("Brings the transfer window forward")},
       {"HELP"_what, kProgram, Menu::Help, 0, When::Always, "F1", QT_TR_NOOP("&Manual"),
@@ -122,6 +124,7 @@ bool BrowserCommands::IsEnabled(When when, const CommandState& state) {
     case When::Pastable: return state.ready && state.canPaste;
     case When::Back: return state.ready && state.canGoBack;
     case When::Forward: return state.ready && state.canGoForward;
+    case When::Shown: return state.isShown;
     case When::Busy: return state.busy;
     case When::Place: return state.ready && (state.pathUsed || directory);
     case When::Copyable: return selected || state.pathUsed;
@@ -213,6 +216,7 @@ QAction* BrowserCommands::Action(std::uint32_t code, std::string_view where) con
 }
 
 QString BrowserCommands::WhyNot(When when, const CommandState& state) {
+  if (when == When::Shown) return tr("There is no connection.");
   if (!state.ready && when != When::Busy) return tr("The connection is busy or not there.");
   switch (when) {
     case When::Selected:

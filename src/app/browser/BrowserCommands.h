@@ -36,6 +36,7 @@ struct BrowserCommand {
     Pastable,  ///< Ready, and rows of this server have been cut
     Back,      ///< Ready, and there is a directory to go back to
     Forward,   ///< Ready, and there is one to go forward to
+    Shown,     ///< how the connection is protected is known
     Busy,      ///< something is waited for
     Place,     ///< Ready, and a directory is selected or the path field was used last
     Copyable,  ///< a row is selected or the path field was used last
@@ -75,6 +76,7 @@ struct CommandState {
   bool canPaste = false;  ///< rows have been cut that may be moved here
   bool canGoBack = false;
   bool canGoForward = false;
+  bool isShown = false;  ///< how the connection is protected
 };
 
 /// The commands of one browser window, and its menu bar. GUI thread.

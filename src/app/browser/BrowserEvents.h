@@ -10,6 +10,8 @@
 #include "app/browser/RowOrder.h"
 #include "kit/Message.h"
 #include "remote/ConnectStep.h"
+#include "remote/Protection.h"
+#include "remote/UserQuestion.h"
 
 namespace corvane {
 
@@ -24,6 +26,10 @@ struct BrowserEvents {
   virtual void ShowStatus(const Text& text) = 0;
   /// How far connecting has come; each step is told anew whenever its state changes.
   virtual void ShowStep(const ConnectStep& step) = 0;
+  /// How the connection that has been made is protected.
+  virtual void ShowProtection(const Protection& protection) = 0;
+  /// The session waits for the user's word.
+  virtual void Ask(const std::shared_ptr<UserQuestion>& question) = 0;
   virtual void AppendLog(std::string_view text) = 0;
   /// The session's current directory has become `path`.
   virtual void ShowPath(std::string_view path) = 0;

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "app/shared/TransferListener.h"
 #include "app/shared/WorkerFactory.h"
 #include "kit/Message.h"
+#include "kit/Text.h"
 #include "remote/Site.h"
 #include "sites/Shortcut.h"
 
@@ -27,8 +30,15 @@ struct BrowserHost {
   virtual void Transfer(transferStruct description, TransferListener listener) = 0;
   /// A view for transfers on the window's own connection; `parent` owns it.
   [[nodiscard]] virtual TransferView* MakeTransferView(QWidget* parent) = 0;
-  /// A login to `site` has succeeded.
-  virtual void ConnectionStands(const Site& site) = 0;
+  /// Gets the password of a site that has none with it: from where it is kept, else from the user,
+  /// who is asked over `window`. `found` gets the site with it, or nothing where the user gives
+  /// none, and whether the user wants it kept; at once or later.
+  virtual void FindPassword(QWidget* window, const Site& site,
+                            std::function<void(std::optional<Site> site, bool keep)> found) = 0;
+  /// A login to `site` has succeeded; with `keep` its password is kept. `tell` gets what the user
+  /// should know of that, later or never.
+  virtual void ConnectionStands(const Site& site, bool keep,
+                                std::function<void(const Text&)> tell) = 0;
   /// Opens the manual; alerts stand over `window`.
   virtual void ShowManual(QWidget* window) = 0;
   /// The open browser windows, oldest first.

@@ -39,8 +39,8 @@ Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 }  // namespace
 
-BrowserLink::BrowserLink(BrowserSession& session)
-    : session_(&session), collator_(NameCollator(true)) {}
+BrowserLink::BrowserLink(BrowserSession& session, std::string encoding)
+    : session_(&session), encoding_(std::move(encoding)), collator_(NameCollator(true)) {}
 
 bool BrowserLink::SetStatus(const Text& text) {
   return Push(Status{text});
@@ -73,9 +73,10 @@ bool BrowserLink::AddEntries(std::vector<RemoteEntry> entries) {
   {
     MutexLock hold(lock_);
     for (RemoteEntry& entry : entries) {
-      rows.keys.push_back(collator_.sortKey(ToText(entry.name)));
-      rows.items.emplace_back(entry, Shared({std::move(entry.mode), std::move(entry.owner),
-                                             std::move(entry.group), std::move(entry.linkTarget)}));
+      rows.keys.push_back(collator_.sortKey(ToText(entry.name, encoding_)));
+      rows.items.emplace_back(
+          entry, Shared({std::move(entry.mode), std::move(entry.owner), std::move(entry.group),
+                         std::move(entry.linkTarget), encoding_}));
     }
   }
   return Push(std::move(rows));
@@ -100,7 +101,8 @@ bool BrowserLink::UpdateEntry(RemoteEntry entry, std::string_view directory) {
   {
     MutexLock hold(lock_);
     update.items.emplace_back(
-        entry, Shared({std::move(entry.mode), std::move(entry.owner), std::move(entry.group)}));
+        entry, Shared({std::move(entry.mode), std::move(entry.owner), std::move(entry.group),
+                       std::move(entry.linkTarget), encoding_}));
   }
   return Push(std::move(update));
 }
@@ -122,6 +124,16 @@ bool BrowserLink::PostMessage(Message message) {
 bool BrowserLink::PlaySound(Sound sound) {
   SoundPlayer::Play(sound);
   return !closing_;
+}
+
+bool BrowserLink::ShowProtection(const Protection& protection) {
+  return Push(protection);
+}
+
+bool BrowserLink::Ask(const std::shared_ptr<UserQuestion>& question) {
+  if (Push(question)) return true;
+  question->Give(UserQuestion::Answer::No);
+  return false;
 }
 
 std::shared_ptr<const EntryAttributes> BrowserLink::Shared(EntryAttributes attributes) {
@@ -200,7 +212,9 @@ void BrowserLink::Drain() {
                    [&](const Update& it) { window.UpdateRow(it.items.front(), it.directory); },
                    [&](const Change& it) { window.ChangeValues(it.name, it.size); },
                    [&](const Viewer& it) { window.OpenViewer(it.link, it.title); },
-                   [&](const Message& it) { session.MessageReceived(it); }},
+                   [&](const Message& it) { session.MessageReceived(it); },
+                   [&](const Protection& it) { window.ShowProtection(it); },
+                   [&](const std::shared_ptr<UserQuestion>& it) { window.Ask(it); }},
         event);
   }
   if (!closing_ && !session_.isNull()) Hop();

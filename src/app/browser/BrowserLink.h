@@ -27,7 +27,8 @@ class ViewerLink;
 class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<BrowserLink> {
  public:
   /// GUI thread.
-  explicit BrowserLink(BrowserSession& session);
+  /// Names that are no UTF-8 are read in `encoding`, where it is not empty.
+  BrowserLink(BrowserSession& session, std::string encoding);
 
   /// GUI thread: from now on every call returns false and nothing reaches the window.
   void Close() { closing_ = true; }
@@ -46,6 +47,8 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
   [[nodiscard]] std::shared_ptr<TextSink> OpenViewer(const Text& title) override;
   bool PostMessage(Message message) override;
   bool PlaySound(Sound sound) override;
+  bool ShowProtection(const Protection& protection) override;
+  bool Ask(const std::shared_ptr<UserQuestion>& question) override;
 
  private:
   struct Status {
@@ -83,8 +86,9 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
     std::shared_ptr<ViewerLink> link;
     Text title;
   };
-  using Event = std::variant<Status, ConnectStep, Log, Path, Begin, Rows, End, Remove, Rename,
-                             Update, Change, Viewer, Message>;
+  using Event =
+      std::variant<Status, ConnectStep, Log, Path, Begin, Rows, End, Remove, Rename, Update, Change,
+                   Viewer, Message, Protection, std::shared_ptr<UserQuestion>>;
 
   bool Push(Event event) EXCLUDES(lock_);
   /// Adds to the last event where that loses nothing.
@@ -95,6 +99,7 @@ class BrowserLink final : public BrowserUi, public std::enable_shared_from_this<
       REQUIRES(lock_);
 
   const QPointer<BrowserSession> session_;  // looked at on the GUI thread only
+  const std::string encoding_;
   std::atomic<bool> closing_{false};
   Mutex lock_;
   std::deque<Event> events_ GUARDED_BY(lock_);

@@ -25,13 +25,21 @@ bool Lists(std::uint32_t request) {
 }  // namespace
 
 BrowserSession::BrowserSession(BrowserEvents& window, Site site)
-    : window_(window), site_(std::move(site)), link_(std::make_shared<BrowserLink>(*this)) {}
+    : window_(window),
+      site_(std::move(site)),
+      link_(std::make_shared<BrowserLink>(*this, site_.encoding)) {}
 
 BrowserSession::~BrowserSession() {
   End();
 }
 
-void BrowserSession::Begin(const WorkerFactory& workers) {
+// What an earlier connection still says goes to a link that nobody reads.
+void BrowserSession::Begin(const WorkerFactory& workers, Site site) {
+  site_ = std::move(site);
+  if (looper_ != nullptr) {
+    End();
+    link_ = std::make_shared<BrowserLink>(*this, site_.encoding);
+  }
   looper_ = workers.looper(site_, link_);
   if (!looper_->Run() || !Send(Message("CNNT"_what))) FailToStart();
 }
@@ -53,14 +61,6 @@ void BrowserSession::End() {
   arriving_ = false;
   looking_ = false;
   toLookAt_.MakeEmpty();
-}
-
-// What the first connection still says goes to a link that nobody reads.
-void BrowserSession::TryAgain(const WorkerFactory& workers, Site site) {
-  End();
-  site_ = std::move(site);
-  link_ = std::make_shared<BrowserLink>(*this);
-  Begin(workers);
 }
 
 const std::string& BrowserSession::Place() const {

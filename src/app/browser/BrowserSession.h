@@ -26,12 +26,11 @@ class BrowserSession : public QObject {
   BrowserSession(BrowserEvents& window, Site site);
   ~BrowserSession() override;
 
-  /// Starts connecting. What fails comes as 'FERR' in a later turn of the event loop.
-  void Begin(const WorkerFactory& workers);
+  /// Starts connecting to `site`, in place of where it was to go. What fails comes as 'FERR' in a
+  /// later turn of the event loop.
+  void Begin(const WorkerFactory& workers, Site site);
   /// Lets go of the connection: whatever it does ends in the background.
   void End();
-  /// Starts connecting anew to `site`, where no connection came about.
-  void TryAgain(const WorkerFactory& workers, Site site);
 
   [[nodiscard]] const Site& To() const { return site_; }
   /// The window as its workers see it.

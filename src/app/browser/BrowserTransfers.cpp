@@ -14,6 +14,7 @@
 #include "app/browser/ExistingEntries.h"
 #include "app/browser/MWindow.h"
 #include "app/browser/RowDrag.h"
+#include "app/browser/SiteNames.h"
 #include "app/browser/UploadPanel.h"
 #include "app/shared/GuiThread.h"
 #include "app/shared/ScreenText.h"
@@ -23,6 +24,7 @@
 #include "kit/Background.h"
 #include "remote/RemotePath.h"
 #include "settings/ProcessSettings.h"
+#include "util/Encodings.h"
 #include "util/ErrorText.h"
 #include "util/LocalFolder.h"
 
@@ -46,9 +48,11 @@ void ShowPanel(QFileDialog* panel) {
   panel->show();
 }
 
-TransferPlan::Entry AsEntry(const fileStruct& record) {
+// Names on this machine's disk are UTF-8.
+TransferPlan::Entry AsEntry(const MWListItem& item) {
+  const fileStruct record = item.GetFileInfo();
   return {.name = record.name,
-          .local = record.name,
+          .local = Decoded(record.name, item.Attributes().encoding),
           .kind = static_cast<RemoteEntry::Kind>(record.type),
           .size = record.size < 0 ? -1 : record.size};
 }
@@ -66,10 +70,11 @@ BrowserTransfers::Chosen BrowserTransfers::Selected() const {
   for (const int row : selected) {
     const MWListItem& item = rows.At(row);
     if (selected.size() > 1 && item.IsDots()) continue;
-    if (selected.size() > 1 && !IsSafeLocalName(item.Name())) {
-      chosen.refused.append(ToText(item.Name()));
+    TransferPlan::Entry entry = AsEntry(item);
+    if (selected.size() > 1 && !IsSafeLocalName(entry.local)) {
+      chosen.refused.append(item.NameText());
     } else {
-      chosen.entries.push_back(AsEntry(item.GetFileInfo()));
+      chosen.entries.push_back(std::move(entry));
     }
   }
   return chosen;
@@ -79,7 +84,7 @@ BrowserTransfers::Chosen BrowserTransfers::Named(const std::string& name) const 
   Chosen chosen{window_.Session().CurrentDirectory(), {}, {}};
   const DirListModel& rows = window_.Listing().Rows();
   const int row = rows.Find(name);
-  if (row >= 0) chosen.entries.push_back(AsEntry(rows.At(row).GetFileInfo()));
+  if (row >= 0) chosen.entries.push_back(AsEntry(rows.At(row)));
   return chosen;
 }
 
@@ -117,9 +122,10 @@ void BrowserTransfers::DragRows(int pressed) {
   DirListView& listing = window_.Listing();
   const MWListItem& row = listing.Rows().At(pressed);
   const auto others = static_cast<int>(chosen.entries.size()) - 1;
-  const QString name = ToText(row.Name());
+  const QString name = row.NameText();
   const QString text = others == 0 ? name : MWindow::tr("%1 and %n more", "", others).arg(name);
-  const std::string proposed = IsSafeLocalName(row.Name()) ? row.Name() : "download";
+  const std::string local = Decoded(row.Name(), row.Attributes().encoding);
+  const std::string proposed = IsSafeLocalName(local) ? local : "download";
   RowDrag::Begin(RowDrag::Picture(listing, Symbol(SymbolOf(row.Kind())), text), proposed,
                  [self = QPointer(this), chosen = std::move(chosen)](const std::string& folder) {
                    if (self.isNull() || self->window_.Session().Control() == nullptr) return;
@@ -141,7 +147,7 @@ void BrowserTransfers::AskForName(Chosen chosen) {
   namePanel_ = new QFileDialog(&window_, MWindow::tr("Save"));
   namePanel_->setAcceptMode(QFileDialog::AcceptSave);
   namePanel_->setOption(QFileDialog::DontConfirmOverwrite);
-  namePanel_->selectFile(ToText(chosen.entries.front().name));
+  namePanel_->selectFile(ToText(chosen.entries.front().local));
   connect(namePanel_, &QFileDialog::fileSelected, this,
           [this, chosen = std::move(chosen)](const QString& path) mutable {
             const QFileInfo chosenFile(path);
@@ -239,8 +245,14 @@ void BrowserTransfers::SettleUpload(const UploadPlace& place,
   TransferPlan plan{place.directory, 0, {}};
   for (const std::string& path : paths) {
     TransferPlan::Entry& entry = plan.entries.emplace_back();
+    const auto name = Encoded(LastName(path), window_.Session().To().encoding);
+    if (!name) {
+      plan.entries.pop_back();
+      window_.Warn(MissingLetters(ToText(LastName(path)), window_.Session().To()));
+      continue;
+    }
     entry.name = path;
-    entry.local = LastName(path);
+    entry.local = *name;
     if (place.names.contains(entry.local)) entry.there = TransferPlan::There::Other;
   }
   ExistingEntries::SettleUpload(window_, std::move(plan),
@@ -262,7 +274,9 @@ transferStruct BrowserTransfers::Described(const std::string& directory) const {
   transferStruct description;
   description.site = window_.Session().To();
   description.remoteDirectory = directory;
-  description.bufferSize = ProcessSettings::Get().buffersize;
+  const SettingsValues settings = ProcessSettings::Get();
+  description.bufferSize = settings.buffersize;
+  description.keepTimes = settings.keepTimes;
   return description;
 }
 

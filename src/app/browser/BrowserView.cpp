@@ -22,6 +22,11 @@
 #include "app/shared/TransferView.h"
 
 namespace corvane {
+namespace {
+
+constexpr int kMargin = 8;  // around what stands above the listing
+
+}  // namespace
 
 BrowserView::BrowserView(QWidget* window, TransferView* transfer)
     : QWidget(window),
@@ -29,6 +34,7 @@ BrowserView::BrowserView(QWidget* window, TransferView* transfer)
       loss_(new Strip("cross-circle", Tone::Bad, this)),
       again_(loss_->AddButton(MWindow::tr("&Connect Again"))),
       lossRoom_(new QWidget(this)),
+      notices_(new QVBoxLayout),
       pages_(new QStackedWidget(this)),
       listing_(new DirListView(this)),
       filter_(new FilterLine(*listing_, this)),
@@ -62,7 +68,6 @@ QWidget* BrowserView::MakeBrowsingPage() {
 }
 
 void BrowserView::Arrange() {
-  constexpr int kMargin = 8;
   auto* room = new QVBoxLayout(lossRoom_);
   room->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
   room->addWidget(loss_);
@@ -76,6 +81,7 @@ void BrowserView::Arrange() {
   layout->addWidget(bar_);
   layout->addWidget(new Rule(Qt::Horizontal, this));
   layout->addWidget(lossRoom_);
+  layout->addLayout(notices_);
   layout->addWidget(filter_);
   layout->addWidget(pages_, 1);
   layout->addWidget(status_);
@@ -135,6 +141,19 @@ void BrowserView::ShowLossAgain() {
 
 void BrowserView::HideLoss() {
   lossRoom_->hide();
+}
+
+void BrowserView::ShowNotice(const QString& text) {
+  auto* room = new QWidget(this);
+  auto* layout = new QVBoxLayout(room);
+  layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  auto* notice = new Strip("info", Tone::Running, room);
+  layout->addWidget(notice);
+  notice->setObjectName("Notice");
+  notice->Set(text, {});
+  connect(notice->AddButton(MWindow::tr("&Got It")), &QPushButton::clicked, room,
+          &QObject::deleteLater);
+  notices_->addWidget(room);
 }
 
 void BrowserView::ClearListing() {

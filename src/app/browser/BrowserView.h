@@ -10,6 +10,7 @@
 
 class QPushButton;
 class QStackedWidget;
+class QVBoxLayout;
 
 namespace corvane {
 
@@ -51,6 +52,8 @@ class BrowserView : public QWidget {
   void ShowLoss(const QString& heading, const QString& reason);
   void ShowLossAgain();
   void HideLoss();
+  /// Above the listing, until the user has read it.
+  void ShowNotice(const QString& text);
   [[nodiscard]] bool ShowsListing() const;
 
   /// Opens the line that filters the listing, or closes it.
@@ -91,6 +94,7 @@ class BrowserView : public QWidget {
   Strip* loss_;
   QPushButton* again_;
   QWidget* lossRoom_;
+  QVBoxLayout* notices_;
   QStackedWidget* pages_;
   DirListView* listing_;
   FilterLine* filter_;

@@ -1,5 +1,8 @@
 #include "app/browser/ConnectionProgress.h"
 
+#include <QPointer>
+#include <utility>
+
 #include "app/browser/BrowserHost.h"
 #include "app/browser/BrowserSession.h"
 #include "app/browser/BrowserView.h"
@@ -22,6 +25,8 @@ QString Heading(Trouble trouble) {
     case Trouble::NoAnswer: return MWindow::tr("The server does not answer.");
     case Trouble::RefusedPort: return MWindow::tr("The server does not accept connections.");
     case Trouble::RefusedLogin: return MWindow::tr("The server refused the login.");
+    case Trouble::NoEncryption: return MWindow::tr("The connection could not be encrypted.");
+    case Trouble::Certificate: return MWindow::tr("The server’s certificate is not trusted.");
     case Trouble::Other: break;
   }
   return MWindow::tr("No connection came about.");
@@ -33,6 +38,8 @@ Mend ToMend(Trouble trouble) {
     case Trouble::NoAnswer:
     case Trouble::RefusedPort: return Mend::Port;
     case Trouble::RefusedLogin: return Mend::Login;
+    case Trouble::NoEncryption: return Mend::Encryption;
+    case Trouble::Certificate:
     case Trouble::Other: break;
   }
   return Mend::Nothing;
@@ -42,9 +49,14 @@ FailurePage::Failure FailureIn(const Message& message) {
   const auto trouble = static_cast<Trouble>(message.FindInt32("kind").value_or(0));
   const auto advice = message.FindText("advice");
   const std::string server = message.FindString("server").value_or("");
-  QString text = Shown(advice ? *advice : message.FindText("error").value_or(Text()));
-  if (!server.empty()) text += ' ' + MWindow::tr("The server says:");
-  return {Heading(trouble), text, ToLines(server), ToMend(trouble)};
+  QStringList sentences;
+  // Why there is no encryption counts as much as what one can do.
+  if (!advice || trouble == Trouble::NoEncryption) {
+    sentences += Shown(message.FindText("error").value_or(Text()));
+  }
+  if (advice) sentences += Shown(*advice);
+  if (!server.empty()) sentences += MWindow::tr("The server says:");
+  return {Heading(trouble), sentences.join(' '), ToLines(server), ToMend(trouble)};
 }
 
 }  // namespace
@@ -57,9 +69,29 @@ void ConnectionProgress::Become(State state) {
   Q_EMIT Changed();
 }
 
-void ConnectionProgress::Begin() {
-  window_.View().ShowConnecting(ToText(window_.Session().To().host));
+// A password that is there already was found before or, where it is another one, typed instead.
+void ConnectionProgress::Begin(const Site& site) {
+  window_.View().ShowConnecting(ToText(site.host));
   Become(State::Connecting);
+  if (!site.password.empty() || (!site.keptPassword && !site.asksPassword)) {
+    const bool typed = site.password != window_.Session().To().password;
+    return Found(site, site.keptPassword && (keep_ || typed));
+  }
+  window_.ShowStatus(Text("Looking for the password..."));
+  host_.FindPassword(&window_, site, [self = QPointer(this)](std::optional<Site> found, bool keep) {
+    if (!self.isNull()) self->Found(std::move(found), keep);
+  });
+}
+
+void ConnectionProgress::Found(std::optional<Site> site, bool keep) {
+  keep_ = keep;
+  if (site.has_value()) {
+    window_.Session().Begin(host_.Workers(), std::move(*site));
+    return Q_EMIT Changed();
+  }
+  Message missing("FERR"_what);
+  missing.AddText("error", Text("No password was given."));
+  Failed(missing);
 }
 
 void ConnectionProgress::Show(const ConnectStep& step) {
@@ -71,7 +103,12 @@ void ConnectionProgress::Stands() {
   window_.View().HideLoss();
   window_.View().ShowListing();
   Become(State::Connected);
-  host_.ConnectionStands(window_.Session().To());
+  host_.ConnectionStands(window_.Session().To(), std::exchange(keep_, false),
+                         [window = QPointer(&window_)](const Text& word) {
+                           if (window.isNull()) return;
+                           window->View().ShowNotice(Shown(word));
+                           window->AppendLog(word.English() + "\n");
+                         });
 }
 
 void ConnectionProgress::Failed(const Message& message) {

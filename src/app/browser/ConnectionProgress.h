@@ -2,9 +2,11 @@
 
 #include <QObject>
 #include <cstdint>
+#include <optional>
 
 #include "kit/Message.h"
 #include "remote/ConnectStep.h"
+#include "remote/Site.h"
 
 namespace corvane {
 
@@ -22,8 +24,8 @@ class ConnectionProgress : public QObject {
   /// `window` owns this object.
   ConnectionProgress(BrowserHost& host, MWindow& window);
 
-  /// The connection has begun to be made.
-  void Begin();
+  /// Begins to connect to `site`, as soon as its password is there.
+  void Begin(const Site& site);
   void Show(const ConnectStep& step);
   /// The server has let the user in and told where it is.
   void Stands();
@@ -43,10 +45,13 @@ class ConnectionProgress : public QObject {
 
  private:
   void Become(State state);
+  /// Begins with the password that was found; without any where the user gives none.
+  void Found(std::optional<Site> site, bool keep);
 
   BrowserHost& host_;
   MWindow& window_;
   State state_ = State::Connecting;
+  bool keep_ = false;  // the password, once the server has taken it
 };
 
 }  // namespace corvane

@@ -19,27 +19,27 @@ void Erase(RowOrder::Positions& positions, std::uint32_t position) {
 
 QString LinkTarget(const MWListItem& item) {
   const std::string& target = item.Attributes().linkTarget;
-  return target.empty() ? QString() : QStringLiteral(" \u2192 ") + ToText(target);
+  return target.empty() ? QString() : QStringLiteral(" \u2192 ") + item.TextOf(target);
 }
 
 QString ShownText(const MWListItem& item, int column) {
   const EntryAttributes& attributes = item.Attributes();
   switch (column) {
-    case DirListModel::kName: return ToText(item.Name());
+    case DirListModel::kName: return item.NameText();
     case DirListModel::kSize: return Style::InForce().EntrySize(item.Size(), item.SizeText());
     case DirListModel::kDate:
       return Style::InForce().EntryDate(item.Day(), item.Time(), item.DateText());
     case DirListModel::kPermissions:
       return ToText(Permissions::WithoutType(attributes.permissions));
-    case DirListModel::kOwner: return ToText(attributes.owner);
-    case DirListModel::kGroup: return ToText(attributes.group);
+    case DirListModel::kOwner: return item.TextOf(attributes.owner);
+    case DirListModel::kGroup: return item.TextOf(attributes.group);
     case DirListModel::kKind: return NameOf(item.Kind());
     default: return {};
   }
 }
 
 QString ToolTip(const MWListItem& item, int column) {
-  if (column == DirListModel::kName) return Harmless(ToText(item.Name()) + LinkTarget(item));
+  if (column == DirListModel::kName) return Harmless(item.NameText() + LinkTarget(item));
   if (column == DirListModel::kSize && item.Size() >= 0) return ExactSize(item.Size());
   return {};
 }
@@ -81,7 +81,7 @@ void DirListModel::Append(NewRows rows) {
   Positions hidden;
   for (MWListItem& item : rows.items) {
     const auto position = static_cast<std::uint32_t>(items_.size());
-    (filter_.Matches(item.Name()) ? shown : hidden).push_back(position);
+    (filter_.Matches(item) ? shown : hidden).push_back(position);
     sorted_.push_back(position);
     items_.push_back(std::move(item));
   }
@@ -97,7 +97,7 @@ void DirListModel::Append(NewRows rows) {
 
 void DirListModel::Insert(MWListItem item) {
   const auto position = static_cast<std::uint32_t>(items_.size());
-  const bool shown = filter_.Matches(item.Name());
+  const bool shown = filter_.Matches(item);
   items_.push_back(std::move(item));
   const auto place = rowOrder_.PlaceFor(position, sorted_);
   sorted_.insert(sorted_.begin() + static_cast<std::ptrdiff_t>(place), position);
@@ -106,7 +106,7 @@ void DirListModel::Insert(MWListItem item) {
 
 // Behind the last row it is hidden, unless that is where those shown end.
 void DirListModel::AddTo(int row, std::uint32_t position) {
-  const bool shown = row <= ShownCount() && filter_.Matches(items_[position].Name());
+  const bool shown = row <= ShownCount() && filter_.Matches(items_[position]);
   if (shown) beginInsertRows({}, row, row);
   order_.insert(order_.begin() + row, position);
   if (!shown) return;
@@ -147,7 +147,7 @@ void DirListModel::Settle(int row) {
   Erase(sorted_, position);
   const auto place = rowOrder_.PlaceFor(position, sorted_);
   sorted_.insert(sorted_.begin() + static_cast<std::ptrdiff_t>(place), position);
-  const bool shown = filter_.Matches(Item(row).Name());
+  const bool shown = filter_.Matches(Item(row));
   if (shown && IsShown(row)) return MoveRow(row);
   if (shown == IsShown(row)) return;
   Take(row);
@@ -197,7 +197,7 @@ int DirListModel::Find(std::string_view name) const {
 int DirListModel::FindItem(const QString& prefix) const {
   const NameFilter typed(prefix);
   const auto found = std::ranges::find_if(
-      Shown(), [&](std::uint32_t position) { return typed.Begins(items_[position].Name()); });
+      Shown(), [&](std::uint32_t position) { return typed.Begins(items_[position]); });
   return found == Shown().end() ? -1 : static_cast<int>(found - Shown().begin());
 }
 
@@ -210,7 +210,7 @@ DirListModel::Positions DirListModel::Filtered(std::size_t& shown) const {
   Positions hidden;
   order.reserve(sorted_.size());
   for (const std::uint32_t position : sorted_) {
-    (filter_.Matches(items_[position].Name()) ? order : hidden).push_back(position);
+    (filter_.Matches(items_[position]) ? order : hidden).push_back(position);
   }
   shown = order.size();
   order.insert(order.end(), hidden.begin(), hidden.end());

@@ -82,7 +82,9 @@ void DirListView::MakeSignals() {
   connect(model_, &QAbstractItemModel::rowsMoved, this, [this] { scrollTo(currentIndex()); });
   connect(delegate_, &RowDelegate::Entered, this, [this](const QString& text) {
     const std::string from = std::exchange(renaming_, {});
-    if (!from.empty() && !text.isEmpty() && text != ToText(from)) Q_EMIT NameEntered(from, text);
+    const int row = model_->Find(from);
+    const bool changed = row < 0 || text != model_->At(row).NameText();
+    if (!from.empty() && !text.isEmpty() && changed) Q_EMIT NameEntered(from, text);
   });
   connect(newDirectory_, &NewDirectoryRow::Closed, this, &DirListView::EndNewDirectory);
   connect(newDirectory_, &NewDirectoryRow::Entered, this, &DirListView::NewDirectoryEntered);

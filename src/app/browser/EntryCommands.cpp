@@ -106,6 +106,10 @@ QString EntryCommands::Subject(const QString& verb) const {
   return Style::InForce().TitleOf(TitleFor(window_.Session().To(), verb));
 }
 
+const std::string& EntryCommands::Encoding() const {
+  return window_.Session().To().encoding;
+}
+
 void EntryCommands::Delete() {
   DirListView& listing = window_.Listing();
   Message entries("DELE"_what);
@@ -116,7 +120,7 @@ void EntryCommands::Delete() {
     if (item.IsDots()) continue;
     entries.AddString("name", item.Name());
     entries.AddInt32("type", item.Type());
-    (item.Type() == kDirectory ? doomed.directories : doomed.files).append(ToText(item.Name()));
+    (item.Type() == kDirectory ? doomed.directories : doomed.files).append(item.NameText());
   }
   if (doomed.Count() == 0) return;
   Alerts::Show(&window_, AboutDeleting(doomed, Subject(MWindow::tr("Delete"))),
@@ -145,9 +149,11 @@ void EntryCommands::AskForNewDir() {
 
 void EntryCommands::CreateDirectory(const QString& name) {
   if (name.isEmpty() || IsBusy()) return;
+  const auto bytes = ToServer(name, Encoding());
+  if (!bytes) return window_.Warn(MissingLetters(name, window_.Session().To()));
   Message message("MKDR"_what);
-  message.AddString("name", ToBytes(name));
-  window_.Ways().SelectNext(ToBytes(name));
+  message.AddString("name", *bytes);
+  window_.Ways().SelectNext(*bytes);
   window_.Session().Send(std::move(message));
 }
 
@@ -167,20 +173,25 @@ void EntryCommands::AskForName(int row) {
     renameWin_ = new RenameWin(&window_);
     connect(renameWin_, &RenameWin::Entered, this, [this] {
       if (renameWin_->RenameTo().isEmpty() || IsBusy()) return;
-      Rename(renamingIn_, EditedBytes(renameWin_->Original(), renaming_),
-             ToBytes(renameWin_->RenameTo()));
+      const auto from = ToServer(renameWin_->Original(), Encoding(), renaming_);
+      if (!from)
+        return window_.Warn(MissingLetters(renameWin_->Original(), window_.Session().To()));
+      const auto to = ToServer(renameWin_->RenameTo(), Encoding());
+      if (!to) return window_.Warn(MissingLetters(renameWin_->RenameTo(), window_.Session().To()));
+      Rename(renamingIn_, *from, *to);
     });
   }
   renaming_ = window_.Listing().Rows().At(row).Name();
   renamingIn_ = window_.Session().CurrentDirectory();
-  renameWin_->Fill(ToText(renaming_));
+  renameWin_->Fill(ToText(renaming_, Encoding()));
   ShowBeside(window_, renameWin_);
 }
 
 void EntryCommands::RenameEntry(const std::string& from, const QString& to) {
-  if (!to.isEmpty() && !IsBusy()) {
-    Rename(window_.Session().CurrentDirectory(), from, EditedBytes(to, from));
-  }
+  const auto bytes = ToServer(to, Encoding(), from);
+  if (bytes == from || to.isEmpty() || IsBusy()) return;
+  if (!bytes) return window_.Warn(MissingLetters(to, window_.Session().To()));
+  Rename(window_.Session().CurrentDirectory(), from, *bytes);
 }
 
 // Most servers replace an entry of the new name without a word.
@@ -206,7 +217,7 @@ void EntryCommands::AskToReplace(const Message& request, const std::string& to, 
           : MWindow::tr("\"%1\" exists already, and the server may replace it.");
   Alerts::Show(&window_,
                {.title = MWindow::tr("Alert!"),
-                .text = text.arg(ToText(to)),
+                .text = text.arg(ToText(to, Encoding())),
                 .buttons = {MWindow::tr("&Rename"), MWindow::tr("&Cancel")},
                 .preset = 1,
                 .subject = Subject(MWindow::tr("Rename"))},

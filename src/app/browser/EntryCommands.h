@@ -39,6 +39,8 @@ class EntryCommands : public QObject {
   void ViewFile();
 
  private:
+  /// The site's.
+  [[nodiscard]] const std::string& Encoding() const;
   void CreateDirectory(const QString& name);
   void RenameEntry(const std::string& from, const QString& to);
   void Rename(const std::string& directory, const std::string& from, const std::string& to);

@@ -27,7 +27,7 @@ void Ask(MWindow& window, Alerts::Question question, const std::vector<Policy>& 
 
 void AskAboutFile(MWindow& window, TransferPlan plan, const ExistingEntries::Then& then) {
   const TransferPlan::Entry& entry = plan.entries.front();
-  const QString name = ToText(entry.name);
+  const QString name = ToText(entry.local);
   Alerts::Question question;
   if (entry.there == There::SameSize) {
     question.text = MWindow::tr("You have already downloaded the file %1.").arg(name) + "\n\n" +

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "app/shared/Card.h"
+#include "app/shared/EncryptionField.h"
 #include "app/shared/LookStyle.h"
 #include "app/shared/Pages.h"
 #include "app/shared/Password.h"
@@ -63,6 +64,7 @@ FailurePage::FailurePage(QWidget* parent)
       port_(MakeField(this, "Port")),
       user_(MakeField(this, "Username")),
       password_(new Password(this)),
+      encryption_(new EncryptionField(this)),
       problem_(MakeText(this)),
       again_(new QPushButton(tr("&Try Again"), this)),
       close_(new QPushButton(tr("&Close"), this)) {
@@ -78,6 +80,7 @@ FailurePage::FailurePage(QWidget* parent)
   SetPrimary(*again_);
   MakeFields();
   Arrange();
+  ShowRows(Mend::Nothing);
   connect(again_, &QPushButton::clicked, this, &FailurePage::TryAgain);
   connect(close_, &QPushButton::clicked, this, &FailurePage::ClosePressed);
 }
@@ -91,6 +94,7 @@ void FailurePage::MakeFields() {
   form_->addRow(tr("P&ort:"), port_);
   form_->addRow(tr("&Username:"), user_);
   form_->addRow(tr("&Password:"), password_);
+  form_->addRow(tr("Encr&yption:"), encryption_);
   for (QLineEdit* field : {host_, port_, user_, static_cast<QLineEdit*>(password_)}) {
     connect(field, &QLineEdit::returnPressed, this, &FailurePage::TryAgain);
   }
@@ -123,7 +127,8 @@ void FailurePage::Arrange() {
        std::initializer_list<std::pair<QWidget*, QWidget*>>{{host_, port_},
                                                             {port_, user_},
                                                             {user_, password_},
-                                                            {password_, close_},
+                                                            {password_, encryption_},
+                                                            {encryption_, close_},
                                                             {close_, again_}})
     setTabOrder(first, second);
 }
@@ -141,6 +146,7 @@ void FailurePage::Show(const Failure& failure, const Site& site) {
   port_->setText(QString::number(site.port));
   user_->setText(ToText(site.user));
   password_->SetActualText(site.password);
+  encryption_->Choose(site.security);
   ShowRows(failure.mend);
   if (isVisible()) FirstField()->setFocus();
 }
@@ -155,12 +161,16 @@ void FailurePage::ShowRows(Mend mend) {
   show(port_, mend == Mend::Port);
   show(user_, mend == Mend::Login);
   show(password_, mend == Mend::Login);
+  show(encryption_, mend == Mend::Encryption);
 }
 
 // With a name there is most often something wrong with the password.
-QLineEdit* FailurePage::FirstField() const {
+QWidget* FailurePage::FirstField() const {
   switch (mend_) {
-    case Mend::Login: return site_.user.empty() || site_.user == "anonymous" ? user_ : password_;
+    case Mend::Login:
+      return site_.user.empty() || site_.user == "anonymous" ? user_
+                                                             : static_cast<QWidget*>(password_);
+    case Mend::Encryption: return encryption_;
     case Mend::Port: return port_;
     default: return host_;
   }
@@ -172,7 +182,7 @@ void FailurePage::showEvent(QShowEvent* event) {
     again_->setFocus();
   } else {
     FirstField()->setFocus();
-    FirstField()->selectAll();
+    if (auto* field = qobject_cast<QLineEdit*>(FirstField())) field->selectAll();
   }
 }
 
@@ -190,6 +200,10 @@ void FailurePage::TryAgain() {
   if (mend_ == Mend::Login) {
     site.user = EditedBytes(user_->text(), site_.user);
     site.password = password_->actualText();
+  }
+  if (mend_ == Mend::Encryption) {
+    site.security = encryption_->Chosen();
+    if (site.port == UsualPort(site_.security)) site.port = UsualPort(site.security);
   }
   Q_EMIT TryAgainPressed(site);
 }

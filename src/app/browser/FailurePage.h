@@ -12,6 +12,7 @@ class QPushButton;
 
 namespace corvane {
 
+class EncryptionField;
 class Password;
 
 /// What a browser window shows where no connection came about: what happened, the server's own
@@ -21,7 +22,7 @@ class FailurePage : public QWidget {
 
  public:
   /// What is to be mended.
-  enum class Mend : std::uint8_t { Nothing, Login, Host, Port };
+  enum class Mend : std::uint8_t { Nothing, Login, Host, Port, Encryption };
 
   struct Failure {
     QString heading;
@@ -48,7 +49,7 @@ class FailurePage : public QWidget {
   void Arrange();
   void ShowRows(Mend mend);
   void TryAgain();
-  [[nodiscard]] QLineEdit* FirstField() const;
+  [[nodiscard]] QWidget* FirstField() const;
 
   Site site_;
   Mend mend_ = Mend::Nothing;
@@ -61,6 +62,7 @@ class FailurePage : public QWidget {
   QLineEdit* port_;
   QLineEdit* user_;
   Password* password_;
+  EncryptionField* encryption_;
   QLabel* problem_;
   QPushButton* again_;
   QPushButton* close_;

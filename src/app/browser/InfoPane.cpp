@@ -145,13 +145,13 @@ void InfoPane::ShowOne(int row) {
   const EntryAttributes& attributes = item.Attributes();
   const Style& style = Style::InForce();
   const InfoTitles titles = style.TitlesOfInfo();
-  ShowHead(SymbolOf(item.Kind()), ToText(item.Name()), NameOf(item.Kind()));
+  ShowHead(SymbolOf(item.Kind()), item.NameText(), NameOf(item.Kind()));
   ShowFact(size_, tr("Size"), style.EntrySize(item.Size(), item.SizeText()).trimmed(),
            item.Size() >= 0 ? ExactSize(item.Size()) : QString());
   ShowFact(date_, tr("Date"), style.EntryDate(item.Day(), item.Time(), item.DateText()));
   ShowFact(permissions_, titles.permissions, PermissionsText(attributes.permissions));
-  ShowFact(owner_, titles.owner, ToText(attributes.owner));
-  ShowFact(group_, titles.group, ToText(attributes.group));
+  ShowFact(owner_, titles.owner, item.TextOf(attributes.owner));
+  ShowFact(group_, titles.group, item.TextOf(attributes.group));
 }
 
 void InfoPane::ShowSeveral() {

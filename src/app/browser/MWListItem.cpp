@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "app/shared/ScreenText.h"
+
 namespace corvane {
 namespace {
 
@@ -21,10 +23,12 @@ std::uint64_t PackTime(const std::tm& time) {
   return key;
 }
 
+// As the user's clock shows it; a time in the server's own zone as it stands.
 std::uint64_t PackTime(const RemoteTime& moment) {
   const std::time_t seconds = moment.seconds;
   std::tm time{};
-  return ::gmtime_r(&seconds, &time) == nullptr ? 0 : PackTime(time);
+  const bool known = (moment.utc ? ::localtime_r : ::gmtime_r)(&seconds, &time) != nullptr;
+  return known ? PackTime(time) : 0;
 }
 
 int PartOf(std::uint64_t time, int shift) {
@@ -84,6 +88,10 @@ MWListItem::MWListItem(const fileStruct& entry, std::string name)
           EntryAttributes{entry.permissions, entry.owner, entry.group, {}})),
       type_(static_cast<std::uint8_t>(entry.type)),
       kind_(KindOf(entry.type, name_)) {}
+
+QString MWListItem::TextOf(std::string_view raw) const {
+  return ToText(raw, attributes_->encoding);
+}
 
 std::string MWListItem::SizeText() const {
   if (size_ == kDirectorySize) return " <dir>";

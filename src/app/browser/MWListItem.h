@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QString>
 #include <QTime>
 #include <cstdint>
 #include <memory>
@@ -22,10 +23,11 @@ struct EntryAttributes {
   std::string owner;
   std::string group;
   std::string linkTarget{};
+  std::string encoding{};  ///< of the site, in which names are read that are no UTF-8
 
   friend bool operator<(const EntryAttributes& a, const EntryAttributes& b) {
-    return std::tie(a.permissions, a.owner, a.group, a.linkTarget) <
-           std::tie(b.permissions, b.owner, b.group, b.linkTarget);
+    return std::tie(a.permissions, a.owner, a.group, a.linkTarget, a.encoding) <
+           std::tie(b.permissions, b.owner, b.group, b.linkTarget, b.encoding);
   }
 };
 
@@ -37,6 +39,9 @@ class MWListItem {
   MWListItem(const fileStruct& entry, std::string name);
 
   [[nodiscard]] const std::string& Name() const { return name_; }
+  /// The name, and any other of the entry's bytes, as the screen shows them.
+  [[nodiscard]] QString NameText() const { return TextOf(name_); }
+  [[nodiscard]] QString TextOf(std::string_view raw) const;
   [[nodiscard]] std::int64_t Size() const { return size_; }
   /// Year to second packed so that later is greater; 0 when the server did not tell.
   [[nodiscard]] std::uint64_t TimeKey() const { return time_; }

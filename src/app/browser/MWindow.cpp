@@ -3,9 +3,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QCloseEvent>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <utility>
 
 #include "app/browser/BrowserAlerts.h"
@@ -22,6 +22,7 @@
 #include "app/browser/EntryCommands.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/Navigation.h"
+#include "app/browser/Padlock.h"
 #include "app/browser/PathField.h"
 #include "app/browser/SiteNames.h"
 #include "app/browser/WindowLog.h"
@@ -32,9 +33,12 @@
 #include "app/shared/StatusLine.h"
 #include "app/shared/Style.h"
 #include "app/shared/TransferView.h"
+#include "app/shared/UserQuestions.h"
 #include "app/shared/Windows.h"
 #include "remote/RemotePath.h"
+#include "settings/ProcessSettings.h"
 #include "sites/Shortcut.h"
+#include "sites/SiteOf.h"
 #include "util/Url.h"
 
 namespace corvane {
@@ -51,12 +55,11 @@ MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)
   progress_ = new ConnectionProgress(app_, *this);
   MakeView();
   entries_ = new EntryCommands(*this);
+  padlock_ = new Padlock(*this);
   MakeMenus();
-  connect(progress_, &ConnectionProgress::Changed, this, &MWindow::MenusBeginning);
-  connect(progress_, &ConnectionProgress::Changed, this, &MWindow::ShowTitle);
+  connect(progress_, &ConnectionProgress::Changed, this, &MWindow::ConnectionChanged);
   view_->Listing().Remember(SiteKey(session_->To()));
-  progress_->Begin();
-  session_->Begin(app_.Workers());
+  progress_->Begin(session_->To());
 }
 
 MWindow::~MWindow() {
@@ -71,6 +74,7 @@ void MWindow::MakeView() {
   view_ = new BrowserView(this, app_.MakeTransferView(this));
   setCentralWidget(view_);
   PathField& path = view_->Path();
+  path.SetEncoding(session_->To().encoding);
   path.ShowPath(session_->To().path);
   path.OfferPaths([this] { return navigation_->Recent(); },
                   [this] { return navigation_->Below(); });
@@ -146,15 +150,22 @@ void MWindow::MenusBeginning() {
        .canCopy = canCopy_,
        .canPaste = CutRows::Current().CanMoveTo(session_->To(), session_->CurrentDirectory()),
        .canGoBack = !shown.Back().empty(),
-       .canGoForward = !shown.Forward().empty()});
+       .canGoForward = !shown.Forward().empty(),
+       .isShown = padlock_->IsShown()});
   view_->SetUsable(ready, listing.IsEnabled());
   view_->SetBusy(session_->IsBusy());
+}
+
+void MWindow::ConnectionChanged() {
+  padlock_->SetConnected(progress_->Now() == ConnectionProgress::State::Connected);
+  MenusBeginning();
+  ShowTitle();
 }
 
 void MWindow::ShowTitle() {
   const bool connected = progress_->Now() == ConnectionProgress::State::Connected;
   const bool connecting = progress_->Now() == ConnectionProgress::State::Connecting;
-  const QString place = connected    ? LastName(session_->CurrentDirectory())
+  const QString place = connected ? LastName(session_->CurrentDirectory(), session_->To().encoding)
                         : connecting ? tr("Connecting")
                                      : tr("Not connected");
   setWindowTitle(Style::InForce().TitleOf(TitleFor(session_->To(), place)));
@@ -167,40 +178,6 @@ void MWindow::ListingEnabled(bool enabled) {
 
 DirListView& MWindow::Listing() {
   return view_->Listing();
-}
-
-bool MWindow::IsTransferring() const {
-  return view_->Transfer().Running();
-}
-
-QString MWindow::WouldEnd() const {
-  const QString host = ToText(session_->To().host);
-  if (IsTransferring()) return tr("A transfer runs on the connection to %1.").arg(host);
-  if (session_->IsDeleting()) return tr("Entries on %1 are still being deleted.").arg(host);
-  return {};
-}
-
-void MWindow::Disconnect() {
-  view_->Transfer().LetGo();
-  session_->End();
-}
-
-void MWindow::CloseNow() {
-  mayClose_ = true;
-  close();
-}
-
-// The frame is kept at once: a window that is opened in place of this one stands there.
-void MWindow::closeEvent(QCloseEvent* event) {
-  if (const QString running = WouldEnd(); !mayClose_ && !running.isEmpty()) {
-    event->ignore();
-    return alerts_->AskToClose(running);
-  }
-  closed_ = true;
-  Frames::Keep(kConnectionFrame, *this);
-  hide();
-  Disconnect();
-  event->accept();
 }
 
 void MWindow::MessageReceived(const Message& message) {
@@ -235,6 +212,7 @@ void MWindow::MessageReceived(const Message& message) {
     case "DONE"_what: progress_->Ended(message); break;
     case "TMOT"_what: CloseNow(); break;
     case "SHLG"_what: log_->BringForward(); break;
+    case "SECU"_what: padlock_->ShowDetails(); break;
     case "SHWD"_what: BringForward(this); break;
     case "_QRQ"_what: close(); break;
     default: break;
@@ -251,6 +229,15 @@ void MWindow::ShowStatus(const Text& text) {
 
 void MWindow::ShowStep(const ConnectStep& step) {
   progress_->Show(step);
+}
+
+void MWindow::ShowProtection(const Protection& protection) {
+  padlock_->Set(protection);
+  MenusBeginning();
+}
+
+void MWindow::Ask(const std::shared_ptr<UserQuestion>& question) {
+  UserQuestions::Ask(this, question);
 }
 
 void MWindow::AppendLog(std::string_view text) {
@@ -333,7 +320,7 @@ void MWindow::OpenInNewWindow() {
 void MWindow::CopySelected() {
   if (lastFocus_ == &view_->Path()) return view_->Path().copy();
   DirListView& listing = view_->Listing();
-  Url url{.host = session_->To().host, .port = session_->To().port};
+  Url url = UrlOf(session_->To(), {});
   QString text;
   for (const int row : listing.SelectedRows()) {
     url.path = PathBelow(session_->CurrentDirectory(), listing.Rows().At(row).Name());
@@ -373,10 +360,12 @@ void MWindow::FinishedUpload(const Message& message) {
   session_->LookAt(name, isFile ? kFile : kDirectory, message.FindInt64("fSize").value_or(0));
 }
 
-void MWindow::TryAgain(const Site& site) {
-  session_->TryAgain(app_.Workers(), site);
-  progress_->Begin();
+void MWindow::TryAgain(const Site& changed) {
+  Site site = changed;
+  site.warnsOfPlain = WarnsOfPlain(site, ProcessSettings::Get());
+  progress_->Begin(site);
   log_->setWindowTitle(LogTitle(site));
+  view_->Path().SetEncoding(site.encoding);
   view_->Listing().Remember(SiteKey(site));
 }
 

@@ -25,6 +25,7 @@ class ConnectionProgress;
 class DirListView;
 class EntryCommands;
 class Navigation;
+class Padlock;
 class WindowLog;
 struct BrowserCommand;
 struct BrowserHost;
@@ -64,6 +65,8 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void MessageReceived(const Message& message) override;
   void ShowStatus(const Text& text) override;
   void ShowStep(const ConnectStep& step) override;
+  void ShowProtection(const Protection& protection) override;
+  void Ask(const std::shared_ptr<UserQuestion>& question) override;
   void AppendLog(std::string_view text) override;
   void ShowPath(std::string_view path) override;
   void GetRidofListing() override;
@@ -92,6 +95,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void ListingEnabled(bool enabled);
   [[nodiscard]] bool Takes(const QDropEvent& drop) const;
 
+  void ConnectionChanged();
   void ShowTitle();
   bool FilesDropped(const QMimeData& offer, const std::string& directory);
   void AddShortcut();
@@ -102,7 +106,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void DownloadRequested(const Message& message);
   void FinishedUpload(const Message& message);
   void TransferSettled(const TransferNews& news);
-  void TryAgain(const Site& site);
+  void TryAgain(const Site& changed);
 
   BrowserHost& app_;
   std::unique_ptr<BrowserSession> session_;
@@ -114,6 +118,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   BrowserAlerts* alerts_ = nullptr;
   Navigation* navigation_ = nullptr;
   ConnectionProgress* progress_ = nullptr;
+  Padlock* padlock_ = nullptr;
   bool canCopy_ = false;   // the server copies files
   bool mayClose_ = false;  // without a question
   bool closed_ = false;

@@ -27,22 +27,24 @@ NameFilter::NameFilter(const QString& text) : text_(text) {
 }
 
 // No byte of a longer character is an ASCII one, so bytes are compared where they can be.
-bool NameFilter::Matches(std::string_view name) const {
+bool NameFilter::Matches(const MWListItem& item) const {
+  const std::string_view name = item.Name();
   if (text_.isEmpty()) return true;
   if (!ascii_.empty()) {
     return std::search(name.begin(), name.end(), ascii_.begin(), ascii_.end(), SameLetters) !=
            name.end();
   }
-  return !IsAscii(name) && ToText(name).contains(text_, Qt::CaseInsensitive);
+  return !IsAscii(name) && item.NameText().contains(text_, Qt::CaseInsensitive);
 }
 
-bool NameFilter::Begins(std::string_view name) const {
+bool NameFilter::Begins(const MWListItem& item) const {
+  const std::string_view name = item.Name();
   if (text_.isEmpty()) return true;
   if (!ascii_.empty()) {
     return name.size() >= ascii_.size() &&
            std::ranges::equal(name.substr(0, ascii_.size()), ascii_, SameLetters);
   }
-  return !IsAscii(name) && ToText(name).startsWith(text_, Qt::CaseInsensitive);
+  return !IsAscii(name) && item.NameText().startsWith(text_, Qt::CaseInsensitive);
 }
 
 }  // namespace corvane

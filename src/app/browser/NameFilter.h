@@ -6,6 +6,8 @@
 
 namespace corvane {
 
+class MWListItem;
+
 /// Finds the names that contain a text, or begin with it, whatever the case. A value; not locked.
 class NameFilter {
  public:
@@ -14,9 +16,9 @@ class NameFilter {
 
   [[nodiscard]] const QString& Text() const { return text_; }
   [[nodiscard]] bool IsEmpty() const { return text_.isEmpty(); }
-  /// Whether `name`, raw bytes, contains the text as it is shown.
-  [[nodiscard]] bool Matches(std::string_view name) const;
-  [[nodiscard]] bool Begins(std::string_view name) const;
+  /// Whether the row's name contains the text as it is shown.
+  [[nodiscard]] bool Matches(const MWListItem& item) const;
+  [[nodiscard]] bool Begins(const MWListItem& item) const;
 
  private:
   QString text_;

@@ -7,6 +7,7 @@
 #include "app/browser/DirListView.h"
 #include "app/browser/MWindow.h"
 #include "app/browser/PathField.h"
+#include "app/browser/SiteNames.h"
 #include "remote/RemotePath.h"
 
 namespace corvane {
@@ -30,9 +31,11 @@ void Navigation::Home() {
 void Navigation::PathEntered() {
   PathField& path = window_.View().Path();
   if (path.text().isEmpty()) return;
+  const auto bytes = path.Bytes();
+  if (!bytes) return window_.Warn(MissingLetters(path.text(), window_.Session().To()));
   path.setModified(false);
   window_.ShowStatus(Text("Changing Dir.."));
-  window_.Session().ChangeDirectory(path.Bytes());
+  window_.Session().ChangeDirectory(*bytes);
 }
 
 void Navigation::ChangeDirectory() {

@@ -16,13 +16,19 @@
 
 namespace corvane {
 PathField::PathField(QWidget* parent)
-    : QLineEdit(parent), names_(new QStringListModel(this)), arrow_(new QAction(this)) {
+    : QLineEdit(parent),
+      names_(new QStringListModel(this)),
+      arrow_(new QAction(this)),
+      lock_(new QAction(this)) {
   setObjectName("Path");
   setAccessibleName(tr("Remote path"));
   arrow_->setIcon(Symbol("chevron-down"));
   arrow_->setText(tr("Directories shown before"));
   arrow_->setToolTip(arrow_->text());
   addAction(arrow_, QLineEdit::TrailingPosition);
+  addAction(lock_, QLineEdit::LeadingPosition);
+  lock_->setVisible(false);  // an action that is added hidden leaves its room empty
+  connect(lock_, &QAction::triggered, this, &PathField::LockPressed);
   setCompleter(new QCompleter(names_, this));
   connect(arrow_, &QAction::triggered, this, &PathField::ShowRecent);
   connect(this, &QLineEdit::textEdited, this, &PathField::Complete);
@@ -33,7 +39,7 @@ PathField::PathField(QWidget* parent)
 }
 
 QString PathField::Known(const std::string& path) {
-  QString text = ToText(path);
+  QString text = ToText(path, encoding_);
   known_[text] = path;
   return text;
 }
@@ -45,9 +51,9 @@ void PathField::ShowPath(const std::string& path) {
   if (!hasFocus() || !isModified()) setText(text);
 }
 
-std::string PathField::Bytes() const {
+std::optional<std::string> PathField::Bytes() const {
   const auto known = known_.find(text());
-  return known == known_.end() ? ToBytes(text()) : known->second;
+  return known == known_.end() ? ToServer(text(), encoding_) : known->second;
 }
 
 void PathField::OfferPaths(Paths recent, Paths below) {
@@ -58,6 +64,15 @@ void PathField::OfferPaths(Paths recent, Paths below) {
 void PathField::Restore() {
   setText(Known(shown_));
   setModified(false);
+}
+
+void PathField::ShowLock(const char* symbol, const QString& meaning, Tone tone) {
+  lock_->setVisible(symbol != nullptr);
+  update();  // the text has moved
+  if (symbol == nullptr) return;
+  lock_->setIcon(Symbol(symbol, tone));
+  lock_->setText(meaning);
+  lock_->setToolTip(meaning);
 }
 
 void PathField::ShowRecent() {

@@ -67,7 +67,7 @@ void PaintName(QPainter& painter, const QRect& rect, const MWListItem& item, con
                const QColor& secondary) {
   constexpr int kGap = 8;
   const QFontMetrics font = painter.fontMetrics();
-  const QString name = font.elidedText(ToText(item.Name()), Qt::ElideMiddle, rect.width());
+  const QString name = font.elidedText(item.NameText(), Qt::ElideMiddle, rect.width());
   painter.setPen(ink);
   painter.drawText(rect, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, name);
   const std::string& target = item.Attributes().linkTarget;
@@ -76,7 +76,7 @@ void PaintName(QPainter& painter, const QRect& rect, const MWListItem& item, con
   if (rest.width() < font.averageCharWidth() * 4) return;
   painter.setPen(secondary);
   painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                   font.elidedText(QChar(0x2192) + QStringLiteral(" ") + ToText(target),
+                   font.elidedText(QChar(0x2192) + QStringLiteral(" ") + item.TextOf(target),
                                    Qt::ElideMiddle, rest.width()));
 }
 
@@ -155,7 +155,7 @@ void RowDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewIt
 // What has been typed stays when the row changes meanwhile.
 void RowDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
   auto* field = qobject_cast<QLineEdit*>(editor);
-  if (!field->isModified()) field->setText(ToText(rows_.At(index.row()).Name()));
+  if (!field->isModified()) field->setText(rows_.At(index.row()).NameText());
 }
 
 void RowDelegate::setModelData(QWidget* editor, QAbstractItemModel* /*model*/,

@@ -74,7 +74,7 @@ bool RowOrder::ByBytes() const {
 }
 
 QCollatorSortKey RowOrder::KeyOf(const MWListItem& item) const {
-  return collator_.sortKey(ToText(item.Name()));
+  return collator_.sortKey(item.NameText());
 }
 
 void RowOrder::Prepare(std::vector<QCollatorSortKey> keys) {

@@ -6,9 +6,9 @@
 
 namespace corvane {
 
-QString LastName(const std::string& directory) {
+QString LastName(const std::string& directory, const std::string& encoding) {
   const std::string name = SplitPath(WithoutTrailingSlash(directory)).second;
-  return ToText(name.empty() ? directory : name);
+  return ToText(name.empty() ? directory : name, encoding);
 }
 
 std::string SiteKey(const Site& site) {
@@ -20,6 +20,11 @@ BrowserTitle TitleFor(const Site& site, const QString& place) {
           .user = site.user == "anonymous" ? QString() : ToText(site.user),
           .host = ToText(site.host),
           .port = site.port};
+}
+
+QString MissingLetters(const QString& name, const Site& site) {
+  return MWindow::tr("\"%1\" has letters that the encoding of this site, %2, does not have.")
+      .arg(name, ToText(site.encoding));
 }
 
 QString LogTitle(const Site& site) {

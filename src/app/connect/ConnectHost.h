@@ -4,7 +4,9 @@
 #include <functional>
 #include <vector>
 
+#include "app/connect/EditedShortcut.h"
 #include "kit/Message.h"
+#include "kit/Text.h"
 #include "sites/Shortcut.h"
 
 class QWidget;
@@ -42,6 +44,16 @@ struct ShortcutHost {
   /// something was typed comes forward as it is. `opener` says where it stands.
   virtual void ShowEditor(const Shortcut& shortcut, const QWidget& opener,
                           std::function<bool(const Shortcut&)> change) = 0;
+  /// Keeps the passwords of shortcuts that are to be saved. `then` gets them as they are to be
+  /// stored, and what the user should know of their passwords; at once or later.
+  virtual void KeepPasswords(
+      std::vector<EditedShortcut> shortcuts,
+      std::function<void(std::vector<Shortcut> shortcuts, const Text& word)> then) = 0;
+  /// What was kept for shortcuts of `before`, and for none of `now`, goes.
+  virtual void ForgetPasswords(const std::vector<Shortcut>& before,
+                               const std::vector<Shortcut>& now) = 0;
+  /// Whether passwords go to the keyring; `then` hears it at once or later.
+  virtual void AskWhetherKept(std::function<void(bool)> then) = 0;
   [[nodiscard]] virtual StartWin& ConnectionWindow() = 0;
   /// The list of shortcuts; null while it is not open.
   [[nodiscard]] virtual const QPointer<ShortCutWindow>& Shortcuts() const = 0;

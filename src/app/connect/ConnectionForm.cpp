@@ -7,13 +7,17 @@
 #include <QLineEdit>
 
 #include "app/connect/HostField.h"
+#include "app/connect/MoreFields.h"
 #include "app/shared/Alerts.h"
+#include "app/shared/EncryptionField.h"
 #include "app/shared/FaultLine.h"
 #include "app/shared/LookStyle.h"
 #include "app/shared/Password.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Style.h"
 #include "settings/ProcessSettings.h"
+#include "sites/SecurityOf.h"
+#include "sites/SiteOf.h"
 #include "util/PortFrom.h"
 #include "util/Url.h"
 
@@ -38,12 +42,16 @@ ConnectionForm::ConnectionForm(Label withLabel, QWidget* parent)
   passive = new QCheckBox(tr("Passive C&onnection"), this);
   passive->setObjectName("Passive");
   passive->setChecked(Style::InForce().PassiveAtFirst());
-  FillPort(21);
+  encryption = new EncryptionField(this);
+  encryption->Choose(SecurityOf(ProcessSettings::Get()));
+  security_ = encryption->Chosen();
+  FillPort(UsualPort(security_));
   MakeRows();
   host->setPlaceholderText(tr("ftp.example.org or an ftp:// address"));
   user->setPlaceholderText(QStringLiteral("anonymous"));
   path->setPlaceholderText(tr("chosen by the server"));
-  port->setPlaceholderText(QStringLiteral("21"));
+  SecurityChosen();
+  connect(encryption, &QComboBox::currentIndexChanged, this, &ConnectionForm::SecurityChosen);
   connect(fault_, &FaultLine::Changed, this, &ConnectionForm::HeightChanged);
 }
 
@@ -66,9 +74,14 @@ void ConnectionForm::MakeRows() {
   rows_->addRow(tr("&Password:"), password);
   rows_->addRow(tr("Pa&th:"), path);
   rows_->addRow(portLabel, portRow);
+  rows_->addRow(tr("Encr&yption:"), encryption);
+  if (label != nullptr) {
+    more_ = new MoreFields(*rows_, this);
+    connect(more_, &MoreFields::HeightChanged, this, &ConnectionForm::HeightChanged);
+  }
   for (int row = 0; row < rows_->rowCount(); ++row) {
-    QWidget* name = rows_->itemAt(row, QFormLayout::LabelRole)->widget();
-    name->setMinimumHeight(LookStyle::kControlHeight);
+    const QLayoutItem* name = rows_->itemAt(row, QFormLayout::LabelRole);
+    if (name != nullptr) name->widget()->setMinimumHeight(LookStyle::kControlHeight);
   }
 }
 
@@ -81,8 +94,15 @@ QLineEdit* ConnectionForm::Prepare(QLineEdit* field, const char* name, const QSt
 }
 
 void ConnectionForm::showEvent(QShowEvent* event) {
-  password->setPlaceholderText(ToText(ProcessSettings::Get().DfltPass));
+  ShowPasswordHint();
   QWidget::showEvent(event);
+}
+
+void ConnectionForm::ShowPasswordHint() {
+  const Site& site = filled_.site;
+  password->setPlaceholderText(site.keptPassword   ? tr("kept in the keyring")
+                               : site.asksPassword ? tr("asked for each time")
+                                                   : ToText(ProcessSettings::Get().DfltPass));
 }
 
 void ConnectionForm::FillTexts(const Shortcut& connection) {
@@ -91,17 +111,33 @@ void ConnectionForm::FillTexts(const Shortcut& connection) {
   host->setText(ToText(connection.site.host));
   user->setText(ToText(connection.site.user));
   password->SetActualText(connection.site.password);
+  ShowPasswordHint();
   path->setText(ToText(connection.site.path));
+  if (more_ != nullptr) more_->Fill(connection.site);
 }
 
 void ConnectionForm::FillMode(const Shortcut& connection) {
+  encryption->Choose(connection.site.security);
   FillPort(connection.site.port);
   passive->setChecked(connection.site.passive);
 }
 
 void ConnectionForm::FillPort(std::uint16_t number) {
-  const bool usual = number == 21 && !Style::InForce().FillsEmptyFields();
+  const bool usual =
+      number == UsualPort(encryption->Chosen()) && !Style::InForce().FillsEmptyFields();
   port->setText(usual ? QString() : QString::number(number));
+}
+
+void ConnectionForm::FillSecurity(const Url& address) {
+  if (address.scheme != Url::Scheme::Ftp) encryption->Choose(SiteOf(address).security);
+}
+
+// A port that stands there because it is usual does not outlive what it is usual for.
+void ConnectionForm::SecurityChosen() {
+  const QString before = QString::number(UsualPort(security_));
+  security_ = encryption->Chosen();
+  port->setPlaceholderText(QString::number(UsualPort(security_)));
+  if (port->text() == before) FillPort(UsualPort(security_));
 }
 
 bool ConnectionForm::TakeAddress() {
@@ -119,6 +155,7 @@ bool ConnectionForm::TakeAddress() {
   if (!url->user.empty()) user->setText(ToText(url->user));
   if (!url->password.empty()) password->SetActualText(url->password);
   if (!url->path.empty()) path->setText(ToText(url->path));
+  FillSecurity(*url);
   if (url->port.has_value()) FillPort(*url->port);
   if (Entered().site.port != 0) return true;
   return Refuse(port, tr("The port has to be a number from 1 to 65535."));
@@ -135,14 +172,22 @@ bool ConnectionForm::Refuse(QLineEdit* field, const QString& text) {
 }
 
 Shortcut ConnectionForm::Entered() const {
-  const std::uint16_t number = port->text().isEmpty() ? 21 : PortFrom(ToBytes(port->text()));
-  return {.label = label != nullptr ? EditedBytes(label->text(), filled_.label) : "",
-          .site = {.host = EditedBytes(host->text(), filled_.site.host),
-                   .port = number,
-                   .user = EditedBytes(user->text(), filled_.site.user),
-                   .password = password->actualText(),
-                   .path = EditedBytes(path->text(), filled_.site.path),
-                   .passive = passive->isChecked()}};
+  const Security security = encryption->Chosen();
+  const bool usual = port->text().isEmpty();
+  // What no field shows stays with the server that it belongs to.
+  const bool same = label != nullptr || host->text() == ToText(filled_.site.host);
+  Shortcut entered = same ? filled_ : Shortcut();
+  entered.label = label != nullptr ? EditedBytes(label->text(), filled_.label) : "";
+  Site& site = entered.site;
+  site.host = EditedBytes(host->text(), filled_.site.host);
+  site.port = usual ? UsualPort(security) : PortFrom(ToBytes(port->text()));
+  site.user = EditedBytes(user->text(), filled_.site.user);
+  site.password = password->actualText();
+  site.path = EditedBytes(path->text(), filled_.site.path);
+  site.passive = passive->isChecked();
+  site.security = security;
+  if (more_ != nullptr) more_->Put(site);
+  return entered;
 }
 
 }  // namespace corvane

@@ -15,6 +15,8 @@ std::vector<KnownConnection> KnownConnections() {
     if (const Shortcut* saved = RecentStore::ShortcutOf(recent.site, shortcuts)) {
       connection.label = saved->label;
       connection.site.password = saved->site.password;
+      connection.site.asksPassword = saved->site.asksPassword;
+      connection.site.keptPassword = saved->site.keptPassword;
     }
     known.push_back({std::move(connection), recent.when});
   }
@@ -33,7 +35,7 @@ std::string PlaceOf(const Site& site) {
   std::string place;
   if (!site.user.empty() && site.user != "anonymous") place = site.user + "@";
   place += site.host;
-  if (site.port != 21) place += ":" + std::to_string(site.port);
+  if (site.port != UsualPort(site.security)) place += ":" + std::to_string(site.port);
   std::string_view path = site.path;
   while (path.ends_with('/')) path.remove_suffix(1);
   return place.append(path);

@@ -22,7 +22,18 @@ constexpr int kText = 40;
 constexpr int kSymbol = 16;
 constexpr int kRowsSeen = 6;
 
-enum Role { kLabel = Qt::UserRole, kPlace, kWhen };
+enum Role { kLabel = Qt::UserRole, kPlace, kWhen, kSecurity };
+
+/// Open where nothing is encrypted; closed where that is certain.
+const char* SignOf(Security security) {
+  switch (security) {
+    case Security::Required:
+    case Security::Implicit: return "lock";
+    case Security::Plain: return "lock-open";
+    case Security::Automatic: break;
+  }
+  return "clock";
+}
 
 /// A symbol, and one line or two with a time at the right.
 class RowPainter : public QStyledItemDelegate {
@@ -47,7 +58,10 @@ class RowPainter : public QStyledItemDelegate {
     }
     const QRectF sign(option.rect.x() + kMargin,
                       option.rect.y() + (option.rect.height() - kSymbol) / 2.0, kSymbol, kSymbol);
-    PaintSymbol(*painter, sign, last && usable ? "trash" : "clock", less);
+    const auto security = static_cast<Security>(index.data(kSecurity).toInt());
+    const bool warns = !last && !chosen && security == Security::Plain;
+    PaintSymbol(*painter, sign, last && usable ? "trash" : SignOf(security),
+                warns ? ToneOf(palette, Tone::Caution) : less);
     const QRect room = option.rect.adjusted(kText, 0, -kMargin, 0);
     if (last) return Line(*painter, room, option, text, index.data(Qt::DisplayRole).toString());
     const int line = option.fontMetrics.height();
@@ -113,6 +127,7 @@ void RecentList::AddRow(const KnownConnection& recent) {
   item->setData(kLabel, label);
   item->setData(kPlace, place);
   item->setData(kWhen, when);
+  item->setData(kSecurity, static_cast<int>(recent.connection.site.security));
   item->setToolTip(Harmless(place));
   recent_.push_back(recent);
 }

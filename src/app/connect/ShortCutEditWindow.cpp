@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
@@ -12,11 +13,14 @@
 #include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
+#include "app/shared/HintLabel.h"
 #include "app/shared/LookStyle.h"
+#include "app/shared/Password.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Style.h"
 #include "app/shared/Windows.h"
+#include "sites/SecretStore.h"
 #include "sites/ShortcutStore.h"
 
 namespace corvane {
@@ -25,6 +29,8 @@ ShortCutEditWindow::ShortCutEditWindow(ShortcutHost& app)
     : QWidget(nullptr, kFixedWindow),
       app_(app),
       form_(new ConnectionForm(ConnectionForm::Label::With, this)),
+      inFile_(new HintLabel(
+          tr("Without a keyring, the password stands in a file that only you can read."), this)),
       ok_(new QPushButton(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setObjectName("MainView");
@@ -49,9 +55,13 @@ void ShortCutEditWindow::MakeViews() {
   layout->setSpacing(16);
   layout->setSizeConstraint(QLayout::SetFixedSize);
   layout->addWidget(form_);
+  inFile_->setObjectName("InFile");
+  inFile_->hide();
+  layout->addWidget(inFile_);
   layout->addLayout(buttons);
   const auto save = [this] { MessageReceived(Message("SVPF"_what)); };
   connect(form_, &ConnectionForm::returnPressed, this, save);
+  connect(form_->password, &QLineEdit::textChanged, this, &ShortCutEditWindow::ShowWhereKept);
   connect(ok_, &QPushButton::clicked, this, save);
   connect(cancel, &QPushButton::clicked, this, &QWidget::close);
 }
@@ -69,6 +79,16 @@ void ShortCutEditWindow::Edit(const Shortcut& record, Change change) {
   form_->label->setFocus();
   form_->label->selectAll();
   filled_ = form_->Entered();
+  app_.AskWhetherKept([self = QPointer(this)](bool kept) {
+    if (self.isNull()) return;
+    self->inKeyring_ = kept;
+    self->ShowWhereKept();
+  });
+}
+
+void ShortCutEditWindow::ShowWhereKept() {
+  const Site site = form_->Entered().site;
+  inFile_->setVisible(inKeyring_ == false && IsSecret(site) && !site.asksPassword);
 }
 
 bool ShortCutEditWindow::Busy() const {
@@ -97,7 +117,9 @@ void ShortCutEditWindow::Warn(const QString& text, const QString& detail) {
 void ShortCutEditWindow::Save() {
   if (!form_->TakeAddress()) return;
   const Shortcut entered = Entered();
-  const auto result = ShortcutStore::ComesBack(entered);
+  Shortcut line = entered;
+  if (IsSecret(line.site) && inKeyring_.value_or(false)) line.site.keptPassword = true;
+  const auto result = ShortcutStore::ComesBack(line);
   if (result == ShortcutStore::Return::Whole) return Store(entered);
   const QString detail =
       tr("A label cannot hold a \"*\", and none of the other fields a \":\"; username, password "
@@ -128,6 +150,18 @@ void ShortCutEditWindow::Store(const Shortcut& entered) {
 }
 
 void ShortCutEditWindow::Add(const Shortcut& entered) {
+  if (std::exchange(asking_, true)) return;
+  app_.KeepPasswords({{entered}}, [self = QPointer(this)](const std::vector<Shortcut>& shortcuts,
+                                                          const Text& word) {
+    if (self.isNull()) return;
+    self->asking_ = false;
+    self->AddKept(shortcuts.front());
+    if (word.IsEmpty() || !self->inKeyring_.value_or(false)) return;
+    Alerts::Show(&self->app_.ConnectionWindow(), {.title = tr("Warning!"), .text = Shown(word)});
+  });
+}
+
+void ShortCutEditWindow::AddKept(const Shortcut& entered) {
   const ShortcutStore::Added added = ShortcutStore::Add(entered);
   if (!added.failure.IsEmpty()) {
     return Warn(tr("The shortcut could not be saved."), Shown(added.failure));
@@ -142,7 +176,7 @@ void ShortCutEditWindow::Add(const Shortcut& entered) {
   }
   if (!app_.Shortcuts().isNull()) {
     Message row("NWST"_what);
-    row.AddString("url", ShortcutStore::StoredForm(entered));
+    row.AddInt32("index", added.index);
     app_.Shortcuts()->MessageReceived(row);
   }
   close();

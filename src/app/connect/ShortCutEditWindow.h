@@ -2,6 +2,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 #include "kit/Message.h"
 #include "sites/Shortcut.h"
@@ -11,6 +12,7 @@ class QPushButton;
 namespace corvane {
 
 class ConnectionForm;
+class HintLabel;
 struct ShortcutHost;
 
 /// Edits one saved connection: a new one, which is stored at once, or one of the shortcut list,
@@ -40,13 +42,19 @@ class ShortCutEditWindow : public QWidget {
   void Save();
   void Store(const Shortcut& entered);
   void Add(const Shortcut& entered);
+  /// Stores one whose password is where it belongs.
+  void AddKept(const Shortcut& entered);
+  /// Says so where the password goes to no keyring.
+  void ShowWhereKept();
 
   ShortcutHost& app_;
   Shortcut filled_;  // what the fields say as long as nobody has typed
   Change change_;
   bool asking_ = false;
   ConnectionForm* form_;
+  HintLabel* inFile_;
   QPushButton* ok_;
+  std::optional<bool> inKeyring_;  // whether passwords go there, once that is known
 };
 
 }  // namespace corvane

@@ -4,6 +4,7 @@
 #include <QKeySequence>
 #include <utility>
 
+#include "app/shared/EncryptionField.h"
 #include "app/shared/ScreenText.h"
 #include "sites/ShortcutStore.h"
 
@@ -26,6 +27,12 @@ QString Cell(const std::string& text) {
 }  // namespace
 
 ShortCutItem::ShortCutItem(Shortcut shortcut) : id_(NextId()) {
+  SetStored(std::move(shortcut));
+}
+
+void ShortCutItem::SetStored(Shortcut shortcut) {
+  keptAs_.reset();
+  if (shortcut.site.keptPassword) keptAs_ = KeyOf(shortcut.site);
   SetRecord(std::move(shortcut));
 }
 
@@ -38,6 +45,10 @@ void ShortCutItem::SetRecord(Shortcut shortcut) {
   setText(kPath, Cell(record_.site.path));
   setText(kMode, record_.site.passive ? QCoreApplication::translate("ShortCutItem", "Passive")
                                       : QCoreApplication::translate("ShortCutItem", "Active"));
+  const Security security = record_.site.security;
+  setText(kEncryption, EncryptionField::ShortText(security));
+  setData(kEncryption, kWarning,
+          security == Security::Plain ? QStringLiteral("lock-open") : QString());
 }
 
 void ShortCutItem::ShowKey(int number) {

@@ -1,16 +1,19 @@
 #pragma once
 
 #include <QTreeWidgetItem>
+#include <optional>
 #include <string>
 
-#include "sites/Shortcut.h"
+#include "app/connect/EditedShortcut.h"
 
 namespace corvane {
 
 /// A row of the shortcut list, with the connection that it shows. GUI thread.
 class ShortCutItem : public QTreeWidgetItem {
  public:
-  enum Column { kLabel, kHost, kUser, kPath, kMode, kKey };
+  enum Column { kLabel, kHost, kUser, kPath, kMode, kEncryption, kKey };
+  /// Of a cell that warns: the name of the symbol before its text.
+  static constexpr int kWarning = Qt::UserRole;
 
   explicit ShortCutItem(Shortcut shortcut);
 
@@ -18,6 +21,10 @@ class ShortCutItem : public QTreeWidgetItem {
   [[nodiscard]] int Id() const { return id_; }
   [[nodiscard]] const Shortcut& Record() const { return record_; }
   void SetRecord(Shortcut shortcut);
+  /// The record as it has been stored.
+  void SetStored(Shortcut shortcut);
+  /// The record, and where its password has been kept.
+  [[nodiscard]] EditedShortcut Edited() const { return {record_, keptAs_}; }
   /// Shows the key that the row of this number, in the order of the menu, has there.
   void ShowKey(int number);
   /// The record's stored form.
@@ -26,6 +33,7 @@ class ShortCutItem : public QTreeWidgetItem {
  private:
   const int id_;
   Shortcut record_;
+  std::optional<SecretKey> keptAs_;  // where its password is kept
 };
 
 }  // namespace corvane

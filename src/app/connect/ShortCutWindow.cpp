@@ -2,37 +2,33 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPointer>
-#include <QStyledItemDelegate>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
 #include "app/connect/ConnectHost.h"
+#include "app/connect/ShortCutDelegate.h"
 #include "app/connect/ShortCutItem.h"
-#include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
 #include "app/shared/IconButton.h"
-#include "app/shared/LookStyle.h"
 #include "app/shared/Rule.h"
 #include "app/shared/ScreenText.h"
-#include "app/shared/Shown.h"
 #include "app/shared/SmallView.h"
 #include "app/shared/StatusLine.h"
 #include "app/shared/Style.h"
-#include "app/shared/Tones.h"
 #include "app/shared/Windows.h"
+#include "settings/ProcessSettings.h"
 #include "sites/ParseUrl.h"
+#include "sites/SecurityOf.h"
 #include "sites/ShortcutStore.h"
-#include "util/Url.h"
+#include "sites/SiteOf.h"
 
 namespace corvane {
 namespace {
@@ -45,52 +41,13 @@ struct Column {
 };
 
 constexpr Column kColumns[] = {
-    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Label"), 140, 50},
-    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Host"), 150, 100},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Label"), 132, 50},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Host"), 144, 100},
     {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Username"), 104, 60},
-    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Path"), 160, 80},
-    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 100, 70},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Path"), 96, 80},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Connection Type"), 128, 70},
+    {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Encryption"), 128, 70},
     {QT_TRANSLATE_NOOP("corvane::ShortCutWindow", "Key"), 60, 40}};
-
-/// The label stands out from the rest of its row.
-class RowDelegate : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
-  void paint(QPainter* painter, const QStyleOptionViewItem& option,
-             const QModelIndex& index) const override {
-    const QPalette& palette = option.palette;
-    const bool selected = option.state.testFlag(QStyle::State_Selected);
-    const bool hovered = option.state.testFlag(QStyle::State_MouseOver);
-    if (selected) {
-      painter->fillRect(option.rect, palette.color(QPalette::Highlight));
-    } else if (hovered) {
-      painter->fillRect(option.rect, ToneOf(palette, Tone::Hover));
-    }
-    const bool label = index.column() == ShortCutItem::kLabel;
-    const QColor plain = label ? palette.color(QPalette::Text) : ToneOf(palette, Tone::Secondary);
-    painter->setPen(selected ? palette.color(QPalette::HighlightedText) : plain);
-    const QRect room = option.rect.adjusted(kInset, 0, -4, 0);
-    painter->drawText(
-        room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-        option.fontMetrics.elidedText(index.data().toString(), Qt::ElideMiddle, room.width()));
-    const auto* list = qobject_cast<const QTreeView*>(option.widget);
-    if (!list->hasFocus() || list->currentIndex().row() != index.row()) return;
-    const QColor line =
-        selected ? palette.color(QPalette::HighlightedText) : ToneOf(palette, Tone::Running);
-    painter->fillRect(QRect(option.rect.left(), option.rect.bottom() - 1, option.rect.width(), 1),
-                      line);
-  }
-
-  [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
-                               const QModelIndex& index) const override {
-    const QSize size = QStyledItemDelegate::sizeHint(option, index);
-    return {size.width() + kInset, std::max(size.height(), LookStyle::kRowHeight)};
-  }
-
- private:
-  static constexpr int kInset = 8;
-};
 
 }  // namespace
 
@@ -131,7 +88,7 @@ void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   list_->setAllColumnsShowFocus(true);
   list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   list_->setFrameShape(QFrame::NoFrame);
-  list_->setItemDelegate(new RowDelegate(list_));
+  list_->setItemDelegate(new ShortCutDelegate(list_));
   list_->setContextMenuPolicy(Qt::CustomContextMenu);
   QStringList titles;
   for (const Column& column : kColumns) titles.append(tr(column.title));
@@ -219,19 +176,25 @@ void ShortCutWindow::MenusBeginning() {
 
 void ShortCutWindow::MessageReceived(const Message& message) {
   switch (message.what) {
-    case "nwst"_what: app_.ShowEditor({}, *this, {}); break;
+    case "nwst"_what: NewShortcut(); break;
     case "ITMV"_what: EditSelected(); break;
     case "REMI"_what: RemoveSelected(); break;
     case "SVPF"_what: Save(); break;
     case "SALL"_what: list_->selectAll(); break;
     case "COPY"_what: CopySelected(); break;
-    case "NWST"_what: AddRow(message.FindString("url").value_or("")); break;
+    case "NWST"_what: AddRow(message); break;
     default: break;
   }
 }
 
+void ShortCutWindow::NewShortcut() {
+  const Security security = SecurityOf(ProcessSettings::Get());
+  app_.ShowEditor({.site = {.port = UsualPort(security), .security = security}}, *this, {});
+}
+
 void ShortCutWindow::SetChanged(bool changed) {
   changed_ = changed;
+  if (changed) ++changes_;
   setWindowModified(changed);
   RowsChanged();
 }
@@ -310,86 +273,20 @@ void ShortCutWindow::CopySelected() {
   for (int row = 0; row < list_->topLevelItemCount(); ++row) {
     if (!Row(row)->isSelected()) continue;
     const Site& site = Row(row)->Record().site;
-    const Url url{.host = site.host, .port = site.port, .path = site.path};
-    text += QString::fromStdString(url.Written()) + '\n';
+    text += QString::fromStdString(UrlOf(site, site.path).Written()) + '\n';
   }
   if (!text.isEmpty()) QApplication::clipboard()->setText(text);
 }
 
-void ShortCutWindow::AddRow(std::string_view url) {
-  auto shortcut = ParseUrl(url, false);
+void ShortCutWindow::AddRow(const Message& added) {
+  const auto index = added.FindInt32("index");
+  auto shortcut =
+      index ? ShortcutStore::Read(*index) : ParseUrl(added.FindString("url").value_or(""), false);
   if (!shortcut.has_value()) return;
   auto* item = new ShortCutItem(std::move(*shortcut));
   list_->addTopLevelItem(item);
   Select(item);
   RowsChanged();
-}
-
-void ShortCutWindow::Save(std::function<void()> then) {
-  const auto store = [this, then = std::move(then)] {
-    if (Store() && then) then();
-  };
-  const int lost = ShortcutStore::CountOutOfReach();
-  if (lost == 0) return store();
-  Alerts::Show(this,
-               {.title = tr("Warning!"),
-                .text = tr("One stored shortcut cannot be read. Saving the list loses it and all "
-                           "that lie behind it, %n in all.",
-                           "", lost),
-                .buttons = {tr("&Save Anyway"), tr("&Cancel")},
-                .preset = 1,
-                .heading = lost == 1 ? tr("Save the list and lose a shortcut?")
-                                     : tr("Save the list and lose %n shortcuts?", "", lost),
-                .advice = tr("One stored shortcut cannot be read. Saving the list loses it and all "
-                             "that lie behind it.")},
-               [store](int button) {
-                 if (button == 0) store();
-               });
-}
-
-// Sorting is for the eye: the menu keeps the order in which the shortcuts were made.
-bool ShortCutWindow::Store() {
-  std::vector<Shortcut> shortcuts;
-  for (const ShortCutItem* row : InMenuOrder()) shortcuts.push_back(row->Record());
-  const Text failure = ShortcutStore::SaveAll(shortcuts);
-  if (!failure.IsEmpty()) {
-    Alerts::Show(this, {.title = tr("Warning!"),
-                        .text = tr("The shortcuts could not be saved."),
-                        .detail = Shown(failure)});
-    return false;
-  }
-  SetChanged(false);
-  app_.ConnectionWindow().MessageReceived(Message("REDO"_what));
-  return true;
-}
-
-void ShortCutWindow::AskAboutChanges(std::function<void()> then) {
-  constexpr int kSave = 1;
-  then_ = std::move(then);
-  if (std::exchange(asking_, true)) return;
-  Alerts::Show(this,
-               {.title = tr("Alert!"),
-                .text = tr("You have made some changes.  Would you like to save them or discard "
-                           "them?"),
-                .buttons = {tr("&Discard"), tr("&Save")},
-                .preset = kSave,
-                .dismissible = true,
-                .heading = tr("Save the changes to the shortcuts?"),
-                .advice = tr("They are lost if you discard them.")},
-               [this](int button) {
-                 asking_ = false;
-                 auto next = std::exchange(then_, {});
-                 if (button == kSave) return Save(std::move(next));
-                 if (button == Alerts::kDismissed) return;
-                 SetChanged(false);
-                 next();
-               });
-}
-
-void ShortCutWindow::closeEvent(QCloseEvent* event) {
-  if (!changed_) return event->accept();
-  event->ignore();
-  AskAboutChanges([this] { close(); });
 }
 
 }  // namespace corvane

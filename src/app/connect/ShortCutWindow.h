@@ -2,9 +2,9 @@
 
 #include <QMainWindow>
 #include <functional>
-#include <string_view>
 #include <vector>
 
+#include "app/connect/EditedShortcut.h"
 #include "kit/Message.h"
 #include "sites/Shortcut.h"
 
@@ -50,6 +50,7 @@ class ShortCutWindow : public QMainWindow {
   QWidget* MakeToolBar();
   void ShowContextMenu(const QPoint& place);
   void MenusBeginning();
+  void NewShortcut();
   void SetChanged(bool changed);
   /// Shows how many rows there are and which of them have keys.
   void RowsChanged();
@@ -63,8 +64,19 @@ class ShortCutWindow : public QMainWindow {
   bool TakeOver(int id, const Shortcut& changed);
   void RemoveSelected();
   void CopySelected();
-  void AddRow(std::string_view url);
-  bool Store();
+  void AddRow(const Message& added);
+
+  // ShortCutWindowSaving.cpp
+  /// What is being saved, as it was when that began.
+  struct Sent {
+    std::function<void()> then{};
+    int changes = 0;
+    std::vector<int> ids{};
+    std::vector<EditedShortcut> rows{};
+  };
+  void Store(std::function<void()> then);
+  /// Stores the list whose passwords are kept now.
+  void StoreAll(const Sent& sent, const std::vector<Shortcut>& shortcuts, const Text& word);
 
   ShortcutHost& app_;
   QTreeWidget* list_;
@@ -76,6 +88,8 @@ class ShortCutWindow : public QMainWindow {
   IconButton* removeButton_ = nullptr;
   StatusLine* status_;
   bool changed_ = false;
+  int changes_ = 0;      // how many there have been
+  bool saving_ = false;  // passwords are on their way to where they are kept
   bool asking_ = false;
   std::function<void()> then_;  // what goes on once the user has answered
 };

@@ -13,6 +13,7 @@
 #include "app/connect/ConnectionForm.h"
 #include "app/connect/ShortcutField.h"
 #include "app/shared/Alerts.h"
+#include "app/shared/EncryptionField.h"
 #include "app/shared/Frames.h"
 #include "app/shared/HintLabel.h"
 #include "app/shared/OpenMessage.h"
@@ -73,9 +74,10 @@ void StartWin::Connect() {
   const Style& style = Style::InForce();
   if (to.user.empty()) {
     to.user = "anonymous";
+    to.keptPassword = false;
     if (style.FillsEmptyFields()) form_->user->setText(QStringLiteral("anonymous"));
   }
-  if (to.password.empty()) {
+  if (to.password.empty() && !to.keptPassword && !to.asksPassword) {
     to.password = defaultPassword;
     if (style.FillsEmptyFields())
       form_->password->SetActualText(defaultPassword, style.ExtraStars());
@@ -104,7 +106,8 @@ void StartWin::Fill(const Shortcut& connection) {
   form_->FillTexts(connection);
   form_->FillMode(connection);
   const Site& site = connection.site;
-  const bool ask = !site.user.empty() && site.password.empty();
+  const bool elsewhere = site.keptPassword || site.asksPassword;
+  const bool ask = !site.user.empty() && site.password.empty() && !elsewhere;
   (ask ? form_->password : form_->host)->setFocus();
 }
 
@@ -119,7 +122,9 @@ bool StartWin::PasteUrl(std::string_view text) {
   // What stands behind a line's end belongs to something else.
   const auto url = Url::Read(text.substr(0, text.find_first_of("\r\n")));
   if (!url.has_value()) return false;
-  form_->FillTexts({.site = SiteOf(*url)});
+  const Site site = SiteOf(*url);
+  form_->FillTexts({.site = site});
+  form_->encryption->Choose(site.security);
   if (url->port.has_value()) form_->FillPort(*url->port);
   return true;
 }

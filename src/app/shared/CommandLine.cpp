@@ -1,7 +1,6 @@
 #include "app/shared/CommandLine.h"
 
 #include "app/shared/OpenMessage.h"
-#include "sites/SiteOf.h"
 #include "util/Url.h"
 
 namespace corvane {
@@ -18,7 +17,7 @@ CommandLine CommandLine::Read(std::span<const std::string> arguments) {
   } else if (Url::IsMeant(arguments.front())) {
     const auto url = Url::Read(arguments.front());
     line.usage = !url.has_value();
-    if (url.has_value()) line.open = OpenMessage(SiteOf(*url));
+    if (url.has_value()) line.open = OpenMessage(*url);
   }
   return line;
 }

@@ -75,8 +75,9 @@ void DrawLabel(QPainter& painter, const QRect& rect, const QIcon& icon, const QS
     const QPoint corner(rect.x(), rect.center().y() - size.height() / 2 + 1);
     icon.paint(&painter, QRect(corner, size), Qt::AlignCenter, mode);
   }
+  // A letter that is underlined stands apart, so that the text may be wider than measured.
   painter.drawText(rect.adjusted(WidthOf(icon, size), 0, 0, 0),
-                   Qt::AlignVCenter | Qt::TextShowMnemonic, text);
+                   Qt::AlignVCenter | Qt::TextShowMnemonic | Qt::TextDontClip, text);
 }
 
 }  // namespace

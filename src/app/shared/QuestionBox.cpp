@@ -4,6 +4,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
@@ -11,6 +12,7 @@
 #include <algorithm>
 
 #include "app/shared/LookStyle.h"
+#include "app/shared/Password.h"
 #include "app/shared/QuestionCard.h"
 #include "app/shared/Rule.h"
 #include "app/shared/ScreenText.h"
@@ -28,32 +30,34 @@ constexpr int kSign = 32;
 constexpr int kBeforeButtons = 24;
 constexpr int kNarrowest = 416;
 constexpr int kWidest = 480;
+constexpr int kBesideEachOther = 560;  // of facts in fixed width
 constexpr int kWidestExplanation = 400;
 constexpr qsizetype kMostButtons = 3;
+
+Alerts::Sign SignOf(QMessageBox::Icon icon) {
+  switch (icon) {
+    case QMessageBox::Question: return {"question", Tone::Running};
+    case QMessageBox::Warning: return {"triangle", Tone::Caution};
+    case QMessageBox::Critical: return {"cross-circle", Tone::Bad};
+    default: return {"info", Tone::Running};
+  }
+}
 
 /// What kind of alert it is.
 class Sign : public QWidget {
  public:
-  Sign(QMessageBox::Icon icon, QWidget* parent) : QWidget(parent), icon_(icon) {
+  Sign(const Alerts::Sign& sign, QWidget* parent) : QWidget(parent), sign_(sign) {
     setFixedSize(kSign, kSign);
   }
 
  protected:
   void paintEvent(QPaintEvent* /*event*/) override {
-    const auto [symbol, tone] = [this]() -> std::pair<const char*, Tone> {
-      switch (icon_) {
-        case QMessageBox::Question: return {"question", Tone::Running};
-        case QMessageBox::Warning: return {"triangle", Tone::Caution};
-        case QMessageBox::Critical: return {"cross-circle", Tone::Bad};
-        default: return {"info", Tone::Running};
-      }
-    }();
     QPainter painter(this);
-    PaintSymbol(painter, rect(), symbol, ToneOf(palette(), tone));
+    PaintSymbol(painter, rect(), sign_.symbol, ToneOf(palette(), sign_.tone));
   }
 
  private:
-  QMessageBox::Icon icon_;
+  const Alerts::Sign sign_;
 };
 
 /// Keeps the buttons on the screen whatever a server says.
@@ -98,11 +102,12 @@ QuestionBox::QuestionBox(const Alerts::Question& question, QWidget* window)
   layout->setHorizontalSpacing(kMargin);
   layout->setVerticalSpacing(kBeforeButtons);
   layout->setSizeConstraint(QLayout::SetFixedSize);
-  layout->addWidget(new Sign(question.icon, this), 0, 0, Qt::AlignTop);
+  layout->addWidget(new Sign(question.sign.value_or(SignOf(question.icon)), this), 0, 0,
+                    Qt::AlignTop);
   layout->addLayout(MakeContents(question), 0, 1);
   layout->addLayout(MakeButtons(question), 1, 0, 1, 2);
   if (choices_ != nullptr) ShowChosen();
-  primary_->setFocus();
+  (field_ != nullptr ? static_cast<QWidget*>(field_) : primary_)->setFocus();
 }
 
 QLayout* QuestionBox::MakeContents(const Alerts::Question& question) {
@@ -120,26 +125,58 @@ QLayout* QuestionBox::MakeContents(const Alerts::Question& question) {
   int width =
       std::clamp(std::max(heading->NaturalWidth(), advice->NaturalWidth()), kNarrowest, kWidest);
   if (choices != nullptr) width = std::max(width, choices->sizeHint().width());
+  width = std::max(width, QuestionCard::LeastWidth(question.facts, question.fixedFact));
+  if (question.fixedFact > 0 && question.facts.front().size() > 2)
+    width = std::max(width, kBesideEachOther);
   for (WrappedLabel* label : {heading, advice}) label->WrapAt(width);
   contents->addWidget(heading);
   contents->addWidget(advice);
   advice->setHidden(advice->text().isEmpty());
+  if (QWidget* card = MakeCard(question, wording, width); card != nullptr) {
+    contents->addSpacing(kGap);
+    contents->addWidget(card);
+  }
+  if (!question.note.isEmpty()) {
+    auto* note = new WrappedLabel(question.note, this);
+    note->SetSecondary();
+    note->WrapAt(width);
+    contents->addWidget(note);
+  }
+  if (!question.field.isEmpty()) contents->addLayout(MakeField(question));
+  if (choices != nullptr) contents->addLayout(choices);
+  if (!question.tick.isEmpty()) {
+    if (question.facts.empty()) contents->addSpacing(kGap);
+    contents->addWidget(new Rule(Qt::Horizontal, this));
+    tick_ = new QCheckBox(question.tick, this);
+    tick_->setMinimumHeight(LookStyle::kControlHeight);
+    tick_->setChecked(question.ticks);
+    contents->addWidget(tick_);
+  }
+  return contents;
+}
+
+// A detail that is not shown above stands in the card; null where nothing does.
+QWidget* QuestionBox::MakeCard(const Alerts::Question& question, const Wording& wording,
+                               int width) {
   std::vector<QStringList> facts = question.facts;
   if (!wording.advice.isEmpty() && !question.detail.isEmpty()) {
     facts.push_back({Shortened(question.detail)});
   }
-  if (!facts.empty()) {
-    contents->addSpacing(kGap);
-    contents->addWidget(new QuestionCard(facts, width, this));
-  }
-  if (choices != nullptr) contents->addLayout(choices);
-  if (!question.tick.isEmpty()) {
-    contents->addWidget(new Rule(Qt::Horizontal, this));
-    tick_ = new QCheckBox(question.tick, this);
-    tick_->setMinimumHeight(LookStyle::kControlHeight);
-    contents->addWidget(tick_);
-  }
-  return contents;
+  return facts.empty() ? nullptr : new QuestionCard(facts, question.fixedFact, width, this);
+}
+
+QLayout* QuestionBox::MakeField(const Alerts::Question& question) {
+  constexpr int kAfterLabel = 12;
+  field_ = new Password(this);
+  field_->setObjectName("Secret");
+  field_->setAccessibleName(QString(question.field).remove('&').remove(':'));
+  auto* label = new QLabel(question.field, this);
+  label->setBuddy(field_);
+  auto* row = new QHBoxLayout;
+  row->setSpacing(kAfterLabel);
+  row->addWidget(label);
+  row->addWidget(field_, 1);
+  return row;
 }
 
 QLayout* QuestionBox::MakeChoices(const Alerts::Question& question) {
@@ -197,6 +234,10 @@ void QuestionBox::Press(int button) {
 
 bool QuestionBox::Ticked() const {
   return tick_ != nullptr && tick_->isChecked();
+}
+
+std::string QuestionBox::Entered() const {
+  return field_ != nullptr ? field_->actualText() : std::string();
 }
 
 void QuestionBox::showEvent(QShowEvent* event) {

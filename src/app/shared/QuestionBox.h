@@ -3,6 +3,7 @@
 #include <QDialog>
 
 #include "app/shared/Alerts.h"
+#include "app/shared/Style.h"
 
 class QButtonGroup;
 class QCheckBox;
@@ -10,8 +11,11 @@ class QPushButton;
 
 namespace corvane {
 
-/// One alert: a sign, the question, what stands below it, a card of facts, choices where there are
-/// many, and the buttons, of which the preset one stands last and has the focus. GUI thread.
+class Password;
+
+/// One alert: a sign, the question, what stands below it, a card of facts, a field, choices where
+/// there are many, and the buttons, of which the preset one stands last and has the focus. GUI
+/// thread.
 class QuestionBox : public QDialog {
   Q_OBJECT
 
@@ -22,12 +26,17 @@ class QuestionBox : public QDialog {
   [[nodiscard]] int Answer() const { return answer_; }
   /// Whether the check box is set.
   [[nodiscard]] bool Ticked() const;
+  /// What stands in the field.
+  [[nodiscard]] std::string Entered() const;
 
  protected:
   void showEvent(QShowEvent* event) override;
 
  private:
   [[nodiscard]] QLayout* MakeContents(const Alerts::Question& question);
+  [[nodiscard]] QWidget* MakeCard(const Alerts::Question& question, const Wording& wording,
+                                  int width);
+  [[nodiscard]] QLayout* MakeField(const Alerts::Question& question);
   [[nodiscard]] QLayout* MakeChoices(const Alerts::Question& question);
   [[nodiscard]] QLayout* MakeButtons(const Alerts::Question& question);
   void Press(int button);
@@ -36,6 +45,7 @@ class QuestionBox : public QDialog {
   int answer_;
   QPushButton* primary_ = nullptr;
   QCheckBox* tick_ = nullptr;
+  Password* field_ = nullptr;
   QButtonGroup* choices_ = nullptr;  // null where every answer has a button
 };
 

@@ -1,5 +1,6 @@
 #include "app/shared/QuestionCard.h"
 
+#include <QFontDatabase>
 #include <QGridLayout>
 #include <QPainter>
 #include <QScrollArea>
@@ -19,14 +20,15 @@ constexpr int kScrollBar = 16;
 
 }  // namespace
 
-QuestionCard::QuestionCard(const std::vector<QStringList>& facts, int width, QWidget* parent)
+QuestionCard::QuestionCard(const std::vector<QStringList>& facts, int fixed, int width,
+                           QWidget* parent)
     : QFrame(parent) {
   setBackgroundRole(QPalette::Base);
   auto* area = new QScrollArea(this);
   area->setFrameShape(QFrame::NoFrame);
   area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   area->viewport()->setAutoFillBackground(false);
-  QWidget* table = MakeTable(facts, width - 2 * kMargin - kScrollBar);
+  QWidget* table = MakeTable(facts, fixed, width - 2 * kMargin - kScrollBar);
   const int height = table->sizeHint().height();
   table->setAutoFillBackground(false);
   table->resize(width - 2 * kMargin - kScrollBar, height);
@@ -38,7 +40,22 @@ QuestionCard::QuestionCard(const std::vector<QStringList>& facts, int width, QWi
   setFixedSize(width, std::min(height, kTallest) + 2 * kMargin);
 }
 
-QWidget* QuestionCard::MakeTable(const std::vector<QStringList>& facts, int width) {
+int QuestionCard::LeastWidth(const std::vector<QStringList>& facts, int fixed) {
+  if (fixed < 0) return 0;
+  const QFontMetrics metrics{QFont()};
+  const QFontMetrics fixedMetrics(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+  int labels = 0;
+  for (const QStringList& row : facts) labels = std::max(labels, metrics.horizontalAdvance(row[0]));
+  const QStringList& row = facts[static_cast<std::size_t>(fixed)];
+  int widest = 0;
+  for (const QString& line : row.mid(1).join('\n').split('\n')) {
+    widest = std::max(widest, fixedMetrics.horizontalAdvance(line));
+  }
+  const auto texts = static_cast<int>(row.size()) - 1;
+  return labels + 1 + texts * (widest + 1 + kGap) + 2 * kMargin + kScrollBar;
+}
+
+QWidget* QuestionCard::MakeTable(const std::vector<QStringList>& facts, int fixed, int width) {
   auto* table = new QWidget(this);
   auto* grid = new QGridLayout(table);
   grid->setContentsMargins(0, 0, 0, 0);
@@ -57,6 +74,9 @@ QWidget* QuestionCard::MakeTable(const std::vector<QStringList>& facts, int widt
     const bool titles = row.size() > 2 && row[0].isEmpty();
     for (int x = 0; x < static_cast<int>(row.size()); ++x) {
       auto* cell = new WrappedLabel(row[x], table);
+      if (x > 0 && y == fixed) {
+        cell->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+      }
       if (titles) cell->setFont(Bold(font()));
       if (x == 0 && row.size() > 1) cell->SetSecondary();
       cell->WrapAt(row.size() == 1 ? width : x == 0 ? labels : each);

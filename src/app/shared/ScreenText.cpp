@@ -8,8 +8,8 @@
 
 namespace corvane {
 
-QString ToText(std::string_view raw) {
-  return QString::fromStdString(DisplayText(raw));
+QString ToText(std::string_view raw, const std::string& encoding) {
+  return QString::fromStdString(DisplayText(raw, encoding));
 }
 
 QString ToLines(std::string_view raw) {
@@ -33,6 +33,12 @@ std::string EditedBytes(const QString& text, const std::string& shown) {
   const QString full = ToText(shown);
   const bool untouched = text == full || (text.size() == kFieldLimit && full.startsWith(text));
   return untouched ? shown : ToBytes(text);
+}
+
+std::optional<std::string> ToServer(const QString& text, const std::string& encoding,
+                                    const std::string& shown) {
+  if (!shown.empty() && text == ToText(shown, encoding)) return shown;
+  return Encoded(ToBytes(text), encoding);
 }
 
 QString Harmless(const QString& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,8 +9,9 @@ class QWidget;
 
 namespace corvane {
 
-/// A server's bytes as text for the screen: hostile characters are shown as visible escapes.
-[[nodiscard]] QString ToText(std::string_view raw);
+/// A server's bytes as text for the screen: hostile characters are shown as visible escapes. What
+/// is no UTF-8 is read in `encoding`, that of the site, where there is one.
+[[nodiscard]] QString ToText(std::string_view raw, const std::string& encoding = {});
 
 /// ToText for a text of several lines: line ends stay line ends, and one at the end is dropped.
 [[nodiscard]] QString ToLines(std::string_view raw);
@@ -20,6 +22,11 @@ namespace corvane {
 /// The bytes of a field that was filled with ToText(shown): those very bytes while nobody has
 /// changed the text, else what was typed.
 [[nodiscard]] std::string EditedBytes(const QString& text, const std::string& shown);
+
+/// Typed text as the bytes of a server with that encoding; nothing where the encoding lacks one of
+/// its characters. `shown`, where it was not changed, stays as it is.
+[[nodiscard]] std::optional<std::string> ToServer(const QString& text, const std::string& encoding,
+                                                  const std::string& shown = {});
 
 /// A text for tooltips and other places that would take it for markup: shown as it is, lines and
 /// all. A server's markup could otherwise make the window open files.

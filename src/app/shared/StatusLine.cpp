@@ -1,5 +1,6 @@
 #include "app/shared/StatusLine.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QHBoxLayout>
 #include <QPainter>
@@ -19,17 +20,19 @@ constexpr int kMargin = 12;
 }  // namespace
 
 /// A symbol and words in one colour, behind a line.
-class StatusLine::Sign : public QWidget {
+class StatusLine::Sign : public QAbstractButton {
  public:
-  explicit Sign(QWidget* parent) : QWidget(parent) {
+  explicit Sign(QWidget* parent) : QAbstractButton(parent) {
     setObjectName("Sign");
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
     hide();
   }
 
   void Set(const char* symbol, const QString& text, Tone tone) {
     symbol_ = symbol;
-    text_ = text;
     tone_ = tone;
+    setText(text);
     setAccessibleName(text);
     setVisible(!text.isEmpty());
     updateGeometry();
@@ -37,8 +40,9 @@ class StatusLine::Sign : public QWidget {
   }
 
   [[nodiscard]] QSize sizeHint() const override {
-    return {kText + fontMetrics().horizontalAdvance(text_), LookStyle::kControlHeight};
+    return {kText + fontMetrics().horizontalAdvance(text()) + kAfter, LookStyle::kControlHeight};
   }
+  [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
  protected:
   void paintEvent(QPaintEvent* /*event*/) override {
@@ -47,16 +51,25 @@ class StatusLine::Sign : public QWidget {
     painter.fillRect(kGap, 0, 1, height(), ToneOf(palette(), Tone::Line));
     PaintSymbol(painter, QRectF(kSymbol, (height() - kSize) / 2.0, kSize, kSize), symbol_, color);
     painter.setPen(color);
-    painter.drawText(rect().adjusted(kText, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text_);
+    painter.drawText(rect().adjusted(kText, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
+    if (hasFocus()) PaintFocus(painter);
   }
 
  private:
+  void PaintFocus(QPainter& painter) const {
+    constexpr double kRadius = 3;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(ToneOf(palette(), Tone::Running), 2));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(kSymbol - 6, 4, -1, -4), kRadius, kRadius);
+  }
+
   static constexpr int kGap = 16;  // before the line
   static constexpr int kSymbol = kGap + 16;
   static constexpr int kSize = 16;
   static constexpr int kText = kSymbol + kSize + 8;
+  static constexpr int kAfter = 6;  // room for the ring of the focus
   const char* symbol_ = "";
-  QString text_;
   Tone tone_ = Tone::Secondary;
 };
 
@@ -71,6 +84,7 @@ StatusLine::StatusLine(QWidget* parent)
   text_->setObjectName("StatusString");
   text_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   busy_->hide();
+  connect(sign_, &QAbstractButton::clicked, this, &StatusLine::SignPressed);
   auto* line = new QHBoxLayout;
   line->setContentsMargins(kMargin, 0, kMargin, 0);
   line->setSpacing(0);
@@ -107,6 +121,10 @@ void StatusLine::SetBusy(bool busy) {
 
 bool StatusLine::IsBusy() const {
   return busy_->IsBusy();
+}
+
+void StatusLine::PutSignBehind(QWidget& before) {
+  setTabOrder(&before, sign_);
 }
 
 void StatusLine::SetSign(const char* symbol, const QString& text, Tone tone) {

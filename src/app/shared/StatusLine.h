@@ -29,6 +29,11 @@ class StatusLine : public QWidget {
   [[nodiscard]] SmallView& Figure() { return *figure_; }
   /// What stands behind the line, in that tone; an empty text takes it and the line away.
   void SetSign(const char* symbol, const QString& text, Tone tone);
+  /// Tab leads to the sign from `before`.
+  void PutSignBehind(QWidget& before);
+
+ Q_SIGNALS:
+  void SignPressed();
 
  private:
   class Sign;

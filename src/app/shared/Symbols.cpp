@@ -10,6 +10,7 @@
 #include <QSvgRenderer>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string_view>
 
 #include "app/shared/Icons.h"
@@ -62,23 +63,24 @@ QPixmap Rendered(const QString& name, double size, double scale, const QColor& c
   return pixmap;
 }
 
-QColor ColorFor(const QString& name, QIcon::Mode mode) {
+QColor ColorFor(const QString& name, std::optional<Tone> tone, QIcon::Mode mode) {
   const QPalette palette = QGuiApplication::palette();
   switch (mode) {
     case QIcon::Disabled: return palette.color(QPalette::Disabled, QPalette::WindowText);
     case QIcon::Selected: return palette.color(QPalette::HighlightedText);
-    default: return EntryColor(palette, name.toLatin1().constData());
+    default: break;
   }
+  return tone ? ToneOf(palette, *tone) : EntryColor(palette, name.toLatin1().constData());
 }
 
 /// Draws anew at each size, and in the colours that hold when it is drawn.
 class SymbolEngine : public QIconEngine {
  public:
-  explicit SymbolEngine(QString name) : name_(std::move(name)) {}
+  SymbolEngine(QString name, std::optional<Tone> tone) : name_(std::move(name)), tone_(tone) {}
 
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode,
              QIcon::State /*state*/) override {
-    PaintSymbol(*painter, rect, name_.toLatin1().constData(), ColorFor(name_, mode));
+    PaintSymbol(*painter, rect, name_.toLatin1().constData(), ColorFor(name_, tone_, mode));
   }
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
     return scaledPixmap(size, mode, state, 1);
@@ -86,18 +88,23 @@ class SymbolEngine : public QIconEngine {
   QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State /*state*/,
                        qreal scale) override {
     const double side = std::min(size.width(), size.height()) / scale;
-    return Rendered(name_, side, scale, ColorFor(name_, mode));
+    return Rendered(name_, side, scale, ColorFor(name_, tone_, mode));
   }
-  [[nodiscard]] QIconEngine* clone() const override { return new SymbolEngine(name_); }
+  [[nodiscard]] QIconEngine* clone() const override { return new SymbolEngine(name_, tone_); }
 
  private:
   QString name_;
+  std::optional<Tone> tone_;
 };
 
 }  // namespace
 
 QIcon Symbol(const char* name) {
-  return QIcon(new SymbolEngine(QString::fromLatin1(name)));
+  return QIcon(new SymbolEngine(QString::fromLatin1(name), {}));
+}
+
+QIcon Symbol(const char* name, Tone tone) {
+  return QIcon(new SymbolEngine(QString::fromLatin1(name), tone));
 }
 
 void PaintSymbol(QPainter& painter, const QRectF& rect, const char* name, const QColor& color) {

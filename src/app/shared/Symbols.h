@@ -3,6 +3,8 @@
 #include <QIcon>
 #include <QString>
 
+#include "app/shared/Tones.h"
+
 class QColor;
 class QPainter;
 class QPalette;
@@ -14,6 +16,8 @@ namespace corvane {
 /// text, as text that cannot be used, or on a selection. `name` is a file in icons/symbols without
 /// its ending. GUI thread.
 [[nodiscard]] QIcon Symbol(const char* name);
+/// The same in one colour wherever it can be used.
+[[nodiscard]] QIcon Symbol(const char* name, Tone tone);
 
 /// Draws a symbol into the middle of `rect` at the size of its shorter side, in `color`.
 void PaintSymbol(QPainter& painter, const QRectF& rect, const char* name, const QColor& color);

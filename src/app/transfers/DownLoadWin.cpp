@@ -13,6 +13,7 @@
 #include "app/shared/SmallView.h"
 #include "app/shared/StatusLine.h"
 #include "app/shared/Style.h"
+#include "app/shared/UserQuestions.h"
 #include "app/shared/Windows.h"
 #include "app/transfers/TransferBar.h"
 #include "app/transfers/TransferCommands.h"
@@ -84,6 +85,7 @@ void DownLoadWin::Add(transferStruct description, TransferListener listener) {
   TransferItem& item = list_->Items().Add(
       std::make_unique<TransferItem>(std::move(description), std::move(listener)));
   connect(&item, &TransferItem::Settled, this, &DownLoadWin::ItemSettled);
+  connect(&item, &TransferItem::Asks, this, &DownLoadWin::ItemAsks);
   item.Start(app_.Workers().transfer);
   list_->ShowLastSoon();
   if (ProcessSettings::Get().showwindow) ShowBeside();
@@ -96,6 +98,11 @@ void DownLoadWin::ItemSettled(TransferItem* item) {
   for (int row = 0; row < list_->Items().Count(); ++row) {
     if (&list_->Items().At(row) == item) return list_->Items().Remove(row);
   }
+}
+
+void DownLoadWin::ItemAsks(const std::shared_ptr<UserQuestion>& question) {
+  if (isHidden()) ShowBeside();
+  UserQuestions::Ask(this, question);
 }
 
 void DownLoadWin::MessageReceived(const Message& message) {

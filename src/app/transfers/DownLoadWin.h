@@ -39,6 +39,7 @@ class DownLoadWin : public QMainWindow {
   void MakeMenus();
   void MenusBeginning();
   void ItemSettled(TransferItem* item);
+  void ItemAsks(const std::shared_ptr<UserQuestion>& question);
   void CancelSelected();
   void RemoveSelected();
   void CrossSelected();

@@ -85,6 +85,8 @@ class TransferItem : public QObject {
   void Begun(corvane::TransferItem* item);
   /// It does not run any more. Once for each time it runs.
   void Ended(corvane::TransferItem* item);
+  /// The worker's session asks the user something.
+  void Asks(const std::shared_ptr<corvane::UserQuestion>& question);
   /// The state has changed. All else is polled by TakeChanged.
   void Changed(corvane::TransferItem* item);
   /// The worker has said how it ended. Once for each time it runs, and the last of all.

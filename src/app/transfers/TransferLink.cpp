@@ -75,6 +75,19 @@ bool TransferLink::AppendLog(std::string_view /*line*/) {
   return !closing_;
 }
 
+bool TransferLink::Ask(const std::shared_ptr<UserQuestion>& question) {
+  if (closing_) {
+    question->Give(UserQuestion::Answer::No);
+    return false;
+  }
+  {
+    MutexLock hold(lock_);
+    questions_.push_back(question);
+  }
+  Hop();
+  return true;
+}
+
 void TransferLink::Hop() {
   {
     MutexLock hold(lock_);
@@ -87,15 +100,18 @@ void TransferLink::Drain() {
   TransferReport report;
   std::vector<Text> notes;
   std::vector<Message> messages;
+  std::vector<std::shared_ptr<UserQuestion>> questions;
   {
     MutexLock hold(lock_);
     hopPending_ = false;
     report = report_;
     notes.swap(notes_);
     messages.swap(messages_);
+    questions.swap(questions_);
   }
   if (closing_ || item_.isNull()) return;
   for (const Message& message : messages) item_->MessageReceived(message);
+  for (const auto& question : questions) Q_EMIT item_->Asks(question);
   item_->Report(std::move(report), std::move(notes));
 }
 

@@ -25,9 +25,9 @@ struct TransferReport {
   std::optional<TransferEnd> end;
 };
 
-/// A transfer row as its worker sees it; outlives the row. What changes is collected here. Messages
-/// and the end are handed to the row in the next turn of the event loop; all else, like the
-/// progress, when the row is next looked at.
+/// A transfer row as its worker sees it; outlives the row. What changes is collected here.
+/// Messages, questions and the end are handed to the row in the next turn of the event loop; all
+/// else, like the progress, when the row is next looked at.
 class TransferLink final : public TransferUi, public std::enable_shared_from_this<TransferLink> {
  public:
   /// GUI thread.
@@ -47,6 +47,7 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
   bool PlaySound(Sound sound) override;
   bool SetStatus(const Text& text) override;
   bool AppendLog(std::string_view line) override;
+  bool Ask(const std::shared_ptr<UserQuestion>& question) override;
 
  private:
   bool Change(const std::function<void(TransferReport&)>& change) EXCLUDES(lock_);
@@ -59,6 +60,7 @@ class TransferLink final : public TransferUi, public std::enable_shared_from_thi
   TransferReport report_ GUARDED_BY(lock_);
   std::vector<Text> notes_ GUARDED_BY(lock_);
   std::vector<Message> messages_ GUARDED_BY(lock_);
+  std::vector<std::shared_ptr<UserQuestion>> questions_ GUARDED_BY(lock_);
   bool hopPending_ GUARDED_BY(lock_) = false;
 };
 

@@ -41,7 +41,8 @@ TransferFacts TransferTexts::Facts() const {
       .state = item_.State(),
       .download = item_.IsDownload(),
       .host = ToText(what.site.host),
-      .target = ToText(item_.IsDownload() ? what.targetFolder : what.remoteDirectory),
+      .target = item_.IsDownload() ? ToText(what.targetFolder)
+                                   : ToText(what.remoteDirectory, what.site.encoding),
       .name = Name(),
       .file = FileName(),
       .status = ShownInLine(report.label),
@@ -63,8 +64,9 @@ TransferWords TransferTexts::Words() const {
 QString TransferTexts::Name() const {
   const std::vector<TransferJob>& jobs = item_.Description().jobs;
   if (jobs.empty()) return FileName();
-  QString first =
-      ToText(SplitPath(item_.IsDownload() ? jobs.front().remote : jobs.front().local).second);
+  const std::string& encoding = item_.Description().site.encoding;
+  QString first = item_.IsDownload() ? ToText(SplitPath(jobs.front().remote).second, encoding)
+                                     : ToText(SplitPath(jobs.front().local).second);
   if (jobs.size() == 1) return first;
   return TransferItem::tr("%1 and %n more", "", static_cast<int>(jobs.size()) - 1).arg(first);
 }
@@ -80,7 +82,7 @@ QString TransferTexts::TargetLine() const {
 }
 
 QString TransferTexts::FileName() const {
-  return ToText(item_.LastReport().file);
+  return ToText(item_.LastReport().file, item_.Description().site.encoding);
 }
 
 QString TransferTexts::FileWithCount() const {
@@ -104,7 +106,7 @@ QString TransferTexts::FailureLine() const {
   if (file.empty() && item_.Description().jobs.size() == 1)
     file = SplitPath(item_.Description().jobs.front().remote).second;
   const QString reason = FailureText().simplified();
-  return file.empty() ? reason : ToText(file) + ": " + reason;
+  return file.empty() ? reason : ToText(file, item_.Description().site.encoding) + ": " + reason;
 }
 
 int TransferTexts::CountNoteLines() const {

@@ -605,6 +605,318 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>The server closed the connection after %1 minutes without a command. Logged in anew.</source>
         <translation>Der Server hat die Verbindung nach %1 Minuten ohne Befehl geschlossen. Neu angemeldet.</translation>
     </message>
+    <message>
+        <source>Looking for the password...</source>
+        <translation>Das Passwort wird gesucht ...</translation>
+    </message>
+    <message>
+        <source>No keyring runs: passwords stand in a file that only you can read.</source>
+        <translation>Es läuft kein Schlüsselbund: Passwörter stehen in einer Datei, die nur Sie lesen können.</translation>
+    </message>
+    <message>
+        <source>No password was given.</source>
+        <translation>Es wurde kein Passwort angegeben.</translation>
+    </message>
+    <message>
+        <source>The keyring did not take the password.</source>
+        <translation>Der Schlüsselbund hat das Passwort nicht angenommen.</translation>
+    </message>
+    <message>
+        <source>The keyring does not work: passwords stand in a file that only you can read.</source>
+        <translation>Der Schlüsselbund arbeitet nicht: Passwörter stehen in einer Datei, die nur Sie lesen können.</translation>
+    </message>
+    <message>
+        <source>The keyring is locked: passwords stand in a file that only you can read.</source>
+        <translation>Der Schlüsselbund ist gesperrt: Passwörter stehen in einer Datei, die nur Sie lesen können.</translation>
+    </message>
+    <message>
+        <source>The password of “%1” now stands in the keyring.</source>
+        <translation>Das Passwort von „%1“ steht jetzt im Schlüsselbund.</translation>
+    </message>
+    <message>
+        <source>The server cannot set a file&apos;s time.</source>
+        <translation>Der Server kann die Zeit einer Datei nicht setzen.</translation>
+    </message>
+    <message>
+        <source>The shortcuts could not be saved: %1</source>
+        <translation>Die Verknüpfungen konnten nicht gespeichert werden: %1</translation>
+    </message>
+    <message>
+        <source>Trusted certificates cannot be kept: %1</source>
+        <translation>Zertifikate, denen Sie vertrauen, können nicht aufbewahrt werden: %1</translation>
+    </message>
+    <message>
+        <source>The trusted certificates could not be read. What there is of them is kept as %1.</source>
+        <translation>Die Zertifikate, denen Sie vertrauen, konnten nicht gelesen werden. Was davon da ist, ist als %1 aufbewahrt.</translation>
+    </message>
+    <message>
+        <source>The trusted certificates were written by a newer version. They are kept as %1.</source>
+        <translation>Die Zertifikate, denen Sie vertrauen, hat eine neuere Version geschrieben. Sie sind als %1 aufbewahrt.</translation>
+    </message>
+    <message>
+        <source>A name or password is too long for the proxy.</source>
+        <translation>Ein Name oder ein Passwort ist zu lang für den Proxy.</translation>
+    </message>
+    <message>
+        <source>Ask the server&apos;s administrator for its encryption, or choose another one here.</source>
+        <translation>Fragen Sie den Verwalter des Servers nach seiner Verschlüsselung, oder wählen Sie hier eine andere.</translation>
+    </message>
+    <message>
+        <source>Ask the server&apos;s administrator for the certificate&apos;s fingerprint and compare.</source>
+        <translation>Fragen Sie den Verwalter des Servers nach dem Fingerabdruck des Zertifikats und vergleichen Sie.</translation>
+    </message>
+    <message>
+        <source>Could not resolve the address for the proxy:
+
+ %1</source>
+        <translation>Die Adresse des Proxys wurde nicht gefunden:
+
+ %1</translation>
+    </message>
+    <message>
+        <source>Encrypted, %1.</source>
+        <translation>Verschlüsselt, %1.</translation>
+    </message>
+    <message>
+        <source>Encrypting the connection</source>
+        <translation>Verbindung verschlüsseln</translation>
+    </message>
+    <message>
+        <source>Encrypting the connection …</source>
+        <translation>Die Verbindung wird verschlüsselt …</translation>
+    </message>
+    <message>
+        <source>Encrypting the connection.</source>
+        <translation>Die Verbindung wird verschlüsselt.</translation>
+    </message>
+    <message>
+        <source>Files on the server do not keep their times: %1</source>
+        <translation>Dateien auf dem Server behalten ihre Zeiten nicht: %1</translation>
+    </message>
+    <message>
+        <source>Folders on the server do not keep their times: %1</source>
+        <translation>Ordner auf dem Server behalten ihre Zeiten nicht: %1</translation>
+    </message>
+    <message>
+        <source>It shows another certificate.</source>
+        <translation>Sie zeigt ein anderes Zertifikat.</translation>
+    </message>
+    <message>
+        <source>Not encrypted.</source>
+        <translation>Nicht verschlüsselt.</translation>
+    </message>
+    <message>
+        <source>Something came before the encryption had begun, as it does when somebody stands between you and the server.</source>
+        <translation>Bevor die Verschlüsselung begonnen hatte, kam schon etwas, wie es geschieht, wenn jemand zwischen Ihnen und dem Server steht.</translation>
+    </message>
+    <message>
+        <source>The certificate of %1 is not trusted.</source>
+        <translation>Dem Zertifikat von %1 wird nicht vertraut.</translation>
+    </message>
+    <message>
+        <source>The certificate of yours cannot be used.</source>
+        <translation>Ihr eigenes Zertifikat kann nicht verwendet werden.</translation>
+    </message>
+    <message>
+        <source>The data connection was not encrypted.</source>
+        <translation>Die Datenverbindung wurde nicht verschlüsselt.</translation>
+    </message>
+    <message>
+        <source>The data ended without a word that it was all.</source>
+        <translation>Die Daten endeten ohne ein Wort davon, dass es alle waren.</translation>
+    </message>
+    <message>
+        <source>The encryption did not come about.</source>
+        <translation>Die Verschlüsselung kam nicht zustande.</translation>
+    </message>
+    <message>
+        <source>The name has letters that %1 does not have.</source>
+        <translation>Der Name hat Buchstaben, die es in %1 nicht gibt.</translation>
+    </message>
+    <message>
+        <source>The preferences name no address for the proxy.</source>
+        <translation>In den Einstellungen steht keine Adresse für den Proxy.</translation>
+    </message>
+    <message>
+        <source>The proxy cannot be reached: %1</source>
+        <translation>Der Proxy ist nicht erreichbar: %1</translation>
+    </message>
+    <message>
+        <source>The proxy cannot find or reach the server.</source>
+        <translation>Der Proxy findet oder erreicht den Server nicht.</translation>
+    </message>
+    <message>
+        <source>The proxy could not connect, and gives no reason.</source>
+        <translation>Der Proxy konnte keine Verbindung herstellen und nennt keinen Grund.</translation>
+    </message>
+    <message>
+        <source>The proxy does not answer.</source>
+        <translation>Der Proxy antwortet nicht.</translation>
+    </message>
+    <message>
+        <source>The proxy does not let this connection through.</source>
+        <translation>Der Proxy lässt diese Verbindung nicht zu.</translation>
+    </message>
+    <message>
+        <source>The proxy does not make connections of this kind.</source>
+        <translation>Der Proxy stellt keine Verbindungen dieser Art her.</translation>
+    </message>
+    <message>
+        <source>The proxy has closed the connection.</source>
+        <translation>Der Proxy hat die Verbindung beendet.</translation>
+    </message>
+    <message>
+        <source>The proxy refuses the user name or the password.</source>
+        <translation>Der Proxy lehnt Benutzername oder Passwort ab.</translation>
+    </message>
+    <message>
+        <source>The proxy refuses with the code %1.</source>
+        <translation>Der Proxy lehnt mit dem Code %1 ab.</translation>
+    </message>
+    <message>
+        <source>The proxy refuses: %1</source>
+        <translation>Der Proxy lehnt ab: %1</translation>
+    </message>
+    <message>
+        <source>The proxy wants a user name and a password.</source>
+        <translation>Der Proxy verlangt Benutzername und Passwort.</translation>
+    </message>
+    <message>
+        <source>The server and Corvane have no way of encrypting in common.</source>
+        <translation>Der Server und Corvane beherrschen keine gemeinsame Verschlüsselung.</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt listings and transfers.</source>
+        <translation>Der Server verschlüsselt Listen und Übertragungen nicht.</translation>
+    </message>
+    <message>
+        <source>The server does not offer encryption, and the password was not sent.</source>
+        <translation>Der Server bietet keine Verschlüsselung an, und das Passwort wurde nicht gesendet.</translation>
+    </message>
+    <message>
+        <source>The server does not offer encryption.</source>
+        <translation>Der Server bietet keine Verschlüsselung an.</translation>
+    </message>
+    <message>
+        <source>The server does not speak TLS here.</source>
+        <translation>Der Server spricht hier kein TLS.</translation>
+    </message>
+    <message>
+        <source>The server has no TLS 1.2 or newer.</source>
+        <translation>Der Server beherrscht weder TLS 1.2 noch eine neuere Fassung.</translation>
+    </message>
+    <message>
+        <source>The server lets in only who shows a certificate that it knows.</source>
+        <translation>Der Server lässt nur den ein, der ein Zertifikat zeigt, das er kennt.</translation>
+    </message>
+    <message>
+        <source>The server refuses the connection from the proxy.</source>
+        <translation>Der Server lehnt die Verbindung vom Proxy ab.</translation>
+    </message>
+    <message>
+        <source>The server was encrypted before and does not offer encryption any more. Nothing was sent to it.</source>
+        <translation>Der Server war früher verschlüsselt und bietet keine Verschlüsselung mehr an. Es wurde ihm nichts gesendet.</translation>
+    </message>
+    <message>
+        <source>The server&apos;s name cannot be sent to the proxy.</source>
+        <translation>Der Name des Servers kann dem Proxy nicht übermittelt werden.</translation>
+    </message>
+    <message>
+        <source>What answers there is no %1 proxy.</source>
+        <translation>Was dort antwortet, ist kein %1-Proxy.</translation>
+    </message>
+    <message>
+        <source>What came was changed on its way.</source>
+        <translation>Was ankam, wurde unterwegs verändert.</translation>
+    </message>
+    <message>
+        <source>Baltic</source>
+        <translation>Baltisch</translation>
+    </message>
+    <message>
+        <source>Central European</source>
+        <translation>Mitteleuropäisch</translation>
+    </message>
+    <message>
+        <source>Central European (ISO)</source>
+        <translation>Mitteleuropäisch (ISO)</translation>
+    </message>
+    <message>
+        <source>Chinese, simplified</source>
+        <translation>Chinesisch (vereinfacht)</translation>
+    </message>
+    <message>
+        <source>Chinese, traditional</source>
+        <translation>Chinesisch (traditionell)</translation>
+    </message>
+    <message>
+        <source>Cyrillic</source>
+        <translation>Kyrillisch</translation>
+    </message>
+    <message>
+        <source>Cyrillic (KOI8-R)</source>
+        <translation>Kyrillisch (KOI8-R)</translation>
+    </message>
+    <message>
+        <source>Cyrillic (KOI8-U)</source>
+        <translation>Kyrillisch (KOI8-U)</translation>
+    </message>
+    <message>
+        <source>Greek</source>
+        <translation>Griechisch</translation>
+    </message>
+    <message>
+        <source>Japanese (EUC)</source>
+        <translation>Japanisch (EUC)</translation>
+    </message>
+    <message>
+        <source>Japanese (Shift_JIS)</source>
+        <translation>Japanisch (Shift_JIS)</translation>
+    </message>
+    <message>
+        <source>Korean</source>
+        <translation>Koreanisch</translation>
+    </message>
+    <message>
+        <source>Turkish</source>
+        <translation>Türkisch</translation>
+    </message>
+    <message>
+        <source>Western European</source>
+        <translation>Westeuropäisch</translation>
+    </message>
+    <message>
+        <source>Western European (ISO)</source>
+        <translation>Westeuropäisch (ISO)</translation>
+    </message>
+    <message>
+        <source>The certificate in %1 cannot be used.</source>
+        <translation>Das Zertifikat in %1 lässt sich nicht verwenden.</translation>
+    </message>
+    <message>
+        <source>The file %1 cannot be read.</source>
+        <translation>Die Datei %1 lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>The file %1 holds no certificate with its key.</source>
+        <translation>Die Datei %1 enthält kein Zertifikat mit seinem Schlüssel.</translation>
+    </message>
+    <message>
+        <source>The file %1 holds no certificate.</source>
+        <translation>Die Datei %1 enthält kein Zertifikat.</translation>
+    </message>
+    <message>
+        <source>The file %1 holds no key.</source>
+        <translation>Die Datei %1 enthält keinen Schlüssel.</translation>
+    </message>
+    <message>
+        <source>The key in %1 cannot be opened without its passphrase.</source>
+        <translation>Der Schlüssel in %1 lässt sich ohne seine Passphrase nicht öffnen.</translation>
+    </message>
+    <message>
+        <source>There is no TLS on this machine.</source>
+        <translation>Auf diesem Rechner gibt es kein TLS.</translation>
+    </message>
 </context>
 <context>
     <name>Figures</name>
@@ -1122,12 +1434,75 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>Opens the manual</source>
         <translation>Öffnet das Handbuch</translation>
     </message>
+    <message>
+        <source>Connection &amp;Security…</source>
+        <translation>&amp;Sicherheit der Verbindung …</translation>
+    </message>
+    <message>
+        <source>Shows how the connection is protected</source>
+        <translation>Zeigt, wie die Verbindung geschützt ist</translation>
+    </message>
+    <message>
+        <source>There is no connection.</source>
+        <translation>Es besteht keine Verbindung.</translation>
+    </message>
 </context>
 <context>
     <name>corvane::BusySign</name>
     <message>
         <source>Busy</source>
         <translation>Beschäftigt</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::Certificates</name>
+    <message>
+        <source>Certificate – %1</source>
+        <translation>Zertifikat – %1</translation>
+    </message>
+    <message>
+        <source>%1 (itself)</source>
+        <translation>%1 (er selbst)</translation>
+    </message>
+    <message>
+        <source>%1 to %2</source>
+        <translation>%1 bis %2</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Issued by</source>
+        <translation>Ausgestellt von</translation>
+    </message>
+    <message>
+        <source>Valid</source>
+        <translation>Gültig</translation>
+    </message>
+    <message>
+        <source>SHA-256</source>
+        <translation>SHA-256</translation>
+    </message>
+    <message>
+        <source>The certificate expired on %1.</source>
+        <translation>Das Zertifikat ist am %1 abgelaufen.</translation>
+    </message>
+    <message>
+        <source>The certificate is not valid before %1.</source>
+        <translation>Das Zertifikat gilt erst ab %1.</translation>
+    </message>
+    <message>
+        <source>The certificate is made out to other names: %1.</source>
+        <translation>Das Zertifikat lautet auf andere Namen: %1.</translation>
+    </message>
+    <message>
+        <source>The certificate is of a kind that is easily forged.</source>
+        <translation>Das Zertifikat ist von einer Art, die leicht zu fälschen ist.</translation>
+    </message>
+    <message>
+        <source>This computer cannot check the certificate.</source>
+        <translation>Dieser Computer kann das Zertifikat nicht prüfen.</translation>
     </message>
 </context>
 <context>
@@ -1222,6 +1597,18 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>Warning!</source>
         <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>kept in the keyring</source>
+        <translation>im Schlüsselbund</translation>
+    </message>
+    <message>
+        <source>asked for each time</source>
+        <translation>wird jedes Mal erfragt</translation>
+    </message>
+    <message>
+        <source>Encr&amp;yption:</source>
+        <translation>V&amp;erschlüsselung:</translation>
     </message>
 </context>
 <context>
@@ -1370,6 +1757,49 @@ Benutzername oder Passwort ist ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::EncryptionField</name>
+    <message>
+        <source>Encryption</source>
+        <translation>Verschlüsselung</translation>
+    </message>
+    <message>
+        <source>Where the server offers it</source>
+        <translation>Wo der Server sie anbietet</translation>
+    </message>
+    <message>
+        <source>Encrypted wherever the server can do it, else not.</source>
+        <translation>Verschlüsselt, wo der Server es kann, sonst nicht.</translation>
+    </message>
+    <message>
+        <source>Always</source>
+        <translation>Immer</translation>
+    </message>
+    <message>
+        <source>Without encryption there is no connection.</source>
+        <translation>Ohne Verschlüsselung gibt es keine Verbindung.</translation>
+    </message>
+    <message>
+        <source>Always, from the first byte on</source>
+        <translation>Immer, vom ersten Byte an</translation>
+    </message>
+    <message>
+        <source>For servers with a port of their own for it, mostly 990.</source>
+        <translation>Für Server, die einen eigenen Port dafür haben, meist 990.</translation>
+    </message>
+    <message>
+        <source>Never</source>
+        <translation>Nie</translation>
+    </message>
+    <message>
+        <source>Others can read your password and your files.</source>
+        <translation>Andere können Ihr Passwort und Ihre Dateien lesen.</translation>
+    </message>
+    <message>
+        <source>Where offered</source>
+        <translation>Wo angeboten</translation>
+    </message>
+</context>
+<context>
     <name>corvane::FailurePage</name>
     <message>
         <source>&amp;Try Again</source>
@@ -1402,6 +1832,10 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>The port is a number from 1 to 65535.</source>
         <translation>Der Port ist eine Zahl von 1 bis 65535.</translation>
+    </message>
+    <message>
+        <source>Encr&amp;yption:</source>
+        <translation>&amp;Verschlüsselung:</translation>
     </message>
 </context>
 <context>
@@ -1860,6 +2294,81 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>1 entry cut: paste it into another directory.</source>
         <translation>1 Eintrag ausgeschnitten: Fügen Sie ihn in einem anderen Verzeichnis ein.</translation>
     </message>
+    <message>
+        <source>&amp;Got It</source>
+        <translation>Ver&amp;standen</translation>
+    </message>
+    <message>
+        <source>The connection could not be encrypted.</source>
+        <translation>Die Verbindung konnte nicht verschlüsselt werden.</translation>
+    </message>
+    <message>
+        <source>The server’s certificate is not trusted.</source>
+        <translation>Dem Zertifikat des Servers wird nicht vertraut.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; has letters that the encoding of this site, %2, does not have.</source>
+        <translation>„%1“ hat Buchstaben, die es im Zeichensatz dieses Servers, %2, nicht gibt.</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::MoreFields</name>
+    <message>
+        <source>More</source>
+        <translation>Mehr</translation>
+    </message>
+    <message>
+        <source>As&amp;k for the password each time</source>
+        <translation>Jedes Mal nach dem Passwort &amp;fragen</translation>
+    </message>
+    <message>
+        <source>&amp;More</source>
+        <translation>&amp;Mehr</translation>
+    </message>
+    <message>
+        <source>Encoding of &amp;names:</source>
+        <translation>Zei&amp;chensatz der Namen:</translation>
+    </message>
+    <message>
+        <source>Client c&amp;ertificate:</source>
+        <translation>E&amp;igenes Zertifikat:</translation>
+    </message>
+    <message>
+        <source>Encoding of names</source>
+        <translation>Zeichensatz der Namen</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>Client certificate</source>
+        <translation>Eigenes Zertifikat</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keines</translation>
+    </message>
+    <message>
+        <source>A file of the form PEM or PKCS#12</source>
+        <translation>Eine Datei im Format PEM oder PKCS#12</translation>
+    </message>
+    <message>
+        <source>Choo&amp;se…</source>
+        <translation>Au&amp;swählen …</translation>
+    </message>
+    <message>
+        <source>Select a Client Certificate</source>
+        <translation>Eigenes Zertifikat auswählen</translation>
+    </message>
+    <message>
+        <source>Certificates (*.pem *.crt *.p12 *.pfx)</source>
+        <translation>Zertifikate (*.pem *.crt *.p12 *.pfx)</translation>
+    </message>
+    <message>
+        <source>All files (*)</source>
+        <translation>Alle Dateien (*)</translation>
+    </message>
 </context>
 <context>
     <name>corvane::MyStatusBar</name>
@@ -1925,6 +2434,69 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::Padlock</name>
+    <message>
+        <source>Encrypted, %1</source>
+        <translation>Verschlüsselt, %1</translation>
+    </message>
+    <message>
+        <source>Not encrypted</source>
+        <translation>Nicht verschlüsselt</translation>
+    </message>
+    <message>
+        <source>Security – %1</source>
+        <translation>Sicherheit – %1</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>The connection to %1 is encrypted.</source>
+        <translation>Die Verbindung zu %1 ist verschlüsselt.</translation>
+    </message>
+    <message>
+        <source>Nobody on its way can read or change your password and your files.</source>
+        <translation>Niemand auf ihrem Weg kann Ihr Passwort und Ihre Dateien lesen oder verändern.</translation>
+    </message>
+    <message>
+        <source>Protocol</source>
+        <translation>Protokoll</translation>
+    </message>
+    <message>
+        <source>Cipher</source>
+        <translation>Verfahren</translation>
+    </message>
+    <message>
+        <source>Trusted by</source>
+        <translation>Vertraut von</translation>
+    </message>
+    <message>
+        <source>this computer</source>
+        <translation>diesem Computer</translation>
+    </message>
+    <message>
+        <source>you</source>
+        <translation>Ihnen</translation>
+    </message>
+    <message>
+        <source>The connection to %1 is not encrypted.</source>
+        <translation>Die Verbindung zu %1 ist nicht verschlüsselt.</translation>
+    </message>
+    <message>
+        <source>Everybody on its way can read and change your password and your files.</source>
+        <translation>Jeder auf ihrem Weg kann Ihr Passwort und Ihre Dateien lesen und verändern.</translation>
+    </message>
+    <message>
+        <source>You have chosen “Never” as its encryption.</source>
+        <translation>Sie haben als Verschlüsselung „Nie“ gewählt.</translation>
+    </message>
+    <message>
+        <source>The server offers no encryption. With “Always” as its encryption Corvane would not have connected.</source>
+        <translation>Der Server bietet keine Verschlüsselung an. Mit „Immer“ als Verschlüsselung hätte Corvane sich nicht verbunden.</translation>
+    </message>
+</context>
+<context>
     <name>corvane::Password</name>
     <message>
         <source>&amp;Paste</source>
@@ -1941,6 +2513,33 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Show Password</source>
         <translation>Passwort zeigen</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::Passwords</name>
+    <message>
+        <source>Password</source>
+        <translation>Passwort</translation>
+    </message>
+    <message>
+        <source>Password for %1</source>
+        <translation>Passwort für %1</translation>
+    </message>
+    <message>
+        <source>Co&amp;nnect</source>
+        <translation>&amp;Verbinden</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>&amp;Password:</source>
+        <translation>Pass&amp;wort:</translation>
+    </message>
+    <message>
+        <source>&amp;Keep it in the keyring</source>
+        <translation>Im &amp;Schlüsselbund aufbewahren</translation>
     </message>
 </context>
 <context>
@@ -2029,10 +2628,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Nur solange kein Fenster von Corvane aktiv ist.</translation>
     </message>
     <message>
-        <source>&amp;Always use same connection to transfer files.</source>
-        <translation>Dateien immer über &amp;dieselbe Verbindung übertragen</translation>
-    </message>
-    <message>
         <source>&amp;Buffer Size:</source>
         <translation>Pu&amp;ffergröße:</translation>
     </message>
@@ -2053,16 +2648,8 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>&amp;Herunterladen abgeschlossen:</translation>
     </message>
     <message>
-        <source>S&amp;elect Sound</source>
-        <translation>Klang &amp;wählen</translation>
-    </message>
-    <message>
         <source>Select the TextBox you want to set the sound for first.</source>
         <translation>Zuerst das Feld anklicken, für das ein Klang gewählt werden soll.</translation>
-    </message>
-    <message>
-        <source>&amp;Enable Proxy</source>
-        <translation>Proxy &amp;benutzen</translation>
     </message>
     <message>
         <source>Proxy &amp;Host :</source>
@@ -2131,6 +2718,229 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Sizes, dates, order, rows “.” and “..”, texts and colours as in the first version. Windows that open from then on follow it.</source>
         <translation>Größen, Daten, Reihenfolge, Zeilen „.“ und „..“, Texte und Farben wie in der ersten Version. Es gilt für Fenster, die danach aufgehen.</translation>
+    </message>
+    <message>
+        <source>Conn&amp;ections</source>
+        <translation>&amp;Verbindungen</translation>
+    </message>
+    <message>
+        <source>Tr&amp;ansfers</source>
+        <translation>Übertrag&amp;ungen</translation>
+    </message>
+    <message>
+        <source>Securit&amp;y</source>
+        <translation>Sicherhei&amp;t</translation>
+    </message>
+    <message>
+        <source>Select S&amp;ound</source>
+        <translation>Klang &amp;wählen</translation>
+    </message>
+    <message>
+        <source>Certificates that you trust</source>
+        <translation>Zertifikate, denen Sie vertrauen</translation>
+    </message>
+    <message>
+        <source>FTP proxy</source>
+        <translation>FTP-Proxy</translation>
+    </message>
+    <message>
+        <source>SOCKS5</source>
+        <translation>SOCKS5</translation>
+    </message>
+    <message>
+        <source>HTTP</source>
+        <translation>HTTP</translation>
+    </message>
+    <message>
+        <source>&amp;Where the server offers it</source>
+        <translation>&amp;Wo der Server sie anbietet</translation>
+    </message>
+    <message>
+        <source>A&amp;lways; without it Corvane does not connect</source>
+        <translation>&amp;Immer; ohne sie verbindet Corvane sich nicht</translation>
+    </message>
+    <message>
+        <source>&amp;Never</source>
+        <translation>&amp;Nie</translation>
+    </message>
+    <message>
+        <source>Al&amp;ways use same connection to transfer files.</source>
+        <translation>Dateien immer über &amp;dieselbe Verbindung übertragen</translation>
+    </message>
+    <message>
+        <source>E&amp;nable Proxy</source>
+        <translation>Proxy &amp;benutzen</translation>
+    </message>
+    <message>
+        <source>Proxy &amp;Kind :</source>
+        <translation>Prox&amp;y-Art:</translation>
+    </message>
+    <message>
+        <source>Proxy Use&amp;rname :</source>
+        <translation>Proxy-Be&amp;nutzername:</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keiner</translation>
+    </message>
+    <message>
+        <source>Proxy Pass&amp;word :</source>
+        <translation>Proxy-&amp;Passwort:</translation>
+    </message>
+    <message>
+        <source>Keep &amp;idle connections open</source>
+        <translation>&amp;Ruhende Verbindungen offen halten</translation>
+    </message>
+    <message>
+        <source>Servers close a connection on which nothing is said for long. A sign of life now and then prevents it.</source>
+        <translation>Server beenden eine Verbindung, auf der lange nichts gesagt wird. Ein Lebenszeichen ab und zu verhindert das.</translation>
+    </message>
+    <message>
+        <source>Keep the &amp;time of files</source>
+        <translation>&amp;Zeit der Dateien erhalten</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Encryption of new connections</source>
+        <translation>Verschlüsselung neuer Verbindungen</translation>
+    </message>
+    <message>
+        <source>As&amp;k before a password goes unencrypted</source>
+        <translation>Nac&amp;hfragen, bevor ein Passwort unverschlüsselt gesendet wird</translation>
+    </message>
+    <message>
+        <source>Keep them in the &amp;desktop’s keyring</source>
+        <translation>Im Schlüssel&amp;bund des Desktops aufbewahren</translation>
+    </message>
+    <message>
+        <source>Without a keyring they are stored as plain text that only you can read.</source>
+        <translation>Ohne Schlüsselbund werden sie als Klartext gespeichert, den nur Sie lesen können.</translation>
+    </message>
+    <message>
+        <source>Passwords</source>
+        <translation>Passwörter</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::Questions</name>
+    <message>
+        <source>&amp;Don’t Connect</source>
+        <translation>&amp;Nicht verbinden</translation>
+    </message>
+    <message>
+        <source>Nobody whom this computer trusts has signed the server’s certificate.</source>
+        <translation>Niemand, dem dieser Computer vertraut, hat das Zertifikat des Servers unterschrieben.</translation>
+    </message>
+    <message>
+        <source>Someone between you and the server could read your password.</source>
+        <translation>Jemand zwischen Ihnen und dem Server könnte Ihr Passwort lesen.</translation>
+    </message>
+    <message>
+        <source>Is this really %1?</source>
+        <translation>Ist das wirklich %1?</translation>
+    </message>
+    <message>
+        <source>Compare the SHA-256 figures with those its administrator gives you.</source>
+        <translation>Vergleichen Sie die SHA-256-Ziffern mit denen, die der Verwalter des Servers Ihnen nennt.</translation>
+    </message>
+    <message>
+        <source>Trust &amp;Once</source>
+        <translation>&amp;Einmal vertrauen</translation>
+    </message>
+    <message>
+        <source>&amp;Always Trust</source>
+        <translation>&amp;Immer vertrauen</translation>
+    </message>
+    <message>
+        <source>The server may have a new one, or someone stands between you and it. Nothing has been sent yet. Ask its administrator before you trust it.</source>
+        <translation>Der Server hat vielleicht ein neues, oder jemand steht zwischen Ihnen und ihm. Noch ist nichts gesendet worden. Fragen Sie seinen Verwalter, bevor Sie ihm vertrauen.</translation>
+    </message>
+    <message>
+        <source>The certificate of %1 has changed.</source>
+        <translation>Das Zertifikat von %1 hat sich geändert.</translation>
+    </message>
+    <message>
+        <source>Known since %1</source>
+        <translation>Bekannt seit %1</translation>
+    </message>
+    <message>
+        <source>Shown now</source>
+        <translation>Jetzt gezeigt</translation>
+    </message>
+    <message>
+        <source>Issued by</source>
+        <translation>Ausgestellt von</translation>
+    </message>
+    <message>
+        <source>Valid until</source>
+        <translation>Gültig bis</translation>
+    </message>
+    <message>
+        <source>SHA-256</source>
+        <translation>SHA-256</translation>
+    </message>
+    <message>
+        <source>&amp;Trust the New One</source>
+        <translation>Dem neuen &amp;vertrauen</translation>
+    </message>
+    <message>
+        <source>Encryption – %1</source>
+        <translation>Verschlüsselung – %1</translation>
+    </message>
+    <message>
+        <source>Do not &amp;ask again for this server</source>
+        <translation>Bei diesem Server nicht mehr &amp;fragen</translation>
+    </message>
+    <message>
+        <source>Client certificate – %1</source>
+        <translation>Eigenes Zertifikat – %1</translation>
+    </message>
+    <message>
+        <source>Your client certificate is locked.</source>
+        <translation>Ihr eigenes Zertifikat ist gesperrt.</translation>
+    </message>
+    <message>
+        <source>Enter the passphrase that unlocks %1.</source>
+        <translation>Geben Sie das Kennwort ein, das %1 entsperrt.</translation>
+    </message>
+    <message>
+        <source>&amp;Passphrase:</source>
+        <translation>&amp;Kennwort:</translation>
+    </message>
+    <message>
+        <source>Un&amp;lock</source>
+        <translation>&amp;Entsperren</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>%1 offers no encryption any more.</source>
+        <translation>%1 bietet keine Verschlüsselung mehr an.</translation>
+    </message>
+    <message>
+        <source>It has done so before. Someone between you and the server may keep it from you, to read your password and your files. Ask its administrator before you go on.</source>
+        <translation>Bisher hat er es getan. Jemand zwischen Ihnen und dem Server hält sie vielleicht von Ihnen fern, um Ihr Passwort und Ihre Dateien zu lesen. Fragen Sie seinen Verwalter, bevor Sie weitermachen.</translation>
+    </message>
+    <message>
+        <source>Connect &amp;Unencrypted</source>
+        <translation>&amp;Unverschlüsselt verbinden</translation>
+    </message>
+    <message>
+        <source>Send your password to %1 unencrypted?</source>
+        <translation>Ihr Passwort unverschlüsselt an %1 senden?</translation>
+    </message>
+    <message>
+        <source>This connection is not encrypted: everybody on its way can read your password and your files.</source>
+        <translation>Diese Verbindung ist nicht verschlüsselt: Jeder auf ihrem Weg kann Ihr Passwort und Ihre Dateien lesen.</translation>
+    </message>
+    <message>
+        <source>&amp;Send Unencrypted</source>
+        <translation>Unverschlüsselt &amp;senden</translation>
     </message>
 </context>
 <context>
@@ -2267,6 +3077,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>New Shortcut</source>
         <translation>Neue Verknüpfung</translation>
+    </message>
+    <message>
+        <source>Without a keyring, the password stands in a file that only you can read.</source>
+        <translation>Ohne Schlüsselbund steht das Passwort in einer Datei, die nur Sie lesen können.</translation>
     </message>
 </context>
 <context>
@@ -2431,6 +3245,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Changed, not saved yet</source>
         <translation>Geändert, noch nicht gespeichert</translation>
+    </message>
+    <message>
+        <source>Encryption</source>
+        <translation>Verschlüsselung</translation>
     </message>
 </context>
 <context>
@@ -2984,6 +3802,49 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Corvane could not be started.</source>
         <translation>Corvane konnte nicht gestartet werden.</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::TrustedList</name>
+    <message>
+        <source>Certificates that you trust</source>
+        <translation>Zertifikate, denen Sie vertrauen</translation>
+    </message>
+    <message>
+        <source>Server</source>
+        <translation>Server</translation>
+    </message>
+    <message>
+        <source>Trusted since</source>
+        <translation>Vertraut seit</translation>
+    </message>
+    <message>
+        <source>SHA-256</source>
+        <translation>SHA-256</translation>
+    </message>
+    <message>
+        <source>None yet. You are asked when a server shows one that this computer does not know.</source>
+        <translation>Noch keine. Sie werden gefragt, wenn ein Server eines zeigt, das dieser Computer nicht kennt.</translation>
+    </message>
+    <message>
+        <source>S&amp;how</source>
+        <translation>An&amp;zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Remove</source>
+        <translation>Ent&amp;fernen</translation>
+    </message>
+    <message>
+        <source>Select a certificate first.</source>
+        <translation>Wählen Sie zuerst ein Zertifikat aus.</translation>
+    </message>
+    <message>
+        <source>You trust this certificate of %1 since %2.</source>
+        <translation>Diesem Zertifikat von %1 vertrauen Sie seit %2.</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
     </message>
 </context>
 <context>

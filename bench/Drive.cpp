@@ -81,6 +81,8 @@ class Printer final : public ListingSink {
 /// A transfer's row that nobody sees; also the owner of a session without a transfer.
 class Row final : public TransferUi {
  public:
+  explicit Row(bool trustsAny) : trustsAny_(trustsAny) {}
+
   TransferProgress& Progress() override { return progress_; }
   bool BeginFile(std::string_view /*name*/) override { return true; }
   bool SetTrailing(const Text& /*text*/) override { return true; }
@@ -88,6 +90,12 @@ class Row final : public TransferUi {
   bool AppendLog(std::string_view /*line*/) override { return true; }
   bool PostMessage(Message /*message*/) override { return true; }
   bool PlaySound(Sound /*sound*/) override { return true; }
+  bool Ask(const std::shared_ptr<UserQuestion>& question) override {
+    using Answer = UserQuestion::Answer;
+    const bool certificate = question->About().kind == UserQuestion::Kind::UnknownCertificate;
+    question->Give(trustsAny_ && certificate ? Answer::Once : Answer::No);
+    return true;
+  }
   bool NoteEntry(const Text& text) override {
     Complain(text);
     return true;
@@ -111,6 +119,7 @@ class Row final : public TransferUi {
   [[nodiscard]] const Text& Why() const { return why_; }
 
  private:
+  const bool trustsAny_;
   TransferProgress progress_;
   std::mutex lock_;
   std::condition_variable changed_;
@@ -123,6 +132,7 @@ transferStruct Description(const Options& options) {
   transferStruct what;
   what.site = options.site;
   what.download = options.command == "get";
+  what.keepTimes = true;
   TransferJob job;
   job.policy = options.policy;
   if (what.download) {
@@ -143,7 +153,7 @@ transferStruct Description(const Options& options) {
 
 bool Transfer(const Options& options) {
   constexpr std::chrono::hours kLong{24};
-  const auto row = std::make_shared<Row>();
+  const auto row = std::make_shared<Row>(options.trustsAny);
   const auto begin = std::chrono::steady_clock::now();
   const auto worker = std::make_shared<FileTransfer>(row, Description(options),
                                                      std::make_shared<MFtp>(options.site, row));
@@ -184,7 +194,7 @@ Outcome Carry(const Options& options, MFtp& session, Row& row) {
 }
 
 bool Operate(const Options& options) {
-  const auto row = std::make_shared<Row>();
+  const auto row = std::make_shared<Row>(options.trustsAny);
   MFtp session(options.site, row);
   Outcome outcome = session.Connect();
   if (outcome.IsDone()) outcome = Carry(options, session, *row);

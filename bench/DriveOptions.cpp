@@ -39,8 +39,15 @@ std::string SetPolicy(Options& options, const std::string& value) {
   return "";
 }
 
-std::string SetTls(Options& /*options*/, const std::string& value) {
-  return value == "none" ? "" : "connections are not encrypted";
+std::string SetTls(Options& options, const std::string& value) {
+  const std::map<std::string, Security> ways = {{"auto", Security::Automatic},
+                                                {"required", Security::Required},
+                                                {"implicit", Security::Implicit},
+                                                {"none", Security::Plain}};
+  const auto found = ways.find(value);
+  if (found == ways.end()) return "is no way of encrypting";
+  options.site.security = found->second;
+  return "";
 }
 
 std::string SetCancelAfter(Options& options, const std::string& value) {
@@ -73,7 +80,11 @@ const std::map<std::string, Option>& WithoutValue() {
          asked.json = true;
          return "";
        }},
-      {"--trust-any", [](Options&, const std::string&) { return "there are no certificates"; }},
+      {"--trust-any",
+       [](Options& asked, const std::string&) {
+         asked.trustsAny = true;
+         return "";
+       }},
   };
   return options;
 }

@@ -18,6 +18,7 @@ struct Options {
   Policy policy = Policy::CreateNew;
   std::optional<std::chrono::milliseconds> cancelAfter;
   bool json = false;
+  bool trustsAny = false;  ///< every certificate is taken
 };
 
 inline constexpr char kUsage[] =

@@ -142,7 +142,7 @@ int main(int argc, char** argv) {
   if (argc != 7) return 2;
   const int entries = std::atoi(argv[6]);
   QApplication qt(argc, argv);
-  corvane::TambleApp app(corvane::RealWorkers());
+  corvane::TambleApp app(corvane::RealWorkers({}));
   app.ReadyToRun();
   corvane::Message open("OPNC"_what);
   open.AddString("host", argv[1]);

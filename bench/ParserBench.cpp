@@ -40,6 +40,36 @@ void ParseListing(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * kEntries);
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
+std::string FactsListing() {
+  std::string text;
+  char line[256];
+  for (int i = 0; i < kEntries; ++i) {
+    const char* const type = i % 20 == 0 ? "dir" : i % 33 == 0 ? "OS.unix=symlink" : "file";
+    std::snprintf(line, sizeof line,
+                  "modify=202611%02d123456;perm=adfrw;size=%d;type=%s;unique=FE00U%XABCD;"
+                  "UNIX.group=100;UNIX.groupname=users;UNIX.mode=0644;UNIX.owner=1000;"
+                  "UNIX.ownername=joe; file-%06d.txt\n",
+                  i % 28 + 1, i * 37, type, i, i);
+    text += line;
+  }
+  return text;
+}
+
+void ParseFacts(benchmark::State& state) {
+  const std::string text = FactsListing();
+  for (auto _ : state) {
+    corvane::ListingParser parser(text, {}, corvane::ListingParser::Form::Facts);
+    int count = 0;
+    for (corvane::RemoteEntry entry; parser.Next(entry); ++count) {
+      benchmark::DoNotOptimize(entry.name.data());
+    }
+    if (count != kEntries) state.SkipWithError("entries were lost");
+  }
+  state.SetItemsProcessed(state.iterations() * kEntries);
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(ParseFacts)->Unit(benchmark::kMillisecond);
+
 BENCHMARK(ParseListing)->Unit(benchmark::kMillisecond);
 
 }  // namespace

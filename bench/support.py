@@ -39,10 +39,12 @@ def folder():
 
 
 @contextlib.contextmanager
-def vsftpd(root):
-    """Serves `root` to the user "anonymous" on a loopback port, which it answers."""
+def vsftpd(root, tls=False):
+    """Serves `root` to the user "anonymous" on a loopback port, which it answers; with `tls` it
+    offers encryption."""
     subprocess.run([ROOT / "tools/install-test-servers"], check=True)
-    server = subprocess.Popen([sys.executable, ROOT / "tools/test-server.py", "vsftpd", str(root)],
+    options = ["--tls", "explicit"] if tls else []
+    server = subprocess.Popen([sys.executable, ROOT / "tools/test-server.py", "vsftpd", str(root), *options],
                               stdout=subprocess.PIPE, start_new_session=True)
     try:
         line = server.stdout.readline().split()

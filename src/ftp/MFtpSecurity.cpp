@@ -42,6 +42,7 @@ Answer MFtp::Ask(UserQuestion::Kind kind, const Certificate& certificate, std::s
   const auto question = std::make_shared<UserQuestion>(UserQuestion::Subject{
       kind, host, port, site_.user, certificate, Known().trusted, site_.clientCertificate});
   asked_ = true;
+  (void)Tell(Text("Waiting for your answer."));
   if (!owner_->Ask(question)) throw FtpFailure{Outcome::Cancelled()};
   const Answer answer = question->Wait([this] { return !control_.IsInterrupted(); });
   if (control_.IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};

@@ -21,8 +21,8 @@ class WayDown {
   /// Enters a directory; `where` becomes its own path. It is on the way until Leave.
   Outcome Enter(const std::string& path, std::string& where);
   void Leave() { paths_.pop_back(); }
-  /// Whether `path` was a link: the server says that one stands at `where` now. One that tells where
-  /// it stands in another way than by paths is believed.
+  /// Whether `path` was a link: the server says that one stands at `where` now. One that tells
+  /// where it stands in another way than by paths is believed.
   [[nodiscard]] static bool LeadsElsewhere(const std::string& path, const std::string& where);
 
  private:

@@ -278,13 +278,14 @@ TEST_P(WindowTest, FollowsNoLinks) {
 std::vector<Way> AllWays() {
   std::vector<Way> ways;
   for (const std::string& server : RealServer::Names()) {
-    for (const bool passive : {true, false}) {
-      ways.push_back({.server = server, .passive = passive});
-      ways.push_back({.server = server, .passive = passive, .ipv6 = true});
-      ways.push_back({server, "explicit", "1.3", passive, true});
+    for (const int which : {0, 1, 2, 3}) {
+      const bool passive = which % 2 == 0;
+      const bool ipv6 = which / 2 == 1;
+      ways.push_back({.server = server, .passive = passive, .ipv6 = ipv6});
       for (const std::string tls : {"explicit", "implicit"}) {
         if (tls == "implicit" && server == "pure-ftpd") continue;
-        for (const char* version : {"1.2", "1.3"}) ways.push_back({server, tls, version, passive});
+        for (const char* version : {"1.2", "1.3"})
+          ways.push_back({server, tls, version, passive, ipv6});
       }
     }
   }

@@ -917,6 +917,10 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>There is no TLS on this machine.</source>
         <translation>Auf diesem Rechner gibt es kein TLS.</translation>
     </message>
+    <message>
+        <source>Waiting for your answer.</source>
+        <translation>Warten auf Ihre Antwort.</translation>
+    </message>
 </context>
 <context>
     <name>Figures</name>

@@ -33,6 +33,7 @@ struct Proxy {
   Kind kind = Kind::Ftp;
   std::string user{};  ///< to whom it lets this user in; empty where it asks for nobody
   std::string password{};
+  bool kept = false;  ///< the password stands in the secret store
 
   friend bool operator==(const Proxy&, const Proxy&) = default;
 };

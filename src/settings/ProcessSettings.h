@@ -21,6 +21,7 @@ struct SettingsValues {
   std::int32_t proxyKind = 0;    ///< as Proxy::Kind
   std::string proxyUser{};
   std::string proxyPassword{};
+  bool proxyKept = false;      ///< that password stands in the secret store, not in the file
   std::int32_t security = 0;   ///< of new connections, as Security
   bool askBeforePlain = true;  ///< before a password goes unencrypted
   bool useKeyring = true;      ///< passwords go to the desktop's secret store where there is one

@@ -152,6 +152,7 @@ const std::array kSettings{
             .control = "ProxyPassword",
             .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Proxy Pass&word :"),
             .secret = true},
+    Setting{.key = "proxykept", .variable = &Values::proxyKept},
     Setting{.key = "keepalive",
             .variable = &Values::keepAlive,
             .tab = Connections,

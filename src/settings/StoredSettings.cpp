@@ -11,6 +11,8 @@ namespace corvane {
 namespace {
 
 constexpr const char* kSet = "settings";
+constexpr const char* kProxyPassword = "proxypassword";
+constexpr const char* kProxyKept = "proxykept";
 constexpr std::int32_t kVersion = 1100;
 constexpr std::int32_t kFlaglessShortcuts = 1000;  // versions below have shortcuts without a flag
 
@@ -95,6 +97,26 @@ Text StoredSettings::Apply(const SettingsValues& entered) {
     std::visit(StoreValue{set, setting, now}, setting.variable);
     if (setting.atNextStart) Copy(setting, before, now);
   }
+  // Who empties the field wants the proxy to have no password.
+  if (now.proxyKept && !before.proxyPassword.empty() && now.proxyPassword.empty()) {
+    now.proxyKept = false;
+    SaveInt32(set, kProxyKept, 0);
+  }
+  ProcessSettings::Set(std::move(now));
+  set.Save();
+  return set.Finish();
+}
+
+bool StoredSettings::HoldsProxyPassword() {
+  return !GetString(PreferenceSet(kSet), kProxyPassword, "").empty();
+}
+
+Text StoredSettings::TakeOutProxyPassword() {
+  PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
+  SaveString(set, kProxyPassword, "");
+  SaveInt32(set, kProxyKept, 1);
+  SettingsValues now = ProcessSettings::Get();
+  now.proxyKept = true;
   ProcessSettings::Set(std::move(now));
   set.Save();
   return set.Finish();

@@ -31,6 +31,11 @@ class StoredSettings {
   /// Takes over what the user set in the preferences window and stores it, as SettingsTable says.
   /// Returns why it could not be stored, an empty text when it was.
   static Text Apply(const SettingsValues& entered);
+  /// Whether the file holds the proxy's password.
+  [[nodiscard]] static bool HoldsProxyPassword();
+  /// The proxy's password stands in the secret store now: it goes from the file and stays in force.
+  /// Returns why that could not be stored, an empty text when it was.
+  static Text TakeOutProxyPassword();
   /// The settings as the preferences window shows them: those in force, and what is stored of those
   /// that wait for the next start.
   [[nodiscard]] static SettingsValues ForEditing();

@@ -17,7 +17,7 @@ Proxy::Kind KindOf(std::int32_t stored) {
 std::optional<Proxy> ProxyOf(const SettingsValues& settings) {
   if (!settings.useProxy) return {};
   return Proxy{settings.proxyAddress, PortFrom(settings.proxyPort), KindOf(settings.proxyKind),
-               settings.proxyUser, settings.proxyPassword};
+               settings.proxyUser,    settings.proxyPassword,       settings.proxyKept};
 }
 
 }  // namespace corvane

@@ -21,6 +21,9 @@ struct SecretKey {
   }
 };
 
+[[nodiscard]] inline SecretKey KeyOf(const Proxy& proxy) {
+  return {.host = proxy.host, .port = proxy.port, .user = proxy.user};
+}
 [[nodiscard]] inline SecretKey KeyOf(const Site& site) {
   return {site.host, site.port, site.user};
 }

@@ -192,5 +192,30 @@ TEST_F(Passwords, StandInTheFileWhereNothingElseKeepsThem) {
   EXPECT_TRUE(ShortcutStore::Read(0)->site == Named("one", "s3cret-1").site);
 }
 
+TEST_F(Passwords, OfAProxyGoesFromTheFileToTheKeyringWithItsFirstUse) {
+  settings_.useProxy = true;
+  settings_.proxyAddress = "p";
+  settings_.proxyUser = "anna";
+  settings_.proxyPassword = "s3cret-p";
+  EXPECT_EQ(StoredSettings::Apply(settings_), Text());
+  EXPECT_TRUE(AnyFileHolds("s3cret-p"));
+  Open(Named("two", "own").site);
+  EXPECT_EQ(Begins(), "own");
+  EXPECT_TRUE(Holds("anna@p:21=s3cret-p ")) << secrets_->All();
+  EXPECT_TRUE(Wait([&] { return !AnyFileHolds("s3cret-p"); }));
+  // The next start finds it there.
+  EXPECT_EQ(StoredSettings::ReadAtStart([] { return true; }), Text());
+  EXPECT_EQ(ProcessSettings::Get().proxyPassword, "");
+  Open(Named("two", "own").site);
+  ASSERT_TRUE(Wait([&] { return !connections_.empty(); }));
+  EXPECT_EQ(connections_.back().proxy->password, "s3cret-p");
+  EXPECT_EQ(connections_.back().password, "own");
+  // Who empties the field has it forgotten.
+  settings_ = ProcessSettings::Get();
+  settings_.proxyPassword.clear();
+  EXPECT_EQ(StoredSettings::Apply(settings_), Text());
+  EXPECT_FALSE(ProcessSettings::Get().proxyKept);
+}
+
 }  // namespace
 }  // namespace corvane

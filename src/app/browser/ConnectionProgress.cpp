@@ -59,6 +59,13 @@ FailurePage::Failure FailureIn(const Message& message) {
   return {Heading(trouble), sentences.join(' '), ToLines(server), ToMend(trouble)};
 }
 
+// Whether nothing has to be looked for before the connection can begin.
+bool HasItsPasswords(const Site& site) {
+  const bool own = !site.password.empty() || (!site.keptPassword && !site.asksPassword);
+  const bool proxys = !site.proxy || !site.proxy->kept || !site.proxy->password.empty();
+  return own && proxys;
+}
+
 }  // namespace
 
 ConnectionProgress::ConnectionProgress(BrowserHost& host, MWindow& window)
@@ -73,14 +80,14 @@ void ConnectionProgress::Become(State state) {
 void ConnectionProgress::Begin(const Site& site) {
   window_.View().ShowConnecting(ToText(site.host));
   Become(State::Connecting);
-  if (!site.password.empty() || (!site.keptPassword && !site.asksPassword)) {
-    const bool typed = site.password != window_.Session().To().password;
-    return Found(site, site.keptPassword && (keep_ || typed));
-  }
+  const bool typed = site.password != window_.Session().To().password;
+  const bool keeps = !site.password.empty() && site.keptPassword && (keep_ || typed);
+  if (HasItsPasswords(site)) return Found(site, keeps);
   window_.ShowStatus(Text("Looking for the password..."));
-  host_.FindPassword(&window_, site, [self = QPointer(this)](std::optional<Site> found, bool keep) {
-    if (!self.isNull()) self->Found(std::move(found), keep);
-  });
+  host_.FindPassword(&window_, site,
+                     [self = QPointer(this), keeps](std::optional<Site> found, bool keep) {
+                       if (!self.isNull()) self->Found(std::move(found), keep || keeps);
+                     });
 }
 
 void ConnectionProgress::Found(std::optional<Site> site, bool keep) {

@@ -10,6 +10,8 @@
 #include "app/shared/ScreenText.h"
 #include "kit/Background.h"
 #include "settings/ProcessSettings.h"
+#include "settings/StoredSettings.h"
+#include "sites/ProxyOf.h"
 #include "sites/ShortcutStore.h"
 
 namespace corvane {
@@ -118,7 +120,46 @@ bool Passwords::Wanted() const {
   return store_ != nullptr && ProcessSettings::Get().useKeyring;
 }
 
+// A proxy whose password is not found refuses the login, and says so.
+void Passwords::FindOfProxy(QWidget* window, const Site& site, Found found) {
+  const auto work = [store = store_, key = KeyOf(*site.proxy)] {
+    Answer answer;
+    answer.result = store->Lookup(key, Prompt::Allowed, answer.secret);
+    return answer;
+  };
+  Behind(work, [self = QPointer(this), over = QPointer(window), site,
+                found = std::move(found)](Answer answer) {
+    if (self.isNull() || over.isNull()) return;
+    Site whole = site;
+    whole.proxy->kept = false;  // it has been looked for
+    if (answer.result == Result::Done) {
+      whole.proxy->password = std::move(answer.secret);
+      SettingsValues settings = ProcessSettings::Get();
+      settings.proxyPassword = whole.proxy->password;
+      ProcessSettings::Set(std::move(settings));
+    }
+    self->Find(over, whole, found);
+  });
+}
+
+void Passwords::MoveProxyOver(const Site& site) {
+  if (!Wanted() || !site.proxy || site.proxy->password.empty()) return;
+  if (!StoredSettings::HoldsProxyPassword()) return;
+  const auto work = [store = store_, proxy = *site.proxy] {
+    return Answer{store->Save(KeyOf(proxy), proxy.password, Prompt::Never)};
+  };
+  Behind(work, [proxy = *site.proxy](const Answer& answer) {
+    const auto now = ProxyOf(ProcessSettings::Get());
+    const bool same = now && KeyOf(*now) == KeyOf(proxy) && now->password == proxy.password;
+    if (answer.result == Result::Done && same) (void)StoredSettings::TakeOutProxyPassword();
+  });
+}
+
 void Passwords::Find(QWidget* window, const Site& site, Found found) {
+  const bool ofProxy = site.proxy && site.proxy->kept && site.proxy->password.empty();
+  if (ofProxy && store_ != nullptr) return FindOfProxy(window, site, std::move(found));
+  if (!site.password.empty() || (!site.keptPassword && !site.asksPassword))
+    return found(site, false);
   if (site.asksPassword || store_ == nullptr) return Ask(window, site, false, std::move(found));
   const auto work = [store = store_, key = KeyOf(site)] {
     Answer answer;

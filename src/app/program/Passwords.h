@@ -35,6 +35,9 @@ class Passwords : public QObject {
   /// unlock that, and tells what it has done.
   void MoveOver(const Site& site, std::function<void(const Text&)> tell);
 
+  /// Moves the password of the site's proxy from the settings' file into the store.
+  void MoveProxyOver(const Site& site);
+
   using Stored = std::function<void(std::vector<Shortcut> shortcuts, const Text& word)>;
   /// Keeps the passwords of shortcuts that are to be saved. `then` gets them as they are to be
   /// stored, and what the user should know of their passwords.
@@ -46,6 +49,7 @@ class Passwords : public QObject {
   void AskWhetherKept(std::function<void(bool)> then);
 
  private:
+  void FindOfProxy(QWidget* window, const Site& site, Found found);
   void Ask(QWidget* window, const Site& site, bool mayKeep, Found found);
   [[nodiscard]] bool Wanted() const;
 

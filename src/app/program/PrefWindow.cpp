@@ -54,6 +54,9 @@ PrefWindow::PrefWindow(TrustedCertificates trusted)
   move(Frames::OnScreen(QRect(QPoint(250, 92), size())).topLeft());
   AddCloseKeys(this);
   filled_ = controls_->Entered();
+  if (filled_.proxyKept && filled_.proxyPassword.empty())
+    controls_->FieldOf(&SettingsValues::proxyPassword)
+        ->setPlaceholderText(tr("kept in the keyring"));
   controls_->FieldOf(&SettingsValues::DfltPass)->setFocus();
 }
 

@@ -260,6 +260,7 @@ void TambleApp::ConnectionStands(const Site& site, bool keep,
   } else {
     passwords_.MoveOver(site, tell);
   }
+  passwords_.MoveProxyOver(site);
   RecentStore::Add(site, QDateTime::currentSecsSinceEpoch());
   start_->RecentChanged();
 }

@@ -2827,6 +2827,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>Passwords</source>
         <translation>Passwörter</translation>
     </message>
+    <message>
+        <source>kept in the keyring</source>
+        <translation>im Schlüsselbund</translation>
+    </message>
 </context>
 <context>
     <name>corvane::Questions</name>

@@ -41,9 +41,9 @@ class FtpControl {
   /// How long a silent server is waited for, in milliseconds. Set before Connect.
   long silenceLimit = 120'000;
 
-  /// Connects anew to whichever of the addresses answers first, which are the server's or, with a
-  /// tunnel, the proxy's, and then to `port`; what was said on an earlier connection is forgotten.
-  /// Throws what says why that fails.
+  /// Connects anew to whichever of the addresses is reached first, which are the server's or, with
+  /// a tunnel, the proxy's, and then to `port`; what was said on an earlier connection is
+  /// forgotten. Throws what says why that fails.
   void Connect(std::span<const NLAddress> addresses, std::optional<Tunnel> tunnel,
                std::uint16_t port);
   /// Connects to another port of the same server in the same way. Returns and throws what

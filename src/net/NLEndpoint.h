@@ -60,9 +60,9 @@ class NLEndpoint : public Stream {
 
   virtual void connect(const NLAddress& address);
   virtual void connect(const char* host, int port);
-  /// Connects to whichever of a host's addresses answers first; they are tried as RFC 8305 has it,
-  /// each for 20 seconds or the silence limit, whichever is less. Asks `goOn` a few times a second;
-  /// false, and nothing connected, when that said no. What `goOn` throws goes through.
+  /// Connects to whichever of a host's addresses is reached first; they are tried as RFC 8305 has
+  /// it, each for 20 seconds or the silence limit, whichever is less. Asks `goOn` a few times a
+  /// second; false, and nothing connected, when that said no. What `goOn` throws goes through.
   [[nodiscard]] bool connectFirst(std::span<const NLAddress> addresses,
                                   const std::function<bool()>& goOn);
 

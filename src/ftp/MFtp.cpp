@@ -140,20 +140,19 @@ Outcome MFtp::Command(std::string_view verb, const std::string& path, const Text
 }
 
 Outcome MFtp::Size(const std::string& path, std::optional<std::int64_t>& size) {
-  constexpr int kFileStatus = 213;  // RFC 3659, 4.1
   size.reset();
   return control_.Guard([&]() -> Outcome {
     const auto [directory, name] = SplitPath(path);
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
     const Reply reply = control_.SendCommand("SIZE " + name);
-    Outcome outcome = FtpControl::CheckResult(reply);
-    if (reply.code != kFileStatus) return outcome;
     size = NumberOf(reply);
-    return outcome;
+    return FtpControl::CheckResult(reply);
   });
 }
 
 std::optional<std::int64_t> MFtp::NumberOf(const Reply& reply) {
+  constexpr int kFileStatus = 213;  // RFC 3659, 4.1
+  if (reply.code != kFileStatus) return std::nullopt;
   const std::string& text = reply.lastText;
   const std::size_t digits = std::min(text.find_first_not_of(' '), text.size());
   std::int64_t value = -1;

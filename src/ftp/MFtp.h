@@ -119,7 +119,7 @@ class MFtp final : public RemoteSession {
   /// Sends a command with `from`, which is to be answered by 3yz, and then one with `to`.
   Outcome InTwoSteps(std::string_view first, std::string_view second, const std::string& from,
                      const std::string& to, const Text& failed);
-  /// The number of a 213 reply.
+  /// The number of a 213 reply; nothing of any other.
   [[nodiscard]] static std::optional<std::int64_t> NumberOf(const Reply& reply);
 
   // MFtpFeatures.cpp

@@ -205,7 +205,7 @@ Outcome MFtp::FreeSpace(const std::string& path, std::optional<std::int64_t>& by
     if (features_.room) {
       if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
       const Reply reply = control_.SendCommand("AVBL");
-      if (reply.code == kFileStatus) bytes = NumberOf(reply);
+      bytes = NumberOf(reply);
       return FtpControl::CheckResult(reply);
     }
     if (!asksQuota_) return {};

@@ -174,9 +174,7 @@ Outcome MFtp::Fetch(const std::string& command, std::string_view logged, std::st
 }
 
 std::optional<std::int64_t> MFtp::AskSize(const std::string& name) {
-  constexpr int kFileStatus = 213;  // RFC 3659, 4.1
-  const Reply reply = control_.SendCommand("SIZE " + name);
-  return reply.code == kFileStatus ? NumberOf(reply) : std::nullopt;
+  return NumberOf(control_.SendCommand("SIZE " + name));
 }
 
 }  // namespace corvane

@@ -35,6 +35,15 @@ struct Answer {
   std::string secret{};
 };
 
+// The work of a lookup, for a thread of its own.
+auto LookingUp(std::shared_ptr<SecretStore> store, SecretKey key, Prompt prompt) {
+  return [store = std::move(store), key = std::move(key), prompt] {
+    Answer answer;
+    answer.result = store->Lookup(key, prompt, answer.secret);
+    return answer;
+  };
+}
+
 struct Saved {
   std::vector<Shortcut> shortcuts;
   Result worst = Result::Done;
@@ -122,24 +131,20 @@ bool Passwords::Wanted() const {
 
 // A proxy whose password is not found refuses the login, and says so.
 void Passwords::FindOfProxy(QWidget* window, const Site& site, Found found) {
-  const auto work = [store = store_, key = KeyOf(*site.proxy)] {
-    Answer answer;
-    answer.result = store->Lookup(key, Prompt::Allowed, answer.secret);
-    return answer;
-  };
-  Behind(work, [self = QPointer(this), over = QPointer(window), site,
-                found = std::move(found)](Answer answer) {
-    if (self.isNull() || over.isNull()) return;
-    Site whole = site;
-    whole.proxy->kept = false;  // it has been looked for
-    if (answer.result == Result::Done) {
-      whole.proxy->password = std::move(answer.secret);
-      SettingsValues settings = ProcessSettings::Get();
-      settings.proxyPassword = whole.proxy->password;
-      ProcessSettings::Set(std::move(settings));
-    }
-    self->Find(over, whole, found);
-  });
+  Behind(LookingUp(store_, KeyOf(*site.proxy), Prompt::Allowed),
+         [self = QPointer(this), over = QPointer(window), site,
+          found = std::move(found)](Answer answer) {
+           if (self.isNull() || over.isNull()) return;
+           Site whole = site;
+           whole.proxy->kept = false;  // it has been looked for
+           if (answer.result == Result::Done) {
+             whole.proxy->password = std::move(answer.secret);
+             SettingsValues settings = ProcessSettings::Get();
+             settings.proxyPassword = whole.proxy->password;
+             ProcessSettings::Set(std::move(settings));
+           }
+           self->Find(over, whole, found);
+         });
 }
 
 void Passwords::MoveProxyOver(const Site& site) {
@@ -161,22 +166,18 @@ void Passwords::Find(QWidget* window, const Site& site, Found found) {
   if (!site.password.empty() || (!site.keptPassword && !site.asksPassword))
     return found(site, false);
   if (site.asksPassword || store_ == nullptr) return Ask(window, site, false, std::move(found));
-  const auto work = [store = store_, key = KeyOf(site)] {
-    Answer answer;
-    answer.result = store->Lookup(key, Prompt::Allowed, answer.secret);
-    return answer;
-  };
-  Behind(work, [self = QPointer(this), over = QPointer(window), site,
-                found = std::move(found)](Answer answer) {
-    if (self.isNull() || over.isNull()) return;
-    if (answer.result != Result::Done) {
-      const bool runs = answer.result == Result::Missing || answer.result == Result::Locked;
-      return self->Ask(over, site, runs && self->Wanted(), found);
-    }
-    Site whole = site;
-    whole.password = std::move(answer.secret);
-    found(std::move(whole), false);
-  });
+  Behind(LookingUp(store_, KeyOf(site), Prompt::Allowed),
+         [self = QPointer(this), over = QPointer(window), site,
+          found = std::move(found)](Answer answer) {
+           if (self.isNull() || over.isNull()) return;
+           if (answer.result != Result::Done) {
+             const bool runs = answer.result == Result::Missing || answer.result == Result::Locked;
+             return self->Ask(over, site, runs && self->Wanted(), found);
+           }
+           Site whole = site;
+           whole.password = std::move(answer.secret);
+           found(std::move(whole), false);
+         });
 }
 
 void Passwords::Ask(QWidget* window, const Site& site, bool mayKeep, Found found) {
@@ -283,12 +284,7 @@ void Passwords::ForgetUnused(const std::vector<Shortcut>& before,
 
 void Passwords::AskWhetherKept(std::function<void(bool)> then) {
   if (!Wanted()) return then(false);
-  const auto work = [store = store_] {
-    Answer answer;
-    answer.result = store->Lookup({}, Prompt::Never, answer.secret);
-    return answer;
-  };
-  Behind(work, [then = std::move(then)](const Answer& answer) {
+  Behind(LookingUp(store_, {}, Prompt::Never), [then = std::move(then)](const Answer& answer) {
     then(answer.result != Result::NoService && answer.result != Result::Failed);
   });
 }

@@ -1,16 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "kit/Text.h"
 #include "remote/ServerTrust.h"
-
-struct sqlite3;
-struct sqlite3_stmt;
+#include "util/SqliteFile.h"
 
 namespace corvane {
 
@@ -20,7 +16,7 @@ namespace corvane {
 /// a time; blocks on the disk, and up to two seconds where another program is writing.
 class TrustFile {
  public:
-  explicit TrustFile(std::string path) : path_(std::move(path)) {}
+  explicit TrustFile(std::string path);
 
   struct Row {
     std::string host;
@@ -41,25 +37,15 @@ class TrustFile {
   [[nodiscard]] const Text& Trouble() const { return trouble_; }
 
  private:
-  struct Closer {
-    void operator()(sqlite3* database) const;
-  };
-  using Bind = std::function<void(sqlite3_stmt*)>;
-  using Read = std::function<void(sqlite3_stmt*)>;
-
   /// Whether the file is open; with `make` it is made where it is missing.
   [[nodiscard]] bool Open(bool make);
-  /// The status of SQLite.
-  [[nodiscard]] int OpenDatabase();
-  [[nodiscard]] int Run(const char* sql, const Bind& bind = {}, const Read& read = {});
-  /// The same on an open file; one that turns out to be damaged is put aside.
-  bool Use(bool make, const char* sql, const Bind& bind, const Read& read = {});
-  /// Where a file goes that cannot be used.
-  [[nodiscard]] std::string Aside() const;
-  void PutAside(const Text& why);
+  /// Runs a statement on it; a file that turns out to be damaged is put aside.
+  bool Use(bool make, const char* sql, const SqliteFile::Fill& fill,
+           const SqliteFile::Read& read = {});
+  void PutAsideDamaged();
 
   const std::string path_;
-  std::unique_ptr<sqlite3, Closer> database_;
+  SqliteFile file_;
   Text trouble_;
 };
 

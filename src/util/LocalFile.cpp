@@ -45,7 +45,7 @@ int LocalFile::OpenEntry(Mode mode) {
   if (mode == Mode::Read) return OpenPresent(O_RDONLY);
   writes_ = true;
   if (mode == Mode::CreateNew) return OpenNew();
-  if (mode == Mode::Replace) return OpenPart();
+  if (mode == Mode::Replace || mode == Mode::GoOn) return OpenPart(mode == Mode::GoOn);
   if (const int error = OpenPresent(O_RDWR); error != 0) return error;
   position_ = pushed_ = initialSize_;
   return PartFile::ClearStale(folder_.get(), name_);
@@ -75,14 +75,17 @@ int LocalFile::OpenNew() {
   return PartFile::ClearStale(folder_.get(), name_);
 }
 
-int LocalFile::OpenPart() {
+int LocalFile::OpenPart(bool goOn) {
   struct stat status {};
   if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
     if (const int refusal = RefusalOf(status); refusal != 0) return refusal;
   }
-  if (const int error = part_.Make(folder_.get(), name_); error != 0) return error;
-  if (const int error = OpenPresent(O_WRONLY); error != 0) return error == ENOENT ? 0 : error;
-  return KeepMode();
+  if (const int error = part_.Make(folder_.get(), name_, goOn); error != 0) return error;
+  const int error = OpenPresent(O_WRONLY);
+  if (error != 0 && error != ENOENT) return error;
+  if (::fstat(part_.Fd(), &status) != 0) return errno;
+  if (goOn) initialSize_ = position_ = pushed_ = status.st_size;
+  return error == ENOENT ? 0 : KeepMode();
 }
 
 int LocalFile::KeepMode() {
@@ -105,6 +108,12 @@ int LocalFile::OpenForReading(const std::string& path) {
   own_ = std::move(fd);
   initialSize_ = status.st_size;
   initialTime_ = status.st_mtime;
+  return 0;
+}
+
+int LocalFile::Seek(std::int64_t offset) {
+  if (writes_ || offset < 0) return EINVAL;
+  position_ = offset;
   return 0;
 }
 
@@ -186,6 +195,11 @@ int LocalFile::Commit(Durability durability) {
   const int error = own_ && ::close(own_.release()) != 0 ? errno : late;
   Discard();
   return error;
+}
+
+void LocalFile::Keep() {
+  if (part_ && position_ > 0) part_.Leave();
+  Discard();
 }
 
 void LocalFile::Discard() {

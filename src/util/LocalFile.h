@@ -26,6 +26,7 @@ class LocalFile {
     CreateNew,  ///< made under its own name; EEXIST if anything stands there
     Replace,    ///< written to a part file that takes the name at Commit; until then what stands
                 ///< there stays whole, if anything does
+    GoOn,       ///< like Replace, at the end of what Keep has left in the part file
     Resume,     ///< a file that is there, for reading and for writing at its end
     Read,       ///< a file that is there, for reading
   };
@@ -44,11 +45,14 @@ class LocalFile {
   /// Opens a path that the user chose for reading; links are followed, only a plain file is taken.
   [[nodiscard]] int OpenForReading(const std::string& path);
 
-  /// The length in bytes of what stood at the name when it was opened; 0 for a new file.
+  /// The length in bytes of what stood at the name when it was opened, or of the part file that is
+  /// gone on with; 0 for a new file.
   [[nodiscard]] std::int64_t InitialSize() const { return initialSize_; }
   /// The offset in bytes of the next read or write.
   [[nodiscard]] std::int64_t Position() const { return position_; }
 
+  /// The next read begins at `offset`.
+  [[nodiscard]] int Seek(std::int64_t offset);
   /// Reads up to the buffer's length into `buffer`; `got` is the count, 0 at the end.
   [[nodiscard]] int Read(std::span<char> buffer, std::size_t& got);
   /// Reads at `offset` until the buffer is full or the file ends. Position() stays.
@@ -72,12 +76,14 @@ class LocalFile {
   /// was written to it. What was written under the file's own name stays, so that it can be
   /// resumed.
   void Discard();
+  /// Closes, and leaves what a part file has got for a later try.
+  void Keep();
 
  private:
   int OpenEntry(Mode mode);
   int OpenPresent(int flags);
   int OpenNew();
-  int OpenPart();
+  int OpenPart(bool goOn);
   int KeepMode();
   void StartWriteBack();
   void ApplyTime() const;

@@ -36,6 +36,14 @@ int LocalFolder::SyncAll() const {
   return 0;
 }
 
+int LocalFolder::Look(const std::string& name, std::optional<Entry>& file) const {
+  file.reset();
+  struct stat status {};
+  if (::fstatat(fd_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+  if (S_ISREG(status.st_mode)) file = Entry{status.st_size, status.st_mtime};
+  return 0;
+}
+
 int LocalFolder::SetTime(std::int64_t seconds) const {
   const timespec times[] = {{0, UTIME_OMIT}, {seconds, 0}};
   return ::utimensat(fd_.get(), ".", times, 0) == 0 ? 0 : errno;

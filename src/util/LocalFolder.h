@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,15 @@ class LocalFolder {
   /// Gives the folder a time of its last change, in seconds since 1970; what is made in it later
   /// changes that.
   [[nodiscard]] int SetTime(std::int64_t seconds) const;
+
+  /// A plain file that stands in the folder.
+  struct Entry {
+    std::int64_t size = 0;      ///< in bytes
+    std::int64_t modified = 0;  ///< in seconds since 1970
+  };
+  /// What stands at `name`: a plain file, or something else (nothing in `file`). Links are not
+  /// followed. ENOENT where there is nothing.
+  [[nodiscard]] int Look(const std::string& name, std::optional<Entry>& file) const;
 
   [[nodiscard]] int Fd() const { return fd_.get(); }
 

@@ -53,13 +53,20 @@ int PartFile::ClearStale(int folder, const std::string& name) {
   return ::unlinkat(folder, part.c_str(), 0) == 0 ? 0 : errno;
 }
 
-int PartFile::Make(int folder, const std::string& name) {
+int PartFile::Make(int folder, const std::string& name, bool goOn) {
   Remove();
   const std::string part = NameFor(name);
-  if (const int error = ClearStale(folder, name); error != 0) return error;
-  UniqueFd fd(OpenBeneath(folder, part, O_RDWR | O_CREAT | O_EXCL | O_NOCTTY, 0666));
+  if (!goOn) {
+    if (const int error = ClearStale(folder, name); error != 0) return error;
+  }
+  // O_NONBLOCK: opening a FIFO must not wait.
+  const int flags = goOn ? O_NONBLOCK : O_EXCL;
+  UniqueFd fd(OpenBeneath(folder, part, O_RDWR | O_CREAT | O_NOCTTY | flags, 0666));
   // Another process has just made it.
   if (!fd) return errno == EEXIST ? EWOULDBLOCK : errno;
+  struct stat status {};
+  if (::fstat(fd.get(), &status) != 0) return errno;
+  if (!S_ISREG(status.st_mode)) return EEXIST;
   if (const int error = LockEntry(folder, part, fd.get()); error != 0) return error;
   folder_ = folder;
   fd_ = std::move(fd);
@@ -80,6 +87,11 @@ int PartFile::TakeName(const std::string& name) {
 
 int PartFile::Close() {
   return fd_ && ::close(fd_.release()) != 0 ? errno : 0;
+}
+
+void PartFile::Leave() {
+  part_.clear();
+  fd_.reset();
 }
 
 void PartFile::Remove() {

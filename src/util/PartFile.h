@@ -28,7 +28,8 @@ class PartFile {
 
   /// Makes the part file of `name` in the directory `folder`, which must stay open, empty and
   /// locked. EWOULDBLOCK when somebody else writes it.
-  [[nodiscard]] int Make(int folder, const std::string& name);
+  /// With `goOn` what an earlier try left in it stays.
+  [[nodiscard]] int Make(int folder, const std::string& name, bool goOn = false);
   /// Gives the file its final name, in place of the plain file that may stand there. The lock
   /// stays until the object ends.
   [[nodiscard]] int TakeName(const std::string& name);
@@ -36,6 +37,8 @@ class PartFile {
   [[nodiscard]] int Close();
   /// Closes and removes the file, where it has not taken its name.
   void Remove();
+  /// Closes the file and leaves it for a later try.
+  void Leave();
 
   [[nodiscard]] int Fd() const { return fd_.get(); }
   [[nodiscard]] explicit operator bool() const { return static_cast<bool>(fd_); }

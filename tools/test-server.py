@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """Runs one of the unpacked servers on a free loopback port with a private configuration:
 tools/test-server.py vsftpd|proftpd|pure-ftpd ROOT [--tls explicit|implicit] [--max-tls 1.2|1.3]
-                     [--ipv6]
+                     [--ipv6 | --address ADDRESS]
 
-With --ipv6 it listens on ::1 instead of 127.0.0.1. With --tls it offers encryption with a
+It listens on 127.0.0.1, with --ipv6 on ::1, or on the address that is named. With --tls it offers encryption with a
 certificate made for "localhost", and with --tls implicit it begins with that (which Pure-FTPd
 cannot); data connections have to resume the session where the server can ask for that. Prints
 "PORT USER PASSWORD" once the server answers and ends it when told to end. The login starts in ROOT,
@@ -111,6 +111,7 @@ ScoreboardFile {home}/scoreboard
 PidFile {home}/pid
 ModulePath {prefix}/usr/lib/proftpd
 LoadModule mod_copy.c
+LoadModule mod_digest.c
 """
 
 
@@ -214,6 +215,8 @@ if __name__ == "__main__":
     arguments.add_argument("root")
     arguments.add_argument("--tls", choices=["explicit", "implicit"])
     arguments.add_argument("--max-tls", choices=["1.2", "1.3"], default="1.3")
-    arguments.add_argument("--ipv6", dest="address", action="store_const", const="::1", default="127.0.0.1")
+    arguments.add_argument("--ipv6", dest="address", action="store_const", const="::1")
+    arguments.add_argument("--address")
+    arguments.set_defaults(address="127.0.0.1")
     given = arguments.parse_args()
     main(given.name, given.root, given.address, given.tls, given.max_tls)

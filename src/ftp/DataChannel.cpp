@@ -1,12 +1,14 @@
 #include "ftp/DataChannel.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "ftp/DataPort.h"
+#include "ftp/FtpCommand.h"
 #include "ftp/FtpControl.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/Reason.h"
@@ -14,6 +16,7 @@
 #include "net/NLException.h"
 #include "net/TlsStream.h"
 #include "net/Tunnel.h"
+#include "remote/Habits.h"
 
 namespace corvane {
 namespace {
@@ -22,6 +25,9 @@ constexpr long kSlice = 50;             // milliseconds between looks at the con
 constexpr long kMostPatience = 30'000;  // milliseconds for a data connection to come about
 constexpr int kNoDataConnection = 425;  // RFC 959, 4.2
 constexpr int kBrokenOff = 426;
+constexpr int kBadSequence = 503;
+
+using Learned = Habits::Learned;
 
 // For good, as by a server that does not know the command.
 bool IsRefused(const Reply& reply) {
@@ -63,8 +69,8 @@ struct DataChannel::Attempt {
   }
 };
 
-DataChannel::DataChannel(FtpControl& control, bool passive)
-    : control_(control), passive_(passive) {}
+DataChannel::DataChannel(FtpControl& control, Habits& habits, bool passive)
+    : control_(control), habits_(habits), passive_(passive) {}
 
 DataChannel::~DataChannel() = default;
 
@@ -92,6 +98,11 @@ bool DataChannel::WasCut() const {
   return tls_ ? tls_->wasCut() : cut_;
 }
 
+bool DataChannel::WentSilent() {
+  const NLEndpoint* const endpoint = Endpoint();
+  return endpoint != nullptr && endpoint->lastError == ETIMEDOUT;
+}
+
 void DataChannel::NoteCareless() {
   if (!std::exchange(careless_, true))
     control_.UpdateLog("The server does not end the encryption of data, and nothing is missing.\n");
@@ -109,6 +120,7 @@ void DataChannel::Abort() {
 }
 
 void DataChannel::Begin() {
+  earlyPort_.reset();
   const bool wide = control_.ServerAddress().family() == AF_INET6;
   extendedActive_ = wide;
   // From which family the server sees a proxy come is not known here.
@@ -118,6 +130,9 @@ void DataChannel::Begin() {
 }
 
 Outcome DataChannel::SetUp() {
+  usesEarlyPort_ = false;
+  if (TakeEarlyPort()) return {};
+  ChooseWay();
   Outcome outcome = SetUpThisWay();
   if (outcome.kind != Outcome::Kind::Refused && outcome.kind != Outcome::Kind::Busy) return outcome;
   WayFailed();
@@ -132,7 +147,46 @@ Outcome DataChannel::SetUpThisWay() {
   return passive_ ? SetUpPassive() : SetUpActive();
 }
 
+void DataChannel::ChooseWay() {
+  const Learned own = passive_ ? habits_.passive : habits_.active;
+  const Learned other = passive_ ? habits_.active : habits_.passive;
+  if (triedBoth_ || control_.IsTunnelled() || own != Learned::No || other != Learned::Yes) return;
+  passive_ = !passive_;
+}
+
+void DataChannel::WayWorks() {
+  onTrial_ = false;
+  (passive_ ? habits_.passive : habits_.active) = Learned::Yes;
+}
+
+std::string_view DataChannel::PortCommandAhead() const {
+  if (!passive_ || onTrial_ || habits_.passive != Learned::Yes) return {};
+  return extendedPassive_ ? "EPSV" : "PASV";
+}
+
+void DataChannel::TakePortAhead(const Reply& reply) {
+  if (const auto port = PortIn(reply)) earlyPort_ = {*port, std::chrono::steady_clock::now()};
+}
+
+// Servers listen for a while only; what opens no data connection does not change where.
+bool DataChannel::TakeEarlyPort() {
+  constexpr std::chrono::seconds kFresh(10);
+  const auto early = std::exchange(earlyPort_, std::nullopt);
+  const bool good = early && passive_ && std::chrono::steady_clock::now() - early->when < kFresh;
+  if (!good) return false;
+  passivePort_ = early->port;
+  usesEarlyPort_ = true;
+  SetEndpoint(std::make_unique<NLEndpoint>(NLEndpoint::stream));
+  return true;
+}
+
+// A port that was asked for ahead may have been the trouble.
 bool DataChannel::TryOtherWay() {
+  if (noConnection_ && std::exchange(usesEarlyPort_, false)) {
+    habits_.takesAhead = Learned::No;
+    control_.UpdateLog("The server does not take commands ahead.\n");
+    return true;
+  }
   if (!noConnection_ || control_.IsTunnelled() || std::exchange(triedBoth_, true)) return false;
   passive_ = !passive_;
   onTrial_ = true;
@@ -143,6 +197,8 @@ bool DataChannel::TryOtherWay() {
 
 void DataChannel::WayFailed() {
   noConnection_ = true;
+  auto unknown = Learned::Unknown;
+  (passive_ ? habits_.passive : habits_.active).compare_exchange_strong(unknown, Learned::No);
   if (std::exchange(onTrial_, false)) passive_ = !passive_;
 }
 
@@ -176,7 +232,7 @@ Outcome DataChannel::SetUpPassive() {
   }
   Outcome outcome = FtpControl::CheckResult(reply, Text("The server refuses passive connections."));
   if (!outcome.IsDone()) return outcome;
-  const auto port = extendedPassive_ ? ExtendedPort(reply.text) : PassivePort(reply.text);
+  const auto port = PortIn(reply);
   if (!port) {
     return {Outcome::Kind::Refused, reply.code,
             Text("The server gave no port for the data connection: %1", reply.lastText)};
@@ -184,6 +240,10 @@ Outcome DataChannel::SetUpPassive() {
   passivePort_ = *port;
   SetEndpoint(std::make_unique<NLEndpoint>(NLEndpoint::stream));
   return outcome;
+}
+
+std::optional<std::uint16_t> DataChannel::PortIn(const Reply& reply) const {
+  return extendedPassive_ ? ExtendedPort(reply.text) : PassivePort(reply.text);
 }
 
 Outcome DataChannel::Open(FtpCommand& command) {
@@ -196,14 +256,17 @@ Outcome DataChannel::Open(FtpCommand& command) {
   const Reply& first = *attempt.first;
   const bool accepted = first.code >= 100 && first.code < 300;
   if (attempt.open && accepted) {
-    onTrial_ = false;
+    WayWorks();
     return protected_ ? Encrypt(attempt) : Outcome();
   }
   Close();
   if (attempt.localFailure) return Outcome::LocalError(attempt.why);
   if (!accepted) {
-    if (first.code == kNoDataConnection) WayFailed();
-    return FtpControl::CheckResult(first);
+    Outcome outcome = FtpControl::CheckResult(first);
+    const bool none =
+        first.code == kNoDataConnection || (usesEarlyPort_ && first.code == kBadSequence);
+    if (none && outcome.trouble != Outcome::Trouble::TooMany) WayFailed();
+    return outcome;
   }
   const Text failed =
       passive_ ? Text("Passive connection failed.") : Text("Active connection failed.");

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "ftp/FtpCommand.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/Reason.h"
 #include "net/NLEndpoint.h"
@@ -15,40 +16,7 @@ namespace corvane {
 namespace {
 
 constexpr int kGone = 421;
-
-std::string_view WithoutLineEnd(std::string_view text) {
-  while (text.ends_with('\n') || text.ends_with(' ')) text.remove_suffix(1);
-  return text;
-}
-
-Outcome::Kind KindOf(int code) {
-  switch (code) {
-    case kGone: return Outcome::Kind::Lost;
-    case 425:
-    case 426:
-    case 450: return Outcome::Kind::Busy;
-    default: return Outcome::Kind::Refused;
-  }
-}
-
-// What is said of a refusal where the caller has no words of its own.
-Text WordsFor(int code) {
-  switch (code) {
-    case 426:
-    case 450:
-    case 451:
-    case 452:
-    case 500:
-    case 501: return Text("Error in parameters");
-    case 502: return Text("Command not implemented!");
-    case 503: return Text("Bad sequence of commands!");
-    case 504:
-    case 530:
-    case 532:
-    case 550: return {};
-    default: return Text("The server refused the request.");
-  }
-}
+constexpr std::chrono::seconds kSoon(2);
 
 FtpFailure Lost(const Text& why, Outcome::Trouble trouble) {
   return {{Outcome::Kind::Lost, 0, why, {}, trouble}};
@@ -73,14 +41,13 @@ void FtpControl::Connect(std::span<const NLAddress> addresses, std::optional<Tun
   }
   ReadFrom(*endpointHere_);
   tunnel_ = std::move(tunnel);
-  unread_ = 0;
   heard_ = 0;
   endpointHere_->setSilenceLimit(silenceLimit);
   if (!JoinFirst(addresses, port)) throw FtpFailure{Outcome::Cancelled()};
   endpointHere_->setKeepAlive();
+  endpointHere_->setNoDelay();
   lost_ = false;
   loss_ = {};
-  changing_ = false;
   spoken_ = std::chrono::steady_clock::now();
 }
 
@@ -166,9 +133,24 @@ Reply FtpControl::SendPassword(std::string_view command) {
 }
 
 Reply FtpControl::SendChange(std::string_view command) {
+  return FtpCommand(*this, command, {}, FtpCommand::Order::InTurn, FtpCommand::Effect::Change)
+      .Next();
+}
+
+Reply FtpControl::SendSlow(std::string_view command) {
+  constexpr long kPatience = 3'600'000;
   FtpCommand sent(*this, command);
-  changing_ = true;
-  return sent.Next();
+  replies_->silenceLimit = std::max(silenceLimit, kPatience);
+  const auto usual = [this] { replies_->silenceLimit = silenceLimit; };
+  try {
+    Reply reply = sent.Next();
+    while (!sent.IsComplete()) reply = sent.Next();
+    usual();
+    return reply;
+  } catch (const FtpFailure&) {
+    usual();
+    throw;
+  }
 }
 
 Reply FtpControl::ReadResponse() {
@@ -177,26 +159,27 @@ Reply FtpControl::ReadResponse() {
   return *std::move(reply);
 }
 
-void FtpControl::CheckLine(std::string_view text) {
+bool FtpControl::IsLine(std::string_view text) {
   constexpr std::string_view kForbidden("\r\n\0", 3);
-  if (text.find_first_of(kForbidden) == std::string_view::npos) return;
+  return text.find_first_of(kForbidden) == std::string_view::npos;
+}
+
+void FtpControl::CheckLine(std::string_view text) {
+  if (IsLine(text)) return;
   throw FtpFailure{
       Outcome::LocalError(Text("A name or text with a line break cannot be sent to the server."))};
 }
 
-void FtpControl::Send(std::string_view command, std::string_view logged) {
+void FtpControl::CheckReady(std::string_view command) const {
   CheckLine(command);
   if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
   if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
-  ReadUnread();
-  heard_ = 0;
-  changing_ = false;
-  spoken_ = std::chrono::steady_clock::now();
-  UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
-  Write(command);
 }
 
-void FtpControl::Write(std::string_view command) {
+void FtpControl::Write(std::string_view command, std::string_view logged) {
+  heard_ = 0;
+  spoken_ = std::chrono::steady_clock::now();
+  UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
   try {
     Wire().write(std::string(command) + "\r\n");
   } catch (const NLException& error) {
@@ -205,22 +188,19 @@ void FtpControl::Write(std::string_view command) {
 }
 
 void FtpControl::ReadUnread() {
-  while (unread_ > 0 && ComesSoon()) {
-    // The completion follows a preliminary reply.
-    if (!ReadResponse().IsPreliminary()) --unread_;
-  }
-  if (unread_ > 0) SetRight();
+  // The completion follows a preliminary reply.
+  while (!underWay_.empty() && ComesWithin(kSoon)) (void)ReadResponse();
+  if (!underWay_.empty()) SetRight();
   ReadUnasked();
   if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
   // A server that said good-bye unasked is gone.
   if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
 }
 
-bool FtpControl::ComesSoon() {
+bool FtpControl::ComesWithin(std::chrono::milliseconds limit) {
   using std::chrono::steady_clock;
-  constexpr std::chrono::seconds kSoon(2);
   constexpr long kSlice = 50;
-  const auto deadline = steady_clock::now() + kSoon;
+  const auto deadline = steady_clock::now() + limit;
   while (!isDataPending(kSlice)) {
     if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
     if (steady_clock::now() > deadline) return false;
@@ -229,27 +209,30 @@ bool FtpControl::ComesSoon() {
 }
 
 // Not every server says how a transfer ended that was broken off. The reply to NOOP, which is none
-// that ends a transfer, shows that nothing more is to come.
+// that ends a transfer, shows that nothing more is to come. Where commands were sent ahead, the
+// reply of any of them may look like it: then everything is read that can come, one reply to each
+// at most.
 void FtpControl::SetRight() {
   constexpr std::array kEndTransfers = {225, 226, 250, 425, 426, 450, 451, 452, 550, 551, 552, 553};
-  UpdateLog("NOOP\n");
-  Write("NOOP");
-  for (;;) {
+  const bool anyAhead = std::ranges::any_of(underWay_, &UnderWay::ahead);
+  std::size_t left = underWay_.size() + 1;
+  Write("NOOP", {});
+  do {
     const Reply reply = ReadResponse();
-    if (!reply.IsPreliminary() && std::ranges::count(kEndTransfers, reply.code) == 0) break;
-  }
-  unread_ = 0;
+    if (reply.IsPreliminary()) continue;
+    --left;
+    if (!anyAhead && std::ranges::count(kEndTransfers, reply.code) == 0) break;
+  } while (!anyAhead || (left > 0 && ComesWithin(kSoon)));
+  for (const UnderWay& over : underWay_)
+    if (over.command != nullptr) over.command->complete_ = true;
+  underWay_.clear();
 }
 
 // A reply that nobody waited for is not unasked, though it is read here where it has come.
 void FtpControl::ReadUnasked() {
-  unasked_ = unread_ == 0;
+  unasked_ = underWay_.empty();
   try {
-    while (!lost_) {
-      const std::optional<Reply> reply = TryRead(&ReplyReader::ReadUnasked);
-      if (!reply) break;
-      if (unread_ > 0 && !reply->IsPreliminary()) --unread_;
-    }
+    while (!lost_ && TryRead(&ReplyReader::ReadUnasked)) continue;
   } catch (const FtpFailure&) {
     unasked_ = false;
     throw;
@@ -280,9 +263,9 @@ std::optional<Reply> FtpControl::TryRead(Reading read) {
         std::invoke(read, *replies_, [this](std::string_view line) { UpdateLog(line); });
     if (reply && ++heard_ > kMostReplies) Lose(Text("The server does not stop replying"));
     if (!reply) return reply;
-    changing_ = false;
+    Deliver(*reply);
     if (reply->code == kGone) {
-      GiveUp(Text::Raw(WithoutLineEnd(reply->lastText)));
+      GiveUp(Text::Raw(reply->Words()));
     } else if (!unasked_) {
       ++answers_;
       spoken_ = std::chrono::steady_clock::now();
@@ -296,6 +279,12 @@ std::optional<Reply> FtpControl::TryRead(Reading read) {
   }
 }
 
+void FtpControl::Deliver(const Reply& reply) {
+  if (underWay_.empty() || reply.IsPreliminary()) return;
+  if (FtpCommand* const command = underWay_.front().command) command->complete_ = true;
+  underWay_.pop_front();
+}
+
 void FtpControl::Lose(Text why) {
   GiveUp(why);
   throw FtpFailure{{closed_ ? Outcome::Kind::Cancelled : Outcome::Kind::Lost, 0, std::move(why)}};
@@ -303,22 +292,9 @@ void FtpControl::Lose(Text why) {
 
 void FtpControl::GiveUp(const Text& why) {
   if (std::exchange(lost_, true)) return;
-  loss_ = {why, Idle(), changing_};
+  loss_ = {why, Idle(), std::ranges::any_of(underWay_, &UnderWay::changes)};
+  underWay_.clear();
   endpointHere_->close();
-}
-
-Outcome FtpControl::CheckResult(const Reply& reply, const Text& failed, int wanted) {
-  if (reply.code / 100 == wanted) return {Outcome::Kind::Done, reply.code};
-  const Text words = Text::Raw(WithoutLineEnd(reply.lastText));
-  std::string server(WithoutLineEnd(reply.text));
-  if (reply.code == kGone) {
-    return {Outcome::Kind::Lost, kGone,
-            Text::WithReason(Text("Service not available, closing control connection!"), words),
-            std::move(server)};
-  }
-  return {KindOf(reply.code), reply.code,
-          Text::WithReason(failed.IsEmpty() ? WordsFor(reply.code) : failed, words),
-          std::move(server)};
 }
 
 Outcome FtpControl::Guard(const std::function<Outcome()>& work) {
@@ -351,29 +327,6 @@ void FtpControl::Close() {
   closed_ = true;
   const MutexLock hold(reach_);
   if (endpoint_) endpoint_->abort();
-}
-
-FtpCommand::FtpCommand(FtpControl& control, std::string_view command, std::string_view logged)
-    : control_(control) {
-  control.Send(command, logged);
-}
-
-FtpCommand::~FtpCommand() {
-  if (!complete_ && !control_.IsLost()) ++control_.unread_;
-}
-
-Reply FtpCommand::Next() {
-  Reply reply = control_.ReadResponse();
-  complete_ = !reply.IsPreliminary();
-  return reply;
-}
-
-void FtpCommand::Hurry() {
-  while (!complete_) {
-    const std::optional<Reply> reply = control_.TryRead();
-    if (!reply) return;
-    complete_ = !reply->IsPreliminary();
-  }
 }
 
 }  // namespace corvane

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,6 +20,7 @@
 
 namespace corvane {
 
+class FtpCommand;
 class NLEndpoint;
 class Stream;
 class TlsContext;
@@ -28,8 +30,9 @@ class TlsStream;
 /// time; Close and Interrupt from any thread. Calls that talk to the server throw FtpFailure when
 /// the connection is gone, the user has cancelled, or a command is not one line.
 ///
-/// What the server said unasked, and replies that nobody waited for, are read before the next
-/// command is sent.
+/// Replies belong to the commands under way in the order in which those were sent. What the server
+/// said unasked, and replies that nobody waited for, are read before the next command is sent,
+/// unless that is sent ahead of them.
 class FtpControl {
  public:
   /// `log` is given every line of the dialogue, with its line feed.
@@ -66,6 +69,9 @@ class FtpControl {
   Reply SendPassword(std::string_view command);
   /// Sends a command that changes what the server holds; its first reply.
   Reply SendChange(std::string_view command);
+  /// Sends a command that has the server work for long, as reading a large file through; its last
+  /// reply, which may take an hour.
+  Reply SendSlow(std::string_view command);
   /// The next reply, whatever it belongs to.
   Reply ReadResponse();
 
@@ -77,6 +83,12 @@ class FtpControl {
 
   /// Throws where a command with `text` in it would not be one line.
   static void CheckLine(std::string_view text);
+  [[nodiscard]] static bool IsLine(std::string_view text);
+  /// Reads, after replies that did not come or did not fit, what else may come of the commands
+  /// under way, which are then over.
+  void SetRight();
+  /// Whether a reply begins within `limit`. Throws when interrupted.
+  [[nodiscard]] bool ComesWithin(std::chrono::milliseconds limit);
   void UpdateLog(std::string_view line) const { log_(line); }
   /// Whether the server says something within so many milliseconds.
   [[nodiscard]] bool isDataPending(long milliseconds);
@@ -114,13 +126,12 @@ class FtpControl {
   /// Passes through the tunnel where there is one.
   [[nodiscard]] bool Pass(NLEndpoint& endpoint, std::uint16_t port,
                           const std::function<bool()>& goOn) const;
-  void Send(std::string_view command, std::string_view logged);
-  void Write(std::string_view command);
+  void CheckReady(std::string_view command) const;
+  void Write(std::string_view command, std::string_view logged);
   void ReadUnread();
-  /// Whether a reply begins within a moment.
-  [[nodiscard]] bool ComesSoon();
-  void SetRight();
   void ReadUnasked();
+  /// Takes note that a reply has come, for the command that waits longest.
+  void Deliver(const Reply& reply);
   [[nodiscard]] std::optional<std::chrono::seconds> Idle() const;
   using Reading =
       std::optional<Reply> (ReplyReader::*)(const std::function<void(std::string_view)>& onLine);
@@ -135,39 +146,21 @@ class FtpControl {
   std::atomic<bool> closed_{false};
   bool lost_ = true;
   Loss loss_{Text("The connection is closed")};
-  bool unasked_ = false;   // what is read now belongs to no command
-  bool changing_ = false;  // a command that changes something has no answer yet
+  bool unasked_ = false;  // what is read now belongs to no command
   std::uint64_t answers_ = 0;
   std::chrono::steady_clock::time_point spoken_;  // when last a command was sent or answered
-  int unread_ = 0;                                // commands whose last reply nobody has waited for
-  int heard_ = 0;                                 // replies since the last command
-  Mutex reach_;  // guards what Close reaches for from another thread
+  struct UnderWay {
+    FtpCommand* command = nullptr;  // null once it was let go of
+    bool changes = false;           // what the server holds
+    bool ahead = false;             // others were under way when it was sent
+  };
+  std::deque<UnderWay> underWay_;  // commands whose last reply has not come, the oldest first
+  int heard_ = 0;                  // replies since the last command
+  Mutex reach_;                    // guards what Close reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
   NLEndpoint* endpointHere_ = nullptr;  // the endpoint, for the thread that works here
   std::unique_ptr<TlsStream> tls_;      // above it, where the connection is encrypted
   std::unique_ptr<ReplyReader> replies_;
-};
-
-/// One command and the replies that belong to it: a first one, and a second where the first is
-/// 1yz. One that is let go of with a reply unread leaves that to the control connection.
-class FtpCommand {
- public:
-  /// Sends the command; the log gets `logged` where that is not empty.
-  FtpCommand(FtpControl& control, std::string_view command, std::string_view logged = {});
-  ~FtpCommand();
-  FtpCommand(const FtpCommand&) = delete;
-  FtpCommand& operator=(const FtpCommand&) = delete;
-
-  /// The next of its replies.
-  Reply Next();
-  /// Whether its last reply was read.
-  [[nodiscard]] bool IsComplete() const { return complete_; }
-  /// Reads what is left as far as it comes at once.
-  void Hurry();
-
- private:
-  FtpControl& control_;
-  bool complete_ = false;
 };
 
 }  // namespace corvane

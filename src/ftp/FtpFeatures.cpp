@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "ftp/ListingFacts.h"
+
 namespace corvane {
 namespace {
 
@@ -68,6 +70,7 @@ FtpFeatures ReadFeatures(std::string_view reply) {
     std::string_view rest = lower;
     const std::string_view name = Cut(rest, ' ');
     if (name == "mlst") TakeFacts(rest, features);
+    TakeDigests(name, rest, features.digests);
     if (name == "mdtm") features.modifiedTime = features.dateByMdtm = true;
     features.setTime = features.setTime || name == "mfmt";
     features.siteTime = features.siteTime || lower.starts_with("site utime");
@@ -77,6 +80,35 @@ FtpFeatures ReadFeatures(std::string_view reply) {
     features.room = features.room || name == "avbl";
   }
   return features;
+}
+
+// Many a server takes a name that begins with a date for a time that is to be set.
+std::optional<std::string> AskTimeCommand(const FtpFeatures& features, const std::string& name) {
+  if (!features.modifiedTime) return std::nullopt;
+  const bool misleads = ReadTimeVal(name).has_value();
+  return "MDTM " + std::string(misleads ? "./" : "") + name;
+}
+
+std::optional<std::string> TimeCommand(const FtpFeatures& features, const std::string& name,
+                                       std::int64_t seconds) {
+  const std::optional<std::string> time = WriteTimeVal(seconds);
+  if (!time) return std::nullopt;
+  if (features.setTime) return "MFMT " + *time + " " + name;
+  if (features.dateByMdtm) return "MDTM " + *time + " " + name;
+  if (features.siteTime)
+    return "SITE UTIME " + name + " " + *time + " " + *time + " " + *time + " UTC";
+  return std::nullopt;
+}
+
+void DropTimeCommand(FtpFeatures& features) {
+  bool& way = features.setTime      ? features.setTime
+              : features.dateByMdtm ? features.dateByMdtm
+                                    : features.siteTime;
+  way = false;
+}
+
+bool IsUnknownCommand(int code) {
+  return code >= 500 && code <= 504;
 }
 
 std::optional<std::int64_t> ReadQuota(std::string_view reply) {

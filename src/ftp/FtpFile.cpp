@@ -1,8 +1,11 @@
 #include "ftp/FtpFile.h"
 
+#include <chrono>
+#include <optional>
 #include <utility>
 
 #include "ftp/DataChannel.h"
+#include "ftp/FtpCommand.h"
 #include "ftp/FtpControl.h"
 #include "ftp/Reason.h"
 #include "net/NLException.h"
@@ -11,15 +14,19 @@
 namespace corvane {
 
 FtpFile::FtpFile(FtpControl& control, DataChannel& data, std::unique_ptr<FtpCommand> command,
-                 std::int64_t offset, AskSize size)
+                 std::int64_t offset, bool writes, Errands errands)
     : control_(control),
       data_(data),
       command_(std::move(command)),
       offset_(offset),
-      size_(std::move(size)) {}
+      writes_(writes),
+      errands_(std::move(errands)) {}
 
 FtpFile::~FtpFile() {
-  if (!ended_) (void)Verdict();
+  if (ended_) return;
+  broken_ = true;
+  Settled settled;
+  (void)Verdict({}, settled);
 }
 
 Outcome FtpFile::Read(std::span<char> buffer, std::size_t& got) {
@@ -27,7 +34,7 @@ Outcome FtpFile::Read(std::span<char> buffer, std::size_t& got) {
   if (ended_) return Outcome::Cancelled();
   try {
     got = data_.Connection().read(buffer);
-    received_ += static_cast<std::int64_t>(got);
+    moved_ += static_cast<std::int64_t>(got);
     return {};
   } catch (const NLException& error) {
     return BrokenOff(Reason(error));
@@ -44,9 +51,9 @@ bool FtpFile::Wait(long milliseconds) {
 
 Outcome FtpFile::Write(std::span<const char> bytes) {
   if (ended_) return Outcome::Cancelled();
-  wrote_ = true;
   try {
     data_.Connection().write(bytes);
+    moved_ += static_cast<std::int64_t>(bytes.size());
     return {};
   } catch (const NLException& error) {
     return BrokenOff(Reason(error));
@@ -55,24 +62,28 @@ Outcome FtpFile::Write(std::span<const char> bytes) {
 
 // Where the data broke off the server mostly knows why, as when its disk is full.
 Outcome FtpFile::BrokenOff(const Text& why) {
-  Outcome verdict = Verdict();
+  broken_ = true;
+  silent_ = data_.WentSilent();
+  Settled settled;
+  Outcome verdict = Verdict({}, settled);
   return verdict.IsDone() ? Outcome{Outcome::Kind::Busy, 0, why} : verdict;
 }
 
-Outcome FtpFile::Finish() {
+Outcome FtpFile::Finish(const Afterwards& wanted, Settled& settled) {
+  settled = {};
   if (ended_) return Outcome::Cancelled();
-  if (wrote_) {
+  if (writes_) {
     try {
       data_.Connection().finish();
     } catch (const NLException& error) {
       return BrokenOff(Reason(error));
     }
   }
-  return Verdict();
+  return Verdict(wanted, settled);
 }
 
 // Closes the data connection first, for some servers wait for that before they say how it ended.
-Outcome FtpFile::Verdict() {
+Outcome FtpFile::Verdict(const Afterwards& wanted, Settled& settled) {
   ended_ = true;
   data_.Close();
   // Let go of at the end: a reply that is still unread is then the control connection's to read.
@@ -82,16 +93,31 @@ Outcome FtpFile::Verdict() {
       command->Hurry();
       return Outcome::Cancelled();
     }
-    Outcome outcome;
-    while (!command->IsComplete()) outcome = FtpControl::CheckResult(command->Next());
-    return outcome.IsDone() && !wrote_ && data_.WasCut() ? JudgeCut() : outcome;
+    if (broken_) return HearWhy(*command);
+    const auto written = writes_ ? std::optional(offset_ + moved_) : std::nullopt;
+    Outcome outcome = errands_.End(*command, written, wanted, settled);
+    return outcome.IsDone() && !writes_ && data_.WasCut() ? JudgeCut() : outcome;
   });
+}
+
+// A server that has been silent for long on the data connection is not waited for so long again.
+Outcome FtpFile::HearWhy(FtpCommand& command) {
+  constexpr std::chrono::seconds kMoment(2);
+  Outcome outcome;
+  while (!command.IsComplete()) {
+    if (silent_ && !control_.ComesWithin(kMoment)) {
+      const Text why("The server does not answer");
+      control_.GiveUp(why);
+      return {Outcome::Kind::Lost, 0, why, {}, Outcome::Trouble::NoAnswer};
+    }
+    outcome = FtpControl::CheckResult(command.Next());
+  }
+  return outcome;
 }
 
 // Somebody on the way can end a connection early, but not forge the size that comes encrypted.
 Outcome FtpFile::JudgeCut() {
-  const auto size = size_ ? size_() : std::nullopt;
-  if (size == offset_ + received_) return data_.NoteCareless(), Outcome();
+  if (errands_.AskSize() == offset_ + moved_) return data_.NoteCareless(), Outcome();
   return {Outcome::Kind::Busy, 0, Text("The data ended without a word that it was all.")};
 }
 

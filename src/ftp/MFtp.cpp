@@ -1,9 +1,9 @@
 #include "ftp/MFtp.h"
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
+#include "ftp/FtpCommand.h"
 #include "net/NLLookup.h"
 #include "remote/RemotePath.h"
 
@@ -39,12 +39,14 @@ class NameSeeker final : public ListingSink {
 
 }  // namespace
 
-MFtp::MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrust> trust)
+MFtp::MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrust> trust,
+           std::shared_ptr<Habits> habits)
     : site_(std::move(site)),
       owner_(std::move(owner)),
       trust_(std::move(trust)),
+      habits_(habits ? std::move(habits) : std::make_shared<Habits>()),
       control_([this](std::string_view line) { owner_->AppendLog(line); }),
-      data_(control_, site_.passive) {}
+      data_(control_, *habits_, site_.passive) {}
 
 MFtp::~MFtp() = default;
 
@@ -145,19 +147,9 @@ Outcome MFtp::Size(const std::string& path, std::optional<std::int64_t>& size) {
     const auto [directory, name] = SplitPath(path);
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
     const Reply reply = control_.SendCommand("SIZE " + name);
-    size = NumberOf(reply);
+    size = reply.FileStatus();
     return FtpControl::CheckResult(reply);
   });
-}
-
-std::optional<std::int64_t> MFtp::NumberOf(const Reply& reply) {
-  constexpr int kFileStatus = 213;  // RFC 3659, 4.1
-  if (reply.code != kFileStatus) return std::nullopt;
-  const std::string& text = reply.lastText;
-  const std::size_t digits = std::min(text.find_first_not_of(' '), text.size());
-  std::int64_t value = -1;
-  std::from_chars(text.data() + digits, text.data() + text.size(), value);
-  return value >= 0 ? std::optional(value) : std::nullopt;
 }
 
 // Most servers tell by the size; the others by their listing.

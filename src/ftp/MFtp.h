@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "ftp/FtpFeatures.h"
 #include "ftp/ListingParser.h"
 #include "kit/Mutex.h"
+#include "remote/Habits.h"
 #include "remote/OwnerUi.h"
 #include "remote/RemoteSession.h"
 #include "remote/ServerTrust.h"
@@ -31,7 +33,9 @@ class MFtp final : public RemoteSession {
  public:
   /// `owner` is told what goes on and gets the dialogue for its log. `trust` may be null: then no
   /// server is known, and none is remembered.
-  MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrust> trust = {});
+  /// `habits` may be null: then what is learned of the server is this session's alone.
+  MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrust> trust = {},
+       std::shared_ptr<Habits> habits = {});
   ~MFtp() override;
   MFtp(const MFtp&) = delete;
   MFtp& operator=(const MFtp&) = delete;
@@ -62,10 +66,17 @@ class MFtp final : public RemoteSession {
   Outcome MakeDirectory(const std::string& path) override;
   Outcome RemoveDirectory(const std::string& path) override;
   Outcome RemoveFile(const std::string& path) override;
+  Outcome RemoveFiles(std::span<const std::string> paths,
+                      const std::function<bool(std::size_t, const Outcome&)>& each) override;
   Outcome Rename(const std::string& from, const std::string& to) override;
   Outcome OpenForReading(const std::string& path, std::int64_t offset,
                          std::unique_ptr<RemoteFile>& file) override;
-  Outcome OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile>& file) override;
+  Outcome OpenForWriting(const std::string& path, std::int64_t offset,
+                         std::unique_ptr<RemoteFile>& file) override;
+  [[nodiscard]] DigestKind OffersDigest() const override {
+    return features_.digests.empty() ? DigestKind::None : features_.digests.front().kind;
+  }
+  Outcome Checksum(const std::string& path, DigestKind kind, std::string& digest) override;
   [[nodiscard]] bool IsLost() const override { return control_.IsLost(); }
   [[nodiscard]] const Loss& HowLost() const override { return control_.HowLost(); }
   [[nodiscard]] bool IsAlive() override { return control_.IsAlive(); }
@@ -107,7 +118,6 @@ class MFtp final : public RemoteSession {
   /// After the login: data connections are encrypted where this one is.
   Outcome ProtectData();
   [[nodiscard]] std::shared_ptr<const TlsContext> Context();
-  [[nodiscard]] std::optional<std::int64_t> AskSize(const std::string& name);
 
   // MFtp.cpp
   /// Goes to a directory, unless the server stands there.
@@ -119,8 +129,16 @@ class MFtp final : public RemoteSession {
   /// Sends a command with `from`, which is to be answered by 3yz, and then one with `to`.
   Outcome InTwoSteps(std::string_view first, std::string_view second, const std::string& from,
                      const std::string& to, const Text& failed);
-  /// The number of a 213 reply; nothing of any other.
-  [[nodiscard]] static std::optional<std::int64_t> NumberOf(const Reply& reply);
+
+  // MFtpFiles.cpp
+  /// How many of the files are to be removed at once.
+  [[nodiscard]] std::size_t CountTogether(std::span<const std::string> paths) const;
+  /// Removes files of one directory; `tell` is told of each in turn, and false from it ends it.
+  Outcome RemoveTogether(std::span<const std::string> paths,
+                         const std::function<bool(const Outcome&)>& tell);
+  /// Asks for their removal at once; false where the replies do not fit.
+  bool HearRemovals(std::span<const std::string> paths, bool trial, std::vector<Reply>& replies);
+  Outcome RemoveAgain(const std::string& name);
 
   // MFtpFeatures.cpp
   /// Asks for the list of features, before the login; and `after` it where the server has it for
@@ -145,6 +163,7 @@ class MFtp final : public RemoteSession {
                       std::unique_ptr<RemoteFile>& file);
   Outcome SetBinary();
   Outcome SetOffset(std::int64_t offset, std::int64_t& accepted);
+  Outcome MayAppend(const std::string& name, std::int64_t offset);
   /// A listing as it came.
   struct Listing {
     std::string text{};
@@ -161,6 +180,7 @@ class MFtp final : public RemoteSession {
   const Site site_;
   const std::shared_ptr<OwnerUi> owner_;
   const std::shared_ptr<ServerTrust> trust_;
+  const std::shared_ptr<Habits> habits_;
   FtpControl control_;
   DataChannel data_;
   std::shared_ptr<const TlsContext> context_;  // once anything was encrypted
@@ -168,8 +188,9 @@ class MFtp final : public RemoteSession {
   std::string listCommand_ = "LIST -la";
   std::size_t maxListing_ = std::size_t{1024} * 1024 * 1024;
   std::size_t maxEntries_ = 10'000'000;
-  FtpFeatures features_;        // less what was refused all the same
-  bool knowsFeatures_ = false;  // they were asked for
+  FtpFeatures features_;                    // less what was refused all the same
+  bool knowsFeatures_ = false;              // they were asked for
+  DigestKind hashKind_ = DigestKind::None;  // that HASH was told to use
   /// How the server's facts tell symbolic links, which must never be followed unawares: by their
   /// own type, or in the guise of what they lead to, if at all.
   enum class Links { Unknown, Shown, Hidden };

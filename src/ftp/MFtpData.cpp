@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "ftp/FtpCommand.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/FtpFile.h"
 #include "ftp/ListingParser.h"
@@ -12,6 +13,8 @@
 namespace corvane {
 namespace {
 
+constexpr std::string_view kRetrieve = "RETR ";
+constexpr std::string_view kStore = "STOR ";
 constexpr std::size_t kFirstBlock = std::size_t{64} * 1024;
 constexpr std::size_t kMostBlock = std::size_t{1024} * 1024;
 constexpr long kPatience = 700;  // milliseconds in which what belongs together arrives
@@ -80,7 +83,7 @@ Outcome MFtp::Open(const std::string& command, std::string_view logged, std::int
                    std::unique_ptr<RemoteFile>& file) {
   try {
     Outcome outcome = OpenThisWay(command, logged, offset, file);
-    if (!outcome.IsDone() && data_.TryOtherWay())
+    while (!outcome.IsDone() && data_.TryOtherWay())
       outcome = OpenThisWay(command, logged, offset, file);
     if (!outcome.IsDone()) data_.Close();
     return outcome;
@@ -94,18 +97,36 @@ Outcome MFtp::OpenThisWay(const std::string& command, std::string_view logged, s
                           std::unique_ptr<RemoteFile>& file) {
   if (Outcome outcome = data_.SetUp(); !outcome.IsDone()) return outcome;
   std::int64_t begin = 0;
+  std::string line = command;
+  const bool isStore = command.starts_with(kStore);
+  const std::string name = isStore || command.starts_with(kRetrieve)
+                               ? command.substr(command.find(' ') + 1)
+                               : std::string();
   Outcome outcome = SetBinary();
   if (outcome.IsDone()) outcome = SetOffset(offset, begin);
+  if (outcome.IsDone() && isStore && begin != offset) {
+    outcome = MayAppend(name, offset);
+    line = "APPE " + name;
+    begin = offset;
+  }
   if (!outcome.IsDone()) return outcome;
-  auto sent = std::make_unique<FtpCommand>(control_, command, logged);
+  auto sent = std::make_unique<FtpCommand>(control_, line, logged);
   outcome = data_.Open(*sent);
   if (!outcome.IsDone()) return outcome;
   markerSet_ = false;
-  FtpFile::AskSize size;
-  if (constexpr std::string_view kGet = "RETR "; command.starts_with(kGet))
-    size = [this, name = command.substr(kGet.size())] { return AskSize(name); };
-  file = std::make_unique<FtpFile>(control_, data_, std::move(sent), begin, std::move(size));
+  file = std::make_unique<FtpFile>(control_, data_, std::move(sent), begin, isStore,
+                                   Errands({control_, data_, features_, *habits_}, name));
   return outcome;
+}
+
+// Where a file cannot be written from an offset on, it can be written on at its end.
+Outcome MFtp::MayAppend(const std::string& name, std::int64_t offset) {
+  const Reply reply = control_.SendCommand("SIZE " + name);
+  if (reply.FileStatus() == offset) return {};
+  if (Outcome asked = FtpControl::CheckResult(reply); asked.kind == Outcome::Kind::Lost)
+    return asked;
+  return {Outcome::Kind::Refused, reply.code,
+          Text("The server cannot go on with a file that was sent in part.")};
 }
 
 Outcome MFtp::OpenForReading(const std::string& path, std::int64_t offset,
@@ -113,15 +134,16 @@ Outcome MFtp::OpenForReading(const std::string& path, std::int64_t offset,
   return control_.Guard([&]() -> Outcome {
     const auto [directory, name] = SplitPath(path);
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
-    return Open("RETR " + name, {}, offset, file);
+    return Open(std::string(kRetrieve) + name, {}, offset, file);
   });
 }
 
-Outcome MFtp::OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile>& file) {
+Outcome MFtp::OpenForWriting(const std::string& path, std::int64_t offset,
+                             std::unique_ptr<RemoteFile>& file) {
   return control_.Guard([&]() -> Outcome {
     const auto [directory, name] = SplitPath(path);
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
-    return Open("STOR " + name, {}, 0, file);
+    return Open(std::string(kStore) + name, {}, offset, file);
   });
 }
 

@@ -15,11 +15,6 @@ constexpr int kUnavailable = 550;
 
 constexpr int kGone = 421;
 
-// The server does not know the command, or not in this form.
-bool IsUnknown(int code) {
-  return code >= 500 && code <= 504;
-}
-
 // The facts of an MLST reply (RFC 3659, 7.2), which stand in its one line that begins with a blank.
 bool ReadFacts(std::string_view reply, RemoteEntry& entry) {
   const std::size_t begin = reply.find("\n ");
@@ -37,7 +32,7 @@ bool Ends(const Outcome& outcome) {
 void MFtp::AskFeatures(bool after) {
   if (knowsFeatures_) return;
   const Reply reply = control_.SendCommand("FEAT");
-  knowsFeatures_ = after || reply.IsCompletion() || IsUnknown(reply.code);
+  knowsFeatures_ = after || reply.IsCompletion() || IsUnknownCommand(reply.code);
   features_ = reply.IsCompletion() ? ReadFeatures(reply.text) : FtpFeatures();
 }
 
@@ -144,40 +139,30 @@ Outcome MFtp::ModifiedTime(const std::string& path, std::optional<RemoteTime>& t
   });
 }
 
-// Many a server takes a name that begins with a date for a time that is to be set.
 Outcome MFtp::AskTime(const std::string& name, std::optional<RemoteTime>& time) {
-  if (!features_.modifiedTime) return {};
-  const bool misleads = ReadTimeVal(name).has_value();
-  const Reply reply = control_.SendCommand("MDTM " + std::string(misleads ? "./" : "") + name);
+  const auto command = AskTimeCommand(features_, name);
+  if (!command) return {};
+  const Reply reply = control_.SendCommand(*command);
   if (reply.code == kFileStatus) time = ReadTimeVal(reply.lastText);
-  if (IsUnknown(reply.code)) features_.modifiedTime = false;
+  if (IsUnknownCommand(reply.code)) features_.modifiedTime = false;
   if (reply.code == kGone) return FtpControl::CheckResult(reply);
   return {};
 }
 
-// The ways in the order of how plainly they are meant for it. One that the server turns out not to
-// know is not tried again on this connection.
+// A way that the server turns out not to know is not tried again on this connection.
 Outcome MFtp::SetModifiedTime(const std::string& path, std::int64_t seconds) {
   const Text failed("The server cannot set a file's time.");
-  const bool can = features_.setTime || features_.dateByMdtm || features_.siteTime;
-  const std::optional<std::string> time = WriteTimeVal(seconds);
-  if (!can || !time) return {Outcome::Kind::Refused, 0, failed};
   return control_.Guard([&]() -> Outcome {
     const auto [directory, name] = SplitPath(path);
-    if (Outcome there = GoTo(directory); !there.IsDone()) return there;
-    const std::array<std::pair<bool FtpFeatures::*, std::string>, 3> ways = {{
-        {&FtpFeatures::setTime, "MFMT " + *time + " " + name},
-        {&FtpFeatures::dateByMdtm, "MDTM " + *time + " " + name},
-        {&FtpFeatures::siteTime,
-         "SITE UTIME " + name + " " + *time + " " + *time + " " + *time + " UTC"},
-    }};
+    if (TimeCommand(features_, name, seconds)) {
+      if (Outcome there = GoTo(directory); !there.IsDone()) return there;
+    }
     Outcome outcome{Outcome::Kind::Refused, 0, failed};
-    for (const auto& [way, command] : ways) {
-      if (!(features_.*way)) continue;
-      const Reply reply = control_.SendCommand(command);
+    while (const auto command = TimeCommand(features_, name, seconds)) {
+      const Reply reply = control_.SendCommand(*command);
       outcome = FtpControl::CheckResult(reply, failed);
-      if (!IsUnknown(reply.code)) return outcome;
-      features_.*way = false;
+      if (!IsUnknownCommand(reply.code)) break;
+      DropTimeCommand(features_);
     }
     return outcome;
   });
@@ -205,7 +190,7 @@ Outcome MFtp::FreeSpace(const std::string& path, std::optional<std::int64_t>& by
     if (features_.room) {
       if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
       const Reply reply = control_.SendCommand("AVBL");
-      bytes = NumberOf(reply);
+      bytes = reply.FileStatus();
       return FtpControl::CheckResult(reply);
     }
     if (!asksQuota_) return {};

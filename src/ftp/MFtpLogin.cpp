@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <cctype>
 #include <utility>
 
 #include "ftp/FtpFailure.h"
@@ -15,10 +13,7 @@ namespace {
 using Kind = ConnectStep::Kind;
 using State = ConnectStep::State;
 
-bool SaysTooMany(std::string words) {
-  std::ranges::transform(words, words.begin(), [](unsigned char c) { return std::tolower(c); });
-  return words.find("too many") != std::string::npos || words.find("maximum") != std::string::npos;
-}
+constexpr int kGone = 421;
 
 }  // namespace
 
@@ -56,6 +51,7 @@ Outcome MFtp::Login() {
   binary_ = false;
   markerSet_ = false;
   knowsFeatures_ = false;
+  hashKind_ = DigestKind::None;
   cwd_.reset();
   if (!Tell(Text("Resolving address."))) return Outcome::Cancelled();
   std::vector<NLAddress> addresses;
@@ -154,7 +150,8 @@ Outcome MFtp::Reach(const std::vector<NLAddress>& addresses) {
   Step(Kind::Port, State::Done, Text("Port %1 answers.", port));
   if (reply.code < 400) return {};
   Outcome outcome = FtpControl::CheckResult(reply);
-  const bool later = SaysTooMany(reply.text) || reply.code == 421;
+  if (outcome.trouble == Outcome::Trouble::TooMany) return outcome;
+  const bool later = reply.code == kGone;
   outcome.kind = later ? Outcome::Kind::Busy : Outcome::Kind::Lost;
   outcome.text = Text::WithReason(Text("Connection to:  %1 FAILED!", site_.host), outcome.text);
   return outcome;
@@ -189,7 +186,7 @@ Outcome MFtp::Identify() {
 Outcome MFtp::RefusedLogin(const Reply& reply, const Text& text) {
   owner_->PlaySound(Sound::LoginFailed);
   Outcome outcome = FtpControl::CheckResult(reply, text);
-  const bool later = reply.code == 421 || SaysTooMany(reply.text);
+  const bool later = reply.code == kGone || outcome.trouble == Outcome::Trouble::TooMany;
   outcome.kind = later ? Outcome::Kind::Busy : Outcome::Kind::Refused;
   if (!later) outcome.trouble = Outcome::Trouble::RefusedLogin;
   return outcome;

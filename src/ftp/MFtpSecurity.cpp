@@ -173,8 +173,4 @@ Outcome MFtp::Fetch(const std::string& command, std::string_view logged, std::st
   return {};
 }
 
-std::optional<std::int64_t> MFtp::AskSize(const std::string& name) {
-  return NumberOf(control_.SendCommand("SIZE " + name));
-}
-
 }  // namespace corvane

@@ -33,6 +33,20 @@ bool IsLast(std::string_view line) {
 
 }  // namespace
 
+std::string_view WithoutLineEnd(std::string_view text) {
+  while (text.ends_with('\n') || text.ends_with(' ')) text.remove_suffix(1);
+  return text;
+}
+
+std::optional<std::int64_t> Reply::FileStatus() const {
+  constexpr int kFileStatus = 213;
+  if (code != kFileStatus) return std::nullopt;
+  const std::size_t digits = std::min(lastText.find_first_not_of(' '), lastText.size());
+  std::int64_t value = -1;
+  std::from_chars(lastText.data() + digits, lastText.data() + lastText.size(), value);
+  return value >= 0 ? std::optional(value) : std::nullopt;
+}
+
 std::optional<Reply> ReplyReader::Read(const std::function<void(std::string_view)>& onLine) {
   for (;;) {
     const std::optional<std::string> line = ReadLine();

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,6 +12,9 @@
 namespace corvane {
 
 class Stream;
+
+/// The text without the line ends and blanks that it ends with.
+[[nodiscard]] std::string_view WithoutLineEnd(std::string_view text);
 
 /// One complete reply of a server (RFC 959, 4.2).
 struct Reply {
@@ -21,6 +25,10 @@ struct Reply {
   /// Whether another reply follows to the command.
   [[nodiscard]] bool IsPreliminary() const { return code >= 100 && code < 200; }
   [[nodiscard]] bool IsCompletion() const { return code >= 200 && code < 300; }
+  /// What its last line says.
+  [[nodiscard]] std::string_view Words() const { return WithoutLineEnd(lastText); }
+  /// The number of a 213 reply (RFC 3659, 4.1); nothing of any other.
+  [[nodiscard]] std::optional<std::int64_t> FileStatus() const;
 };
 
 /// Reads replies from a stream, which it reads ahead into a buffer of its own. Knows nothing of

@@ -30,6 +30,7 @@ struct [[nodiscard]] Outcome {
     RefusedLogin = 4,  ///< user or password
     NoEncryption = 5,  ///< the server does not encrypt, or not as it should
     Certificate = 6,   ///< the user does not trust the server's certificate
+    TooMany = 7,       ///< the server takes no more connections at the moment
   };
 
   Kind kind = Kind::Done;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,6 +17,7 @@
 #include "remote/Loss.h"
 #include "remote/Outcome.h"
 #include "remote/RemoteEntry.h"
+#include "util/Digest.h"
 
 namespace corvane {
 
@@ -44,9 +46,28 @@ class RemoteFile {
   [[nodiscard]] virtual bool Wait(long milliseconds) = 0;
   /// Writes all the bytes.
   virtual Outcome Write(std::span<const char> bytes) = 0;
+
+  /// What is wanted of the server once a transfer has ended; asked for along with its end where
+  /// that saves time.
+  struct Afterwards {
+    std::optional<std::int64_t> setTime{};  ///< of a file that was written, in seconds since 1970
+    bool askSize = false;                   ///< of the file as it stands now
+    bool askTime = false;                   ///< when the file was changed
+    bool more = false;                      ///< another transfer follows at once
+  };
+  /// What has come of it.
+  struct Settled {
+    std::optional<Outcome> time{};         ///< of setting it; nothing where that was not tried
+    std::optional<std::int64_t> size{};    ///< nothing where the server did not tell
+    std::optional<RemoteTime> modified{};  ///< likewise
+  };
   /// Ends the transfer and takes the server's verdict. Done only when every byte has come or gone
-  /// as far as the server knows.
-  virtual Outcome Finish() = 0;
+  /// as far as the server knows; what was wanted afterwards does not change that.
+  virtual Outcome Finish(const Afterwards& wanted, Settled& settled) = 0;
+  Outcome Finish() {
+    Settled settled;
+    return Finish({}, settled);
+  }
 };
 
 /// One connection to a server, whatever its protocol. One thread at a time, see EngineLease; Close
@@ -99,13 +120,25 @@ class RemoteSession {
   virtual Outcome MakeDirectory(const std::string& path) = 0;
   virtual Outcome RemoveDirectory(const std::string& path) = 0;
   virtual Outcome RemoveFile(const std::string& path) = 0;
+  /// Removes files, one after another, and tells of each in turn; false from `each` to end it.
+  /// Not Done only where it ended before the last, and then as the one it ended at.
+  virtual Outcome RemoveFiles(std::span<const std::string> paths,
+                              const std::function<bool(std::size_t, const Outcome&)>& each) = 0;
   virtual Outcome Rename(const std::string& from, const std::string& to) = 0;
 
   /// Opens a file for reading from `offset` on.
   virtual Outcome OpenForReading(const std::string& path, std::int64_t offset,
                                  std::unique_ptr<RemoteFile>& file) = 0;
-  /// Opens a file for writing; what was there is replaced.
-  virtual Outcome OpenForWriting(const std::string& path, std::unique_ptr<RemoteFile>& file) = 0;
+  /// Opens a file for writing from `offset` on, where so much of it is there; with 0 what was there
+  /// is replaced. Refused where the server cannot begin at an offset.
+  virtual Outcome OpenForWriting(const std::string& path, std::int64_t offset,
+                                 std::unique_ptr<RemoteFile>& file) = 0;
+
+  /// The strongest checksum that the server makes of a file; None where it makes none. Once
+  /// connected.
+  [[nodiscard]] virtual DigestKind OffersDigest() const = 0;
+  /// That checksum of a file, as bytes. Takes as long as the server needs to read the file.
+  virtual Outcome Checksum(const std::string& path, DigestKind kind, std::string& digest) = 0;
 
   /// The connection is gone, and how.
   [[nodiscard]] virtual bool IsLost() const = 0;

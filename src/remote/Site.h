@@ -41,6 +41,8 @@ struct Proxy {
 /// Where and as whom to connect, and how. The one form of a connection, from window, shortcut, tray
 /// and command line to the session. A value; texts are raw bytes.
 struct Site {
+  static constexpr std::int32_t kMostConnections = 8;  ///< of one transfer
+
   std::string host{};
   std::uint16_t port = 21;
   std::string user{};
@@ -55,6 +57,7 @@ struct Site {
   bool keptPassword = false;        ///< the password stands in the secret store
   bool warnsOfPlain = false;        ///< the user is asked before a password goes unencrypted
   std::int32_t keepAlive = 0;       ///< seconds between signs of life while idle; 0 for none
+  std::int32_t connections = 0;     ///< at most so many for one transfer; 0 as the settings say
 
   friend bool operator==(const Site&, const Site&) = default;
 };

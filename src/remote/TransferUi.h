@@ -8,17 +8,29 @@
 
 namespace corvane {
 
-/// How far a transfer is. The worker writes after every buffer, the window reads when it draws.
+/// How it was made sure that what arrived is what was sent, for the file of which least is known.
+enum class Proof : std::uint8_t { None, Size, Crc32, Md5, Sha1, Sha256, Sha512 };
+
+/// How far a transfer is, of one file or of a tree. The workers add after every buffer, the window
+/// reads when it draws.
 struct TransferProgress {
-  std::atomic<std::int64_t> start{0};    ///< bytes of the current file that were there before
-  std::atomic<std::int64_t> done{0};     ///< bytes of the current file moved since
-  std::atomic<std::int64_t> total{0};    ///< the current file's size; 0 when unknown
-  std::atomic<std::int64_t> elapsed{0};  ///< microseconds since the current file's first byte
-  std::atomic<std::int64_t> files{0};    ///< files that are done; counted in folders only
-  std::atomic<bool> changed{false};      ///< set by the worker, cleared by the window
+  std::atomic<std::int64_t> moved{0};     ///< bytes that have come or gone; never shrinks
+  std::atomic<std::int64_t> there{0};     ///< bytes that stand where they belong, old ones included
+  std::atomic<std::int64_t> total{0};     ///< of all files that are known; 0 when unknown
+  std::atomic<std::int64_t> files{0};     ///< files that are done
+  std::atomic<std::int64_t> allFiles{0};  ///< files that are known
+  std::atomic<bool> planning{false};      ///< more files may be found
+  std::atomic<std::int64_t> heard{0};     ///< when the last byte moved: steady milliseconds; or 0
+  std::atomic<std::int64_t> elapsed{0};   ///< microseconds for which bytes have been moving
+  std::atomic<int> connections{0};        ///< that work now
+  std::atomic<Proof> proof{Proof::None};  ///< of what is done
+  std::atomic<bool> advanced{false};      ///< at the end: it got further than it was before
+  std::atomic<bool> changed{false};       ///< set by a worker, cleared by the window
 };
 
-enum class TransferEnd { Finished, Failed, Cancelled };
+/// How a transfer has ended for now. Again: for a reason that may pass, so that it is worth another
+/// try.
+enum class TransferEnd { Finished, Failed, Cancelled, Again };
 
 /// What a transfer row offers its transfer; a status stands in place of the file's label. Any
 /// thread may call; every call returns at once and returns false once the row is closing: the

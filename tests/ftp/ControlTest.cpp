@@ -148,7 +148,7 @@ TEST(Login, ReportsEveryFailure) {
   const std::string gone = "Lost: Connection to:  127.0.0.1 FAILED!\n\n";
   const std::string refused = "Refused: Login to: 127.0.0.1 failed.\n";
   const std::string closing = "Service not available, closing control connection!\n\nFull";
-  const std::string full = "Busy: Login to: 127.0.0.1 failed.\nInvalid Username or Password.\n\n";
+  const std::string full = "Busy: The server takes no more connections at the moment.\n\n";
   using Trouble = Outcome::Trouble;
   const std::tuple<std::string, ScriptedAction, std::string, Trouble> cases[] = {
       {"greeting", {.reply = "220 he", .control = ControlEnd::Reset}, gone + "*", Trouble::Other},
@@ -168,7 +168,16 @@ TEST(Login, ReportsEveryFailure) {
        {.reply = "530 No\r\n"},
        refused + "Invalid Username or Password.\n\nNo",
        Trouble::RefusedLogin},
-      {"PASS", {.reply = "530 Too many users\r\n"}, full + "Too many users", Trouble::Other},
+      {"PASS", {.reply = "530 Too many users\r\n"}, full + "Too many users", Trouble::TooMany},
+      {"greeting",
+       {.reply = "421 2 users (the MAXIMUM) are logged in\r\n"},
+       full + "2 users (the MAXIMUM) are logged in",
+       Trouble::TooMany},
+      {"USER", {.reply = "421 Connection limit\r\n"}, full + "Connection limit", Trouble::TooMany},
+      {"PASS",
+       {.reply = "530 Maximum login attempts exceeded\r\n"},
+       refused + "Invalid Username or Password.\n\nMaximum login attempts exceeded",
+       Trouble::RefusedLogin},
       {"PASS",
        {.reply = "550 No\r\n"},
        "Refused: Login to: 127.0.0.1 as anonymous failed.\n\nNo",
@@ -188,7 +197,8 @@ TEST(Login, ReportsEveryFailure) {
     EXPECT_EQ(outcome.trouble, trouble) << verb << *action.reply;
     const std::string reply = action.reply->substr(0, action.reply->find('\r'));
     EXPECT_EQ(outcome.server, outcome.code != 0 ? reply : "");
-    EXPECT_EQ(s.ui->Seen().sounds.empty(), told.find("Connection to") != std::string::npos);
+    EXPECT_EQ(s.ui->Seen().sounds.empty(),
+              verb == "greeting" || told.find("Connection to") != std::string::npos);
     EXPECT_EQ(s.server.Transcript().size(), verb == "greeting" ? 0U : verb == "USER" ? 2U : 3U);
     EXPECT_TRUE(s.engine.IsLost());
   }

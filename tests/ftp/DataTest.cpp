@@ -291,7 +291,7 @@ TEST(Transfer, TakesTheVerdictOnWhatItWrites) {
       s.server.On("STOR", action);
       s.LogIn();
       std::unique_ptr<RemoteFile> file;
-      Outcome outcome = s.engine.OpenForWriting("/f", file);
+      Outcome outcome = s.engine.OpenForWriting("/f", 0, file);
       if (outcome.IsDone()) outcome = file->Write(bytes);
       if (outcome.IsDone()) outcome = file->Finish();
       EXPECT_TRUE(Told(outcome).starts_with(lost ? "Lost: " : "Refused: Error in parameters"));

@@ -261,8 +261,9 @@ class ScriptedSession {
       Say("550 No such file.\r\n");
     } else if (verb == "RETR") {
       SendData(bytes ? bytes->substr(std::min(restart_, bytes->size())) : "");
-    } else if (verb == "STOR") {
-      ReceiveData(path);
+    } else if (verb == "STOR" || verb == "APPE") {
+      ReceiveData(path,
+                  bytes.value_or("").substr(0, verb == "APPE" ? std::string::npos : restart_));
     } else {
       Say("502 Not known here.\r\n");
     }
@@ -276,10 +277,9 @@ class ScriptedSession {
     EndData(std::move(data), whole);
   }
 
-  void ReceiveData(const std::string& path) {
+  void ReceiveData(const std::string& path, std::string bytes) {
     UniqueFd data = BeginData();
     if (!data) return;
-    std::string bytes;
     std::string more = "begin";
     while (!more.empty() && bytes.size() < action_.dataLimit) {
       const std::size_t most = std::min<std::size_t>(action_.dataLimit - bytes.size(), 65536);

@@ -1,0 +1,79 @@
+#include <algorithm>
+#include <cctype>
+#include <string>
+#include <utility>
+
+#include "ftp/FtpControl.h"
+
+namespace corvane {
+namespace {
+
+constexpr int kGone = 421;
+constexpr int kNoDataConnection = 425;
+constexpr int kNotLoggedIn = 530;
+
+// Words of the codes that a server turns a connection away with, as far as they do not speak of
+// wrong passwords or of silence.
+bool SaysTooMany(const Reply& reply) {
+  if (reply.code != kGone && reply.code != kNoDataConnection && reply.code != kNotLoggedIn)
+    return false;
+  std::string words = reply.text;
+  std::ranges::transform(words, words.begin(), [](unsigned char c) { return std::tolower(c); });
+  const auto say = [&words](auto... phrases) {
+    return ((words.find(phrases) != std::string::npos) || ...);
+  };
+  if (say("attempt", "fail", "idle", "time limit", "timeout", "timed", "limited")) return false;
+  return say("too many", "maximum", "limit", "already connected");
+}
+
+Outcome::Kind KindOf(int code) {
+  switch (code) {
+    case kGone: return Outcome::Kind::Lost;
+    case kNoDataConnection:
+    case 426:
+    case 450: return Outcome::Kind::Busy;
+    default: return Outcome::Kind::Refused;
+  }
+}
+
+// What is said of a refusal where the caller has no words of its own.
+Text WordsFor(int code) {
+  switch (code) {
+    case 426:
+    case 450:
+    case 451:
+    case 452:
+    case 500:
+    case 501: return Text("Error in parameters");
+    case 502: return Text("Command not implemented!");
+    case 503: return Text("Bad sequence of commands!");
+    case 504:
+    case kNotLoggedIn:
+    case 532:
+    case 550: return {};
+    default: return Text("The server refused the request.");
+  }
+}
+
+}  // namespace
+
+Outcome FtpControl::CheckResult(const Reply& reply, const Text& failed, int wanted) {
+  if (reply.code / 100 == wanted) return {Outcome::Kind::Done, reply.code};
+  const Text words = Text::Raw(reply.Words());
+  std::string server(WithoutLineEnd(reply.text));
+  if (SaysTooMany(reply)) {
+    return {Outcome::Kind::Busy, reply.code,
+            Text::WithReason(Text("The server takes no more connections at the moment."), words),
+            std::move(server), Outcome::Trouble::TooMany};
+  }
+  if (reply.code == kGone) {
+    return {Outcome::Kind::Lost, kGone,
+            Text::WithReason(Text("Service not available, closing control connection!"), words),
+            std::move(server)};
+  }
+  return {KindOf(reply.code), reply.code,
+          Text::WithReason(failed.IsEmpty() ? WordsFor(reply.code) : failed, words),
+          std::move(server)};
+}
+
+}  // namespace corvane

@@ -25,14 +25,29 @@ Outcome EntryChanges::Delete(const Message& entries, Text& verdict) {
   Refusals refused;
   TreeRemover remover(session_, window_, refused, directory);
   const std::size_t count = entries.CountValues("name");
-  for (std::size_t i = 0; i < count && !stopped_ && !session_.IsLost(); ++i) {
-    const std::string name = entries.FindString("name", i).value_or("");
-    const auto kind = static_cast<RemoteEntry::Kind>(entries.FindInt32("type", i).value_or(1));
-    const bool deleted = remover.Remove(name, kind);
+  bool open = true;
+  std::size_t next = 0;
+  const auto nameOf = [&](std::size_t i) { return entries.FindString("name", i).value_or(""); };
+  const auto isDirectory = [&](std::size_t i) {
+    return entries.FindInt32("type", i) == static_cast<std::int32_t>(RemoteEntry::Kind::Directory);
+  };
+  const auto tell = [&](bool deleted) {
     verdict = deleted ? Text("Deletion Success.") : Text("Deletion Failed.");
     window_.SetStatus(verdict);
-    if (deleted && !window_.RemoveEntry(name, directory)) return Outcome::Cancelled();
+    if (deleted) open = window_.RemoveEntry(nameOf(next), directory);
+    ++next;
+    return open && !stopped_ && !session_.IsLost();
+  };
+  for (bool more = true; more && next < count && !stopped_ && !session_.IsLost();) {
+    std::vector<std::string> files;
+    for (std::size_t i = next; i < count && !isDirectory(i); ++i) files.push_back(nameOf(i));
+    if (files.empty()) {
+      more = tell(remover.RemoveDirectory(nameOf(next)));
+    } else {
+      remover.RemoveFiles(files, [&](bool deleted) { return more = tell(deleted); });
+    }
   }
+  if (!open) return Outcome::Cancelled();
   if (refused.Count() == 0) return Ended({});
   return Ended(Text::WithReason(Text("The server did not delete everything:"), refused.Lines()));
 }

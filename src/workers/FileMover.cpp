@@ -1,153 +1,255 @@
 #include "workers/FileMover.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <optional>
-#include <vector>
+#include <chrono>
+#include <exception>
+#include <utility>
 
-#include "remote/TransferUi.h"
+#include "kit/Background.h"
+#include "remote/RemotePath.h"
+#include "util/Encodings.h"
 #include "util/ErrorText.h"
-#include "workers/TransferPump.h"
+#include "util/PartFile.h"
+#include "workers/FileDownload.h"
+#include "workers/FileUpload.h"
+#include "workers/TreePlanner.h"
 
 namespace corvane {
 namespace {
 
-// How much of a file's end is compared before it is gone on with.
-constexpr std::int64_t kTail = std::int64_t{64} * 1024;
+using Kind = Outcome::Kind;
 
-bool StopsAll(int error) {
-  return error == ENOSPC || error == EDQUOT || error == EFBIG || error == EIO || error == EROFS;
+std::int64_t Now() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+// A name that leads elsewhere is refused. What had a part file's name would be removed together
+// with the part files of killed transfers.
+Outcome CheckName(const JobBoard::Work& work, const transferStruct& what) {
+  if (!what.download) {
+    if (!work.InFolder() || Encoded(work.name, what.site.encoding)) return {};
+    return Outcome::LocalError(
+        Text("The name has letters that %1 does not have.", what.site.encoding));
+  }
+  if (work.job.kind == RemoteEntry::Kind::Directory) {
+    if (IsSafeLocalName(work.name)) return {};
+    return Outcome::LocalError(Text("The name \"%1\" cannot be a local folder's.", work.name));
+  }
+  if (IsSafeLocalName(work.name) && !PartFile::IsPartName(work.name)) return {};
+  return Outcome::LocalError(Text("The name \"%1\" cannot be used for a local file.", work.name));
 }
 
 }  // namespace
 
-Outcome WriteFailure(int error) {
-  return {StopsAll(error) ? Outcome::Kind::LocalFull : Outcome::Kind::LocalError, 0,
-          Text("Could not write the file: %1", ErrorText(error))};
+FileMover::FileMover(TransferRun& run, SessionPool::Lease lease)
+    : run_(run), lease_(std::move(lease)), session_(lease_.Session()), own_(true) {}
+
+FileMover::FileMover(TransferRun& run, std::shared_ptr<RemoteSession> session)
+    : run_(run), session_(std::move(session)), own_(false) {}
+
+bool FileMover::Start(std::function<void()> ended) {
+  tellEnd_ = std::move(ended);
+  return Background::Start("mover", [this] { Work(); });
 }
 
-Outcome FileMover::Download(const std::string& remote, std::int64_t size, LocalFile& file,
-                            bool resume, Durability durability) {
-  std::unique_ptr<RemoteFile> data;
-  Outcome outcome =
-      resume ? Resume(remote, size, file, data) : session_.OpenForReading(remote, 0, data);
-  if (!outcome.IsDone()) return outcome;
-  outcome = Receive(*data, file);
-  if (!outcome.IsDone()) return outcome;
-  outcome = Finish(*data, remote, file.Position());
-  if (!outcome.IsDone()) return outcome;
-  outcome = CameWhole(remote, size, file.Position());
-  if (!outcome.IsDone()) return outcome;
-  const int error = file.Commit(durability);
-  return error == 0 ? Outcome{} : WriteFailure(error);
+void FileMover::Stop() {
+  leaves_ = true;
+  CloseOwn();
 }
 
-// Begins a little before the end of what is there. Afterwards `data` stands where `file` does, and
-// `listed` is what the server says now.
-Outcome FileMover::Resume(const std::string& remote, std::int64_t& listed, LocalFile& file,
-                          std::unique_ptr<RemoteFile>& data) {
-  const std::int64_t have = file.InitialSize();
-  std::optional<std::int64_t> size;
-  if (Outcome asked = session_.Size(remote, size); asked.kind == Outcome::Kind::Lost) return asked;
-  listed = size.value_or(listed);
-  bool same = size && *size >= have;
-  const std::int64_t offset = same ? std::max<std::int64_t>(have - kTail, 0) : 0;
-  Outcome outcome = session_.OpenForReading(remote, offset, data);
-  if (!outcome.IsDone()) return outcome;
-  const bool fromStart = data->Offset() == 0;
-  same = same && data->Offset() == offset;
-  if (same) outcome = SameTail(*data, file, same);
-  if (!outcome.IsDone()) return outcome;
-  if (same) {
-    progress_.start = have;
-    return outcome;
+void FileMover::GiveUp() {
+  gaveUp_ = true;
+  CloseOwn();
+  if (!own_) session_->Interrupt();
+}
+
+// Once it is given back it may be somebody else's.
+void FileMover::CloseOwn() {
+  const MutexLock hold(lock_);
+  if (own_ && !returned_) session_->Close();
+}
+
+std::int64_t FileMover::Silence() const {
+  const std::int64_t since = movingSince_;
+  if (since == 0) return 0;
+  return std::max<std::int64_t>(0, Now() - std::max(since, heard_.load()));
+}
+
+void FileMover::Work() {
+  try {
+    result_ = Connect();
+    if (result_.IsDone()) result_ = CarryAll();
+  } catch (const std::exception& error) {
+    result_ = Outcome::LocalError(Text("The transfer could not be carried out: %1", error.what()));
+    result_.kind = Kind::LocalFull;
   }
-  if (const int error = file.StartAfresh(); error != 0) return WriteFailure(error);
-  const bool untouched = fromStart && (offset > 0 || !size || *size < have);
-  if (untouched) return outcome;
-  data.reset();
-  return session_.OpenForReading(remote, 0, data);
+  {
+    const MutexLock hold(lock_);
+    returned_ = true;
+  }
+  lease_.GiveBack();
+  // Once this is set the object may go at any moment.
+  const auto tell = std::move(tellEnd_);
+  ended_ = true;
+  tell();
 }
 
-// Reads what the server has in place of the local file's end and compares.
-Outcome FileMover::SameTail(RemoteFile& data, LocalFile& file, bool& same) {
-  const std::int64_t offset = data.Offset();
-  std::vector<char> local(static_cast<std::size_t>(file.InitialSize() - offset));
-  std::vector<char> remote(local.size());
-  std::size_t count = 0;
-  same = file.ReadAt(offset, local, count) == 0 && count == local.size();
-  for (std::size_t have = 0; same && have < remote.size(); have += count) {
-    if (Outcome outcome = data.Read(std::span(remote).subspan(have), count); !outcome.IsDone())
-      return outcome;
-    if (count == 0) same = false;
+Outcome FileMover::Connect() {
+  Outcome outcome;
+  if (own_ && (session_->IsLost() || !session_->IsAlive())) outcome = session_->Connect();
+  connected_ = outcome.IsDone();
+  return outcome;
+}
+
+Outcome FileMover::CarryAll() {
+  while (!leaves_) {
+    const auto work = run_.board.Take(near_);
+    if (!work) return {};
+    near_ = work->parent;
+    std::int64_t size = -1;
+    Outcome outcome;
+    try {
+      outcome = Carry(*work, size);
+    } catch (...) {
+      run_.board.PutBack(work->id);
+      throw;
+    }
+    movingSince_ = 0;
+    if (gaveUp_ && !outcome.IsDone())
+      outcome = {Kind::Lost, 0, Text("Nothing comes from the server any more.")};
+    if (Settle(*work, outcome, size)) return outcome;
   }
-  same = same && local == remote;
   return {};
 }
 
-Outcome FileMover::Receive(RemoteFile& data, LocalFile& file) {
-  TransferPump pump(progress_, bufferSize_);
-  while (!cancelled_) {
-    std::size_t count = 0;
-    const std::span<char> buffer = pump.Buffer();
-    if (Outcome outcome = data.Read(buffer, count); !outcome.IsDone()) return outcome;
-    if (count == 0) return {};
-    if (const int error = file.Write(buffer.first(count)); error != 0) return WriteFailure(error);
-    pump.Count(count);
-    pump.Grow(count);
-  }
-  return Outcome::Cancelled();
-}
-
-// A file of another length than listed may have shrunk or grown since; the server is asked. One
-// that goes on growing is larger by now, and one whose size it does not tell may have grown.
-Outcome FileMover::CameWhole(const std::string& remote, std::int64_t listed, std::int64_t have) {
-  if (listed < 0 || have == listed) return {};
-  std::optional<std::int64_t> size;
-  if (Outcome asked = session_.Size(remote, size);
-      asked.kind == Outcome::Kind::Lost || asked.kind == Outcome::Kind::Cancelled)
-    return asked;
-  if (size == have || (have > listed && size.value_or(have) >= have)) return {};
-  return {Outcome::Kind::Busy, 0,
-          have < listed ? Text("Only %1 of %2 bytes came.", have, listed)
-                        : Text("%1 bytes came of a file that has %2.", have, *size)};
-}
-
-Outcome FileMover::Upload(LocalFile& file, const std::string& remote) {
-  std::unique_ptr<RemoteFile> data;
-  Outcome outcome = session_.OpenForWriting(remote, data);
-  if (!outcome.IsDone()) return outcome;
-  outcome = Send(*data, file);
-  return outcome.IsDone() ? Finish(*data, remote, file.Position()) : outcome;
-}
-
-// The server's verdict or, where it was lost, what the server has after a new login.
-Outcome FileMover::Finish(RemoteFile& data, const std::string& remote, std::int64_t moved) {
-  Outcome outcome = data.Finish();
-  if (outcome.kind != Outcome::Kind::Lost || !reconnects_ || cancelled_) return outcome;
-  std::optional<std::int64_t> size;
-  if (!session_.Connect().IsDone() || !session_.Size(remote, size).IsDone()) return outcome;
-  return size == moved ? Outcome{} : outcome;
-}
-
-Outcome FileMover::Send(RemoteFile& data, LocalFile& file) {
-  std::int64_t missing = file.InitialSize();
-  TransferPump pump(progress_, bufferSize_);
-  while (!cancelled_) {
-    std::size_t count = 0;
-    const std::span<char> buffer = pump.Buffer();
-    if (const int error = file.Read(buffer, count); error != 0)
-      return Outcome::LocalError(Text("Could not read the file: %1", ErrorText(error)));
-    if (count == 0) {
-      if (missing <= 0) return {};
-      return Outcome::LocalError(Text("The file became shorter while it was being sent."));
+Outcome FileMover::Carry(const JobBoard::Work& work, std::int64_t& size) {
+  if (run_.cancelled) return Outcome::Cancelled();
+  Outcome named = CheckName(work, run_.what);
+  if (!named.IsDone()) return named;
+  if (work.job.kind != RemoteEntry::Kind::Directory) return CarryFile(work, size);
+  const LocalFolder* above = nullptr;
+  if (run_.what.download) {
+    if (const int error = OpenFolder(SplitPath(work.job.local).first, above); error != 0) {
+      Outcome outcome = WriteFailure(error);
+      outcome.text = Text("Could not make the folder: %1", ErrorText(error));
+      return outcome;
     }
-    missing -= static_cast<std::int64_t>(count);
-    if (Outcome outcome = data.Write(buffer.first(count)); !outcome.IsDone()) return outcome;
-    pump.Count(count);
-    pump.Grow(count);
   }
-  return Outcome::Cancelled();
+  TreePlanner planner(run_, *session_);
+  Outcome outcome = planner.Plan(work, above != nullptr ? *above : run_.target);
+  if (outcome.IsDone()) near_ = work.id;
+  if (planner.HeldNothing()) Complete(work);
+  return outcome;
+}
+
+Outcome FileMover::CarryFile(const JobBoard::Work& work, std::int64_t& size) {
+  heard_ = 0;
+  movingSince_ = Now();
+  Outcome outcome;
+  if (run_.what.download) {
+    const LocalFolder* folder = nullptr;
+    if (const int error = OpenFolder(SplitPath(work.job.local).first, folder); error != 0)
+      return WriteFailure(error);
+    FileDownload download(run_, *session_, work, own_, heard_);
+    outcome = download.Fetch(*folder);
+    size = download.Size();
+  } else {
+    FileUpload upload(run_, *session_, work, own_, heard_);
+    outcome = upload.Send();
+    size = upload.Size();
+  }
+  return outcome;
+}
+
+bool FileMover::Settle(const JobBoard::Work& work, const Outcome& outcome, std::int64_t size) {
+  const bool directory = work.job.kind == RemoteEntry::Kind::Directory;
+  const bool alone = run_.board.ChosenCount() == 1 && !work.InFolder();
+  JobBoard& board = run_.board;
+  std::optional<JobBoard::Work> above;
+  if (run_.cancelled && !outcome.IsDone()) {
+    board.PutBack(work.id);
+    return true;
+  }
+  switch (outcome.kind) {
+    case Kind::Done:
+      if (!outcome.text.IsEmpty()) {
+        run_.notes.Note(directory ? Text("Left out: %1 (%2)", work.shown, outcome.text)
+                                  : Text("%1: %2", work.shown, outcome.text));
+      } else if (directory) {
+        return false;  // what was found in it ends it
+      } else {
+        board.Describe(work.id, RemoteEntry::Kind::File, size);
+        if (!work.InFolder()) TellAdded(work, size);
+      }
+      above = board.End(work.id, run_.syncsAtEnd ? JobState::Moved : JobState::Done);
+      break;
+    case Kind::Refused:
+    case Kind::LocalError:
+      run_.notes.Failed(work.shown, outcome, alone);
+      above = board.End(work.id, JobState::Failed);
+      break;
+    case Kind::Busy:
+      board.PutBack(work.id);
+      run_.NoteDelay(outcome);
+      return false;
+    case Kind::LocalFull:
+      run_.notes.Failed(work.shown, outcome, alone);
+      board.PutBack(work.id);
+      return true;
+    case Kind::Lost:
+    case Kind::Cancelled: board.PutBack(work.id); return true;
+  }
+  if (above) Complete(*above);
+  return false;
+}
+
+// A directory ends with the last thing in it, and may be the last in the one above.
+void FileMover::Complete(const JobBoard::Work& directory) {
+  TreePlanner planner(run_, *session_);
+  for (std::optional<JobBoard::Work> at = directory; at;) {
+    const LocalFolder* itself = nullptr;
+    const bool known = !run_.what.download || OpenFolder(at->job.local, itself) == 0;
+    if (known && !run_.cancelled) planner.Complete(*at, itself != nullptr ? *itself : run_.target);
+    if (!at->InFolder()) TellAdded(*at, -1);
+    at = run_.board.End(at->id, run_.syncsAtEnd ? JobState::Moved : JobState::Done);
+  }
+}
+
+// Step by step from the target, so that nothing outside is reached.
+int FileMover::OpenFolder(const std::string& local, const LocalFolder*& folder) {
+  const std::string top = WithoutTrailingSlash(run_.what.targetFolder);
+  const std::string below = local.size() > top.size() ? local.substr(top.size() + 1) : "";
+  folder = below.empty() ? &run_.target : &folder_;
+  if (below.empty() || below == folderPath_) return 0;
+  folderPath_.clear();
+  const LocalFolder* above = &run_.target;
+  LocalFolder opened;
+  for (std::size_t begin = 0; begin < below.size();) {
+    const std::size_t end = std::min(below.find('/', begin), below.size());
+    LocalFolder next;
+    if (const int error = next.Enter(*above, below.substr(begin, end - begin)); error != 0)
+      return error;
+    opened = std::move(next);
+    above = &opened;
+    begin = end + 1;
+  }
+  folder_ = std::move(opened);
+  folderPath_ = below;
+  return 0;
+}
+
+// Lets the browser window show what its directory has gained; a folder has no size.
+void FileMover::TellAdded(const JobBoard::Work& work, std::int64_t size) {
+  if (run_.what.download) return;
+  const auto [directory, name] = SplitPath(work.job.remote);
+  const bool folder = work.job.kind == RemoteEntry::Kind::Directory;
+  Message added("ADDI"_what);
+  added.AddString("FileName", name);
+  added.AddString("Path", directory);
+  added.AddString("Type", folder ? "d" : "f");
+  if (!folder) added.AddInt64("fSize", size);
+  run_.row.PostMessage(std::move(added));
 }
 
 }  // namespace corvane

@@ -2,59 +2,79 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "kit/Mutex.h"
+#include "queue/JobBoard.h"
 #include "remote/RemoteSession.h"
-#include "util/LocalFile.h"
-#include "workers/transferStruct.h"
+#include "workers/SessionPool.h"
+#include "workers/TransferRun.h"
 
 namespace corvane {
 
-class TransferPump;
-class TransferUi;
-struct TransferProgress;
-
-/// Moves one file at a time between a session and this machine, and says how far it is. Worker
-/// threads; the caller holds the session's lease.
+/// Carries out one job after another of a transfer, on one session and one thread. Whoever starts
+/// it keeps it and all that it refers to until it has ended.
 class FileMover {
  public:
-  /// Nothing is owned. `bufferSize`: bytes with which a file's buffer starts.
-  /// With `reconnects` a connection that is lost once all the data has come or gone is answered by
-  /// a new one, and by a look at the file's size on the server.
-  FileMover(RemoteSession& session, TransferProgress& progress, const std::atomic<bool>& cancelled,
-            std::int32_t bufferSize, bool reconnects)
-      : session_(session),
-        progress_(progress),
-        cancelled_(cancelled),
-        bufferSize_(bufferSize),
-        reconnects_(reconnects) {}
+  /// With a session of its own, which it connects where that is needed.
+  FileMover(TransferRun& run, SessionPool::Lease lease);
+  /// With a browser window's session, which is connected and stays so; the caller holds its
+  /// EngineLease.
+  FileMover(TransferRun& run, std::shared_ptr<RemoteSession> session);
 
-  /// Fetches `remote`, of `size` bytes as listed or -1, into `file`, which was opened as the policy
-  /// has it, and commits it. A resumed file is gone on with only where its end is the server's too;
-  /// else the file comes afresh, and what is there stays until it is whole.
-  Outcome Download(const std::string& remote, std::int64_t size, LocalFile& file, bool resume,
-                   Durability durability);
-  /// Stores what `file` holds from its beginning as `remote`; what is there is replaced.
-  Outcome Upload(LocalFile& file, const std::string& remote);
+  /// Begins. `ended` is called on its thread as the last thing. False when the system has no
+  /// thread to give; then nothing happens.
+  bool Start(std::function<void()> ended);
+
+  /// Any thread: ends soon; what was begun is put back. Its own session is of no use then.
+  void Stop();
+  /// Any thread: nothing has come or gone for too long. It ends as one whose connection is lost.
+  void GiveUp();
+  /// Any thread: ends once the job that it works on has ended.
+  void Leave() { leaves_ = true; }
+  [[nodiscard]] bool Leaves() const { return leaves_; }
+
+  /// Any thread.
+  [[nodiscard]] bool HasEnded() const { return ended_; }
+  [[nodiscard]] bool IsConnected() const { return connected_ && !ended_; }
+  /// For how long, in milliseconds, bytes were to move and none did; 0 while none are to.
+  [[nodiscard]] std::int64_t Silence() const;
+  /// Once it has ended: Done, or what ended it; whether that was before it had connected.
+  [[nodiscard]] const Outcome& Result() const { return result_; }
+  [[nodiscard]] bool NeverConnected() const { return !connected_; }
 
  private:
-  Outcome Resume(const std::string& remote, std::int64_t& listed, LocalFile& file,
-                 std::unique_ptr<RemoteFile>& data);
-  Outcome SameTail(RemoteFile& data, LocalFile& file, bool& same);
-  Outcome Receive(RemoteFile& data, LocalFile& file);
-  Outcome Send(RemoteFile& data, LocalFile& file);
-  Outcome Finish(RemoteFile& data, const std::string& remote, std::int64_t moved);
-  Outcome CameWhole(const std::string& remote, std::int64_t listed, std::int64_t have);
+  void Work();
+  void CloseOwn() EXCLUDES(lock_);
+  Outcome Connect();
+  Outcome CarryAll();
+  Outcome Carry(const JobBoard::Work& work, std::int64_t& size);
+  Outcome CarryFile(const JobBoard::Work& work, std::int64_t& size);
+  /// Whether this mover ends with it.
+  [[nodiscard]] bool Settle(const JobBoard::Work& work, const Outcome& outcome, std::int64_t size);
+  void Complete(const JobBoard::Work& directory);
+  int OpenFolder(const std::string& local, const LocalFolder*& folder);
+  void TellAdded(const JobBoard::Work& work, std::int64_t size);
 
-  RemoteSession& session_;
-  TransferProgress& progress_;
-  const std::atomic<bool>& cancelled_;
-  const std::int32_t bufferSize_;
-  const bool reconnects_;
+  TransferRun& run_;
+  SessionPool::Lease lease_;
+  const std::shared_ptr<RemoteSession> session_;
+  const bool own_;
+  std::function<void()> tellEnd_;
+  std::atomic<bool> leaves_{false};
+  std::atomic<bool> gaveUp_{false};
+  std::atomic<bool> connected_{false};
+  std::atomic<bool> ended_{false};
+  std::atomic<std::int64_t> movingSince_{0};  // steady milliseconds; 0 while no file moves
+  std::atomic<std::int64_t> heard_{0};        // when the last byte of that file moved, likewise
+  Mutex lock_;
+  bool returned_ GUARDED_BY(lock_) = false;  // the session is not this mover's any more
+  Outcome result_;
+  JobId near_ = kNoJob;
+  std::string folderPath_;  // below the target, of folder_
+  LocalFolder folder_;
 };
-
-/// An outcome for an errno number of writing: where there is no room, nothing that follows fits.
-[[nodiscard]] Outcome WriteFailure(int error);
 
 }  // namespace corvane

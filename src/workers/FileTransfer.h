@@ -1,94 +1,93 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
+#include <vector>
 
 #include "kit/Mutex.h"
+#include "queue/Governor.h"
+#include "queue/JobBoard.h"
+#include "queue/TransferSpeed.h"
+#include "queue/transferStruct.h"
 #include "remote/BrowserUi.h"
 #include "remote/RemoteSession.h"
 #include "remote/TransferUi.h"
 #include "workers/FileMover.h"
 #include "workers/MThread.h"
-#include "workers/TransferNotes.h"
-#include "workers/WayDown.h"
-#include "workers/transferStruct.h"
+#include "workers/SessionPool.h"
+#include "workers/TransferRun.h"
 
 namespace corvane {
 
-class LocalFolder;
-
-/// Carries out one transfer of files and folders and reports into its row. Own thread; Cancel from
-/// any thread.
+/// Carries out the jobs of one row, with several sessions at once where that is faster, and reports
+/// into the row. Own thread; Cancel from any thread.
 ///
-/// An entry that the server or this machine refuses is noted in the row, and the rest goes on; but
-/// an upload leaves the folder in which that happened. A full disk or a lost connection ends the
-/// transfer, and so does a server that is busy for several entries in a row.
+/// An entry that the server or this machine refuses is noted in the row, and the rest goes on. A
+/// full disk ends the transfer; a busy server or a lost connection ends it for now, with what is
+/// left on the board for another try.
 class FileTransfer : public MThread {
  public:
-  /// With a `window` the session is that browser window's, connected already, and stays open;
-  /// without, it is this transfer's own: connected here and closed at the end.
+  /// With sessions of `pool`. `speed` may be null.
   FileTransfer(std::shared_ptr<TransferUi> row, transferStruct description,
-               std::shared_ptr<RemoteSession> session, std::shared_ptr<BrowserUi> window = {});
+               std::shared_ptr<JobBoard> board, std::shared_ptr<SessionPool> pool,
+               std::shared_ptr<TransferSpeed> speed);
+  /// With the session of a browser's `window`, which is connected already and stays open.
+  FileTransfer(std::shared_ptr<TransferUi> row, transferStruct description,
+               std::shared_ptr<JobBoard> board, std::shared_ptr<RemoteSession> session,
+               std::shared_ptr<BrowserUi> window, std::shared_ptr<TransferSpeed> speed);
 
   void Cancel() override;
+
+  /// How long nothing may come or go while a file moves.
+  std::chrono::milliseconds stallLimit = std::chrono::seconds(60);
 
  protected:
   std::int32_t Execute() override;
 
  private:
-  /// An entry on its way.
-  struct Entry {
-    TransferJob job;
-    std::string shown;      ///< its path from the top of the transfer, for the user
-    bool inFolder = false;  ///< stands in a folder that is transferred
-  };
+  using Clock = std::chrono::steady_clock;
 
-  // FileTransfer.cpp
-  Outcome Begin();
   void SetWorking(bool working) EXCLUDES(lock_);
-  bool BeginFile(const Entry& entry, const Text& status, std::int64_t total);
-  /// Notes what became of an entry that was begun; returns it.
-  Outcome End(const Entry& entry, Outcome outcome);
-  /// Whether the transfer ends with this.
-  [[nodiscard]] bool Stops(const Outcome& outcome) const;
-  static constexpr int kMostBusy = 3;
-  void Finish();
-
-  /// What was stored on the server is to bear that time. Where it cannot, the log says so once.
-  void KeepTime(const std::string& remote, std::int64_t seconds, bool folder);
-
-  // FileTransferDownload.cpp
-  Outcome DownloadAll();
-  [[nodiscard]] static std::string LocalName(const Entry& entry);
-  Outcome DownloadEntry(const LocalFolder& folder, const Entry& entry);
-  Outcome dDirectory(const LocalFolder& above, const Entry& entry);
-  Outcome DownloadEntries(const LocalFolder& above, const Entry& entry, const std::string& where);
-  /// When the entry was changed on the server, as far as that is known or can be asked for.
-  std::optional<std::int64_t> TimeOf(const Entry& entry);
-  Outcome DownloadFile(const LocalFolder& folder, const Entry& entry);
-  Outcome OpenTarget(const LocalFolder& folder, const Entry& entry, LocalFile& file, bool& resume);
-
-  // FileTransferUpload.cpp
-  Outcome UploadAll();
-  Outcome uDirectory(const Entry& entry);
-  Outcome UploadEntries(const Entry& entry, const std::string& where, bool made);
-  Outcome UploadFile(const Entry& entry);
-  void TellAdded(const TransferJob& job, bool folder);
+  /// What is to be known before anything moves.
+  Outcome Prepare();
+  Outcome OpenTarget();
+  void LookAtSources();
+  /// Carries everything out; what ended it, or Done where the board has no more.
+  Outcome Carry();
+  [[nodiscard]] bool AddMover(bool first) EXCLUDES(lock_);
+  [[nodiscard]] std::shared_ptr<FileMover> MakeMover(bool first);
+  [[nodiscard]] std::vector<std::shared_ptr<FileMover>> Movers() EXCLUDES(lock_);
+  /// Drops those that have ended. How one of them ended that ends the transfer for now.
+  void Reap() EXCLUDES(lock_);
+  [[nodiscard]] bool WaitsForTurn(const FileMover& mover, const Outcome& outcome);
+  void Govern() EXCLUDES(lock_);
+  void Watch() EXCLUDES(lock_);
+  void Tell() EXCLUDES(lock_);
+  /// Writes out what the transfer has made.
+  Outcome Sync();
+  void Finish(const Outcome& outcome);
+  [[nodiscard]] Text Summary(const Outcome& outcome) const;
 
   const std::shared_ptr<TransferUi> row_;
   const transferStruct description_;
-  const std::shared_ptr<RemoteSession> session_;
-  const std::shared_ptr<BrowserUi> window_;  // null on a connection of its own
-  FileMover mover_;
-  WayDown way_;
-  TransferNotes notes_;
-  int busyInARow_ = 0;
-  bool keepsTimes_;        // of files; the server has not refused to
-  bool keepsFolderTimes_;  // likewise of folders
+  const std::shared_ptr<JobBoard> board_;
+  const std::shared_ptr<SessionPool> pool_;       // null on a window's connection
+  const std::shared_ptr<RemoteSession> session_;  // null with sessions of the pool
+  const std::shared_ptr<BrowserUi> window_;       // likewise
+  const std::shared_ptr<TransferSpeed> speed_;
+  TransferRun run_;
+  Governor governor_;
+  Outcome ended_;               // what ended the last mover that did not end by itself
+  Clock::time_point noMore_{};  // no mover is added until then
+  Clock::time_point told_{};
+  std::int64_t doneBefore_ = 0;   // files, when this run began
+  std::int64_t movedBefore_ = 0;  // bytes, likewise
   Mutex lock_;
+  Condition changed_;
+  std::vector<std::shared_ptr<FileMover>> movers_ GUARDED_BY(lock_);
   bool working_ GUARDED_BY(lock_) = false;  // the session is this transfer's to interrupt
+  bool woken_ GUARDED_BY(lock_) = false;
 };
 
 }  // namespace corvane

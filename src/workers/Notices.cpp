@@ -66,6 +66,7 @@ Text AdviceFor(const Outcome& outcome) {
       return Text("Ask the server's administrator for its encryption, or choose another one here.");
     case Trouble::Certificate:
       return Text("Ask the server's administrator for the certificate's fingerprint and compare.");
+    case Trouble::TooMany:
     case Trouble::Other: return {};
   }
   return {};

@@ -4,26 +4,33 @@
 
 namespace corvane {
 
-void TransferNotes::Failed(const std::string& shown, const Outcome& outcome) {
-  ++failed_;
-  failedEntry_ = shown;
-  why_ = outcome.text;
-  if (entries_ > 1 || (entries_ == 1 && chosen_ > 1)) Note(Text("%1: %2", shown, why_.Reason()));
+void TransferNotes::Failed(const std::string& shown, const Outcome& outcome, bool alone) {
+  {
+    const MutexLock hold(lock_);
+    failedEntry_ = shown;
+    why_ = outcome.text;
+  }
+  if (!alone) Note(Text("%1: %2", shown, outcome.text.Reason()));
 }
 
 void TransferNotes::Note(const Text& text) {
-  if (++notes_ <= kMaxNotes) row_.NoteEntry(text);
-  if (notes_ == kMaxNotes) row_.NoteEntry(Text("What follows is not listed any more."));
+  int number = 0;
+  {
+    const MutexLock hold(lock_);
+    number = ++notes_;
+  }
+  if (number <= kMaxNotes) row_.NoteEntry(text);
+  if (number == kMaxNotes) row_.NoteEntry(Text("What follows is not listed any more."));
 }
 
-Text TransferNotes::Summary() const {
-  if (failed_ == 0 || entries_ <= 1) return why_;
-  if (stopped_) {
-    return Text("%1 of %2 entries failed; stopped at %3: %4", failed_, entries_, failedEntry_,
-                why_.Reason());
-  }
-  if (failed_ > 1) return Text("%1 of %2 entries failed.", failed_, entries_);
-  return Text("%1 of %2 entries failed: %3: %4", failed_, entries_, failedEntry_, why_.Reason());
+Text TransferNotes::Why() const {
+  const MutexLock hold(lock_);
+  return why_;
+}
+
+std::string TransferNotes::FailedEntry() const {
+  const MutexLock hold(lock_);
+  return failedEntry_;
 }
 
 }  // namespace corvane

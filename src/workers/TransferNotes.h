@@ -2,43 +2,37 @@
 
 #include <string>
 
+#include "kit/Mutex.h"
 #include "remote/Outcome.h"
 
 namespace corvane {
 
 class TransferUi;
 
-/// What became of a transfer's entries: notes in the row for what failed or was left out, and one
-/// text for the whole. One thread.
+/// What became of a transfer's entries: notes in the row for what failed or was left out, and what
+/// failed last. Any thread.
 class TransferNotes {
  public:
-  /// `row` is not owned; `chosen`: how many entries the user chose.
-  TransferNotes(TransferUi& row, std::size_t chosen) : row_(row), chosen_(chosen) {}
+  /// `row` is not owned.
+  explicit TransferNotes(TransferUi& row) : row_(row) {}
 
-  /// An entry begins.
-  void Begin() { ++entries_; }
-  /// An entry failed. One that is all there is gives its reason as the transfer's, without a note.
-  void Failed(const std::string& shown, const Outcome& outcome);
+  /// An entry failed. One that is all there is gets no note: its reason is the transfer's.
+  void Failed(const std::string& shown, const Outcome& outcome, bool alone) EXCLUDES(lock_);
   /// An entry was left out on purpose, or a remark on one.
-  void Note(const Text& text);
+  void Note(const Text& text) EXCLUDES(lock_);
 
-  /// What ends the transfer: nothing after it is tried.
-  void Stop() { stopped_ = true; }
-  [[nodiscard]] bool AllDone() const { return failed_ == 0 && !stopped_; }
-  /// What failed, for the user.
-  [[nodiscard]] Text Summary() const;
+  /// What failed last, and which entry that was.
+  [[nodiscard]] Text Why() const EXCLUDES(lock_);
+  [[nodiscard]] std::string FailedEntry() const EXCLUDES(lock_);
 
  private:
   static constexpr int kMaxNotes = 1000;
 
   TransferUi& row_;
-  const std::size_t chosen_;
-  int entries_ = 0;
-  int failed_ = 0;
-  int notes_ = 0;
-  bool stopped_ = false;
-  std::string failedEntry_;  // the last that failed
-  Text why_;
+  mutable Mutex lock_;
+  int notes_ GUARDED_BY(lock_) = 0;
+  std::string failedEntry_ GUARDED_BY(lock_);
+  Text why_ GUARDED_BY(lock_);
 };
 
 }  // namespace corvane

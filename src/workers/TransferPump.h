@@ -1,37 +1,37 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
-#include "remote/TransferUi.h"
+#include "util/Digest.h"
+#include "workers/TransferRun.h"
 
 namespace corvane {
 
-/// The buffer of one file's transfer and the count of what went through it. The buffer starts at
-/// the size that the user set and doubles while reads fill it.
+/// What the bytes of one file pass through: a buffer that starts at the size that the user set and
+/// doubles while reads fill it, a checksum, the count in the row, and the limit of speed. One
+/// thread.
 class TransferPump {
  public:
   static constexpr std::size_t kMinBuffer = 1024;
   static constexpr std::size_t kMaxBuffer = std::size_t{1024} * 1024;
 
-  TransferPump(TransferProgress& progress, std::int32_t bufferSize);
+  /// The references outlive the object.
+  TransferPump(TransferRun& run, FileProgress& progress, Digest& digest);
 
   /// Where the next read goes.
-  [[nodiscard]] std::span<char> Buffer() { return buffer_; }
-  /// A read brought so many bytes: a full buffer grows for the next one. Moves the bytes: call it
-  /// when they are written.
-  void Grow(std::size_t read);
-  /// So many bytes have arrived where they belong: updates the row's record.
+  [[nodiscard]] std::span<char> Buffer();
+  /// So many bytes of the buffer have arrived where they belong. A full buffer grows for the next
+  /// read. Waits as long as the limit of speed demands.
   void Count(std::size_t bytes);
 
  private:
-  TransferProgress& progress_;
+  TransferRun& run_;
+  FileProgress& progress_;
+  Digest& digest_;
   std::vector<char> buffer_;
-  std::int64_t total_ = 0;
-  std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 };
 
 }  // namespace corvane

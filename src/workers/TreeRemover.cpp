@@ -1,5 +1,7 @@
 #include "workers/TreeRemover.h"
 
+#include <algorithm>
+
 #include "remote/RemotePath.h"
 #include "remote/RemoteSession.h"
 #include "workers/EntryCollector.h"
@@ -8,6 +10,11 @@ namespace corvane {
 namespace {
 
 using Kind = RemoteEntry::Kind;
+
+// One with a slash in its name lies elsewhere.
+bool IsFileHere(const RemoteEntry& entry) {
+  return entry.kind == Kind::File && entry.name.find('/') == std::string::npos;
+}
 
 }  // namespace
 
@@ -23,17 +30,26 @@ void TreeRemover::Note(const std::string& path, const Outcome& outcome) {
   Refuse(path, outcome.text.Reason());
 }
 
-bool TreeRemover::Remove(const std::string& name, Kind kind) {
-  const std::string path = PathBelow(directory_, name);
-  if (kind == Kind::Directory) return DeleteDirectory(path);
-  owner_.SetStatus(Text("Deleting File.."));
-  return RemoveFile(path);
+bool TreeRemover::RemoveDirectory(const std::string& name) {
+  return DeleteDirectory(PathBelow(directory_, name));
 }
 
-bool TreeRemover::RemoveFile(const std::string& path) {
-  const Outcome outcome = session_.RemoveFile(path);
-  if (!outcome.IsDone()) Note(path, outcome);
-  return outcome.IsDone();
+void TreeRemover::RemoveFiles(const std::vector<std::string>& names,
+                              const std::function<bool(bool)>& each) {
+  DeleteFiles(directory_, names, Text("Deleting File.."), each);
+}
+
+void TreeRemover::DeleteFiles(const std::string& directory, const std::vector<std::string>& names,
+                              const Text& status, const std::function<bool(bool)>& each) {
+  std::vector<std::string> paths;
+  paths.reserve(names.size());
+  for (const std::string& name : names) paths.push_back(PathBelow(directory, name));
+  owner_.SetStatus(status);
+  (void)session_.RemoveFiles(paths, [&](std::size_t which, const Outcome& outcome) {
+    if (!outcome.IsDone()) Note(paths[which], outcome);
+    if (!each(outcome.IsDone())) return false;
+    return which + 1 == paths.size() || owner_.SetStatus(status);
+  });
 }
 
 bool TreeRemover::DeleteDirectory(const std::string& path) {
@@ -70,9 +86,19 @@ bool TreeRemover::DeleteEntries(const std::string& directory) {
     return false;
   }
   bool result = true;
-  for (const RemoteEntry& entry : listing.entries) {
-    result = DeleteEntry(directory, entry);
-    if (!result && entry.kind == Kind::Directory) return false;
+  const auto end = listing.entries.end();
+  for (auto at = listing.entries.begin(); at != end;) {
+    std::vector<std::string> files;
+    for (; at != end && IsFileHere(*at); ++at) files.push_back(at->name);
+    if (!files.empty()) {
+      result = false;
+      DeleteFiles(directory, files, Text("Deleting File."),
+                  [&result](bool deleted) { return result = deleted, true; });
+    } else {
+      const RemoteEntry& entry = *at++;
+      result = DeleteEntry(directory, entry);
+      if (!result && entry.kind == Kind::Directory) return false;
+    }
     if (session_.IsLost()) return false;
   }
   return result;
@@ -87,7 +113,6 @@ bool TreeRemover::DeleteEntry(const std::string& directory, const RemoteEntry& e
   switch (entry.kind) {
     case Kind::Directory:
       return owner_.SetStatus(Text("Deleting Directory.")) && DeleteDirectory(path);
-    case Kind::File: return owner_.SetStatus(Text("Deleting File.")) && RemoveFile(path);
     default: Refuse(path, Text("Left alone, for it is a link.")); return true;
   }
 }

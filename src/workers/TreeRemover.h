@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "remote/OwnerUi.h"
 #include "remote/RemoteEntry.h"
@@ -24,11 +26,16 @@ class TreeRemover {
         directory_(std::move(directory)),
         way_(session) {}
 
-  /// Deletes one entry of the directory; false when it is still there.
-  bool Remove(const std::string& name, RemoteEntry::Kind kind);
+  /// Deletes one directory of the directory; false when it is still there.
+  bool RemoveDirectory(const std::string& name);
+  /// Deletes files and links of the directory. `each` is told in turn whether one is gone; false
+  /// from it ends it.
+  void RemoveFiles(const std::vector<std::string>& names, const std::function<bool(bool)>& each);
 
  private:
-  bool RemoveFile(const std::string& path);
+  /// Deletes files, of which `each` is told in turn whether one is gone; `status` stands meanwhile.
+  void DeleteFiles(const std::string& directory, const std::vector<std::string>& names,
+                   const Text& status, const std::function<bool(bool)>& each);
   bool DeleteDirectory(const std::string& path);
   bool DeleteEntries(const std::string& directory);
   bool DeleteEntry(const std::string& directory, const RemoteEntry& entry);

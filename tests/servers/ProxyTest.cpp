@@ -40,7 +40,7 @@ TEST(ProxyTest, CarriesASessionOrSaysWhyNot) {
         EXPECT_EQ(Told(s.Get("/f", 0, &engine)), "Done");
         EXPECT_TRUE(s.raw == std::string(300'000, 'f'));
         std::unique_ptr<RemoteFile> file;
-        ASSERT_EQ(Told(engine.OpenForWriting("/g", file)), "Done");
+        ASSERT_EQ(Told(engine.OpenForWriting("/g", 0, file)), "Done");
         EXPECT_EQ(Told(file->Write(s.raw)), "Done");
         EXPECT_EQ(Told(file->Finish()), "Done");
         EXPECT_TRUE(s.server.Tree().File("/g") == s.raw);

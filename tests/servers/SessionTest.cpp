@@ -8,6 +8,7 @@
 #include <set>
 
 #include "ftp/MFtp.h"
+#include "kit/Background.h"
 #include "remote/RemotePath.h"
 #include "support/Files.h"
 #include "support/RealServers.h"
@@ -17,6 +18,7 @@
 #include "support/WaitFor.h"
 #include "workers/ControlLooper.h"
 #include "workers/FileTransfer.h"
+#include "workers/SessionPool.h"
 
 namespace corvane {
 namespace {
@@ -59,6 +61,9 @@ class SessionTest : public testing::TestWithParam<Way> {
     if (way.tls == "explicit") where_.security = Security::Required;
     if (way.tls == "implicit") where_.security = Security::Implicit;
   }
+
+  // What still works when the process ends meets a library that has cleaned up.
+  void TearDown() override { EXPECT_TRUE(Background::WaitForNone(std::chrono::seconds(10))); }
 
   /// Whether the server was asked for its certificate once for each connection, and every data
   /// connection went on with the session of its control connection.
@@ -105,6 +110,16 @@ std::map<std::string, std::int64_t> TimesOf(const fs::path& top, bool folders) {
   return times;
 }
 
+// On sessions of its own.
+void Start(const std::shared_ptr<RecordingTransferUi>& row, const transferStruct& what) {
+  const auto pool = std::make_shared<SessionPool>(
+      [](const Site& site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<Habits> habits) {
+        return std::make_shared<MFtp>(site, std::move(owner), nullptr, std::move(habits));
+      });
+  const auto board = std::make_shared<JobBoard>(what);
+  std::make_shared<FileTransfer>(row, what, board, pool, nullptr)->Run();
+}
+
 class TreeTest : public SessionTest {};
 class WindowTest : public SessionTest {};
 
@@ -124,25 +139,32 @@ TEST_P(TreeTest, TransfersTreesBothWays) {
   const auto expected = TreeOf(local.Path() / "d");
   const bool folders = GetParam().server != "vsftpd";
   const auto expectedTimes = TimesOf(local.Path() / "d", folders);
-  for (const std::string step : {"send", "fetch", "resume"}) {
+  for (const std::string step : {"send", "fetch", "resume", "send anew", "send the rest"}) {
     const auto row = std::make_shared<RecordingTransferUi>();
     row->answer = UserQuestion::Answer::Once;
-    const auto session = std::make_shared<MFtp>(where_, row);
-    transferStruct what;
-    what.download = step != "send";
+    transferStruct what{.site = where_};
+    what.connections = step == "send" || step == "fetch" ? 3 : 1;
+    what.download = !step.starts_with("send");
     what.targetFolder = back;
     what.keepTimes = true;
     if (step == "resume") fs::resize_file(back / "d" / "up" / "\xC3\xA4", 300'001);
+    if (step == "send anew") Write(pub_ / "d" / "a", "replaced");
+    if (step == "send the rest") fs::resize_file(pub_ / "d" / "up" / "\xC3\xA4", 300'001);
     const std::string here = what.download ? back / "d" : local.Path() / "d";
     what.jobs = {{"pub/d", here, RemoteEntry::Kind::Directory, -1,
-                  step == "resume" ? Policy::Resume : Policy::CreateNew}};
-    std::make_shared<FileTransfer>(row, what, session)->Run();
+                  step == "send anew"                           ? Policy::Replace
+                  : step == "resume" || step == "send the rest" ? Policy::Resume
+                                                                : Policy::CreateNew}};
+    Start(row, what);
     ASSERT_TRUE(WaitFor([&] { return row->End().has_value(); }, std::chrono::seconds(30)));
     EXPECT_EQ(row->End(), TransferEnd::Finished) << step << row->Seen().why;
     const fs::path target = what.download ? back / "d" : pub_ / "d";
     EXPECT_TRUE(TreeOf(target) == expected) << step;
     EXPECT_EQ(TimesOf(target, folders), expectedTimes) << step << row->Seen().log;
-    ExpectProtected(row->Seen(), 1);
+    // How many there are depends on how fast they are.
+    const std::size_t connections = row->Seen().protections.size();
+    EXPECT_TRUE(connections >= 1 && connections <= static_cast<std::size_t>(what.connections));
+    ExpectProtected(row->Seen(), connections);
   }
 }
 
@@ -256,9 +278,9 @@ TEST_P(WindowTest, FollowsNoLinks) {
   TemporaryDirectory local;
   const auto row = std::make_shared<RecordingTransferUi>();
   row->answer = UserQuestion::Answer::Once;
-  transferStruct what{.targetFolder = local.Path()};
+  transferStruct what{.site = where_, .targetFolder = local.Path()};
   what.jobs = {{"pub/t", local.Path() / "t", RemoteEntry::Kind::Directory}};
-  std::make_shared<FileTransfer>(row, what, std::make_shared<MFtp>(where_, row))->Run();
+  Start(row, what);
   ASSERT_TRUE(WaitFor([&] { return row->End().has_value(); }, std::chrono::seconds(30)));
   EXPECT_EQ(TreeOf(local.Path()),
             (std::map<std::string, std::string>{{"t", "folder"}, {"t/f", "file own"}}));
@@ -272,6 +294,65 @@ TEST_P(WindowTest, FollowsNoLinks) {
       << ui->Seen().log;
   EXPECT_TRUE(fs::is_symlink(pub_ / "t" / "out")) << ui->Seen().log;
   looper->Quit();
+}
+
+// Small files one after another: what is sent ahead of replies mixes nothing up, whatever the
+// server makes of it.
+TEST_P(WindowTest, TakesCommandsAhead) {
+  const auto ui = std::make_shared<RecordingBrowserUi>();
+  ui->answer = UserQuestion::Answer::Once;
+  const auto habits = std::make_shared<Habits>();
+  MFtp session(where_, ui, {}, habits);
+  ASSERT_TRUE(session.Connect().IsDone()) << ui->Seen().log;
+  const std::string top = PathBelow(session.Directory(), "pub");
+  std::vector<std::string> paths;
+  for (std::size_t i = 0; i < 20; ++i) {
+    paths.push_back(PathBelow(top, "f" + std::to_string(i)));
+    const std::string bytes = Bytes(i * 1'000);
+    std::unique_ptr<RemoteFile> file;
+    RemoteFile::Settled settled;
+    Outcome outcome = session.OpenForWriting(paths[i], 0, file);
+    if (outcome.IsDone()) outcome = file->Write(bytes);
+    if (outcome.IsDone())
+      outcome = file->Finish({.setTime = 1'000'000'000, .askSize = true, .more = true}, settled);
+    ASSERT_TRUE(outcome.IsDone()) << outcome.text.English() << ui->Seen().log;
+    EXPECT_EQ(settled.size, bytes.size()) << ui->Seen().log;
+    EXPECT_EQ(settled.time && settled.time->IsDone(), true) << ui->Seen().log;
+    EXPECT_EQ(Contents(pub_ / ("f" + std::to_string(i))), bytes);
+  }
+  for (const auto& [path, time] : TimesOf(pub_, false))
+    if (path.starts_with("f")) EXPECT_EQ(time, 1'000'000'000) << path;
+  std::string digest;
+  if (GetParam().server == "proftpd") {
+    Digest own(session.OffersDigest());
+    own.Add(Bytes(19'000));
+    EXPECT_TRUE(session.Checksum(paths[19], session.OffersDigest(), digest).IsDone());
+    EXPECT_EQ(session.OffersDigest(), DigestKind::Sha512) << ui->Seen().log;
+    EXPECT_EQ(digest, own.Take());
+  }
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    std::unique_ptr<RemoteFile> file;
+    RemoteFile::Settled settled;
+    std::string came(32'000, 0);
+    std::size_t all = 0;
+    Outcome outcome = session.OpenForReading(paths[i], 0, file);
+    for (std::size_t got = 1; outcome.IsDone() && got > 0; all += got)
+      outcome = file->Read(std::span(came).subspan(all), got);
+    if (outcome.IsDone()) outcome = file->Finish({.more = true}, settled);
+    EXPECT_TRUE(outcome.IsDone()) << outcome.text.English() << ui->Seen().log;
+    EXPECT_EQ(came.substr(0, all), Bytes(i * 1'000));
+  }
+  std::size_t gone = 0;
+  paths.insert(paths.begin() + 7, PathBelow(top, "none"));
+  EXPECT_TRUE(session
+                  .RemoveFiles(paths,
+                               [&](std::size_t which, const Outcome& outcome) {
+                                 EXPECT_EQ(outcome.IsDone(), which != 7);
+                                 return ++gone > 0;
+                               })
+                  .IsDone());
+  EXPECT_EQ(gone, 21U);
+  EXPECT_EQ(habits->takesAhead, Habits::Learned::Yes) << ui->Seen().log;
 }
 
 // Pure-FTPd knows no encryption from the first byte on.

@@ -55,7 +55,7 @@ TEST(FileTransfer, KeepsReplacesOrGoesOn) {
     if (std::string_view(name) == "resumed, short")
       expected = whole.substr(0, 100'000 - 65'536 + 70'000);
     EXPECT_TRUE(Contents(path) == expected) << Contents(path).size() << job.server.Dialogue();
-    EXPECT_TRUE(start <= 0 || job.row->Progress().start == start);
+    EXPECT_TRUE(start <= 0 || job.row->Progress().there == 200'000);
     const auto entries = fs::directory_iterator(job.folder.Path());
     EXPECT_LE(std::distance(entries, fs::directory_iterator()), 1) << "no part file is left";
   }
@@ -89,7 +89,7 @@ TEST(FileTransfer, FailsWithAReason) {
       {"Only 3 of 10", "012", on("RETR", {.dataLimit = 3, .completion = "226 Done\r\n"})},
       {"does not answer", "012",
        [](Job& j) {
-         j.session->SetSilenceLimit(700);
+         j.silence = 700;
          j.server.On("RETR", {.dataLimit = 3, .dataEnd = DataEnd::Stall, .completion = ""});
        }},
   };
@@ -97,7 +97,8 @@ TEST(FileTransfer, FailsWithAReason) {
     Job job;
     job.Fetch("f");
     prepare(job);
-    EXPECT_EQ(job.Run(), TransferEnd::Failed) << why;
+    const bool mayPass = why == "was lost" || why == "Only 3 of 10" || why == "does not answer";
+    EXPECT_EQ(job.Run(), mayPass ? TransferEnd::Again : TransferEnd::Failed) << why;
     EXPECT_EQ(job.Notes(), "") << "the reason says it all";
     EXPECT_NE(job.row->Seen().why.find(why), std::string::npos) << why << job.row->Seen().why;
     EXPECT_EQ(Contents(job.folder.Path() / "f"), stands) << why;
@@ -126,7 +127,7 @@ TEST(FileTransfer, GoesOnWhereItCanAndSaysWhatFailed) {
   fs::create_directory(job.folder.Path() / "way");
   EXPECT_EQ(job.Run(), TransferEnd::Failed);
   EXPECT_EQ(Contents(job.folder.Path() / "f"), "0123456789");
-  EXPECT_EQ(job.row->Seen().why, "4 of 5 entries failed.");
+  EXPECT_EQ(job.row->Seen().why, "4 of 5 files failed");
   EXPECT_EQ(job.Notes(),
             "none: No such file.\n../x: The name \"../x\" cannot be used for a local file.\n"
             "way: \"way\" exists already.\ngone: No such file.\n");

@@ -19,6 +19,7 @@
 #include "support/TemporaryDirectory.h"
 #include "support/WaitFor.h"
 #include "workers/FileTransfer.h"
+#include "workers/SessionPool.h"
 
 namespace corvane {
 
@@ -36,8 +37,11 @@ struct Job {
   TemporaryDirectory folder;
   std::shared_ptr<RecordingTransferUi> row = std::make_shared<RecordingTransferUi>();
   std::shared_ptr<RecordingBrowserUi> browser;  ///< of a shared connection
-  std::shared_ptr<MFtp> session;
+  std::shared_ptr<MFtp> session;                ///< of a shared connection
+  std::shared_ptr<SessionPool> pool;
+  std::shared_ptr<JobBoard> board;
   transferStruct description;
+  long silence = 10'000;  ///< of the server, in milliseconds
   Policy policy = Policy::CreateNew;
   std::shared_ptr<FileTransfer> worker;
 
@@ -45,11 +49,18 @@ struct Job {
     server.Tree().AddFile("/pub/f", "0123456789");
     description.remoteDirectory = "/pub";
     description.targetFolder = folder.Path();
-    if (shared) browser = std::make_shared<RecordingBrowserUi>();
-    const std::shared_ptr<OwnerUi> owner = shared ? std::shared_ptr<OwnerUi>(browser) : row;
-    session = std::make_shared<MFtp>(server.Where(passive), owner);
-    session->SetSilenceLimit(10'000);
+    description.site = server.Where(passive);
+    description.connections = 1;
+    pool = std::make_shared<SessionPool>(
+        [this](const Site& site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<Habits> habits) {
+          auto made = std::make_shared<MFtp>(site, std::move(owner), nullptr, std::move(habits));
+          made->SetSilenceLimit(silence);
+          return made;
+        });
     if (!shared) return;
+    browser = std::make_shared<RecordingBrowserUi>();
+    session = std::make_shared<MFtp>(description.site, browser);
+    session->SetSilenceLimit(silence);
     EXPECT_TRUE(session->Connect().IsDone());
     std::string where;
     EXPECT_TRUE(session->Enter("/pub", where).IsDone());
@@ -68,7 +79,10 @@ struct Job {
   }
 
   void Start() {
-    worker = std::make_shared<FileTransfer>(row, description, session, browser);
+    if (!board) board = std::make_shared<JobBoard>(description);
+    worker =
+        browser ? std::make_shared<FileTransfer>(row, description, board, session, browser, nullptr)
+                : std::make_shared<FileTransfer>(row, description, board, pool, nullptr);
     worker->Run();
   }
 
@@ -80,6 +94,8 @@ struct Job {
   TransferEnd Run() {
     Start();
     const TransferEnd end = Wait();
+    worker.reset();
+    pool->Close();
     EXPECT_TRUE(Background::WaitForNone(std::chrono::seconds(2)));
     return end;
   }

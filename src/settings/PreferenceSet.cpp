@@ -4,9 +4,20 @@
 #include <cstdio>
 #include <utility>
 
+#include "prefs/PrefPaths.h"
 #include "util/ErrorText.h"
 
 namespace corvane {
+
+std::string PathBesideSets(const std::string& name, bool make) {
+  const std::string base = BaseDirectory(true);
+  if (base.empty()) return "";
+  std::string path = SetDirectory(base, kApplication, true) + "/" + name;
+  // Who opens the file learns what is wrong.
+  if (make) (void)MakeDirectories(base, path, true);
+  return path;
+}
+
 PreferenceSet::PreferenceSet(const char* name, Saving saving) : saving_(saving) {
   Note(PREFInit(kApplication, &app_));
   if (app_ == nullptr) return;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "kit/Text.h"
 #include "prefs/PREF.h"
 
@@ -7,6 +9,10 @@ namespace corvane {
 
 /// Under which the program's sets stand in the store.
 inline constexpr const char* kApplication = "x-ovak-Corvane";
+
+/// Where a file of the program's own stands beside this user's sets; "" where the environment names
+/// no folder for them. With `make` that folder is made where it is missing.
+[[nodiscard]] std::string PathBesideSets(const std::string& name, bool make = false);
 
 /// One of the program's preference sets, opened for one use. Not locked.
 class PreferenceSet {

@@ -27,6 +27,17 @@ struct SettingsValues {
   bool useKeyring = true;      ///< passwords go to the desktop's secret store where there is one
   bool keepTimes = true;       ///< files keep their times when they are transferred
   bool keepAlive = true;       ///< idle connections are kept open
+  std::int32_t transfersAtOnce = 5;         ///< rows of the transfer list
+  std::int32_t transfersPerServer = 2;      ///< of those
+  std::int32_t connectionsPerTransfer = 4;  ///< of one with several files
+  std::int32_t downloadLimit = 0;           ///< kB a second in all; 0 for none
+  std::int32_t uploadLimit = 0;             ///< likewise
+  std::int32_t retries = 5;                 ///< of a transfer, without progress
+  std::int32_t firstRetry = 2;              ///< seconds before the first of them
+  std::int32_t existing = 0;                ///< what becomes of files that are there: 0 asks, else
+                                            ///< the Policy of that number
+  bool compareChecksums = true;             ///< where the server has them
+  bool partNames = true;  ///< an upload takes the place of a file once it is whole
   bool useSameConnection = false;
   bool removeItem = false;    ///< take finished transfers off the list
   bool defaultpass = false;   ///< never set

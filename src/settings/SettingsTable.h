@@ -18,6 +18,14 @@ struct SettingsChoice {
   const char* label;
 };
 
+/// Between what a number lies. With a `most` of 0 any number does.
+struct SettingsRange {
+  std::int32_t least = 0;
+  std::int32_t most = 0;
+  const char* unit = "";       ///< behind the number
+  const char* leastText = "";  ///< in place of the least number
+};
+
 /// One setting: reading, storing and the preferences window follow these rows. Its type is that of
 /// its variable, its default what the variable holds in a new SettingsValues. Texts for the screen
 /// are English, of the catalogue's context "corvane::PrefWindow".
@@ -41,6 +49,8 @@ struct Setting {
   std::span<const SettingsChoice> choices{};  ///< of a number, ascending
   bool asButtons = false;  ///< the choices stand side by side, without a label, not in a list
   bool secret = false;     ///< the text is not shown
+  SettingsRange range{};   ///< of a number that is typed
+  bool follows = false;    ///< it stands in the row of the one before, behind its label
 };
 
 /// All settings, in the order in which they are shown and stored.

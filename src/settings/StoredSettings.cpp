@@ -1,5 +1,6 @@
 #include "settings/StoredSettings.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <utility>
@@ -44,7 +45,9 @@ struct ReadValue {
     values.*flag = GetInt32(set, setting.key, values.*flag ? 1 : 0) != 0;
   }
   void operator()(std::int32_t SettingsValues::*number) const {
-    values.*number = GetInt32(set, setting.key, values.*number);
+    const std::int32_t stored = GetInt32(set, setting.key, values.*number);
+    const auto& [least, most, unit, leastText] = setting.range;
+    values.*number = most > 0 ? std::clamp(stored, least, most) : stored;
   }
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <ctime>
 
-#include "prefs/PrefPaths.h"
 #include "settings/PreferenceSet.h"
 #include "sites/TrustFile.h"
 
@@ -25,8 +24,7 @@ KnownServers::KnownServers(std::string path)
 KnownServers::~KnownServers() = default;
 
 std::string KnownServers::UsualPath() {
-  const std::string base = BaseDirectory(true);
-  return base.empty() ? "" : SetDirectory(base, kApplication, true) + "/certificates.sqlite";
+  return PathBesideSets("certificates.sqlite");
 }
 
 KnownServer KnownServers::Known(const Key& key) {

@@ -18,15 +18,15 @@ using Connection = RecentStore::Connection;
 
 constexpr const char* kSet = "recent";
 
-// Time, mode, host, port, user, path, security, encoding and certificate, each as in a URL, so that
-// a blank parts them. The last three may be missing.
+// Time, mode, host, port, user, path, security, encoding, certificate and number of connections,
+// each as in a URL, so that a blank parts them. The last four may be missing.
 std::string StoredForm(const Connection& connection) {
   const Site& site = connection.site;
   const auto part = [](const std::string& text) { return " " + PercentEncoded(text, ":@/"); };
   return std::to_string(connection.when) + (site.passive ? " P" : " A") + part(site.host) + " " +
          std::to_string(site.port) + part(site.user) + part(site.path) + " " +
          std::to_string(static_cast<int>(site.security)) + part(site.encoding) +
-         part(site.clientCertificate);
+         part(site.clientCertificate) + " " + std::to_string(site.connections);
 }
 
 std::string TakePart(std::string_view& text) {
@@ -48,6 +48,7 @@ std::optional<Connection> ReadForm(std::string_view text) {
   site.security = SecurityFrom(PortFrom(TakePart(text))).value_or(Security::Automatic);
   site.encoding = TakePart(text);
   site.clientCertificate = TakePart(text);
+  site.connections = std::clamp<std::int32_t>(PortFrom(TakePart(text)), 0, Site::kMostConnections);
   if (site.host.empty() || site.port == 0) return {};
   return connection;
 }
@@ -104,7 +105,8 @@ Text RecentStore::Add(const Site& site, std::int64_t when) {
                                   .passive = site.passive,
                                   .security = site.security,
                                   .encoding = site.encoding,
-                                  .clientCertificate = site.clientCertificate},
+                                  .clientCertificate = site.clientCertificate,
+                                  .connections = site.connections},
                          .when = when};
   PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
   if (set.Handle() == nullptr) return set.Finish();

@@ -12,6 +12,7 @@ namespace {
 constexpr std::string_view kSecurity = "security=";
 constexpr std::string_view kEncoding = "encoding=";
 constexpr std::string_view kCertificate = "certificate=";
+constexpr std::string_view kConnections = "connections=";
 constexpr std::string_view kAsks = "asks";
 constexpr std::string_view kKept = "kept";
 
@@ -36,6 +37,9 @@ void TakeExtra(std::string_view word, Site& site) {
     site.encoding = value(kEncoding);
   } else if (word.starts_with(kCertificate)) {
     site.clientCertificate = value(kCertificate);
+  } else if (word.starts_with(kConnections)) {
+    site.connections =
+        std::clamp<std::int32_t>(PortFrom(value(kConnections)), 0, Site::kMostConnections);
   } else if (word == kAsks) {
     site.asksPassword = true;
   } else if (word == kKept) {
@@ -55,6 +59,7 @@ std::string ExtrasText(const Site& site) {
   }
   if (!site.encoding.empty()) add(kEncoding, site.encoding);
   if (!site.clientCertificate.empty()) add(kCertificate, site.clientCertificate);
+  if (site.connections > 0) add(kConnections, std::to_string(site.connections));
   if (site.asksPassword) add(kAsks, {});
   if (site.keptPassword) add(kKept, {});
   return text.empty() ? "" : Login(site) + text;

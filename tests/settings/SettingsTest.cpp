@@ -69,13 +69,39 @@ TEST_F(Settings, EveryRowIsStoredAndReadAgain) {
   std::set<std::string> keys;
   const PreferenceSet set("settings");
   for (const std::string& name : PREFGetMessage(set.Handle())->Names()) keys.insert(name);
-  EXPECT_EQ(keys, (std::set<std::string>{
-                      "defaultpass", "downloaddir",       "shwtranwin",   "removeitem",
-                      "notify",      "useSameConnection", "classicstyle", "buffersize",
-                      "loginSsnd",   "loginFsnd",         "upldsnd",      "dwnldsnd",
-                      "useproxy",    "ftpproxyaddress",   "ftpproxyport", "proxykind",
-                      "proxyuser",   "proxypassword",     "security",     "askbeforeplain",
-                      "usekeyring",  "keeptimes",         "keepalive"}));
+  EXPECT_EQ(keys, (std::set<std::string>{"defaultpass",
+                                         "downloaddir",
+                                         "shwtranwin",
+                                         "removeitem",
+                                         "notify",
+                                         "useSameConnection",
+                                         "classicstyle",
+                                         "buffersize",
+                                         "loginSsnd",
+                                         "loginFsnd",
+                                         "upldsnd",
+                                         "dwnldsnd",
+                                         "useproxy",
+                                         "ftpproxyaddress",
+                                         "ftpproxyport",
+                                         "proxykind",
+                                         "proxyuser",
+                                         "proxypassword",
+                                         "security",
+                                         "askbeforeplain",
+                                         "usekeyring",
+                                         "keeptimes",
+                                         "keepalive",
+                                         "comparechecksums",
+                                         "connectionspertransfer",
+                                         "downloadlimit",
+                                         "existing",
+                                         "firstretry",
+                                         "partnames",
+                                         "retries",
+                                         "transfersatonce",
+                                         "transfersperserver",
+                                         "uploadlimit"}));
 }
 
 TEST_F(Settings, ADamagedFileIsLeftAloneAndSaidSo) {

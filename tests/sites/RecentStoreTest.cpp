@@ -14,7 +14,8 @@ std::string All() {
     text += std::to_string(when) + " " + site.user + "@" + site.host + ":" +
             std::to_string(site.port) + site.path + (site.passive ? "+" : "") +
             (site.security == Security::Automatic ? "" : "!") + site.encoding +
-            site.clientCertificate + " ";
+            site.clientCertificate +
+            (site.connections > 0 ? "*" + std::to_string(site.connections) : "") + " ";
     EXPECT_EQ(site.password, "");
   }
   return text;
@@ -30,13 +31,14 @@ TEST_F(Recent, AreTheNewestOnceEachAndWithoutPasswords) {
                  .security = Security::Plain,
                  .encoding = "CP1251",
                  .clientCertificate = "/my key.pem",
-                 .keptPassword = true};
+                 .keptPassword = true,
+                 .connections = 3};
   EXPECT_EQ(RecentStore::Add(odd, 1), Text());
   EXPECT_EQ(RecentStore::Add({.host = "i", .user = "anonymous", .password = "x"}, 2), Text());
   EXPECT_EQ(RecentStore::Add({.host = "i", .user = "u", .path = "/d"}, 3), Text());
   EXPECT_EQ(RecentStore::Add({.host = "i", .user = "u", .path = "/d/", .passive = true}, 4),
             Text());
-  EXPECT_EQ(All(), "4 u@i:21/d/+ 2 @i:21 1 u@h 1:2121/a%\xFC!CP1251/my key.pem ");
+  EXPECT_EQ(All(), "4 u@i:21/d/+ 2 @i:21 1 u@h 1:2121/a%\xFC!CP1251/my key.pem*3 ");
 }
 
 TEST_F(Recent, AreBoundedAndForgotten) {

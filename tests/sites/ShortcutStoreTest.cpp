@@ -79,7 +79,8 @@ Site Rich() {
           .security = Security::Implicit,
           .encoding = "CP1251",
           .clientCertificate = "/a b/c=d.p12",
-          .keptPassword = true};
+          .keptPassword = true,
+          .connections = 6};
 }
 
 TEST_F(Shortcuts, KeepBesideTheirLineWhatItHasNoPlaceFor) {

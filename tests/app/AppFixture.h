@@ -71,12 +71,21 @@ class RecordingLooper : public Looper {
 
 /// A transfer that moves nothing.
 struct IdleTransfer : public MThread {
-  IdleTransfer(std::shared_ptr<TransferUi> itsRow, transferStruct what)
-      : row(std::move(itsRow)), description(std::move(what)) {}
+  IdleTransfer(std::shared_ptr<TransferUi> itsRow, transferStruct what,
+               std::shared_ptr<JobBoard> jobs)
+      : row(std::move(itsRow)), description(With(std::move(what), *jobs)), board(std::move(jobs)) {}
   std::int32_t Execute() override { return 0; }
+
+  /// The jobs stand on the board alone.
+  static transferStruct With(transferStruct what, const JobBoard& jobs) {
+    EXPECT_TRUE(what.jobs.empty());
+    for (JobBoard::Work& work : jobs.Chosen()) what.jobs.push_back(std::move(work.job));
+    return what;
+  }
 
   const std::shared_ptr<TransferUi> row;
   const transferStruct description;
+  const std::shared_ptr<JobBoard> board;
 };
 
 /// The application with one browser window open, and without servers: what its windows ask of
@@ -92,16 +101,20 @@ class AppFixture : public testing::Test {
       looper_->connects = connects_;
       return looper_;
     };
-    factory_.transfer = [this](std::shared_ptr<TransferUi> row, transferStruct description) {
-      transfers_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
+    factory_.transfer = [this](std::shared_ptr<TransferUi> row, transferStruct description,
+                               std::shared_ptr<JobBoard> jobs) {
+      transfers_.push_back(
+          std::make_shared<IdleTransfer>(std::move(row), std::move(description), std::move(jobs)));
       return transfers_.back();
     };
     factory_.sameConnection = [this](const auto& looper, const auto& window, auto row,
-                                     transferStruct description) {
+                                     transferStruct description, auto jobs) {
       EXPECT_TRUE(looper == looper_ && window == link_);
-      here_.push_back(std::make_shared<IdleTransfer>(std::move(row), std::move(description)));
+      here_.push_back(
+          std::make_shared<IdleTransfer>(std::move(row), std::move(description), std::move(jobs)));
       return here_.back();
     };
+    factory_.speed = std::make_shared<TransferSpeed>();
     qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
     AnswerAlerts();
     app_ = std::make_unique<TambleApp>(factory_);
@@ -111,6 +124,7 @@ class AppFixture : public testing::Test {
     PutInFront(*window_);
     settings_.DwnldDir = folder_.path().toStdString();
     settings_.showwindow = false;  // keys go to the window in front
+    settings_.transfersAtOnce = settings_.transfersPerServer = 100;
     ProcessSettings::Set(settings_);
     EXPECT_TRUE(Wait([&] { return IsReady(); }));
   }
@@ -206,14 +220,15 @@ class AppFixture : public testing::Test {
     return {.name = name, .kind = RemoteEntry::Kind::Link, .mode = "lrwxrwxrwx"};
   }
   /// What a transfer moves: for each job "remote>local" of a download, "remote/>local" of a
-  /// directory, "local>remote" of an upload, and its policy: + creates, ! replaces, & goes on.
+  /// directory, "local>remote" of an upload, and its policy: + creates, ! replaces, & goes on,
+  /// ? skips, ^ replaces what is older, = keeps both.
   static std::string Jobs(const transferStruct& what) {
     std::string jobs;
     for (const TransferJob& job : what.jobs) {
       jobs += jobs.empty() ? "" : " ";
       const char* to = job.kind == RemoteEntry::Kind::Directory ? "/>" : ">";
       jobs += what.download ? job.remote + to + job.local : job.local + to + job.remote;
-      jobs += "+!&?"[static_cast<std::size_t>(job.policy)];
+      jobs += "+!&?^="[static_cast<std::size_t>(job.policy)];
     }
     return jobs;
   }

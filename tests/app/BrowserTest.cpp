@@ -166,6 +166,8 @@ TEST_F(Browser, AsksBeforeAnUploadReplacesWhatTheListingShows) {
   for (const auto& [paths, button, uploaded] : cases) {
     Anew(button);
     window_->Transfers().Upload(paths);
+    EXPECT_TRUE(Wait([&] { return !alerts_.empty() || !transfers_.empty(); }));
+    EXPECT_TRUE(*uploaded == '\0' || Begins());
     EXPECT_TRUE(Alerted(button < 0 ? 0 : 1));
     EXPECT_TRUE(alerts_.empty() || alerts_[0].preset == 1);
     EXPECT_EQ(Moved(), uploaded);

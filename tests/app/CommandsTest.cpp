@@ -118,14 +118,16 @@ TEST_F(Commands, FilesAndFoldersAreChosenTogetherForUpload) {
   // What is selected in the panel, and how many items of it are uploaded.
   for (const auto& [names, count] : {std::pair("\"a b\" \"d\"", 2U), std::pair("d", 1U)}) {
     Anew();
+    PutInFront(*window_);
     Command(Qt::Key_U);
-    auto* panel = window_->findChild<UploadPanel*>();
+    const QPointer<UploadPanel> panel = window_->findChild<UploadPanel*>();
     panel->setDirectory(folder_.path());
     panel->findChild<QLineEdit*>()->setText(names);
     panel->findChild<QPushButton*>()->setFocus();
     panel->accept();
+    EXPECT_TRUE(Begins());
     EXPECT_EQ(transfers_.empty() ? 0U : transfers_[0]->description.jobs.size(), count);
-    delete panel;
+    delete panel.data();
   }
 }
 

@@ -138,6 +138,7 @@ TEST_F(Drag, TakesLocalFilesAndNothingElse) {
     QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, {});
     QApplication::sendEvent(window_, &drop);
     EXPECT_TRUE(!drop.isAccepted() || drop.dropAction() == CopyAction) << urls;
+    EXPECT_TRUE(*uploads == '\0' || Begins());
     EXPECT_EQ(Moved(), uploads) << urls;
     EXPECT_EQ(alerts_.size(), alerts) << urls;
   }

@@ -36,6 +36,13 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
         "ProxyCheckBox", "KeepAlive", "KeepTimes", "AskBeforePlain", "UseKeyring"}) {
     Box(box).toggle();
   }
+  for (const char* box : {"CompareChecksums", "PartNames"}) Box(box).toggle();
+  int number = 6;
+  for (const char* field : {"TransfersAtOnce", "TransfersPerServer", "ConnectionsPerTransfer",
+                            "DownloadLimit", "UploadLimit", "Retries", "FirstRetry"}) {
+    window_->findChild<QSpinBox*>(field)->setValue(++number);
+  }
+  window_->findChild<QComboBox*>("Existing")->setCurrentIndex(4);
   window_->findChild<QComboBox*>("BufferSize")->setCurrentIndex(3);
   window_->findChild<QWidget*>("Security")->findChildren<QRadioButton*>().last()->click();
   window_->findChild<QComboBox*>("ProxyKind")->setCurrentIndex(1);
@@ -71,6 +78,12 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     EXPECT_TRUE(now.removeItem && now.useSameConnection && now.useProxy && !now.defaultpass);
     EXPECT_TRUE(!now.notify && now.classicStyle);
     EXPECT_TRUE(!now.keepAlive && !now.keepTimes && !now.askBeforePlain && !now.useKeyring);
+    EXPECT_TRUE(!now.compareChecksums && !now.partNames);
+    EXPECT_EQ((std::array{now.transfersAtOnce, now.transfersPerServer, now.connectionsPerTransfer,
+                          now.downloadLimit, now.uploadLimit, now.retries, now.firstRetry}),
+              (std::array{7, 8, 8, 10, 11, 12, 13}));
+    EXPECT_EQ(static_cast<Policy>(now.existing), Policy::Newer);
+    EXPECT_EQ(factory_.speed->down.Piece(1'000'000), 1024U) << "in force at once";
     EXPECT_EQ(SecurityOf(now), Security::Plain);
     EXPECT_EQ(ProxyOf(now), (Proxy{"p", 8021, Proxy::Kind::Socks5, "u", "secret"}));
     EXPECT_EQ(ReadAtStart(), Text());

@@ -20,7 +20,7 @@ class SameConnection : public AppFixture {
 
 TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
   const std::pair<TransferEnd, const char*> cases[] = {
-      {TransferEnd::Finished, "file (7 done)"},
+      {TransferEnd::Finished, "file (7 of 12 files)"},
       {TransferEnd::Failed, "file: 550 Denied."},
       {TransferEnd::Cancelled, "file: Cancelled."},
   };
@@ -37,6 +37,7 @@ TEST_F(SameConnection, TheListingWaitsForEveryEnd) {
     EXPECT_EQ(here_.size(), begun);
     row.BeginFile("file");
     row.Progress().files = 7;
+    row.Progress().allFiles = 12;
     if (end == TransferEnd::Cancelled) {
       Command(Qt::Key_Period);
       EXPECT_TRUE(here_.back()->Cancelled());

@@ -237,7 +237,8 @@ TEST_F(SecurityWindows, TheEditorGivesBackWhatItWasFilledWith) {
                                    .security = security,
                                    .encoding = security == Security::Plain ? "CP1251" : "x-own",
                                    .clientCertificate = "/k\xE4y.pem",
-                                   .asksPassword = true}};
+                                   .asksPassword = true,
+                                   .connections = security == Security::Plain ? 8 : 0}};
     std::optional<Shortcut> changed;
     app_->ShowEditor(record, *window_, [&changed](const Shortcut& now) {
       changed = now;

@@ -4,7 +4,9 @@
 #include "app/shared/Figures.h"
 #include "app/shared/Pace.h"
 #include "app/shared/StatusLine.h"
+#include "app/transfers/PaceMeter.h"
 #include "app/transfers/TransferTexts.h"
+#include "queue/QueueStore.h"
 
 namespace corvane {
 namespace {
@@ -92,8 +94,8 @@ TEST_F(Transfers, EveryEndShowsItsColourAndItsReason) {
   for (const auto& [end, why, colour, shown] : cases) {
     const TransferItem& item = Start();
     TransferProgress& progress = transfers_.back()->row->Progress();
-    progress.start = 300;  // what was there before counts for the total, not for the rate
-    progress.done = 200;
+    progress.there = 500;  // what was there before counts for the total, not for the rate
+    progress.moved = 200;
     progress.elapsed = 2'000'000;
     EXPECT_EQ(TransferTexts(item).Words().figure, "100 bytes/sec");
     EXPECT_EQ(BarColour(), QColor(0, 152, 51));
@@ -139,14 +141,19 @@ TEST_F(Transfers, NotesReachTheTooltipAndTheLogOfTheAskingWindow) {
   TransferUi& row = *transfers_[0]->row;
   row.BeginFile("last");
   for (int note = 1; note <= 25; ++note) row.NoteEntry(Text("<b>%1: left", note));
-  row.Progress().files = 12;
   End(0, TransferEnd::Failed, "25 entries failed.");
   EXPECT_TRUE(text(Qt::ToolTipRole).contains("25 entries failed.\n&lt;b&gt;1: left\n"));
   EXPECT_TRUE(text(Qt::ToolTipRole).contains("20: left\nand 5 more"));
-  row.SetEndState(TransferEnd::Finished, {});
-  EXPECT_TRUE(Wait([&] { return text(Qt::AccessibleTextRole).contains("Done, 25 left out"); }));
   const auto* log = window_->findChild<QPlainTextEdit*>("TextLog");
   EXPECT_TRUE(Wait([&] { return log->toPlainText().count(": left") == 25; }));
+  Select({0});
+  transferWindow_.MessageReceived(Message("RTRY"_what));
+  ASSERT_EQ(transfers_.size(), 2U);
+  EXPECT_FALSE(list_.Items().At(0).HasNotes()) << "it is tried once more";
+  transfers_[1]->row->NoteEntry(Text("%1: kept", "a"));
+  transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
+  EXPECT_TRUE(Wait([&] { return text(Qt::AccessibleTextRole).contains("Done, 1 left out"); }));
+  EXPECT_TRUE(Wait([&] { return log->toPlainText().contains("a: kept"); }));
 }
 
 TEST_F(Transfers, TheMenuOfARowRevealsWhatWasDownloaded) {
@@ -210,35 +217,170 @@ TEST_F(Transfers, SizesAndTimesAreReadAsPeopleSayThem) {
   for (const auto& [rate, left, text] : paces) EXPECT_EQ(PaceText(rate, left), text);
 }
 
-TEST_F(Transfers, WhatIsBegunAgainTouchesOnlyWhatIsItsOwn) {
-  using K = RemoteEntry::Kind;
-  // The entry, whether it is a download, what had come; how it is begun again.
-  const std::tuple<TransferJob, bool, std::int64_t, Policy> cases[] = {
-      {{"/f", "/d/f"}, true, 0, Policy::CreateNew},
-      {{"/f", "/d/f"}, true, 5, Policy::Resume},
-      {{"/f", "/d/f", K::Directory}, true, 5, Policy::Resume},
-      {{"/f", "/d/f"}, false, 0, Policy::CreateNew},
-      {{"/f", "/d/f"}, false, 5, Policy::Replace},
-      {{"/f", "/d/f", K::Directory, -1, Policy::Skip}, true, 5, Policy::Skip},
-      {{"/f", "/d/f", K::File, -1, Policy::Replace}, true, 5, Policy::Replace},
+TEST_F(Transfers, ASecondRunGoesOnWithTheJobsThatAreLeft) {
+  // How the first run ended, whether the user has it begin again, and the jobs of the second.
+  const std::tuple<TransferEnd, bool, int> cases[] = {
+      {TransferEnd::Failed, true, 2},
+      {TransferEnd::Again, false, 1},
+      {TransferEnd::Cancelled, true, 2},
   };
-  for (const auto& [job, download, come, policy] : cases) {
+  for (const auto& [end, retries, jobs] : cases) {
     Anew();
-    transferWindow_.Add({.download = download, .jobs = {job}}, {});
-    TransferItem& item = list_.Items().At(list_.Items().Count() - 1);
-    transfers_[0]->row->Progress().done = come;
-    item.Cancel();
-    EXPECT_FALSE(item.CanRetry()) << "its worker may still write";
-    transfers_[0]->row->SetEndState(TransferEnd::Cancelled, {});
-    ASSERT_TRUE(Wait([&] { return item.CanRetry(); }));
-    item.Retry(factory_.transfer);
+    transferWindow_.Add({.site = {.host = "server.test"},
+                         .jobs = {{.remote = "/a", .local = "/d/a", .size = 10},
+                                  {.remote = "/b", .local = "/d/b", .size = 20},
+                                  {.remote = "/c", .local = "/d/c", .size = 30}}},
+                        {});
+    const int row = list_.Items().Count() - 1;
+    TransferItem& item = list_.Items().At(row);
+    JobBoard& board = *transfers_[0]->board;
+    board.Begin(false);
+    for (const JobState state : {JobState::Done, JobState::Failed}) {
+      (void)board.End(board.Take(kNoJob).value().id, state);
+    }
+    transfers_[0]->row->SetEndState(end, Text("Lost."));
+    ASSERT_TRUE(Wait([&] { return !item.Running(); }));
+    Select({row});
+    transferWindow_.MessageReceived(Message(retries ? "RTRY"_what : "TRYN"_what));
     ASSERT_EQ(transfers_.size(), 2U);
-    EXPECT_EQ(transfers_[1]->description.jobs[0].policy, policy);
+    EXPECT_EQ(board.Ready(), jobs);
+    EXPECT_EQ(TransferTexts(item).Words().figure, "10 of 60 B");
     EXPECT_EQ(transferWindow_.windowTitle(), QString::fromUtf8("Transfer List – 1 running"));
     transfers_[1]->row->SetEndState(TransferEnd::Finished, {});
     ASSERT_TRUE(Wait([&] { return item.Finished(); }));
-    EXPECT_EQ(list_.Items().RunningCount(), 0);
   }
+}
+
+TEST_F(Transfers, EveryRowSaysHowItStands) {
+  settings_.transfersPerServer = 2;
+  settings_.firstRetry = 60;
+  ProcessSettings::Set(settings_);
+  for (int row = 0; row < 6; ++row) Start(row == 5 ? "other.test" : "server.test");
+  ASSERT_EQ(transfers_.size(), 3U);
+  const auto state = [&](int row) {
+    const TransferWords words = TransferTexts(list_.Items().At(row)).Words();
+    return (words.state + "|" + words.pace).toStdString();
+  };
+  const auto* status = transferWindow_.findChild<StatusLine*>();
+  EXPECT_EQ(status->Text(), "3 running, 3 waiting");
+  EXPECT_EQ(state(3), "Waiting, 1 before it|");
+  Select({4});
+  QTest::keyClick(&list_, Qt::Key_Up, Qt::AltModifier);
+  EXPECT_EQ(state(4), "Waiting, 2 before it|");
+  transfers_[0]->row->SetEndState(TransferEnd::Again, Text("The connection was lost."));
+  EXPECT_TRUE(
+      Wait([&] { return state(0) == "Trying again in 60 s (1 of 5): The connection was lost|"; }));
+  ASSERT_EQ(transfers_.size(), 4U) << "the next one has its turn";
+  transferWindow_.MessageReceived(Message("PAUS"_what));
+  EXPECT_EQ(state(3), "Paused|") << "the one that was moved up";
+  TransferProgress& progress = transfers_[1]->row->Progress();
+  progress.allFiles = 128;
+  progress.files = 41;
+  progress.planning = true;
+  EXPECT_EQ(state(1), "From server.test, 41 of 128 files so far|");
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  progress.moved = 5000;
+  progress.heard = std::chrono::duration_cast<std::chrono::milliseconds>(now).count() - 12'500;
+  EXPECT_EQ(state(1), "Stalled for 12 s|");
+  progress.planning = false;
+  progress.proof = Proof::Sha256;
+  End(1, TransferEnd::Finished);
+  EXPECT_TRUE(state(1).ends_with(" files, verified (SHA-256)|")) << state(1);
+  transfers_[2]->row->Progress().proof = Proof::Size;
+  transfers_[2]->row->SetEndState(TransferEnd::Finished, {});
+  EXPECT_TRUE(Wait([&] { return state(5) == "Done, size checked|"; }));
+  app_->NetworkReturned();
+  EXPECT_EQ(state(0), "Waiting for its turn|");
+  QTest::mouseClick(transferWindow_.findChild<QToolButton*>("pauseAll"), Qt::LeftButton);
+  EXPECT_EQ(status->Text(), "4 paused");
+  EXPECT_EQ(transferWindow_.findChild<QToolButton*>("pauseAll")->text(), "Resume All");
+}
+
+TEST_F(Transfers, ThePaceIsTheMeanOfTheLastThreeSeconds) {
+  using std::chrono::milliseconds;
+  PaceMeter meter;
+  PaceMeter::Time now{};
+  const auto feed = [&](std::int64_t from, std::int64_t step, int tenths) {
+    for (int i = 0; i < tenths; ++i) meter.Feed(from += step, now += milliseconds(100));
+    return from;
+  };
+  std::int64_t moved = feed(0, 0, 50);
+  meter.Feed(moved += 1000, now += milliseconds(100));
+  EXPECT_EQ(meter.Rate(), 0) << "too little is known";
+  moved = feed(moved, 100'000, 10);
+  EXPECT_NEAR(meter.Rate(), 1e6, 1) << "the time before the first byte does not count";
+  moved = feed(moved, 200'000, 15);
+  EXPECT_NEAR(meter.Rate(), 1.6e6, 1e3);
+  moved = feed(moved, 200'000, 30);
+  EXPECT_NEAR(meter.Rate(), 2e6, 1);
+  moved = feed(moved, 0, 31);
+  EXPECT_EQ(meter.Rate(), 0);
+}
+
+TEST_F(Transfers, WhatWasLeftComesBackPausedAndGoesOn) {
+  const std::string path = config_.filePath("queue.sqlite").toStdString();
+  const auto begin = [&] {
+    app_.reset();
+    Anew();
+    app_ =
+        std::make_unique<TambleApp>(factory_, nullptr, nullptr, std::make_shared<QueueStore>(path));
+    app_->ReadyToRun();
+    ProcessSettings::Set(settings_);
+  };
+  const auto rows = [&] {
+    std::string text;
+    const TransferModel& items = app_->Transfers().List().Items();
+    for (int row = 0; row < items.Count(); ++row) {
+      const TransferTexts texts(items.At(row));
+      text += (texts.Name() + ": " + texts.Words().state + "\n").toStdString();
+    }
+    return text;
+  };
+  begin();
+  EXPECT_FALSE(app_->Transfers().isVisible());
+  const Site site{.host = "h", .user = "u", .password = "typed"};
+  for (const char* name : {"one", "two", "done"}) {
+    app_->Transfers().Add({.site = site,
+                           .targetFolder = "/d",
+                           .jobs = {{std::string("/") + name, std::string("/d/") + name,
+                                     RemoteEntry::Kind::Directory}}},
+                          {});
+  }
+  app_->Transfers().Add(
+      {.site = {.host = "h", .user = "anonymous"}, .jobs = {{"/three", "/d/three"}}}, {});
+  JobBoard& board = *transfers_[0]->board;
+  board.Begin(false);
+  board.Open(board.Take(kNoJob).value(), "/one", {{"a", "a"}, {"b", "b"}, {"c", "c"}});
+  (void)board.End(board.Take(kNoJob).value().id, JobState::Done);
+  transfers_[2]->row->SetEndState(TransferEnd::Finished, {});
+  EXPECT_TRUE(Wait([&] { return app_->Transfers().List().Items().At(2).Finished(); }));
+  button_ = 0;
+  app_->QuitRequested();
+  ASSERT_TRUE(Alerted(1));
+  EXPECT_EQ(alerts_[0].detail, "3 transfers are paused, and can be resumed after the next start.");
+  begin();
+  EXPECT_EQ(rows(), "one: Paused, 1 of 3 files\ntwo: Paused\nthree: Paused\n");
+  EXPECT_TRUE(app_->Transfers().isVisible());
+  auto* all = app_->Transfers().findChild<QToolButton*>("pauseAll");
+  const auto& given = [](const Alerts::Question& question) {
+    question.entered("asked");
+    return 0;
+  };
+  int asked = 0;
+  Alerts::AnswerWith([&](const Alerts::Question& question) {
+    ++asked;
+    return asked == 1 ? 1 : given(question);
+  });
+  all->click();
+  EXPECT_TRUE(Wait([&] { return asked == 1 && transfers_.size() == 1; }));
+  EXPECT_EQ(transfers_[0]->description.site.host, "h") << "the anonymous one needs no password";
+  EXPECT_EQ(all->text(), "Pause All");
+  app_->Transfers().List().selectAll();
+  app_->Transfers().MessageReceived(Message("RSUM"_what));
+  EXPECT_TRUE(Wait([&] { return transfers_.size() == 3; }));
+  EXPECT_EQ(asked, 2) << "once for both";
+  EXPECT_EQ(transfers_[2]->description.site.password, "asked");
+  EXPECT_EQ(transfers_[1]->board->Counted().done, 1);
 }
 
 TEST_F(Transfers, EverythingIsDoneByKeysAndByClicks) {
@@ -263,10 +405,18 @@ TEST_F(Transfers, EverythingIsDoneByKeysAndByClicks) {
   Select({1});
   QTest::keyClick(&list_, Qt::Key_Space);
   EXPECT_TRUE(list_.Items().At(1).IsOpen());
+  QTest::keyClick(&transferWindow_, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "ftp://server.test/remote");
   QTest::keyClick(&list_, Qt::Key_Return);
   EXPECT_EQ(list_.Items().RunningCount(), 2) << "begun again";
-  click(0, TransferAction::Cancel);
+  click(0, TransferAction::Pause);
   EXPECT_TRUE(transfers_[0]->Cancelled());
+  click(0, TransferAction::Resume);
+  EXPECT_EQ(list_.Items().At(0).Stands(), RowState::Waiting) << "its worker has yet to stop";
+  transfers_[0]->row->SetEndState(TransferEnd::Cancelled, {});
+  EXPECT_TRUE(Wait([&] { return list_.Items().At(0).Running(); }));
+  click(0, TransferAction::Cancel);
+  EXPECT_TRUE(transfers_.back()->Cancelled());
   Select({0, 1});
   QTest::keyClick(&list_, Qt::Key_Delete);
   EXPECT_EQ(list_.Items().Count(), 2);
@@ -286,7 +436,7 @@ TEST_F(Transfers, ClosingHidesAndARowMayGoWhileItsWorkerTalks) {
     while (row->SetStatus(Text("working")) && row->BeginFile("file")) {
     }
   });
-  list_.Items().At(0).Cancel();
+  list_.Items().At(0).Stop();
   QApplication::processEvents();
   list_.Items().Remove(0);
   worker.join();

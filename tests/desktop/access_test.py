@@ -19,7 +19,7 @@ from desktop import Failure, Screen, Server, end, private_environment, start, wa
 PROGRAM = pathlib.Path(sys.argv.pop(1)).resolve() if len(sys.argv) > 1 else sys.exit(__doc__)
 
 ROLES = {"check box", "combo box", "list", "page tab", "page tab list", "password text", "push button",
-         "radio button", "text", "toggle button", "tree"}
+         "radio button", "spin button", "text", "toggle button", "tree"}
 # What these hold is reached with the arrows, or is a part of how the toolkit draws them.
 WHOLES = {"list", "tree", "combo box", "menu bar", "page tab list"}
 PARTS = {"table cell", "list item", "page tab"}
@@ -33,6 +33,11 @@ TOOLS = ["push button Back", "push button Parent Dir", "push button Home", "push
 PANE = ["push button Upload", "check box Use this connection.", "push button Not encrypted"]
 FORM = ["text Host", "text Username", "password text Password", "text Path", "text Port",
         "check box Passive Connection", "combo box Encryption"]
+QUEUE = ["spin button Transfers in all", "spin button Transfers for each server", "spin button Connections for each",
+         "spin button Download at most", "spin button Upload at most", "spin button Try again",
+         "spin button times, first after", "combo box If a file is there already",
+         "check box Compare with the server’s checksum where it has one",
+         "check box Replace files on the server only by whole ones", "check box Keep the time of files"]
 ENDS = ["push button Cancel", "push button Save"]
 
 
@@ -239,7 +244,7 @@ class AccessTest(unittest.TestCase):
         self.press("alt+e")
         self.look("Preferences", "check box Keep idle connections open", *ENDS, "page tab list Connections")
         self.press("alt+a")
-        self.look("Preferences", "check box Keep the time of files", *ENDS, "page tab list Transfers")
+        self.look("Preferences", *QUEUE, *ENDS, "page tab list Transfers")
         self.press("alt+y")
         self.look("Preferences", "radio button Where the server offers it",
                   "check box Ask before a password goes unencrypted",
@@ -311,7 +316,8 @@ class AccessTest(unittest.TestCase):
         self.look("Transfer List", "push button Remove Finished", "list Transfers")
         self.menus("Transfer List")
         self.activate("Samples", "ctrl+d")
-        self.look("You have already", "push button Cancel", "push button Download")
+        self.look("“two words.txt” is there already.", "radio button Skip", "push button Cancel",
+                  "push button Skip")
         self.press("Escape")
         self.assertEqual(self.reader.focus(), "tree Remote directory")
         self.press("s")

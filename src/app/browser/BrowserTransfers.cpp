@@ -3,6 +3,9 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <algorithm>
+#include <memory>
+#include <optional>
 #include <utility>
 
 #include "app/browser/BrowserHost.h"
@@ -22,6 +25,7 @@
 #include "app/shared/TransferView.h"
 #include "app/shared/Windows.h"
 #include "kit/Background.h"
+#include "remote/ExactTime.h"
 #include "remote/RemotePath.h"
 #include "settings/ProcessSettings.h"
 #include "util/Encodings.h"
@@ -41,6 +45,8 @@ std::string LastName(std::string_view path) {
   return std::string(path.substr(path.rfind('/') + 1));
 }
 
+constexpr std::int32_t kMostConnections = 8;  // of one transfer
+
 // The panels do not block the window: what they are about is settled when they open.
 void ShowPanel(QFileDialog* panel) {
   panel->setAttribute(Qt::WA_DeleteOnClose);
@@ -50,11 +56,16 @@ void ShowPanel(QFileDialog* panel) {
 
 // Names on this machine's disk are UTF-8.
 TransferPlan::Entry AsEntry(const MWListItem& item) {
-  const fileStruct record = item.GetFileInfo();
-  return {.name = record.name,
-          .local = Decoded(record.name, item.Attributes().encoding),
-          .kind = static_cast<RemoteEntry::Kind>(record.type),
-          .size = record.size < 0 ? -1 : record.size};
+  return {.name = item.Name(),
+          .local = Decoded(item.Name(), item.Attributes().encoding),
+          .kind = static_cast<RemoteEntry::Kind>(item.Type()),
+          .size = std::max<std::int64_t>(item.Size(), -1),
+          .modified = item.Modified()};
+}
+
+TransferPlan::Facts FactsOf(const MWListItem& item) {
+  return {static_cast<RemoteEntry::Kind>(item.Type()), std::max<std::int64_t>(item.Size(), -1),
+          item.Modified()};
 }
 
 }  // namespace
@@ -99,10 +110,10 @@ void BrowserTransfers::Download(Chosen chosen) {
   if (chosen.entries.empty()) return;
   const std::string folder = ProcessSettings::Get().DwnldDir;
   if (folder.empty() || folder == "empty") return SaveDialogBox(std::move(chosen));
-  Look(folder, chosen, [this, chosen](TransferPlan plan) {
+  Look(folder, std::move(chosen.entries), [this, directory = chosen.directory](TransferPlan& plan) {
     // A folder that has gone is no folder chosen.
-    if (plan.error != 0) return SaveDialogBox(chosen);
-    SettleDownload(chosen.directory, std::move(plan));
+    if (plan.error != 0) return SaveDialogBox({directory, std::move(plan.entries), {}});
+    SettleDownload(directory, plan);
   });
 }
 
@@ -113,7 +124,7 @@ void BrowserTransfers::DownloadInto(const std::string& folder, Chosen chosen) {
   const bool needsName =
       chosen.entries.size() == 1 && !IsSafeLocalName(chosen.entries.front().local);
   if (folder.empty() || needsName) return SaveDialogBox(std::move(chosen));
-  LookAndSettle(folder, chosen);
+  LookAndSettle(folder, std::move(chosen));
 }
 
 void BrowserTransfers::DragRows(int pressed) {
@@ -170,17 +181,23 @@ void BrowserTransfers::AskForFolder(Chosen chosen) {
   ShowPanel(folderPanel_);
 }
 
-// A folder may lie on a disk that does not answer.
-void BrowserTransfers::Look(const std::string& folder, const Chosen& chosen, Planned then) {
-  const std::string& first = chosen.entries.front().local;
+void BrowserTransfers::Look(const std::string& folder, std::vector<TransferPlan::Entry> entries,
+                            Planned then) {
+  const std::string& first = entries.front().local;
   if (!IsSafeLocalName(first)) {
     window_.Warn(MWindow::tr("\"%1\" cannot be the name of a local file.").arg(ToText(first)));
     return;
   }
-  const auto look = [self = QPointer(this), folder, entries = chosen.entries,
-                     then = std::move(then)] {
-    OnGuiThread([self, then, plan = TransferPlan::Look(folder, entries)] {
-      if (!self.isNull() && self->window_.Session().Control() != nullptr) then(plan);
+  Plan([folder, given = std::move(entries)] { return TransferPlan::Look(folder, given); },
+       std::move(then));
+}
+
+// A path may lie on a disk that does not answer.
+void BrowserTransfers::Plan(std::function<TransferPlan()> make, Planned then) {
+  const auto look = [self = QPointer(this), make = std::move(make), then = std::move(then)] {
+    const auto plan = std::make_shared<TransferPlan>(make());
+    OnGuiThread([self, then, plan] {
+      if (!self.isNull() && self->window_.Session().Control() != nullptr) then(*plan);
     });
   };
   if (!Background::Start("plan", look)) {
@@ -188,15 +205,15 @@ void BrowserTransfers::Look(const std::string& folder, const Chosen& chosen, Pla
   }
 }
 
-void BrowserTransfers::LookAndSettle(const std::string& folder, const Chosen& chosen) {
-  Look(folder, chosen, [this, directory = chosen.directory](TransferPlan plan) {
-    if (plan.error == 0) return SettleDownload(directory, std::move(plan));
+void BrowserTransfers::LookAndSettle(const std::string& folder, Chosen chosen) {
+  Look(folder, std::move(chosen.entries), [this, directory = chosen.directory](TransferPlan& plan) {
+    if (plan.error == 0) return SettleDownload(directory, plan);
     window_.Warn(MWindow::tr("Nothing can be saved in \"%1\": %2")
                      .arg(ToText(plan.folder), ToText(ErrorText(plan.error))));
   });
 }
 
-void BrowserTransfers::SettleDownload(const std::string& directory, TransferPlan plan) {
+void BrowserTransfers::SettleDownload(const std::string& directory, TransferPlan& plan) {
   ExistingEntries::SettleDownload(
       window_, std::move(plan),
       [this, directory](const TransferPlan& settled) { Start(directory, settled); });
@@ -205,11 +222,12 @@ void BrowserTransfers::SettleDownload(const std::string& directory, TransferPlan
 void BrowserTransfers::Start(const std::string& directory, const TransferPlan& plan) {
   transferStruct description = Described(directory);
   description.targetFolder = plan.folder;
+  description.jobs.reserve(plan.entries.size());
   for (const TransferPlan::Entry& entry : plan.entries) {
-    if (entry.policy == Policy::Skip) continue;
+    if (entry.leftOut) continue;
     description.jobs.push_back({PathBelow(directory, entry.name),
                                 PathBelow(plan.folder, entry.local), entry.kind, entry.size,
-                                entry.policy});
+                                entry.policy, ExactTime(entry.modified)});
     description.size = entry.size;
   }
   HandOver(std::move(description));
@@ -227,45 +245,67 @@ void BrowserTransfers::ChooseUploads() {
   ShowPanel(panel);
 }
 
-// What a directory holds that is not shown is not known: there the worker replaces nothing.
 void BrowserTransfers::Upload(const std::vector<std::string>& paths, const std::string& below) {
   if (below.empty()) return SettleUpload(PlaceNow(), paths);
-  SettleUpload({PathBelow(window_.Session().CurrentDirectory(), below), {}}, paths);
+  SettleUpload({PathBelow(window_.Session().CurrentDirectory(), below), {}, false}, paths);
 }
 
 BrowserTransfers::UploadPlace BrowserTransfers::PlaceNow() const {
   UploadPlace place{window_.Session().CurrentDirectory(), {}};
   const DirListModel& rows = window_.Listing().Rows();
-  for (int row = 0; row < rows.Count(); ++row) place.names.insert(rows.At(row).Name());
+  place.names.reserve(static_cast<std::size_t>(rows.Count()));
+  for (int row = 0; row < rows.Count(); ++row) {
+    const MWListItem& item = rows.At(row);
+    place.names.emplace(item.Name(), FactsOf(item));
+  }
   return place;
 }
 
-void BrowserTransfers::SettleUpload(const UploadPlace& place,
-                                    const std::vector<std::string>& paths) {
-  TransferPlan plan{place.directory, 0, {}};
+std::vector<TransferPlan::Entry> BrowserTransfers::UploadEntries(
+    const std::vector<std::string>& paths) {
+  const Site& site = window_.Session().To();
+  std::vector<TransferPlan::Entry> entries;
+  entries.reserve(paths.size());
+  QStringList unnamed;
   for (const std::string& path : paths) {
-    TransferPlan::Entry& entry = plan.entries.emplace_back();
-    const auto name = Encoded(LastName(path), window_.Session().To().encoding);
-    if (!name) {
-      plan.entries.pop_back();
-      window_.Warn(MissingLetters(ToText(LastName(path)), window_.Session().To()));
-      continue;
+    const std::string last = LastName(path);
+    if (auto name = Encoded(last, site.encoding)) {
+      entries.push_back({.name = path, .local = std::move(*name)});
+    } else {
+      unnamed.append(MissingLetters(ToText(last), site));
     }
-    entry.name = path;
-    entry.local = *name;
-    if (place.names.contains(entry.local)) entry.there = TransferPlan::There::Other;
   }
-  ExistingEntries::SettleUpload(window_, std::move(plan),
-                                [this](const TransferPlan& settled) { StartUpload(settled); });
+  if (!unnamed.isEmpty()) window_.Warn(unnamed.join('\n'));
+  return entries;
+}
+
+// What a directory holds that is not shown is not known: there the worker does as the preferences
+// say, or replaces nothing.
+void BrowserTransfers::SettleUpload(UploadPlace place, const std::vector<std::string>& paths) {
+  const bool known = place.known;
+  const auto settle = [this, known](TransferPlan& plan) {
+    if (!known) plan.SettleUnseen(ExistingEntries::Preset().value_or(Policy::CreateNew));
+    ExistingEntries::SettleUpload(window_, std::move(plan),
+                                  [this](const TransferPlan& settled) { StartUpload(settled); });
+  };
+  Plan([directory = std::move(place.directory), names = std::move(place.names),
+        entries =
+            UploadEntries(paths)] { return TransferPlan::LookHere(directory, entries, names); },
+       settle);
 }
 
 void BrowserTransfers::StartUpload(const TransferPlan& plan) {
   transferStruct description = Described(plan.folder);
   description.download = false;
+  description.jobs.reserve(plan.entries.size());
   for (const TransferPlan::Entry& entry : plan.entries) {
-    if (entry.policy == Policy::Skip) continue;
-    description.jobs.push_back({PathBelow(plan.folder, entry.local),
-                                WithoutTrailingSlash(entry.name), entry.kind, -1, entry.policy});
+    if (entry.leftOut) continue;
+    const bool there = entry.there != TransferPlan::There::Nothing;
+    description.jobs.push_back({.remote = PathBelow(plan.folder, entry.local),
+                                .local = WithoutTrailingSlash(entry.name),
+                                .kind = entry.kind,
+                                .policy = entry.policy,
+                                .there = there && entry.policy != Policy::CreateNew});
   }
   HandOver(std::move(description));
 }
@@ -277,11 +317,18 @@ transferStruct BrowserTransfers::Described(const std::string& directory) const {
   const SettingsValues settings = ProcessSettings::Get();
   description.bufferSize = settings.buffersize;
   description.keepTimes = settings.keepTimes;
+  description.checks = settings.compareChecksums;
+  description.usesPartNames = settings.partNames;
+  const int own = description.site.connections;
+  description.connections =
+      std::clamp(own > 0 ? own : settings.connectionsPerTransfer, 1, kMostConnections);
   return description;
 }
 
 void BrowserTransfers::HandOver(transferStruct description) {
-  if (description.jobs.empty()) return;
+  if (description.jobs.empty()) {
+    return window_.ShowStatus(Text("Everything is there already."));
+  }
   if (window_.View().Pane().UsesSameConnection()) return TransferHere(std::move(description));
   host_.Transfer(std::move(description), Listener());
 }
@@ -294,11 +341,13 @@ void BrowserTransfers::TransferHere(transferStruct description) {
     return window_.Warn(MWindow::tr("This connection is busy with another transfer."));
   }
   window_.Listing().DisableAll();
-  view.Begin(std::move(description), Listener(),
-             [this, looper = session.Control(), link = session.Link()](
-                 std::shared_ptr<TransferUi> row, transferStruct what) {
-               return host_.Workers().sameConnection(looper, link, std::move(row), std::move(what));
-             });
+  view.Begin(
+      std::move(description), Listener(),
+      [this, looper = session.Control(), link = session.Link()](
+          std::shared_ptr<TransferUi> row, transferStruct what, std::shared_ptr<JobBoard> jobs) {
+        return host_.Workers().sameConnection(looper, link, std::move(row), std::move(what),
+                                              std::move(jobs));
+      });
 }
 
 TransferListener BrowserTransfers::Listener() {

@@ -5,7 +5,6 @@
 #include <QStringList>
 #include <functional>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "app/shared/TransferListener.h"
@@ -55,9 +54,11 @@ class BrowserTransfers : public QObject {
   /// The directory of an upload and what stood in it when the upload was begun.
   struct UploadPlace {
     std::string directory;
-    std::unordered_set<std::string> names;
+    TransferPlan::Names names;
+    bool known = true;  ///< whether the names are
   };
-  using Planned = std::function<void(TransferPlan plan)>;
+  /// Gets a plan that it may take.
+  using Planned = std::function<void(TransferPlan& plan)>;
 
   void WarnOfNames(const QStringList& refused);
   /// Asks for the target of a download.
@@ -65,13 +66,17 @@ class BrowserTransfers : public QObject {
   void AskForName(Chosen chosen);
   void AskForFolder(Chosen chosen);
   /// Looks at the target folder, elsewhere; `then` follows on the GUI thread.
-  void Look(const std::string& folder, const Chosen& chosen, Planned then);
-  void LookAndSettle(const std::string& folder, const Chosen& chosen);
-  void SettleDownload(const std::string& directory, TransferPlan plan);
+  void Look(const std::string& folder, std::vector<TransferPlan::Entry> entries, Planned then);
+  /// Has another thread make a plan; `then` follows while the window stands.
+  void Plan(std::function<TransferPlan()> make, Planned then);
+  void LookAndSettle(const std::string& folder, Chosen chosen);
+  void SettleDownload(const std::string& directory, TransferPlan& plan);
   void Start(const std::string& directory, const TransferPlan& plan);
 
   [[nodiscard]] UploadPlace PlaceNow() const;
-  void SettleUpload(const UploadPlace& place, const std::vector<std::string>& paths);
+  void SettleUpload(UploadPlace place, const std::vector<std::string>& paths);
+  [[nodiscard]] std::vector<TransferPlan::Entry> UploadEntries(
+      const std::vector<std::string>& paths);
   void StartUpload(const TransferPlan& plan);
 
   /// To the transfer window or, where the box is ticked, to this window's own connection.

@@ -27,6 +27,8 @@ QString Heading(Trouble trouble) {
     case Trouble::RefusedLogin: return MWindow::tr("The server refused the login.");
     case Trouble::NoEncryption: return MWindow::tr("The connection could not be encrypted.");
     case Trouble::Certificate: return MWindow::tr("The server’s certificate is not trusted.");
+    case Trouble::TooMany:
+      return MWindow::tr("The server takes no more connections at the moment.");
     case Trouble::Other: break;
   }
   return MWindow::tr("No connection came about.");
@@ -40,6 +42,7 @@ Mend ToMend(Trouble trouble) {
     case Trouble::RefusedLogin: return Mend::Login;
     case Trouble::NoEncryption: return Mend::Encryption;
     case Trouble::Certificate:
+    case Trouble::TooMany:
     case Trouble::Other: break;
   }
   return Mend::Nothing;

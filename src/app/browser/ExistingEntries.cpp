@@ -1,119 +1,106 @@
 #include "app/browser/ExistingEntries.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
+#include "app/browser/BrowserSession.h"
+#include "app/browser/ExistingAlerts.h"
+#include "app/browser/ExistingQuestion.h"
 #include "app/browser/MWindow.h"
-#include "app/shared/Alerts.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Style.h"
+#include "settings/ProcessSettings.h"
 
 namespace corvane {
 namespace {
 
+using Entry = TransferPlan::Entry;
 using There = TransferPlan::There;
 
-/// Every button but the last, which cancels, stands for the policy at its place.
-void Ask(MWindow& window, Alerts::Question question, const std::vector<Policy>& policies,
-         TransferPlan plan, const ExistingEntries::Then& then) {
-  question.title = MWindow::tr("Alert!");
-  question.buttons.append(MWindow::tr("Cancel"));
-  Alerts::Show(&window, question, [policies, plan = std::move(plan), then](int button) mutable {
-    if (button >= static_cast<int>(policies.size())) return;
-    plan.SetForExisting(policies[static_cast<std::size_t>(button)]);
-    then(std::move(plan));
+/// A plan on its way through the questions about its entries.
+struct Asking {
+  TransferPlan plan;
+  bool download = true;
+  ExistingEntries::Then then;
+  std::size_t next = 0;  // the first entry that may still be asked about
+  bool forOthers = false;
+};
+
+/// Asks about one entry after the other, until an answer holds for all that are left.
+void AskNext(MWindow& window, const std::shared_ptr<Asking>& asking) {
+  std::vector<Entry>& entries = asking->plan.entries;
+  const auto from = entries.begin() + static_cast<std::ptrdiff_t>(asking->next);
+  const auto asked = std::find_if(from, entries.end(), std::mem_fn(&Entry::IsReplaceable));
+  if (asked == entries.end()) return asking->then(std::move(asking->plan));
+  asking->next = static_cast<std::size_t>(asked - entries.begin()) + 1;
+  ExistingQuestion question(window, asking->plan, *asked, asking->download);
+  for (auto other = asked + 1; other != entries.end(); ++other) {
+    if (other->IsReplaceable()) question.AddOther(*other);
+  }
+  question.Ask([&window, asking, asked](Policy policy, bool forOthers) {
+    const auto last = forOthers ? asking->plan.entries.end() : asked + 1;
+    std::for_each(asked, last, [policy](Entry& entry) {
+      if (entry.IsReplaceable()) entry.Settle(policy);
+    });
+    if (forOthers) return asking->then(std::move(asking->plan));
+    AskNext(window, asking);
   });
 }
 
-void AskAboutFile(MWindow& window, TransferPlan plan, const ExistingEntries::Then& then) {
-  const TransferPlan::Entry& entry = plan.entries.front();
-  const QString name = ToText(entry.local);
-  Alerts::Question question;
-  if (entry.there == There::SameSize) {
-    question.text = MWindow::tr("You have already downloaded the file %1.").arg(name) + "\n\n" +
-                    MWindow::tr("Would you like to download the file again?");
-    question.buttons = {MWindow::tr("&Download")};
-    return Ask(window, question, {Policy::Replace}, std::move(plan), then);
-  }
-  question.text = MWindow::tr("Part of the file %1 already exists.").arg(name) + "\n\n" +
-                  MWindow::tr("Would you like to overwrite or reget the file?");
-  question.buttons = {MWindow::tr("&Reget"), MWindow::tr("&Overwrite")};
-  Ask(window, question, {Policy::Resume, Policy::Replace}, std::move(plan), then);
-}
-
-void AskAboutFolder(MWindow& window, TransferPlan plan, const ExistingEntries::Then& then) {
-  Alerts::Question question;
-  question.text = MWindow::tr(
-                      "The folder \"%1\" exists already.\n\nFiles in it that have the same "
-                      "names as those on the server are replaced.")
-                      .arg(ToText(plan.entries.front().local));
-  question.buttons = {MWindow::tr("&Download")};
-  question.preset = 1;
-  Ask(window, question, {Policy::Replace}, std::move(plan), then);
-}
-
-void SettleOne(MWindow& window, TransferPlan plan, const ExistingEntries::Then& then) {
-  const TransferPlan::Entry& entry = plan.entries.front();
-  const bool directory = entry.kind == RemoteEntry::Kind::Directory;
-  const bool folder = entry.there == There::Folder;
-  if (folder && directory) return AskAboutFolder(window, std::move(plan), then);
-  if (!folder && entry.there != There::Link && entry.there != There::Other) {
-    return AskAboutFile(window, std::move(plan), then);
-  }
-  const QString kind = folder                       ? MWindow::tr("a folder")
-                       : entry.there == There::Link ? MWindow::tr("a link")
-                       : directory                  ? MWindow::tr("no folder")
+QString KindThere(const Entry& entry) {
+  if (entry.there == There::Folder) return MWindow::tr("a folder");
+  if (entry.there == There::Link) return MWindow::tr("a link");
+  return entry.kind == RemoteEntry::Kind::Directory ? MWindow::tr("no folder")
                                                     : MWindow::tr("no plain file");
-  window.Warn(MWindow::tr("\"%1\" in the download folder is %2 and is left alone.")
-                  .arg(ToText(entry.local), kind));
 }
 
-void SettleSeveral(MWindow& window, TransferPlan plan, int existing,
-                   const ExistingEntries::Then& then) {
-  const bool folders = std::ranges::any_of(
-      plan.entries, [](const TransferPlan::Entry& entry) { return entry.there == There::Folder; });
-  Alerts::Question question;
-  if (folders) {
-    question.text =
-        (existing == 1
-             ? MWindow::tr("1 of these entries exists already. Overwrite it?")
-             : MWindow::tr("%n of these entries exist already. Overwrite them?", "", existing)) +
-        "\n\n" +
-        MWindow::tr(
-            "Files in folders that have the same names as those on the server are replaced.");
-  } else {
-    question.text = existing == 1 ? MWindow::tr("1 of these files exists already. Overwrite it?")
-                                  : MWindow::tr("%n of these files exist already. Overwrite them?",
-                                                "", existing);
+void SayIsLeftAlone(MWindow& window, const Entry& entry, bool download) {
+  const std::string encoding = download ? std::string() : window.Session().To().encoding;
+  const QString text = download
+                           ? MWindow::tr("\"%1\" in the download folder is %2 and is left alone.")
+                           : MWindow::tr("\"%1\" on the server is %2 and is left alone.");
+  window.Warn(text.arg(ToText(entry.local, encoding), KindThere(entry)));
+}
+
+void Settle(MWindow& window, TransferPlan plan, bool download, ExistingEntries::Then then) {
+  if (plan.CountExisting() == 0) return then(std::move(plan));
+  const bool asksOfEach = Style::InForce().AsksOfEachEntry();
+  const std::optional<Policy> preset = ExistingEntries::Preset();
+  const Entry& first = plan.entries.front();
+  if (plan.entries.size() == 1 && !first.IsReplaceable() && (download || asksOfEach) &&
+      preset != Policy::KeepBoth && preset != Policy::Skip) {
+    return SayIsLeftAlone(window, first, download);
   }
-  question.buttons = {MWindow::tr("&Overwrite"),
-                      existing == 1 ? MWindow::tr("&Skip it") : MWindow::tr("&Skip them")};
-  question.preset = 1;
-  Ask(window, question, {Policy::Replace, Policy::Skip}, std::move(plan), then);
+  if (preset) {
+    plan.SettleExisting(*preset);
+    return then(std::move(plan));
+  }
+  if (asksOfEach) {
+    return AskNext(window,
+                   std::make_shared<Asking>(Asking{std::move(plan), download, std::move(then)}));
+  }
+  download ? ExistingAlerts::SettleDownload(window, std::move(plan), then)
+           : ExistingAlerts::SettleUpload(window, std::move(plan), then);
 }
 
 }  // namespace
 
-void ExistingEntries::SettleDownload(MWindow& window, TransferPlan plan, const Then& then) {
-  const auto existing = static_cast<int>(plan.CountExisting());
-  if (existing == 0) return then(std::move(plan));
-  if (plan.entries.size() == 1) return SettleOne(window, std::move(plan), then);
-  SettleSeveral(window, std::move(plan), existing, then);
+std::optional<Policy> ExistingEntries::Preset() {
+  const auto preset = static_cast<Policy>(ProcessSettings::Get().existing);
+  if (preset < Policy::Replace || preset > Policy::KeepBoth) return std::nullopt;
+  return preset;
 }
 
-void ExistingEntries::SettleUpload(MWindow& window, TransferPlan plan, const Then& then) {
-  const auto existing = static_cast<int>(plan.CountExisting());
-  if (existing == 0) return then(std::move(plan));
-  Alerts::Question question;
-  question.text =
-      existing == 1
-          ? MWindow::tr("1 of these names exists on the server already. Replace what is there?")
-          : MWindow::tr("%n of these names exist on the server already. Replace what is there?", "",
-                        existing);
-  question.buttons = {MWindow::tr("&Replace"),
-                      existing == 1 ? MWindow::tr("&Skip it") : MWindow::tr("&Skip them")};
-  question.preset = 1;
-  Ask(window, question, {Policy::Replace, Policy::Skip}, std::move(plan), then);
+void ExistingEntries::SettleDownload(MWindow& window, TransferPlan plan, Then then) {
+  Settle(window, std::move(plan), true, std::move(then));
+}
+
+void ExistingEntries::SettleUpload(MWindow& window, TransferPlan plan, Then then) {
+  Settle(window, std::move(plan), false, std::move(then));
 }
 
 }  // namespace corvane

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "workers/TransferPlan.h"
 
@@ -8,16 +9,18 @@ namespace corvane {
 
 class MWindow;
 
-/// What a browser window asks about entries that are there already where a transfer would put its
-/// own: once for all entries of an action. GUI thread.
+/// Settles what becomes of entries that are there already where a transfer would put its own: as
+/// the preferences say, else as the user does. GUI thread.
 class ExistingEntries {
  public:
-  /// Gets the plan with the policies that the user chose; not called when the user cancels.
+  /// Gets the settled plan; not called when the user cancels.
   using Then = std::function<void(TransferPlan plan)>;
 
-  static void SettleDownload(MWindow& window, TransferPlan plan, const Then& then);
-  /// What is there already has a `there` that is not Nothing.
-  static void SettleUpload(MWindow& window, TransferPlan plan, const Then& then);
+  /// What the preferences say; nothing where the user is asked.
+  [[nodiscard]] static std::optional<Policy> Preset();
+
+  static void SettleDownload(MWindow& window, TransferPlan plan, Then then);
+  static void SettleUpload(MWindow& window, TransferPlan plan, Then then);
 };
 
 }  // namespace corvane

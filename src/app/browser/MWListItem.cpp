@@ -31,6 +31,10 @@ std::uint64_t PackTime(const RemoteTime& moment) {
   return known ? PackTime(time) : 0;
 }
 
+std::int64_t SecondsOf(std::tm time) {
+  return ::timegm(&time);
+}
+
 int PartOf(std::uint64_t time, int shift) {
   return static_cast<int>(time >> shift & 0xFF);
 }
@@ -75,15 +79,18 @@ MWListItem::MWListItem(const RemoteEntry& entry, std::shared_ptr<const EntryAttr
     : name_(entry.name),
       size_(SizeOf(entry)),
       time_(entry.modified ? PackTime(*entry.modified) : 0),
+      seconds_(entry.modified ? entry.modified->seconds : 0),
       attributes_(std::move(attributes)),
       type_(static_cast<std::uint8_t>(entry.kind)),
       kind_(KindOf(type_, entry.name)),
-      hasTime_(entry.modified && entry.modified->precision != RemoteTime::Precision::Day) {}
+      inUtc_(entry.modified && entry.modified->utc),
+      precision_(entry.modified ? entry.modified->precision : RemoteTime::Precision::Day) {}
 
 MWListItem::MWListItem(const fileStruct& entry, std::string name)
     : name_(std::move(name)),
       size_(entry.size),
       time_(PackTime(entry.time)),
+      seconds_(SecondsOf(entry.time)),
       attributes_(std::make_shared<const EntryAttributes>(
           EntryAttributes{entry.permissions, entry.owner, entry.group, {}})),
       type_(static_cast<std::uint8_t>(entry.type)),
@@ -114,8 +121,13 @@ QDate MWListItem::Day() const {
 }
 
 std::optional<QTime> MWListItem::Time() const {
-  if (time_ == 0 || !hasTime_) return std::nullopt;
+  if (time_ == 0 || precision_ == RemoteTime::Precision::Day) return std::nullopt;
   return QTime(PartOf(time_, 16), PartOf(time_, 8), std::min(PartOf(time_, 0), 59));
+}
+
+std::optional<RemoteTime> MWListItem::Modified() const {
+  if (time_ == 0) return std::nullopt;
+  return RemoteTime{seconds_, precision_, inUtc_};
 }
 
 fileStruct MWListItem::GetFileInfo() const {
@@ -146,7 +158,9 @@ void MWListItem::SetSizeAndTime(std::int64_t size, const std::tm& time) {
   size_ = size;
   wasLink_ = false;
   time_ = PackTime(time);
-  hasTime_ = true;
+  seconds_ = SecondsOf(time);
+  inUtc_ = false;
+  precision_ = RemoteTime::Precision::Second;
 }
 
 void MWListItem::RenameItem(std::string name) {

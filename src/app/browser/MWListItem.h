@@ -58,6 +58,8 @@ class MWListItem {
   [[nodiscard]] QDate Day() const;
   /// The time of that day, where the server told it.
   [[nodiscard]] std::optional<QTime> Time() const;
+  /// The last change as the server told it; nothing when it did not.
+  [[nodiscard]] std::optional<RemoteTime> Modified() const;
 
   /// The row as the record that a transfer takes; its time is not filled.
   [[nodiscard]] fileStruct GetFileInfo() const;
@@ -71,11 +73,13 @@ class MWListItem {
   std::string name_;
   std::int64_t size_;
   std::uint64_t time_;
+  std::int64_t seconds_;  // since 1970, of the last change; in the server's zone where not inUtc_
   std::shared_ptr<const EntryAttributes> attributes_;
   std::uint8_t type_;
   EntryKind kind_;
   bool wasLink_ = false;
-  bool hasTime_ = true;
+  bool inUtc_ = false;
+  RemoteTime::Precision precision_ = RemoteTime::Precision::Second;
 };
 
 /// An ASCII letter lowered, any other byte as it is, as an unsigned value.

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 
 #include "app/shared/IconButton.h"
 #include "app/shared/LookStyle.h"
@@ -23,6 +24,7 @@ MoreFields::MoreFields(QFormLayout& rows, QWidget* form)
       more_(new IconButton("chevron-right", tr("More"), form)),
       encoding_(new QComboBox(form)),
       certificate_(new QLineEdit(form)),
+      connections_(new QSpinBox(form)),
       asks_(new QCheckBox(tr("As&k for the password each time"), form)) {
   more_->setObjectName("More");
   more_->ShowText(tr("&More"));
@@ -33,6 +35,8 @@ MoreFields::MoreFields(QFormLayout& rows, QWidget* form)
   first_ = rows_.rowCount();
   rows_.addRow(tr("Encoding of &names:"), encoding_);
   rows_.addRow(tr("Client c&ertificate:"), MakeCertificateRow(form));
+  MakeConnections();
+  rows_.addRow(tr("Connections for each transfer:"), connections_);
   rows_.addRow(asks_);
   if (auto* label =
           qobject_cast<QLabel*>(rows_.itemAt(first_ + 1, QFormLayout::LabelRole)->widget())) {
@@ -40,6 +44,15 @@ MoreFields::MoreFields(QFormLayout& rows, QWidget* form)
   }
   connect(more_, &IconButton::clicked, this, [this] { Show(!shown_); });
   Show(false);
+}
+
+void MoreFields::MakeConnections() {
+  connections_->setObjectName("SiteConnections");
+  connections_->setAccessibleName(tr("Connections for each transfer"));
+  connections_->findChild<QLineEdit*>()->setAccessibleName(connections_->accessibleName());
+  connections_->setRange(0, Site::kMostConnections);
+  connections_->setSpecialValueText(tr("As in the preferences"));
+  connections_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
 void MoreFields::MakeEncodings(QWidget* form) {
@@ -76,7 +89,7 @@ QWidget* MoreFields::MakeCertificateRow(QWidget* form) {
 void MoreFields::Show(bool shown) {
   shown_ = shown;
   more_->setIcon(Symbol(shown ? "chevron-down" : "chevron-right"));
-  for (int row = first_; row < first_ + 3; ++row) rows_.setRowVisible(row, shown);
+  for (int row = first_; row < first_ + 4; ++row) rows_.setRowVisible(row, shown);
   Q_EMIT HeightChanged();
 }
 
@@ -100,13 +113,15 @@ void MoreFields::Fill(const Site& site) {
   encoding_->setCurrentIndex(index);
   file_ = site.clientCertificate;
   certificate_->setText(ToText(file_));
+  connections_->setValue(site.connections);
   asks_->setChecked(site.asksPassword);
-  Show(!site.encoding.empty() || !file_.empty() || site.asksPassword);
+  Show(!site.encoding.empty() || !file_.empty() || site.asksPassword || site.connections > 0);
 }
 
 void MoreFields::Put(Site& site) const {
   site.encoding = encoding_->currentData().toByteArray().toStdString();
   site.clientCertificate = EditedBytes(certificate_->text(), file_);
+  site.connections = connections_->value();
   site.asksPassword = asks_->isChecked();
 }
 

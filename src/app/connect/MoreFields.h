@@ -9,6 +9,7 @@ class QCheckBox;
 class QComboBox;
 class QFormLayout;
 class QLineEdit;
+class QSpinBox;
 
 namespace corvane {
 
@@ -32,6 +33,7 @@ class MoreFields : public QObject {
   void HeightChanged();
 
  private:
+  void MakeConnections();
   void MakeEncodings(QWidget* form);
   QWidget* MakeCertificateRow(QWidget* form);
   void Show(bool shown);
@@ -41,6 +43,7 @@ class MoreFields : public QObject {
   IconButton* more_;
   QComboBox* encoding_;
   QLineEdit* certificate_;
+  QSpinBox* connections_;
   QCheckBox* asks_;
   bool shown_ = false;
   int first_ = 0;  // of the rows that come and go

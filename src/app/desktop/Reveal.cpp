@@ -49,7 +49,7 @@ Reveal::Ways& TheWays() {
 
 void Reveal::Show(QWidget* window, const std::string& path) {
   TheWays().showEntry(FileUrl(path), [window = QPointer(window), path](bool shown) {
-    if (shown || TheWays().openFolder(FileUrl(FolderOf(path))) || window.isNull()) return;
+    if (shown || TheWays().open(FileUrl(FolderOf(path))) || window.isNull()) return;
     Alerts::Show(window,
                  {.icon = QMessageBox::Information,
                   .title = QCoreApplication::translate("Reveal", "Reveal in Tracker"),
@@ -60,6 +60,17 @@ void Reveal::Show(QWidget* window, const std::string& path) {
                   .heading = QCoreApplication::translate("Reveal", "No file manager answered."),
                   .advice = QCoreApplication::translate("Reveal", "This is where to look:")});
   });
+}
+
+void Reveal::Open(QWidget* window, const std::string& path) {
+  if (TheWays().open(FileUrl(path))) return;
+  Alerts::Show(window,
+               {.icon = QMessageBox::Information,
+                .title = QCoreApplication::translate("Reveal", "Open"),
+                .text = QCoreApplication::translate("Reveal", "No program opens this file:"),
+                .detail = ToText(path),
+                .heading = QCoreApplication::translate("Reveal", "No program opens this file."),
+                .advice = QCoreApplication::translate("Reveal", "This is where it is:")});
 }
 
 void Reveal::Use(Ways ways) {

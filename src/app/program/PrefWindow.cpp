@@ -228,6 +228,7 @@ void PrefWindow::Save() {
   QString problem = tr("The preferences are in force but could not be saved for the next start.");
   certificates_->Save();
   Text failure = StoredSettings::Apply(controls_->Entered());
+  Q_EMIT Saved();
   if (const bool tray = tray_->isChecked(); failure.IsEmpty() && tray != Autostart::IsSet()) {
     problem = tr("The preferences are saved, all but what is shown in the tray at login.");
     failure = Text::Raw(Autostart::Set(tray));

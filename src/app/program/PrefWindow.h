@@ -33,6 +33,10 @@ class PrefWindow : public QWidget {
   /// Whether something stands here that is not saved.
   [[nodiscard]] bool Changed() const;
 
+ Q_SIGNALS:
+  /// What was entered is in force.
+  void Saved();
+
  private:
   void MakeTabs();
   QWidget* MakeSound();

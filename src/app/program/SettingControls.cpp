@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -32,6 +33,12 @@ QString Translate(const char* text) {
 /// What a label calls its field.
 QString NameIn(const QString& label) {
   return QString(label).remove('&').remove(':').trimmed();
+}
+
+std::int32_t EnteredNumber(const Setting& setting, QWidget* control) {
+  if (setting.asButtons) return control->findChild<QButtonGroup*>()->checkedId();
+  if (setting.range.most > 0) return static_cast<QSpinBox*>(control)->value();
+  return static_cast<QComboBox*>(control)->currentData().toInt();
 }
 
 void AddRule(QFormLayout* form) {
@@ -83,12 +90,14 @@ void SettingControls::Add(QFormLayout* form, const Setting& setting, QWidget* be
         AddBox(form, Translate(setting.label), setting.hintBelow ? QString() : hint, shown_.**flag);
   } else {
     const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting.variable);
-    control = setting.asButtons ? AddButtons(form, setting, shown_.**number)
-                                : AddList(form, setting, shown_.**number);
+    control = setting.asButtons        ? AddButtons(form, setting, shown_.**number)
+              : setting.range.most > 0 ? AddNumber(form, setting, shown_.**number)
+                                       : AddList(form, setting, shown_.**number);
   }
   if (setting.hintBelow) {
     auto* below = new HintLabel(hint);
-    below->setContentsMargins(kIndent, 0, 0, 8);
+    const bool box = qobject_cast<QCheckBox*>(control) != nullptr;
+    below->setContentsMargins(box ? kIndent : 0, 0, 0, box ? 8 : 0);
     control->setAccessibleDescription(hint);
     form->addRow(below);
   }
@@ -134,6 +143,40 @@ QCheckBox* SettingControls::AddBox(QFormLayout* form, const QString& label, cons
   box->setMinimumHeight(kBoxHeight);
   form->addRow(box);
   return box;
+}
+
+QWidget* SettingControls::AddNumber(QFormLayout* form, const Setting& setting,
+                                    std::int32_t number) {
+  const SettingsRange& range = setting.range;
+  const QString label = Translate(setting.label);
+  auto* field = new QSpinBox;
+  field->setRange(range.least, range.most);
+  field->setSuffix(Translate(range.unit));
+  field->setSpecialValueText(Translate(range.leastText));
+  field->setValue(number);
+  field->setAlignment(Qt::AlignRight);
+  field->setAccessibleName(NameIn(label));
+  field->findChild<QLineEdit*>()->setAccessibleName(NameIn(label));
+  field->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  constexpr int kLeastWidth = 64;
+  constexpr int kLarge = 10'000;
+  field->setMinimumWidth(kLeastWidth);
+  if (range.most > kLarge) field->setSingleStep(100);
+  if (setting.follows) {
+    auto* between = new QLabel(label);
+    between->setBuddy(field);
+    numbers_->insertWidget(numbers_->count() - 1, between);
+    numbers_->insertWidget(numbers_->count() - 1, field);
+    return field;
+  }
+  auto* whole = new QWidget;
+  numbers_ = new QHBoxLayout(whole);
+  numbers_->setContentsMargins({});
+  numbers_->setSpacing(8);
+  numbers_->addWidget(field);
+  numbers_->addStretch();
+  AddRow(form, label, field, whole);
+  return field;
 }
 
 // A value that is no choice shows as the next bigger one.
@@ -207,9 +250,7 @@ SettingsValues SettingControls::Entered() const {
       entered.** flag = static_cast<QCheckBox*>(control)->isChecked();
     } else {
       const auto* number = std::get_if<std::int32_t SettingsValues::*>(&setting->variable);
-      entered.** number = setting->asButtons
-                              ? control->findChild<QButtonGroup*>()->checkedId()
-                              : static_cast<QComboBox*>(control)->currentData().toInt();
+      entered.** number = EnteredNumber(*setting, control);
     }
   }
   return entered;

@@ -9,6 +9,7 @@
 
 class QCheckBox;
 class QFormLayout;
+class QHBoxLayout;
 class QLineEdit;
 class QWidget;
 
@@ -51,11 +52,14 @@ class SettingControls : public QObject {
  private:
   QWidget* AddField(QFormLayout* form, const Setting& setting, const std::string& text,
                     QWidget* beside);
+  /// A number that is typed, in a row of its own or behind the one before.
+  QWidget* AddNumber(QFormLayout* form, const Setting& setting, std::int32_t number);
   QWidget* AddList(QFormLayout* form, const Setting& setting, std::int32_t chosen);
   QWidget* AddButtons(QFormLayout* form, const Setting& setting, std::int32_t chosen);
 
   const SettingsValues shown_;
   std::vector<std::pair<const Setting*, QWidget*>> controls_;
+  QHBoxLayout* numbers_ = nullptr;  // the row of the last one that is typed
 };
 
 }  // namespace corvane

@@ -14,7 +14,6 @@
 #include "app/connect/ShortcutField.h"
 #include "app/connect/StartWin.h"
 #include "app/desktop/Manual.h"
-#include "app/desktop/Reveal.h"
 #include "app/desktop/StartupNotice.h"
 #include "app/program/About.h"
 #include "app/program/PrefWindow.h"
@@ -28,7 +27,7 @@
 #include "app/shared/Style.h"
 #include "app/shared/Windows.h"
 #include "app/transfers/DownLoadWin.h"
-#include "app/transfers/TransferPane.h"
+#include "queue/QueueStore.h"
 #include "settings/ProcessSettings.h"
 #include "settings/StoredSettings.h"
 #include "sites/KnownServers.h"
@@ -57,8 +56,11 @@ void ChooseDownloadFolder() {
 }  // namespace
 
 TambleApp::TambleApp(WorkerFactory workers, std::shared_ptr<SecretStore> secrets,
-                     std::shared_ptr<KnownServers> known)
-    : workers_(std::move(workers)), passwords_(std::move(secrets)), known_(std::move(known)) {}
+                     std::shared_ptr<KnownServers> known, std::shared_ptr<QueueStore> queue)
+    : workers_(std::move(workers)),
+      passwords_(std::move(secrets)),
+      known_(std::move(known)),
+      queue_(std::move(queue)) {}
 
 TambleApp::~TambleApp() {
   delete preferences_;
@@ -75,13 +77,17 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   QApplication::setWindowIcon(ProgramIcon());
   ReadSettings();
   start_ = std::make_unique<StartWin>(*this, Frames::Restored(kMainFrame));
-  transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame));
+  std::vector<QueueStore::Row> kept;
+  if (queue_ != nullptr) kept = queue_->Load();
+  transfers_ = std::make_unique<DownLoadWin>(*this, Frames::Restored(kTransferFrame), queue_);
   if (StoredSettings::Frame(kTransferFrame) == kTransferFrame.fallback) {
     transfers_->resize(transfers_->size().expandedTo(transfers_->sizeHint()));
   }
   if (Style::InForce().TransfersAtStart()) transfers_->show();
   start_->show();
   start_->Init();
+  transfers_->Restore(std::move(kept));
+  FollowSettings();
   qApp->installEventFilter(this);
   if (!unread_.IsEmpty()) WarnOfUnread(start_.get());
   const Text trouble = known_ != nullptr ? known_->Trouble() : Text();
@@ -134,12 +140,9 @@ void TambleApp::OpenBrowser(const Message& message) {
 }
 
 void TambleApp::Open(const Message& message) {
-  const SettingsValues settings = ProcessSettings::Get();
   Site to = SiteIn(message).value();
   if (message.FindBool("saved").value_or(false)) ShortcutStore::FillPassword(to);
-  to.proxy = ProxyOf(settings);
-  to.warnsOfPlain = WarnsOfPlain(to, settings);
-  to.keepAlive = settings.keepAlive ? kKeepAlive : 0;
+  Furnish(to);
   auto* window = new MWindow(*this, Frames::ForBrowser(), std::move(to));
   windowList_.push_back(window);
   connect(window, &QObject::destroyed, this, [this, window] { std::erase(windowList_, window); });
@@ -149,6 +152,13 @@ void TambleApp::Open(const Message& message) {
   }
   Cascade(*window);
   Answer(message, window);
+}
+
+void TambleApp::Furnish(Site& site) {
+  const SettingsValues settings = ProcessSettings::Get();
+  site.proxy = ProxyOf(settings);
+  site.warnsOfPlain = WarnsOfPlain(site, settings);
+  site.keepAlive = settings.keepAlive ? kKeepAlive : 0;
 }
 
 // A window that covers another one would be taken for it.
@@ -204,6 +214,7 @@ void TambleApp::ShowPreferences() {
     };
   }
   preferences_ = new PrefWindow(std::move(trusted));
+  connect(preferences_, &PrefWindow::Saved, this, &TambleApp::FollowSettings);
   BringForward(preferences_);
   if (!unread_.IsEmpty()) WarnOfUnread(preferences_);
 }
@@ -265,34 +276,22 @@ void TambleApp::ConnectionStands(const Site& site, bool keep,
   start_->RecentChanged();
 }
 
-void TambleApp::Transfer(transferStruct description, TransferListener listener) {
-  transfers_->Add(std::move(description), std::move(listener));
-}
-
-TransferView* TambleApp::MakeTransferView(QWidget* parent) {
-  auto* view = new TransferPane(parent);
-  connect(view, &TransferView::Settled, this, &TambleApp::TransferEnded);
-  return view;
-}
-
-void TambleApp::RevealFile(QWidget* window, const std::string& path) {
-  Reveal::Show(window, path);
-}
-
 std::vector<QWidget*> TambleApp::BrowserWindows() const {
   return {windowList_.begin(), windowList_.end()};
 }
 
-int TambleApp::RunningTransfers() const {
-  const auto here = std::ranges::count_if(windowList_, &MWindow::IsTransferring);
-  return transfers_->RunningCount() + static_cast<int>(here);
-}
-
 QStringList TambleApp::WouldBeLost() const {
   QStringList lines;
-  const int running = RunningTransfers();
-  if (running == 1) lines += tr("1 transfer is running.");
-  if (running > 1) lines += tr("%n transfers are running.", "", running);
+  const int going = transfers_->GoingCount();
+  const auto here = static_cast<int>(std::ranges::count_if(windowList_, &MWindow::IsTransferring));
+  const int lost = here + (transfers_->KeepsRows() ? 0 : going);
+  if (lost == 1) lines += tr("1 transfer is running.");
+  if (lost > 1) lines += tr("%n transfers are running.", "", lost);
+  if (transfers_->KeepsRows() && going > 0) {
+    lines += going == 1 ? tr("1 transfer is paused, and can be resumed after the next start.")
+                        : tr("%n transfers are paused, and can be resumed after the next start.",
+                             "", going);
+  }
   for (const MWindow* window : windowList_) {
     if (!window->IsTransferring()) lines += window->WouldEnd();
   }
@@ -358,7 +357,7 @@ void TambleApp::Quit() {
   if (std::exchange(quitting_, true)) return;
   for (QWidget* window : QApplication::topLevelWidgets()) window->hide();
   for (MWindow* window : windowList_) window->Disconnect();
-  if (transfers_ != nullptr) transfers_->CancelAll();
+  if (transfers_ != nullptr) transfers_->StopAll();
   QCoreApplication::quit();
 }
 

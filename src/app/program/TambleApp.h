@@ -24,6 +24,7 @@ class DownLoadWin;
 class KnownServers;
 class MWindow;
 class PrefWindow;
+class QueueStore;
 class ShortCutEditWindow;
 
 /// The application: owns the connection window and the transfer window, and opens all others. Of
@@ -37,9 +38,10 @@ class TambleApp : public QObject,
 
  public:
   /// Without `secrets` passwords stand in the program's own files; `known` are the servers that the
-  /// workers ask.
+  /// workers ask; `queue` keeps the transfers that are not done, where it is not null.
   explicit TambleApp(WorkerFactory workers, std::shared_ptr<SecretStore> secrets = {},
-                     std::shared_ptr<KnownServers> known = {});
+                     std::shared_ptr<KnownServers> known = {},
+                     std::shared_ptr<QueueStore> queue = {});
   ~TambleApp() override;
 
   /// Settings, the two windows, and what the command line asked for.
@@ -81,6 +83,11 @@ class TambleApp : public QObject,
   void Transfer(transferStruct description, TransferListener listener) override;
   [[nodiscard]] TransferView* MakeTransferView(QWidget* parent) override;
   void TransferEnded(const TransferNews& news) override { notifier_.Ended(news); }
+  /// The network is back, or the machine has slept.
+  void NetworkReturned();
+  void CompleteSite(QWidget* window, const Site& site,
+                    std::function<void(std::optional<Site>)> found) override;
+  void OpenFile(QWidget* window, const std::string& path) override;
   void RevealFile(QWidget* window, const std::string& path) override;
 
   [[nodiscard]] StartWin& ConnectionWindow() override { return *start_; }
@@ -103,7 +110,10 @@ class TambleApp : public QObject,
   /// Brings forward what a message asked for.
   static void Answer(const Message& message, QWidget* window);
   void ReadSettings();
-  [[nodiscard]] int RunningTransfers() const;
+  /// Limits of transfers and of their speed are as the settings say.
+  void FollowSettings();
+  /// Adds what the settings say of every connection.
+  static void Furnish(Site& site);
   /// What quitting would end or lose, a line for each.
   [[nodiscard]] QStringList WouldBeLost() const;
   [[nodiscard]] static bool AnyWindowOpen(const QWidget* except = nullptr);
@@ -112,6 +122,7 @@ class TambleApp : public QObject,
   WorkerFactory workers_;
   Passwords passwords_;
   const std::shared_ptr<KnownServers> known_;
+  const std::shared_ptr<QueueStore> queue_;
   std::optional<StoredSettings::GatheredFrames> frames_;  // from the start on, stored at the end
   Notifier notifier_;
   std::vector<MWindow*> windowList_;

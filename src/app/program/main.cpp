@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "app/desktop/LibSecretStore.h"
+#include "app/desktop/NetworkWatch.h"
 #include "app/desktop/RequestServer.h"
 #include "app/desktop/RunningProgram.h"
 #include "app/desktop/StartupNotice.h"
@@ -26,6 +27,8 @@
 #include "app/shared/LookStyle.h"
 #include "kit/Background.h"
 #include "net/NLDebug.h"
+#include "queue/QueueStore.h"
+#include "settings/PreferenceSet.h"
 #include "sites/KnownServers.h"
 #include "workers/ListingCache.h"
 
@@ -110,8 +113,13 @@ int main(int argc, char** argv) {
       result = tray.Run();
     } else {
       const auto known = std::make_shared<corvane::KnownServers>();
-      corvane::TambleApp app(corvane::RealWorkers(known),
-                             std::make_shared<corvane::LibSecretStore>(), known);
+      corvane::TambleApp app(
+          corvane::RealWorkers(known, std::make_shared<corvane::TransferSpeed>()),
+          std::make_shared<corvane::LibSecretStore>(), known,
+          std::make_shared<corvane::QueueStore>(corvane::PathBesideSets("queue.sqlite", true)));
+      const corvane::NetworkWatch network;
+      QObject::connect(&network, &corvane::NetworkWatch::Returned, &app,
+                       &corvane::TambleApp::NetworkReturned);
       const corvane::QuitSignals signals([&app] { app.Quit(); });
       app.ReadyToRun(line.open);
       std::optional<corvane::RequestServer> requests;

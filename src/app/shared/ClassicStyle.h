@@ -33,12 +33,14 @@ class ClassicStyle : public Style {
   [[nodiscard]] bool AlertsOfFaults() const override { return true; }
   [[nodiscard]] bool TransfersAtStart() const override { return true; }
   [[nodiscard]] bool ClosingQuits() const override { return true; }
+  [[nodiscard]] bool AsksOfEachEntry() const override { return false; }
   [[nodiscard]] QString NewShortcutTitle() const override;
   [[nodiscard]] TransferWords RowOf(const TransferFacts& transfer) const override;
   [[nodiscard]] QColor BarOf(TransferState state, const QPalette& palette) const override;
   [[nodiscard]] QString PaceOf(const TransferFacts& transfer) const override;
   [[nodiscard]] QString DirectionOf(bool download) const override;
   [[nodiscard]] QString TransferTitle(int running) const override;
+  [[nodiscard]] const char* ItemText(const char* own, const char* described) const override;
   [[nodiscard]] Qt::Alignment FiguresSide() const override { return Qt::AlignLeft; }
   [[nodiscard]] InfoTitles TitlesOfInfo() const override;
   [[nodiscard]] bool ShowsWholeMode() const override { return true; }

@@ -13,7 +13,7 @@ QString Tr(const char* text) {
 
 QString RateOf(const TransferFacts& transfer) {
   return Tr(QT_TRANSLATE_NOOP("corvane::TransferItem", "%1 bytes/sec"))
-      .arg(transfer.rate, 0, 'f', 0);
+      .arg(transfer.stalled > 0 ? 0 : transfer.mean, 0, 'f', 0);
 }
 
 QString BytesOf(const TransferFacts& transfer) {
@@ -26,7 +26,12 @@ QString BytesOf(const TransferFacts& transfer) {
 
 QString CountOf(const TransferFacts& transfer) {
   QStringList counts;
-  if (transfer.files > 0) {
+  const bool some = transfer.several && transfer.allFiles > transfer.files;
+  if (some && transfer.state != TransferState::Paused) {
+    counts.append(Tr(QT_TRANSLATE_NOOP("corvane::TransferItem", "%1 of %2 done"))
+                      .arg(transfer.files)
+                      .arg(transfer.allFiles));
+  } else if (transfer.several && transfer.files > 0) {
     counts.append(
         QCoreApplication::translate("corvane::TransferItem", "%n done", nullptr, transfer.files));
   }
@@ -38,12 +43,17 @@ QString CountOf(const TransferFacts& transfer) {
 }
 
 QString LabelOf(const TransferFacts& transfer) {
-  if (transfer.state != TransferState::Running && transfer.state != TransferState::Done) {
-    return transfer.file.isEmpty() ? transfer.failure : transfer.file + ": " + transfer.failure;
+  switch (transfer.state) {
+    case TransferState::Failed:
+    case TransferState::Partly:
+    case TransferState::Cancelled:
+      return transfer.file.isEmpty() ? transfer.failure : transfer.file + ": " + transfer.failure;
+    case TransferState::Running:
+      if (!transfer.status.isEmpty()) return transfer.status;
+      break;
+    default: break;
   }
-  if (transfer.state == TransferState::Running && !transfer.status.isEmpty()) {
-    return transfer.status;
-  }
+  if (QString standing = StandingOf(transfer); !standing.isEmpty()) return standing;
   return transfer.file.isEmpty()
              ? QString()
              : Tr(QT_TRANSLATE_NOOP("corvane::TransferItem", "File: %1")).arg(transfer.file);
@@ -67,15 +77,21 @@ QString ClassicStyle::PaceOf(const TransferFacts& transfer) const {
 
 QColor ClassicStyle::BarOf(TransferState state, const QPalette& /*palette*/) const {
   switch (state) {
-    case TransferState::Running: return {0, 152, 51};
+    case TransferState::Failed:
+    case TransferState::Partly:
+    case TransferState::Cancelled: return {228, 0, 0};
     case TransferState::Done: return {0, 0, 154};
-    default: return {228, 0, 0};
+    default: return {0, 152, 51};
   }
 }
 
 QString ClassicStyle::DirectionOf(bool download) const {
   return download ? QCoreApplication::translate("corvane::TransferPane", "Download: ")
                   : QCoreApplication::translate("corvane::TransferPane", "Upload: ");
+}
+
+const char* ClassicStyle::ItemText(const char* /*own*/, const char* described) const {
+  return described;
 }
 
 QString ClassicStyle::TransferTitle(int /*running*/) const {

@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QPalette>
 #include <QStringList>
+#include <algorithm>
 
 #include "app/shared/Figures.h"
 #include "app/shared/ModernStyle.h"
@@ -17,31 +18,27 @@ class Rows {
   static QString FigureOf(const TransferFacts& transfer) {
     if (!transfer.trailing.isEmpty()) return transfer.trailing;
     const bool done = transfer.state == TransferState::Done;
-    if (transfer.several && transfer.state != TransferState::Running) {
-      return transfer.files > 0 ? Files(transfer.files) : QString();
-    }
     const std::int64_t whole = transfer.total > 0 ? transfer.total : transfer.there;
-    if (whole == 0 && !done) return {};
-    if (done || transfer.there == transfer.total || transfer.total <= 0) {
-      return ShortSize(whole);
-    }
-    return ShortSizeOf(transfer.there, transfer.total);
+    if (whole == 0 && (!done || transfer.several)) return {};
+    const bool all = done || transfer.there == 0 || transfer.there >= whole;
+    return all ? ShortSize(whole) : ShortSizeOf(transfer.there, whole);
   }
 
   static QString StateOf(const TransferFacts& transfer) {
     switch (transfer.state) {
-      case TransferState::Running: return Going(transfer);
-      case TransferState::Failed: return tr("Failed: %1").arg(Phrase(transfer.failure));
-      case TransferState::Partly: return Phrase(transfer.failure);
+      case TransferState::Failed:
+        return transfer.failure.isEmpty() ? tr("Failed")
+                                          : tr("Failed: %1").arg(Phrase(transfer.failure));
+      case TransferState::Partly:
+        return tr("%1 of %2 files failed").arg(transfer.failed).arg(transfer.allFiles);
       case TransferState::Cancelled: return tr("Cancelled");
-      case TransferState::Done: break;
+      case TransferState::Done: return Done(transfer);
+      case TransferState::Running: return Going(transfer);
+      default: return StandingOf(transfer);
     }
-    return transfer.leftOut > 0 ? tr("Done, %n left out", "", transfer.leftOut) : tr("Done");
   }
 
  private:
-  static QString Files(int count) { return count == 1 ? tr("1 file") : tr("%n files", "", count); }
-
   // A sentence as a part of a row.
   static QString Phrase(const QString& sentence) {
     return sentence.endsWith('.') ? sentence.chopped(1) : sentence;
@@ -49,11 +46,34 @@ class Rows {
 
   static QString Going(const TransferFacts& transfer) {
     if (!transfer.status.isEmpty()) return transfer.status;
+    if (QString stalled = StandingOf(transfer); !stalled.isEmpty()) return stalled;
     QStringList parts{transfer.download ? tr("From %1").arg(transfer.host)
                                         : tr("To %1").arg(transfer.host)};
-    if (transfer.several && !transfer.file.isEmpty()) parts.append(transfer.file);
-    if (transfer.files > 0) parts.append(tr("%1 done").arg(Files(transfer.files)));
+    parts.append(FileCount(transfer));
+    parts.removeAll(QString());
     return parts.join(", ");
+  }
+
+  static QString Done(const TransferFacts& transfer) {
+    QStringList parts{tr("Done"), FileCount(transfer)};
+    if (transfer.leftOut > 0) parts.append(tr("%n left out", "", transfer.leftOut));
+    parts.append(ProofOf(transfer.proof));
+    parts.removeAll(QString());
+    return parts.join(", ");
+  }
+
+  static QString ProofOf(Proof proof) {
+    const auto by = [](const char* digest) { return tr("verified (%1)").arg(digest); };
+    switch (proof) {
+      case Proof::None: break;
+      case Proof::Size: return tr("size checked");
+      case Proof::Crc32: return by("CRC-32");
+      case Proof::Md5: return by("MD5");
+      case Proof::Sha1: return by("SHA-1");
+      case Proof::Sha256: return by("SHA-256");
+      case Proof::Sha512: return by("SHA-512");
+    }
+    return {};
   }
 };
 
@@ -64,17 +84,27 @@ TransferWords ModernStyle::RowOf(const TransferFacts& transfer) const {
 }
 
 QString ModernStyle::PaceOf(const TransferFacts& transfer) const {
-  if (transfer.state != TransferState::Running) return {};
-  const bool known = transfer.total > 0 && !transfer.several;
-  return PaceText(transfer.rate, known ? transfer.total - transfer.there : -1);
+  if (transfer.state != TransferState::Running || transfer.stalled > 0) return {};
+  const bool known = transfer.total > 0 && !transfer.planning;
+  return PaceText(transfer.rate,
+                  known ? std::max<std::int64_t>(transfer.total - transfer.there, 0) : -1);
 }
 
 QColor ModernStyle::BarOf(TransferState state, const QPalette& palette) const {
-  return state == TransferState::Running ? ToneOf(palette, Tone::Running) : QColor();
+  switch (state) {
+    case TransferState::Running: return ToneOf(palette, Tone::Running);
+    case TransferState::Paused:
+    case TransferState::Again: return ToneOf(palette, Tone::Stopped);
+    default: return {};
+  }
 }
 
 QString ModernStyle::DirectionOf(bool /*download*/) const {
   return {};
+}
+
+const char* ModernStyle::ItemText(const char* own, const char* /*described*/) const {
+  return own;
 }
 
 QString ModernStyle::TransferTitle(int running) const {

@@ -1,5 +1,6 @@
 #include "app/shared/OpenMessage.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "app/shared/Style.h"
@@ -23,6 +24,7 @@ Message OpenMessage(const Site& site) {
   message.AddInt32("security", static_cast<std::int32_t>(site.security));
   add("encoding", site.encoding);
   add("certificate", site.clientCertificate);
+  if (site.connections > 0) message.AddInt32("connections", site.connections);
   if (site.asksPassword) message.AddBool("asks", true);
   if (site.keptPassword) message.AddBool("kept", true);
   return message;
@@ -50,6 +52,8 @@ std::optional<Site> SiteIn(const Message& message) {
   site.passive = message.FindBool("passive").value_or(Style::InForce().PassiveAtFirst());
   site.encoding = text("encoding");
   site.clientCertificate = text("certificate");
+  site.connections =
+      std::clamp(message.FindInt32("connections").value_or(0), 0, Site::kMostConnections);
   site.asksPassword = message.FindBool("asks").value_or(false);
   site.keptPassword = message.FindBool("kept").value_or(false);
   site.password = text("pass", site.asksPassword || site.keptPassword ? "" : "guest@a.b");

@@ -119,6 +119,9 @@ class Style {
   [[nodiscard]] virtual bool TransfersAtStart() const = 0;
   /// Whether the program ends with its connection window, whatever other windows are open.
   [[nodiscard]] virtual bool ClosingQuits() const = 0;
+  /// Whether what is there already is asked about entry by entry, with every choice; else alerts
+  /// ask once for all, with the choices described.
+  [[nodiscard]] virtual bool AsksOfEachEntry() const = 0;
   /// The title of the window in which a shortcut is made.
   [[nodiscard]] virtual QString NewShortcutTitle() const = 0;
 
@@ -132,6 +135,8 @@ class Style {
   [[nodiscard]] virtual QString DirectionOf(bool download) const = 0;
   /// The title of the transfer window.
   [[nodiscard]] virtual QString TransferTitle(int running) const = 0;
+  /// The text of a transfer's menu item that has a plain and a described one.
+  [[nodiscard]] virtual const char* ItemText(const char* own, const char* described) const = 0;
   [[nodiscard]] virtual Qt::Alignment FiguresSide() const = 0;
   [[nodiscard]] virtual InfoTitles TitlesOfInfo() const = 0;
   /// Whether permissions are shown as the server lists them, with the entry's type before them.

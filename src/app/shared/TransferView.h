@@ -6,9 +6,10 @@
 
 #include "app/shared/TransferListener.h"
 #include "app/shared/TransferNews.h"
+#include "queue/JobBoard.h"
+#include "queue/transferStruct.h"
 #include "remote/TransferUi.h"
 #include "workers/MThread.h"
-#include "workers/transferStruct.h"
 
 namespace corvane {
 
@@ -17,8 +18,8 @@ class TransferView : public QWidget {
   Q_OBJECT
 
  public:
-  using MakeWorker =
-      std::function<std::shared_ptr<MThread>(std::shared_ptr<TransferUi>, transferStruct)>;
+  using MakeWorker = std::function<std::shared_ptr<MThread>(
+      std::shared_ptr<TransferUi>, transferStruct, std::shared_ptr<JobBoard>)>;
 
   using QWidget::QWidget;
 

@@ -1,7 +1,10 @@
 #include "app/transfers/DownLoadWin.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -10,23 +13,39 @@
 #include "app/shared/Frames.h"
 #include "app/shared/Pace.h"
 #include "app/shared/Rule.h"
+#include "app/shared/Shown.h"
 #include "app/shared/SmallView.h"
 #include "app/shared/StatusLine.h"
+#include "app/shared/Strip.h"
 #include "app/shared/Style.h"
 #include "app/shared/UserQuestions.h"
 #include "app/shared/Windows.h"
-#include "app/transfers/TransferBar.h"
+#include "app/transfers/QueuedTransfers.h"
 #include "app/transfers/TransferCommands.h"
 #include "app/transfers/TransferHost.h"
+#include "queue/TransferQueue.h"
 #include "settings/ProcessSettings.h"
+#include "sites/SiteOf.h"
 
 namespace corvane {
+namespace {
 
-DownLoadWin::DownLoadWin(TransferHost& app, const QRect& frame)
+bool IsDone(RowState state) {
+  return state == RowState::Done;
+}
+
+bool IsGoing(RowState state) {
+  return TransferQueue::CanPause(state);
+}
+
+}  // namespace
+
+DownLoadWin::DownLoadWin(TransferHost& app, const QRect& frame, std::shared_ptr<QueueStore> store)
     : app_(app),
       list_(new TransferListView(this)),
       bar_(new TransferBar(this)),
-      status_(new StatusLine(this)) {
+      status_(new StatusLine(this)),
+      queued_(new QueuedTransfers(app, list_->Items(), std::move(store), this)) {
   setMinimumHeight(200);
   setMaximumSize(4000, 4000);
   setGeometry(frame);
@@ -38,26 +57,26 @@ DownLoadWin::DownLoadWin(TransferHost& app, const QRect& frame)
 
 void DownLoadWin::MakeViews() {
   auto* views = new QWidget(this);
-  auto* layout = new QVBoxLayout(views);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(0);
-  layout->addWidget(bar_);
-  layout->addWidget(new Rule(Qt::Horizontal, views));
-  layout->addWidget(list_, 1);
-  layout->addWidget(status_);
+  views_ = new QVBoxLayout(views);
+  views_->setContentsMargins(0, 0, 0, 0);
+  views_->setSpacing(0);
+  views_->addWidget(bar_);
+  views_->addWidget(new Rule(Qt::Horizontal, views));
+  views_->addWidget(list_, 1);
+  views_->addWidget(status_);
   setCentralWidget(views);
-  const TransferModel* items = &list_->Items();
-  for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
-    connect(items, signal, this, &DownLoadWin::ShowState);
-  }
-  connect(items, &QAbstractItemModel::dataChanged, this, &DownLoadWin::ShowState);
   status_->Figure().SetSecondary(true);
   connect(list_, &TransferListView::Moved, this, &DownLoadWin::ShowPace);
   connect(list_, &TransferListView::Acted, this, &DownLoadWin::Act);
   connect(list_, &TransferListView::Requested, this,
           [this](std::uint32_t code) { MessageReceived(Message(code)); });
-  connect(bar_, &TransferBar::RetryFailed, this, &DownLoadWin::RetryFailed);
-  connect(bar_, &TransferBar::RemoveFinished, this, &DownLoadWin::RemoveFinished);
+  connect(queued_, &QueuedTransfers::Followed, this, &DownLoadWin::ShowState);
+  connect(queued_, &QueuedTransfers::Ended, this, &DownLoadWin::ItemEnded);
+  connect(queued_, &QueuedTransfers::Asks, this, &DownLoadWin::ItemAsks);
+  connect(bar_, &TransferBar::PauseAll, this, [this] { ActOnAll("PALL"_what); });
+  connect(bar_, &TransferBar::ResumeAll, this, [this] { ActOnAll("RALL"_what); });
+  connect(bar_, &TransferBar::RetryFailed, this, [this] { ActOnAll("RTAL"_what); });
+  connect(bar_, &TransferBar::RemoveFinished, this, [this] { ActOnAll("RMFN"_what); });
 }
 
 DownLoadWin::~DownLoadWin() {
@@ -77,27 +96,28 @@ void DownLoadWin::MakeMenus() {
 void DownLoadWin::MenusBeginning() {
   const int last = list_->LastSelected();
   commands_->Update({.row = last < 0 ? nullptr : &list_->Items().At(last),
-                     .anyFailed = !RowsWhere(&TransferItem::CanRetry).empty(),
-                     .anyDone = !RowsWhere(&TransferItem::Finished).empty()});
+                     .first = list_->FirstSelected() == 0,
+                     .last = last == list_->Items().Count() - 1,
+                     .any = Choices()});
 }
 
 void DownLoadWin::Add(transferStruct description, TransferListener listener) {
-  TransferItem& item = list_->Items().Add(
-      std::make_unique<TransferItem>(std::move(description), std::move(listener)));
-  connect(&item, &TransferItem::Settled, this, &DownLoadWin::ItemSettled);
-  connect(&item, &TransferItem::Asks, this, &DownLoadWin::ItemAsks);
-  item.Start(app_.Workers().transfer);
+  queued_->Add(std::move(description), std::move(listener));
   list_->ShowLastSoon();
   if (ProcessSettings::Get().showwindow) ShowBeside();
 }
 
+void DownLoadWin::Restore(std::vector<QueueStore::Row> rows) {
+  const bool any = !rows.empty();
+  queued_->Restore(std::move(rows));
+  if (any) ShowBeside();
+}
+
 // A row that has something to say about entries that were left out stays.
-void DownLoadWin::ItemSettled(TransferItem* item) {
+void DownLoadWin::ItemEnded(TransferItem* item) {
   app_.TransferEnded(item->News());
   if (!item->Finished() || item->HasNotes() || !ProcessSettings::Get().removeItem) return;
-  for (int row = 0; row < list_->Items().Count(); ++row) {
-    if (&list_->Items().At(row) == item) return list_->Items().Remove(row);
-  }
+  if (const int row = list_->Items().RowOf(item->Id()); row >= 0) queued_->Remove(row, 1);
 }
 
 void DownLoadWin::ItemAsks(const std::shared_ptr<UserQuestion>& question) {
@@ -106,23 +126,37 @@ void DownLoadWin::ItemAsks(const std::shared_ptr<UserQuestion>& question) {
 }
 
 void DownLoadWin::MessageReceived(const Message& message) {
+  const std::vector<int> rows = list_->SelectedRows();
   switch (message.what) {
     case "CNCL"_what: CancelSelected(); break;
     case "REMI"_what: RemoveSelected(); break;
     case "CRSS"_what: CrossSelected(); break;
-    case "RTRY"_what: ActOnSelected(TransferAction::Retry); break;
-    case "RTAL"_what: RetryFailed(); break;
-    case "RMFN"_what: RemoveFinished(); break;
-    case "TGGL"_what: ActOnSelected(TransferAction::Toggle); break;
+    case "PAUS"_what: queued_->Pause(rows); break;
+    case "RSUM"_what: queued_->Resume(rows); break;
+    case "RTRY"_what: queued_->Retry(rows); break;
+    case "TRYN"_what: queued_->TryNow(rows); break;
+    case "MVUP"_what: queued_->Move(rows, -1); break;
+    case "MVDN"_what: queued_->Move(rows, 1); break;
+    case "TGGL"_what: ToggleSelected(); break;
     case "OPEN"_what:
-      if (const int row = list_->FirstSelected(); row >= 0) {
-        Act(row, TransferRow::MainOf(list_->Items().At(row)));
-      }
+      if (!rows.empty()) Act(rows.front(), TransferRow::MainOf(list_->Items().At(rows.front())));
       break;
+    case "OPFL"_what: OpenSelected(); break;
+    case "CPYA"_what: CopyAddresses(); break;
     case "_RRC"_what: Act(list_->FirstSelected(), TransferAction::Reveal); break;
     case "HELP"_what: app_.ShowManual(this); break;
     case "_QRQ"_what: close(); break;
     case "SHMN"_what: app_.PostMessage(message); break;
+    default: ActOnAll(message.what); break;
+  }
+}
+
+void DownLoadWin::ActOnAll(std::uint32_t code) {
+  switch (code) {
+    case "PALL"_what: queued_->Pause(RowsWhere(IsGoing)); break;
+    case "RALL"_what: queued_->Resume(RowsWhere(TransferQueue::CanResume)); break;
+    case "RTAL"_what: queued_->Retry(RowsWhere(TransferQueue::CanRetry)); break;
+    case "RMFN"_what: RemoveRows(RowsWhere(IsDone)); break;
     default: break;
   }
 }
@@ -132,63 +166,97 @@ void DownLoadWin::Act(int row, TransferAction action) {
   TransferItem& item = list_->Items().At(row);
   switch (action) {
     case TransferAction::None: break;
-    case TransferAction::Cancel: item.Cancel(); break;
+    case TransferAction::Cancel: queued_->Cancel({row}); break;
     case TransferAction::Remove:
-      if (!item.Running()) RemoveRows({row});
+      if (item.HasEnded()) RemoveRows({row});
       break;
     case TransferAction::Reveal:
       if (item.IsDownload()) app_.RevealFile(this, item.LocalPath());
       break;
-    case TransferAction::Retry: item.Retry(app_.Workers().transfer); break;
+    case TransferAction::Pause: queued_->Pause({row}); break;
+    case TransferAction::Resume: queued_->Resume({row}); break;
+    case TransferAction::Retry: queued_->Retry({row}); break;
+    case TransferAction::TryNow: queued_->TryNow({row}); break;
     case TransferAction::Toggle: item.SetOpen(!item.IsOpen()); break;
   }
 }
 
-void DownLoadWin::ActOnSelected(TransferAction action) {
-  for (const int row : list_->SelectedRows()) Act(row, action);
+void DownLoadWin::ToggleSelected() {
+  for (const int row : list_->SelectedRows()) Act(row, TransferAction::Toggle);
 }
 
-// What the crosses of the selected rows do: those that run are cancelled and stay in the list.
+void DownLoadWin::OpenSelected() {
+  for (const int row : list_->SelectedRows()) {
+    const TransferItem& item = list_->Items().At(row);
+    const bool opens = item.IsDownload() && item.Finished() && !item.IsSeveral();
+    if (opens) app_.OpenFile(this, item.LocalPath());
+  }
+}
+
+void DownLoadWin::CopyAddresses() const {
+  QStringList addresses;
+  for (const int row : list_->SelectedRows()) {
+    const TransferItem& item = list_->Items().At(row);
+    addresses << QString::fromStdString(
+        UrlOf(item.Description().site, item.RemotePath()).Written());
+  }
+  if (!addresses.isEmpty()) QGuiApplication::clipboard()->setText(addresses.join('\n'));
+}
+
+// What the crosses of the selected rows do: those that have not ended are cancelled and stay.
 void DownLoadWin::CrossSelected() {
   std::vector<int> ended;
+  std::vector<int> going;
   for (const int row : list_->SelectedRows()) {
-    if (list_->Items().At(row).Running()) {
-      list_->Items().At(row).Cancel();
-    } else {
-      ended.push_back(row);
-    }
+    (list_->Items().At(row).HasEnded() ? ended : going).push_back(row);
   }
+  queued_->Cancel(going);
   if (!ended.empty()) RemoveAndSelectNext(ended);
 }
 
-void DownLoadWin::RetryFailed() {
-  for (const int row : RowsWhere(&TransferItem::CanRetry)) Act(row, TransferAction::Retry);
-}
-
-void DownLoadWin::RemoveFinished() {
-  RemoveRows(RowsWhere(&TransferItem::Finished));
-}
-
-std::vector<int> DownLoadWin::RowsWhere(bool (TransferItem::*chosen)() const) const {
+std::vector<int> DownLoadWin::RowsWhere(bool (*chosen)(RowState)) const {
   std::vector<int> rows;
   for (int row = 0; row < list_->Items().Count(); ++row) {
-    if ((list_->Items().At(row).*chosen)()) rows.push_back(row);
+    if (chosen(list_->Items().At(row).Stands())) rows.push_back(row);
   }
   return rows;
 }
 
+TransferChoices DownLoadWin::Choices() const {
+  const TransferModel& items = list_->Items();
+  return {.anyToPause = GoingCount() > 0,
+          .anyPaused = items.CountOf(RowState::Paused) > 0,
+          .anyFailed = items.CountOf(RowState::Failed) + items.CountOf(RowState::Cancelled) > 0,
+          .anyDone = items.CountOf(RowState::Done) > 0};
+}
+
+int DownLoadWin::GoingCount() const {
+  const TransferModel& items = list_->Items();
+  return items.CountOf(RowState::Running) + items.CountOf(RowState::Waiting) +
+         items.CountOf(RowState::Again);
+}
+
+bool DownLoadWin::KeepsRows() const {
+  return queued_->AreKept();
+}
+
 void DownLoadWin::ShowState() {
-  setWindowTitle(Style::InForce().TransferTitle(RunningCount()));
-  bar_->Update(!RowsWhere(&TransferItem::CanRetry).empty(),
-               !RowsWhere(&TransferItem::Finished).empty());
+  const TransferModel& items = list_->Items();
+  setWindowTitle(Style::InForce().TransferTitle(items.RunningCount()));
+  bar_->Update(Choices());
   QStringList parts;
-  if (const int running = RunningCount(); running > 0) parts << tr("%n running", "", running);
-  const auto failed = std::ranges::count_if(RowsWhere(&TransferItem::Failed), [this](int row) {
-    return !list_->Items().At(row).WasCancelled();
-  });
-  if (failed > 0) parts << tr("%n failed", "", static_cast<int>(failed));
+  if (const int running = items.RunningCount(); running > 0) parts << tr("%n running", "", running);
+  const int waiting = items.CountOf(RowState::Waiting) + items.CountOf(RowState::Again);
+  if (waiting > 0) parts << tr("%n waiting", "", waiting);
+  if (const int paused = items.CountOf(RowState::Paused); paused > 0) {
+    parts << tr("%n paused", "", paused);
+  }
+  if (const int failed = items.CountOf(RowState::Failed); failed > 0) {
+    parts << tr("%n failed", "", failed);
+  }
   status_->SetText(parts.isEmpty() ? tr("Nothing to do") : parts.join(QStringLiteral(", ")));
   ShowPace();
+  ShowTrouble();
 }
 
 void DownLoadWin::ShowPace() {
@@ -204,23 +272,33 @@ void DownLoadWin::ShowPace() {
   if (pace != status_->Figure().text()) status_->Figure().SetText(pace);
 }
 
+void DownLoadWin::ShowTrouble() {
+  if (trouble_ != nullptr) return;
+  const Text trouble = queued_->Trouble();
+  if (trouble.IsEmpty()) return;
+  trouble_ = new Strip("triangle", Tone::Caution, this);
+  trouble_->Set(Shown(trouble), {});
+  views_->insertWidget(2, trouble_);
+  QTimer::singleShot(0, this, &DownLoadWin::ShowBeside);
+}
+
 void DownLoadWin::CancelSelected() {
-  for (const int row : list_->SelectedRows()) list_->Items().At(row).Cancel();
+  queued_->Cancel(list_->SelectedRows());
   list_->clearSelection();
 }
 
-// Removes from the top down to the first row that still runs.
+// Removes from the top down to the first row that has not ended.
 void DownLoadWin::RemoveSelected() {
   TransferModel& items = list_->Items();
   std::vector<int> rows = list_->SelectedRows();
-  const auto running = std::ranges::find_if(rows, [&](int row) { return items.At(row).Running(); });
-  const bool refused = running != rows.end();
-  rows.erase(running, rows.end());
+  const auto going = std::ranges::find_if(rows, [&](int row) { return !items.At(row).HasEnded(); });
+  const bool refused = going != rows.end();
+  rows.erase(going, rows.end());
   if (refused) {
     RemoveRows(rows);
     Alerts::Show(this, {.title = tr("Warning!"),
                         .text = tr("You need to cancel the transfer to remove this item."),
-                        .heading = tr("This transfer still runs."),
+                        .heading = tr("This transfer has not ended."),
                         .advice = tr("Cancel it before you remove it from the list.")});
     return;
   }
@@ -244,13 +322,21 @@ void DownLoadWin::RemoveRows(const std::vector<int>& rows) {
   for (auto end = rows.end(); end != rows.begin();) {
     auto begin = end - 1;
     while (begin != rows.begin() && *(begin - 1) + 1 == *begin) --begin;
-    list_->Items().Remove(*begin, static_cast<int>(end - begin));
+    queued_->Remove(*begin, static_cast<int>(end - begin));
     end = begin;
   }
 }
 
-void DownLoadWin::CancelAll() {
-  for (int row = 0; row < list_->Items().Count(); ++row) list_->Items().At(row).Cancel();
+void DownLoadWin::StopAll() {
+  queued_->Pause(RowsWhere(IsGoing));
+}
+
+void DownLoadWin::TryAllNow() {
+  queued_->TryAllNow();
+}
+
+void DownLoadWin::FollowSettings() {
+  queued_->FollowSettings();
 }
 
 // What the user types goes on to the window in which the transfer was begun.

@@ -7,6 +7,8 @@
 #include <map>
 #include <span>
 
+#include "app/transfers/TransferBar.h"
+
 class QAction;
 class QMenu;
 class QMenuBar;
@@ -24,13 +26,22 @@ struct TransferCommand {
   /// bar, and the first in the pop-up menu.
   enum class When : std::uint8_t {
     Always,
-    Running,    ///< the row's transfer runs
-    Ended,      ///< it does not
-    Retryable,  ///< the row's transfer can be begun again
-    Download,   ///< the row is a download
-    Noted,      ///< the row has notes
-    AnyFailed,  ///< some transfer can be begun again
-    AnyDone,    ///< some transfer has finished
+    Row,         ///< there is one
+    Going,       ///< the row has not ended
+    Ended,       ///< it has
+    Pausable,    ///< it runs or waits
+    Paused,      ///< it is paused
+    Retryable,   ///< it failed or was cancelled
+    Again,       ///< it waits to be tried again
+    Download,    ///< it is a download
+    Fetched,     ///< it is a file that has been downloaded
+    Noted,       ///< it has notes
+    NotFirst,    ///< there is a row above it
+    NotLast,     ///< there is a row below it
+    AnyToPause,  ///< some row runs or waits
+    AnyPaused,   ///< some row is paused
+    AnyFailed,   ///< some row failed or was cancelled
+    AnyDone,     ///< some row is done
   };
 
   std::uint32_t code;  ///< what DownLoadWin::MessageReceived gets
@@ -42,13 +53,15 @@ struct TransferCommand {
   const char* help;  ///< what it does, for the tip of its items and the manual
   int popUp = 0;  ///< its group in the pop-up menu of a row, counted from 1; 0 where it has no item
   const char* popUpText = nullptr;  ///< where it is not that of the menu bar
+  const char* described = nullptr;  ///< the pop-up menu's text where the style wants another
 };
 
 /// What decides which commands are enabled.
 struct TransferCommandState {
   const TransferItem* row = nullptr;
-  bool anyFailed = false;
-  bool anyDone = false;
+  bool first = false;  ///< of the list
+  bool last = false;
+  TransferChoices any{};
 };
 
 /// The commands of the transfer window and its menu bar. GUI thread.
@@ -79,6 +92,7 @@ class TransferCommands : public QObject {
   void MenusBeginning();
 
  private:
+  [[nodiscard]] static bool FitsRow(TransferCommand::When when, const TransferCommandState& state);
   QMenu* MakeMenu(QMenuBar& bar, TransferCommand::Menu which, const QString& title, const Run& run);
 
   std::map<const TransferCommand*, QAction*> actions_;

@@ -22,6 +22,9 @@ struct Sign {
 
 Sign SignOf(const TransferItem& item) {
   switch (item.State()) {
+    case TransferState::Waiting: return {"clock", Tone::Secondary};
+    case TransferState::Paused: return {"pause", Tone::Secondary};
+    case TransferState::Again: return {"refresh", Tone::Caution};
     case TransferState::Running: return {item.IsDownload() ? "download" : "upload", Tone::Running};
     case TransferState::Failed: return {"cross-circle", Tone::Bad};
     case TransferState::Partly: return {"triangle", Tone::Bad};
@@ -102,7 +105,8 @@ void TransferDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
     PaintActions(brush, hoveredRow_ == index ? hovered_ : TransferAction::None);
   }
   if (item.IsOpen()) PaintNotes(brush);
-  if (option.state.testFlag(QStyle::State_HasFocus)) {
+  const bool byKeys = ringed_ || option.state.testFlag(QStyle::State_KeyboardFocusChange);
+  if (byKeys && option.state.testFlag(QStyle::State_HasFocus)) {
     painter->setBrush(Qt::NoBrush);
     painter->setPen(QPen(brush.ColorOf(Tone::Running), 2));
     painter->drawRect(option.rect.adjusted(1, 1, -1, -2));
@@ -131,7 +135,7 @@ void TransferDelegate::PaintTexts(const Brush& brush) const {
   underlined.setUnderline(true);
   brush.painter.setFont(underlined);
   brush.painter.setPen(brush.ColorOf(brush.option.palette.color(QPalette::Link)));
-  brush.painter.drawText(link, Qt::AlignRight | Qt::AlignVCenter, TransferRow::LinkText());
+  brush.painter.drawText(link, Qt::AlignRight | Qt::AlignVCenter, brush.row.LinkText());
 }
 
 void TransferDelegate::PaintNotes(const Brush& brush) const {
@@ -174,8 +178,12 @@ void TransferDelegate::PaintActions(const Brush& brush, TransferAction hovered) 
                 symbol, brush.Text());
   };
   paint(0, "close", TransferRow::CrossOf(brush.item));
-  if (brush.item.Finished() && brush.item.IsDownload()) {
-    paint(1, "folder-plain", TransferAction::Reveal);
+  const TransferAction beside = TransferRow::BesideOf(brush.item);
+  switch (beside) {
+    case TransferAction::Pause: paint(1, "pause", beside); break;
+    case TransferAction::Resume: paint(1, "play", beside); break;
+    case TransferAction::Reveal: paint(1, "folder-plain", beside); break;
+    default: break;
   }
 }
 

@@ -27,6 +27,8 @@ class TransferDelegate : public QStyledItemDelegate {
   void SetRegion(const QRegion& region) { region_ = region; }
   /// The action that the pointer is on.
   void SetHovered(const QModelIndex& index, TransferAction action);
+  /// Whether the row that the keys are at has a ring.
+  void SetRinged(bool ringed) { ringed_ = ringed; }
 
  private:
   struct Brush;
@@ -38,6 +40,7 @@ class TransferDelegate : public QStyledItemDelegate {
   QRegion region_;
   QPersistentModelIndex hoveredRow_;
   TransferAction hovered_ = TransferAction::None;
+  bool ringed_ = false;
 };
 
 }  // namespace corvane

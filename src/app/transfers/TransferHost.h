@@ -1,11 +1,14 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/shared/TransferNews.h"
 #include "app/shared/WorkerFactory.h"
 #include "kit/Message.h"
+#include "remote/Site.h"
 
 class QWidget;
 
@@ -24,6 +27,13 @@ struct TransferHost {
   [[nodiscard]] virtual std::vector<QWidget*> BrowserWindows() const = 0;
   /// A transfer's worker is done.
   virtual void TransferEnded(const TransferNews& news) = 0;
+  /// Adds what is not kept with a site: the proxy of the settings, and the password, for which the
+  /// user may be asked over `window`. `found` gets the whole site, or nothing where the user gives
+  /// no password; at once or later.
+  virtual void CompleteSite(QWidget* window, const Site& site,
+                            std::function<void(std::optional<Site> site)> found) = 0;
+  /// Opens a local file, raw bytes, in the desktop's program; alerts stand over `window`.
+  virtual void OpenFile(QWidget* window, const std::string& path) = 0;
   /// Shows a local path, raw bytes, in the file manager; alerts stand over `window`.
   virtual void RevealFile(QWidget* window, const std::string& path) = 0;
 };

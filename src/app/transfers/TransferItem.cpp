@@ -10,15 +10,23 @@
 namespace corvane {
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr std::size_t kNotesShownAtOnce = 5;
+constexpr auto kPatience = 5s;  // without a byte, before that is worth a word
 
 }  // namespace
 
-TransferItem::TransferItem(transferStruct description, TransferListener listener)
-    : description_(std::move(description)),
+TransferItem::TransferItem(transferStruct description, TransferListener listener, RowId id,
+                           std::shared_ptr<JobBoard> board)
+    : id_(id),
+      description_(std::move(description)),
+      chosen_(static_cast<int>(description_.jobs.size())),
       listener_(std::move(listener)),
-      link_(std::make_shared<TransferLink>(*this)) {
-  link_->Progress().total = std::max<std::int64_t>(description_.size, 0);
+      board_(board ? std::move(board) : std::make_shared<JobBoard>(description_)) {
+  if (chosen_ > 0) first_ = std::move(description_.jobs.front());
+  description_.jobs.clear();
+  BeginProgress();
 }
 
 TransferItem::~TransferItem() {
@@ -27,51 +35,68 @@ TransferItem::~TransferItem() {
 
 void TransferItem::LetGo() {
   link_->Close();
+  Stop();
+}
+
+void TransferItem::Stop() {
+  reached_ = There();
   if (worker_ != nullptr) worker_->Cancel();
 }
 
 void TransferItem::Start(const MakeWorker& make) {
-  worker_ = make(link_, description_);
+  if (std::exchange(retries_, false)) {
+    board_->Begin(true);
+    notes_.clear();
+    logged_ = 0;
+    open_ = false;
+  }
+  reached_ = There();
+  link_->Close();
+  report_ = {};
+  pace_ = {};
+  BeginProgress();
+  worker_ = make(link_, description_, board_);
   if (!worker_->Run()) {
     link_->SetEndState(TransferEnd::Failed, Text("The system has no thread to give."));
   }
 }
 
-bool TransferItem::CanRetry() const {
-  return settled_ && Failed() && description_.jobs.size() == 1;
-}
-
-bool TransferItem::HasCome() const {
-  const TransferProgress& progress = link_->Progress();
-  return progress.done > 0 || progress.files > 0;
-}
-
-// What was made under a free name is the transfer's own: what is there of it is gone on with, and
-// on the server, where nothing is compared, written anew. Where nothing has come, the name is still
-// to be free.
-void TransferItem::Retry(const MakeWorker& make) {
-  if (!CanRetry()) return;
-  Policy& policy = description_.jobs.front().policy;
-  if (policy == Policy::CreateNew && HasCome()) {
-    policy = description_.download ? Policy::Resume : Policy::Replace;
-  }
-  link_->Close();
+// A worker sees what is done already, and so does whoever looks before it has begun.
+void TransferItem::BeginProgress() {
   link_ = std::make_shared<TransferLink>(*this);
-  link_->Progress().total = std::max<std::int64_t>(description_.size, 0);
-  report_ = {};
-  notes_.clear();
-  settled_ = false;
-  open_ = false;
-  Q_EMIT Begun(this);
-  Start(make);
+  const JobBoard::Count count = board_->Counted();
+  TransferProgress& progress = link_->Progress();
+  progress.there = count.doneBytes;
+  progress.files = count.done;
+  progress.allFiles = count.files;
+  progress.total =
+      count.bytes > 0 || IsSeveral() ? count.bytes : std::max<std::int64_t>(description_.size, 0);
+  progress.planning = !count.complete;
+}
+
+void TransferItem::SetStanding(const RowStanding& standing) {
+  if (standing == standing_) return;
+  const RowState before = std::exchange(standing_, standing).state;
+  if (before != standing.state) {
+    if (standing.state == RowState::Failed) open_ = notes_.size() <= kNotesShownAtOnce;
+    Q_EMIT Restated(before, standing.state);
+  }
   Q_EMIT Changed(this);
 }
 
 TransferState TransferItem::State() const {
-  if (Running()) return TransferState::Running;
-  if (Finished()) return TransferState::Done;
-  if (WasCancelled()) return TransferState::Cancelled;
-  return HasNotes() ? TransferState::Partly : TransferState::Failed;
+  switch (standing_.state) {
+    case RowState::Waiting: return TransferState::Waiting;
+    case RowState::Running: return TransferState::Running;
+    case RowState::Paused: return TransferState::Paused;
+    case RowState::Again: return TransferState::Again;
+    case RowState::Cancelled: return TransferState::Cancelled;
+    case RowState::Done: return TransferState::Done;
+    case RowState::Failed: break;
+  }
+  // What ended it before everything was tried is the news, not what had failed by then.
+  const bool tried = IsSeveral() && board_->AllEnded();
+  return tried && board_->Counted().failed > 0 ? TransferState::Partly : TransferState::Failed;
 }
 
 void TransferItem::SetOpen(bool open) {
@@ -79,42 +104,33 @@ void TransferItem::SetOpen(bool open) {
   Q_EMIT Changed(this);
 }
 
-void TransferItem::Cancel() {
-  if (!Running()) return;
-  if (worker_ != nullptr) worker_->Cancel();
-  report_.end = TransferEnd::Cancelled;
-  Q_EMIT Ended(this);
-  Q_EMIT Changed(this);
-}
-
 bool TransferItem::TakeChanged() {
-  if (!link_->Progress().changed.exchange(false)) return false;
+  const int told = std::exchange(told_, Running() ? Stalled() : Seconds());
+  bool changed = told != told_;
+  if (Running()) {
+    pace_.Feed(link_->Progress().moved, Clock::now());
+    reached_ = There();
+    changed = changed || pace_.Rate() > 0;
+  }
+  if (!link_->Progress().changed.exchange(false)) return changed;
   link_->Drain();
   return true;
 }
 
 void TransferItem::Report(TransferReport report, std::vector<Text> notes) {
-  const bool ran = Running();
-  const bool settles = !settled_ && report.end.has_value();
-  // The worker's own word on how it ended comes after a cancellation and replaces it.
-  if (!report.end.has_value()) report.end = report_.end;
+  const bool settles = worker_ != nullptr && report.end.has_value();
   report_ = std::move(report);
   std::ranges::move(notes, std::back_inserter(notes_));
-  if (settles) {
-    settled_ = true;
-    worker_.reset();
-    open_ = Failed() && notes_.size() <= kNotesShownAtOnce;
-    LogNotes();
-  }
-  if (ran == Running() && !settles) return;
-  if (ran && !Running()) Q_EMIT Ended(this);
-  Q_EMIT Changed(this);
-  if (settles) Q_EMIT Settled(this);
+  if (!settles) return;
+  worker_.reset();
+  LogNotes();
+  Q_EMIT Settled(this, *report_.end);
 }
 
-void TransferItem::LogNotes() const {
-  if (!listener_.noted) return;
-  for (const Text& note : notes_) listener_.noted(note);
+void TransferItem::LogNotes() {
+  for (; logged_ < notes_.size(); ++logged_) {
+    if (listener_.noted) listener_.noted(notes_[logged_]);
+  }
 }
 
 void TransferItem::MessageReceived(const Message& message) {
@@ -132,35 +148,61 @@ TransferNews TransferItem::News() const {
 }
 
 std::string TransferItem::LocalPath() const {
-  return description_.jobs.size() == 1 ? description_.jobs.front().local
-                                       : PathBelow(description_.targetFolder, "");
+  return chosen_ == 1 ? first_.local : PathBelow(description_.targetFolder, "");
+}
+
+std::string TransferItem::RemotePath() const {
+  return chosen_ == 1 ? first_.remote : description_.remoteDirectory;
+}
+
+// A worker counts what there is of a file only while it moves.
+std::int64_t TransferItem::There() const {
+  const TransferProgress& progress = link_->Progress();
+  const bool counts = Running() && progress.heard != 0;
+  return counts ? progress.there.load() : std::max<std::int64_t>(progress.there, reached_);
 }
 
 double TransferItem::Rate() const {
+  return Running() && Stalled() == 0 ? pace_.Rate() : 0;
+}
+
+double TransferItem::Mean() const {
   const TransferProgress& progress = link_->Progress();
   const double seconds = static_cast<double>(progress.elapsed.load()) / 1e6;
-  return seconds > 0 ? static_cast<double>(progress.done.load()) / seconds : 0;
+  return seconds > 0 ? static_cast<double>(progress.moved.load()) / seconds : 0;
+}
+
+int TransferItem::Stalled() const {
+  const std::int64_t heard = link_->Progress().heard;
+  if (!Running() || heard == 0) return 0;
+  const auto silent = Clock::now().time_since_epoch() - std::chrono::milliseconds(heard);
+  if (silent < kPatience) return 0;
+  return static_cast<int>(std::chrono::duration_cast<std::chrono::seconds>(silent).count());
+}
+
+int TransferItem::Seconds() const {
+  if (standing_.state != RowState::Again) return 0;
+  const auto left = std::chrono::ceil<std::chrono::seconds>(standing_.again - Clock::now());
+  return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
 }
 
 std::int64_t TransferItem::Left() const {
   const TransferProgress& progress = link_->Progress();
-  if (IsSeveral() || progress.total <= 0) return -1;
-  return std::max<std::int64_t>(progress.total - progress.start - progress.done, 0);
+  if (progress.planning || progress.total <= 0) return -1;
+  return std::max<std::int64_t>(progress.total - There(), 0);
 }
 
 // An upload learns only on its way what is a folder.
 bool TransferItem::IsSeveral() const {
-  const std::vector<TransferJob>& jobs = description_.jobs;
-  return jobs.size() > 1 || link_->Progress().files > 0 ||
-         (jobs.size() == 1 && jobs.front().kind == RemoteEntry::Kind::Directory);
+  return chosen_ > 1 || link_->Progress().allFiles > 1 ||
+         first_.kind == RemoteEntry::Kind::Directory;
 }
 
 double TransferItem::Fraction() const {
   if (Finished()) return 1;
-  const TransferProgress& progress = link_->Progress();
-  const double total = static_cast<double>(progress.total.load());
+  const double total = static_cast<double>(link_->Progress().total.load());
   if (total <= 0) return 0;
-  return std::clamp(static_cast<double>(progress.start + progress.done) / total, 0.0, 1.0);
+  return std::clamp(static_cast<double>(There()) / total, 0.0, 1.0);
 }
 
 }  // namespace corvane

@@ -9,45 +9,59 @@
 #include "app/shared/TransferNews.h"
 #include "app/shared/TransferView.h"
 #include "app/shared/TransferWords.h"
+#include "app/transfers/PaceMeter.h"
+#include "app/transfers/RowStanding.h"
 #include "app/transfers/TransferLink.h"
+#include "queue/JobBoard.h"
+#include "queue/transferStruct.h"
 #include "workers/MThread.h"
-#include "workers/transferStruct.h"
 
 namespace corvane {
 
-/// One transfer: what it is, how far it is, and the worker behind it. A row of the list, or what a
-/// browser window shows of a transfer on its own connection. GUI thread. When it goes, a worker
-/// that still runs is told to stop.
+/// One transfer: what it is, how it stands, how far it is, and the worker behind it while one
+/// carries it out. A row of the list, whose queue says when it runs, or what a browser window shows
+/// of a transfer on its own connection. GUI thread. When it goes, a worker that still runs is told
+/// to stop.
 class TransferItem : public QObject {
   Q_OBJECT
 
  public:
   using MakeWorker = TransferView::MakeWorker;
+  using Clock = PaceMeter::Time::clock;
 
-  TransferItem(transferStruct description, TransferListener listener);
+  /// A new one, or a row that was kept: `board` holds its jobs, or is null where they stand in
+  /// `description`.
+  TransferItem(transferStruct description, TransferListener listener, RowId id = 0,
+               std::shared_ptr<JobBoard> board = {});
   ~TransferItem() override;
 
-  /// Makes the worker and starts it. A worker that cannot start ends the transfer as failed.
+  [[nodiscard]] RowId Id() const { return id_; }
+  /// Makes a worker, which carries out what is left, and starts it. A worker that cannot start ends
+  /// this run as failed.
   void Start(const MakeWorker& make);
-  /// Whether what failed or was cancelled can be begun again: once the worker is done, and where
-  /// the transfer is of one entry, so that what has come of it is known to be its own.
-  [[nodiscard]] bool CanRetry() const;
-  /// Begins again, and goes on with what has come. The notes are forgotten.
-  void Retry(const MakeWorker& make);
-  /// Ends a running transfer, at once for the user; the worker's own word follows.
-  void Cancel();
+  /// Tells the worker to stop; its word on how it ended follows.
+  void Stop();
+  /// With the next start, what has failed is tried once more. Its notes are forgotten then.
+  void TakeUpFailed() { retries_ = true; }
   /// The row is going: stops the worker and hears no more of it.
   void LetGo();
 
-  [[nodiscard]] bool Running() const { return !report_.end.has_value(); }
-  /// Whether the worker itself has said how it ended.
-  [[nodiscard]] bool IsSettled() const { return settled_; }
-  [[nodiscard]] bool Failed() const { return !Running() && *report_.end != TransferEnd::Finished; }
-  [[nodiscard]] bool Finished() const { return !Running() && !Failed(); }
-  [[nodiscard]] bool WasCancelled() const { return report_.end == TransferEnd::Cancelled; }
+  void SetStanding(const RowStanding& standing);
+  [[nodiscard]] RowState Stands() const { return standing_.state; }
+  [[nodiscard]] TransferState State() const;
+  [[nodiscard]] bool Running() const { return standing_.state == RowState::Running; }
+  /// Whether nothing more happens by itself.
+  [[nodiscard]] bool HasEnded() const { return Failed() || Finished(); }
+  /// Whether it ended and is not done.
+  [[nodiscard]] bool Failed() const {
+    return standing_.state == RowState::Failed || WasCancelled();
+  }
+  [[nodiscard]] bool Finished() const { return standing_.state == RowState::Done; }
+  [[nodiscard]] bool WasCancelled() const { return standing_.state == RowState::Cancelled; }
+  /// Whether a worker still carries it out, maybe only to its end.
+  [[nodiscard]] bool IsCarried() const { return worker_ != nullptr; }
   [[nodiscard]] bool IsDownload() const { return description_.download; }
   [[nodiscard]] bool HasNotes() const { return !notes_.empty(); }
-  [[nodiscard]] TransferState State() const;
   /// Whether its row shows a line for each note.
   [[nodiscard]] bool IsOpen() const { return open_ && HasNotes(); }
   void SetOpen(bool open);
@@ -56,24 +70,44 @@ class TransferItem : public QObject {
   /// Where a download goes, raw: the file or folder where it is one, else the folder around them
   /// with a slash at its end.
   [[nodiscard]] std::string LocalPath() const;
+  /// Where it stands on the server: the file or directory where it is one, else the directory
+  /// around them.
+  [[nodiscard]] std::string RemotePath() const;
 
+  /// What it is, without its jobs.
   [[nodiscard]] const transferStruct& Description() const { return description_; }
+  /// With what was not kept of it.
+  void SetSite(Site site) { description_.site = std::move(site); }
+  /// The first entry that was chosen, and how many there are.
+  [[nodiscard]] const TransferJob& First() const { return first_; }
+  [[nodiscard]] int Chosen() const { return chosen_; }
   /// What the worker has said last.
   [[nodiscard]] const TransferReport& LastReport() const { return report_; }
   /// A line for each entry that failed or was left out.
   [[nodiscard]] const std::vector<Text>& Notes() const { return notes_; }
   [[nodiscard]] const TransferProgress& Progress() const { return link_->Progress(); }
+  [[nodiscard]] JobBoard::Count Counted() const { return board_->Counted(); }
+  [[nodiscard]] const RowStanding& Standing() const { return standing_; }
+  /// Bytes that have arrived, those of an earlier run included.
+  [[nodiscard]] std::int64_t There() const;
   /// 0 to 1.
   [[nodiscard]] double Fraction() const;
-  /// Bytes in a second, of the file that moves.
+  /// Bytes in a second, of late.
   [[nodiscard]] double Rate() const;
+  /// Bytes in a second, while bytes were moving.
+  [[nodiscard]] double Mean() const;
+  /// Seconds for which nothing has moved; 0 where that is nothing to speak of.
+  [[nodiscard]] int Stalled() const;
+  /// Seconds until it is tried again.
+  [[nodiscard]] int Seconds() const;
   /// Bytes that are still to come; -1 where that is not known.
   [[nodiscard]] std::int64_t Left() const;
   /// Whether it may move more than one file.
   [[nodiscard]] bool IsSeveral() const;
 
   [[nodiscard]] bool HasChanged() const { return link_->Progress().changed; }
-  /// Takes in what the worker has said; true when there was anything new to show.
+  /// Takes in what the worker has said and measures its pace; true when there is anything new to
+  /// show.
   [[nodiscard]] bool TakeChanged();
 
   /// From the link; `notes` are the new ones.
@@ -81,29 +115,35 @@ class TransferItem : public QObject {
   void MessageReceived(const Message& message);
 
  Q_SIGNALS:
-  /// It runs again.
-  void Begun(corvane::TransferItem* item);
-  /// It does not run any more. Once for each time it runs.
-  void Ended(corvane::TransferItem* item);
+  /// It stands otherwise than before.
+  void Restated(corvane::RowState before, corvane::RowState now);
   /// The worker's session asks the user something.
   void Asks(const std::shared_ptr<corvane::UserQuestion>& question);
-  /// The state has changed. All else is polled by TakeChanged.
+  /// How it stands has changed. All else is polled by TakeChanged.
   void Changed(corvane::TransferItem* item);
-  /// The worker has said how it ended. Once for each time it runs, and the last of all.
-  void Settled(corvane::TransferItem* item);
+  /// The worker has said how this run ended, and is gone. Once for each start.
+  void Settled(corvane::TransferItem* item, corvane::TransferEnd end);
 
  private:
-  void LogNotes() const;
-  /// Whether anything of it has arrived.
-  [[nodiscard]] bool HasCome() const;
+  void BeginProgress();
+  void LogNotes();
 
+  const RowId id_;
   transferStruct description_;
+  TransferJob first_;
+  int chosen_ = 0;
   TransferListener listener_;
+  std::shared_ptr<JobBoard> board_;
   std::shared_ptr<TransferLink> link_;
   std::shared_ptr<MThread> worker_;
+  RowStanding standing_;
   TransferReport report_;
   std::vector<Text> notes_;
-  bool settled_ = false;
+  std::size_t logged_ = 0;  // of the notes
+  PaceMeter pace_;
+  std::int64_t reached_ = 0;  // bytes that had arrived when somebody last looked
+  int told_ = 0;              // seconds that were shown last
+  bool retries_ = false;
   bool open_ = false;
 };
 

@@ -19,6 +19,7 @@ namespace corvane {
 namespace {
 
 constexpr int kTickMilliseconds = 33;
+constexpr int kSlowTickMilliseconds = 500;  // where nobody looks, or only seconds are counted
 constexpr int kTicksPerText = 3;
 
 QString TipOf(TransferAction action) {
@@ -27,7 +28,10 @@ QString TipOf(TransferAction action) {
     case TransferAction::Cancel: return TransferListView::tr("Cancel this transfer");
     case TransferAction::Remove: return TransferListView::tr("Remove from the list");
     case TransferAction::Reveal: return TransferListView::tr("Show in its folder");
-    case TransferAction::Retry: return TransferListView::tr("Begin again");
+    case TransferAction::Pause: return TransferListView::tr("Pause this transfer");
+    case TransferAction::Resume: return TransferListView::tr("Go on with this transfer");
+    case TransferAction::Retry: return TransferListView::tr("Try what failed once more");
+    case TransferAction::TryNow: return TransferListView::tr("Do not wait any longer");
     case TransferAction::Toggle: return TransferListView::tr("Show or hide what failed");
   }
   return {};
@@ -47,7 +51,6 @@ TransferListView::TransferListView(QWidget* parent)
   setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
   setFrameShape(QFrame::NoFrame);
   setMouseTracking(true);
-  ticker_.setInterval(kTickMilliseconds);
   connect(&ticker_, &QTimer::timeout, this, &TransferListView::Tick);
   scroller_.setSingleShot(true);
   connect(&scroller_, &QTimer::timeout, this, &QAbstractItemView::scrollToBottom);
@@ -59,28 +62,51 @@ TransferListView::TransferListView(QWidget* parent)
 }
 
 void TransferListView::StartOrStopTicking() {
-  if (model_->RunningCount() == 0) {
-    ticker_.stop();
-  } else if (!ticker_.isActive()) {
-    ticker_.start();
-  }
+  const bool runs = model_->RunningCount() > 0;
+  if (!runs && model_->CountOf(RowState::Again) == 0) return ticker_.stop();
+  const int interval = runs && isVisible() ? kTickMilliseconds : kSlowTickMilliseconds;
+  if (!ticker_.isActive() || ticker_.interval() != interval) ticker_.start(interval);
 }
 
+// The pace of every row is measured, whether it is seen or not.
 void TransferListView::Tick() {
-  if (!isVisible()) return;
-  const QModelIndex top = indexAt(viewport()->rect().topLeft());
-  if (!top.isValid()) return;
-  const bool texts = ++ticks_ % kTicksPerText == 0;
-  for (int row = top.row(); row < model_->Count(); ++row) {
-    const QRect area = visualRect(model_->index(row));
-    if (area.top() > viewport()->height()) break;
+  const bool texts = ticker_.interval() == kSlowTickMilliseconds || ++ticks_ % kTicksPerText == 0;
+  for (int row = 0; row < model_->Count(); ++row) {
     TransferItem& item = model_->At(row);
-    if (texts && item.TakeChanged()) viewport()->update(area);
-    if (!texts && item.HasChanged()) {
-      viewport()->update(TransferRow(item, area, fontMetrics()).Bar());
-    }
+    if (!item.Running() && item.Stands() != RowState::Again) continue;
+    const bool changed = texts ? item.TakeChanged() : item.HasChanged();
+    if (!changed || !isVisible()) continue;
+    const QRect area = visualRect(model_->index(row));
+    viewport()->update(texts ? area : TransferRow(item, area, fontMetrics()).Bar());
   }
   if (texts) Q_EMIT Moved();
+}
+
+void TransferListView::showEvent(QShowEvent* event) {
+  QListView::showEvent(event);
+  StartOrStopTicking();
+}
+
+void TransferListView::hideEvent(QHideEvent* event) {
+  QListView::hideEvent(event);
+  StartOrStopTicking();
+}
+
+// A row that only has the keys is not to look as if it were selected to who uses the pointer.
+void TransferListView::keyPressEvent(QKeyEvent* event) {
+  SetRinged(true);
+  QListView::keyPressEvent(event);
+}
+
+void TransferListView::focusInEvent(QFocusEvent* event) {
+  const Qt::FocusReason reason = event->reason();
+  SetRinged(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
+  QListView::focusInEvent(event);
+}
+
+void TransferListView::SetRinged(bool ringed) {
+  delegate_->SetRinged(ringed);
+  viewport()->update();
 }
 
 // A row that has got another state is told to those who do not see it.
@@ -156,6 +182,7 @@ TransferAction TransferListView::ActionAt(const QPoint& point) const {
 
 // What is pressed on a part of a row that does something leaves the selection alone.
 void TransferListView::mousePressEvent(QMouseEvent* event) {
+  SetRinged(false);
   pressed_ = event->button() == Qt::LeftButton ? ActionAt(event->pos()) : TransferAction::None;
   pressedRow_ = indexAt(event->pos());
   if (pressed_ == TransferAction::None) QListView::mousePressEvent(event);
@@ -185,7 +212,8 @@ void TransferListView::mouseDoubleClickEvent(QMouseEvent* event) {
 void TransferListView::Hover(const QPoint& point) {
   const TransferAction action = ActionAt(point);
   delegate_->SetHovered(indexAt(point), action);
-  viewport()->setCursor(action == TransferAction::Retry ? Qt::PointingHandCursor : Qt::ArrowCursor);
+  const bool link = action == TransferAction::Retry || action == TransferAction::TryNow;
+  viewport()->setCursor(link ? Qt::PointingHandCursor : Qt::ArrowCursor);
   viewport()->update(visualRect(indexAt(point)));
 }
 

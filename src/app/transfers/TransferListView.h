@@ -14,7 +14,8 @@ namespace corvane {
 class TransferDelegate;
 
 /// The list of transfers. While something runs, the bars of the rows that can be seen move thirty
-/// times a second, and their texts follow at every third time. GUI thread.
+/// times a second, and their texts follow at every third time; while it is hidden, only paces are
+/// measured. GUI thread.
 class TransferListView : public QListView {
   Q_OBJECT
 
@@ -49,9 +50,14 @@ class TransferListView : public QListView {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   bool viewportEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
 
  private:
   void Tick();
+  void SetRinged(bool ringed);
   void StartOrStopTicking();
   void Announce(const QModelIndex& index);
   void Hover(const QPoint& point);

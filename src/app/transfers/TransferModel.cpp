@@ -10,12 +10,14 @@ namespace corvane {
 
 TransferItem& TransferModel::Add(std::unique_ptr<TransferItem> item) {
   TransferItem& added = *item;
-  connect(&added, &TransferItem::Begun, this, [this] { ++running_; });
-  connect(&added, &TransferItem::Ended, this, [this] { --running_; });
+  connect(&added, &TransferItem::Restated, this, [this](RowState before, RowState now) {
+    --Counter(before);
+    ++Counter(now);
+  });
   connect(&added, &TransferItem::Changed, this, &TransferModel::ItemChanged);
   beginInsertRows({}, Count(), Count());
   items_.push_back(std::move(item));
-  ++running_;
+  ++Counter(added.Stands());
   endInsertRows();
   return added;
 }
@@ -25,13 +27,26 @@ void TransferModel::Remove(int first, int count) {
   const auto begin = items_.begin() + first;
   for (auto item = begin; item != begin + count; ++item) {
     TransferItem* gone = item->release();
-    if (gone->Running()) --running_;
+    --Counter(gone->Stands());
     gone->disconnect(this);
     gone->LetGo();
     gone->deleteLater();  // one of its signals may be the reason for this call
   }
   items_.erase(begin, begin + count);
   endRemoveRows();
+}
+
+void TransferModel::Move(int row, int by) {
+  const int to = row + by;
+  if (to < 0 || to >= Count()) return;
+  beginMoveRows({}, row, row, {}, by > 0 ? to + 1 : to);
+  std::swap(items_.at(static_cast<std::size_t>(row)), items_.at(static_cast<std::size_t>(to)));
+  endMoveRows();
+}
+
+int TransferModel::RowOf(RowId id) const {
+  const auto found = std::ranges::find(items_, id, [](const auto& item) { return item->Id(); });
+  return found == items_.end() ? -1 : static_cast<int>(found - items_.begin());
 }
 
 void TransferModel::ItemChanged(TransferItem* item) {

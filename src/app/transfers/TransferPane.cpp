@@ -78,15 +78,9 @@ void TransferPane::Begin(transferStruct description, TransferListener listener,
   bar_->SetItem(nullptr);
   item_ = std::make_unique<TransferItem>(std::move(description), std::move(listener));
   bar_->SetItem(item_.get());
+  item_->SetStanding({.state = RowState::Running});
   connect(item_.get(), &TransferItem::Changed, this, &TransferPane::Refresh);
-  connect(item_.get(), &TransferItem::Ended, this, &TransferPane::Ended);
-  connect(item_.get(), &TransferItem::Settled, this, [this](TransferItem* settled) {
-    SetTip(*this, TransferTexts(*settled).Details());
-    button_->setEnabled(true);
-    const bool seen = settled->WasCancelled() || (settled->Finished() && !settled->HasNotes());
-    if (seen) hideLater_.start();
-    Q_EMIT Settled(settled->News());
-  });
+  connect(item_.get(), &TransferItem::Settled, this, &TransferPane::ItemSettled);
   button_->setText(tr("Cancel"));
   button_->setEnabled(true);
   cancelKey_->setEnabled(true);
@@ -102,6 +96,23 @@ void TransferPane::LetGo() {
   if (item_ == nullptr) return;
   item_->disconnect(this);
   item_->LetGo();
+}
+
+// What was cancelled and finished all the same is done.
+void TransferPane::ItemSettled(TransferItem* item, TransferEnd end) {
+  if (end == TransferEnd::Finished) {
+    item->SetStanding({.state = RowState::Done});
+  } else if (item->Running()) {
+    item->SetStanding(
+        {.state = end == TransferEnd::Cancelled ? RowState::Cancelled : RowState::Failed});
+  }
+  Ended();
+  Refresh();
+  SetTip(*this, TransferTexts(*item).Details());
+  button_->setEnabled(true);
+  const bool seen = item->WasCancelled() || (item->Finished() && !item->HasNotes());
+  if (seen) hideLater_.start();
+  Q_EMIT Settled(item->News());
 }
 
 void TransferPane::Tick() {
@@ -128,7 +139,9 @@ void TransferPane::Ended() {
 
 void TransferPane::ButtonPressed() {
   if (Running()) {
-    item_->Cancel();
+    item_->Stop();
+    item_->SetStanding({.state = RowState::Cancelled});
+    Ended();
   } else {
     hide();
   }

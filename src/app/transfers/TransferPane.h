@@ -29,7 +29,7 @@ class TransferPane : public TransferView {
              const MakeWorker& make) override;
   void LetGo() override;
 
-  [[nodiscard]] bool Busy() const override { return item_ != nullptr && !item_->IsSettled(); }
+  [[nodiscard]] bool Busy() const override { return item_ != nullptr && item_->IsCarried(); }
   [[nodiscard]] bool Running() const override { return item_ != nullptr && item_->Running(); }
   [[nodiscard]] bool Ticking() const { return ticker_.isActive(); }
 
@@ -37,6 +37,7 @@ class TransferPane : public TransferView {
   ElidedLabel* MakeLabel(const char* name, const QString& accessible, Qt::TextElideMode elide);
   void Tick();
   void Refresh();
+  void ItemSettled(TransferItem* item, TransferEnd end);
   void Ended();
   void ButtonPressed();
 

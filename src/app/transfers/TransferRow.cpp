@@ -42,12 +42,27 @@ int TransferRow::HeightOf(const TransferItem& item, const QFontMetrics& metrics)
 }
 
 TransferAction TransferRow::CrossOf(const TransferItem& item) {
-  return item.Running() ? TransferAction::Cancel : TransferAction::Remove;
+  return item.HasEnded() ? TransferAction::Remove : TransferAction::Cancel;
+}
+
+TransferAction TransferRow::BesideOf(const TransferItem& item) {
+  switch (item.Stands()) {
+    case RowState::Running: return TransferAction::Pause;
+    case RowState::Paused: return TransferAction::Resume;
+    case RowState::Done: return item.IsDownload() ? TransferAction::Reveal : TransferAction::None;
+    default: return TransferAction::None;
+  }
+}
+
+TransferAction TransferRow::LinkOf(const TransferItem& item) {
+  if (item.Failed()) return TransferAction::Retry;
+  return item.Stands() == RowState::Again ? TransferAction::TryNow : TransferAction::None;
 }
 
 TransferAction TransferRow::MainOf(const TransferItem& item) {
-  if (item.CanRetry()) return TransferAction::Retry;
-  if (item.Finished() && item.IsDownload()) return TransferAction::Reveal;
+  if (const TransferAction link = LinkOf(item); link != TransferAction::None) return link;
+  const TransferAction beside = BesideOf(item);
+  if (beside == TransferAction::Resume || beside == TransferAction::Reveal) return beside;
   return item.HasNotes() ? TransferAction::Toggle : TransferAction::None;
 }
 
@@ -75,7 +90,7 @@ QRect TransferRow::Second() const {
 }
 
 QRect TransferRow::Arrow() const {
-  if (!item_.HasNotes() || item_.Running()) return {};
+  if (!item_.HasNotes() || !item_.HasEnded()) return {};
   QRect arrow = Second();
   arrow.setWidth(kArrow);
   return arrow;
@@ -87,14 +102,15 @@ QRect TransferRow::Note(int line) const {
 }
 
 QRect TransferRow::Link() const {
-  if (!item_.CanRetry()) return {};
+  if (LinkOf(item_) == TransferAction::None) return {};
   QRect link = Second();
   link.setLeft(link.right() + 1 - metrics_.horizontalAdvance(LinkText()));
   return link;
 }
 
-QString TransferRow::LinkText() {
-  return TransferItem::tr("Retry");
+QString TransferRow::LinkText() const {
+  return LinkOf(item_) == TransferAction::TryNow ? TransferItem::tr("Try Now")
+                                                 : TransferItem::tr("Retry");
 }
 
 QRect TransferRow::Slot(int place) const {
@@ -104,10 +120,8 @@ QRect TransferRow::Slot(int place) const {
 
 TransferAction TransferRow::ActionAt(const QPoint& point) const {
   if (Slot(0).contains(point)) return CrossOf(item_);
-  if (Slot(1).contains(point) && item_.Finished() && item_.IsDownload()) {
-    return TransferAction::Reveal;
-  }
-  if (Link().contains(point)) return TransferAction::Retry;
+  if (Slot(1).contains(point)) return BesideOf(item_);
+  if (Link().contains(point)) return LinkOf(item_);
   return Arrow().contains(point) ? TransferAction::Toggle : TransferAction::None;
 }
 

@@ -22,7 +22,10 @@ QString Short(const QString& line) {
 
 QString StateName(TransferState state) {
   switch (state) {
+    case TransferState::Waiting: return TransferItem::tr("Waiting");
     case TransferState::Running: return TransferItem::tr("Running");
+    case TransferState::Paused: return TransferItem::tr("Paused");
+    case TransferState::Again: return TransferItem::tr("Trying again");
     case TransferState::Failed: return TransferItem::tr("Failed");
     case TransferState::Partly: return TransferItem::tr("Partly failed");
     case TransferState::Cancelled: return TransferItem::tr("Cancelled");
@@ -37,6 +40,8 @@ TransferFacts TransferTexts::Facts() const {
   const transferStruct& what = item_.Description();
   const TransferReport& report = item_.LastReport();
   const TransferProgress& progress = item_.Progress();
+  const RowStanding& standing = item_.Standing();
+  const bool ended = item_.Failed();
   return {
       .state = item_.State(),
       .download = item_.IsDownload(),
@@ -49,11 +54,21 @@ TransferFacts TransferTexts::Facts() const {
       .trailing = ShownInLine(report.trailing),
       .failure = FailureText().simplified(),
       .several = item_.IsSeveral(),
-      .there = progress.start + progress.done,
+      .there = item_.There(),
       .total = progress.total,
       .rate = item_.Rate(),
+      .mean = item_.Mean(),
       .files = static_cast<int>(progress.files.load()),
+      .allFiles = static_cast<int>(progress.allFiles.load()),
+      .planning = progress.planning,
+      .failed = ended ? static_cast<int>(item_.Counted().failed) : 0,
       .leftOut = static_cast<int>(item_.Notes().size()),
+      .before = standing.before,
+      .seconds = item_.Seconds(),
+      .tries = standing.tries,
+      .most = standing.most,
+      .stalled = item_.Stalled(),
+      .proof = progress.proof,
   };
 }
 
@@ -62,13 +77,12 @@ TransferWords TransferTexts::Words() const {
 }
 
 QString TransferTexts::Name() const {
-  const std::vector<TransferJob>& jobs = item_.Description().jobs;
-  if (jobs.empty()) return FileName();
+  if (item_.Chosen() == 0) return FileName();
   const std::string& encoding = item_.Description().site.encoding;
-  QString first = item_.IsDownload() ? ToText(SplitPath(jobs.front().remote).second, encoding)
-                                     : ToText(SplitPath(jobs.front().local).second);
-  if (jobs.size() == 1) return first;
-  return TransferItem::tr("%1 and %n more", "", static_cast<int>(jobs.size()) - 1).arg(first);
+  QString first = item_.IsDownload() ? ToText(SplitPath(item_.First().remote).second, encoding)
+                                     : ToText(SplitPath(item_.First().local).second);
+  if (item_.Chosen() == 1) return first;
+  return TransferItem::tr("%1 and %n more", "", item_.Chosen() - 1).arg(first);
 }
 
 QString TransferTexts::ServerLine() const {
@@ -87,24 +101,22 @@ QString TransferTexts::FileName() const {
 
 QString TransferTexts::FileWithCount() const {
   QString file = item_.LastReport().file.empty() ? Name() : FileName();
-  const auto files = static_cast<int>(item_.Progress().files.load());
-  if (files == 0) return file;
-  return QStringLiteral("%1 (%2)").arg(file, TransferItem::tr("%n done", "", files));
+  const QString count = FileCount(Facts());
+  return count.isEmpty() ? file : QStringLiteral("%1 (%2)").arg(file, count);
 }
 
 QString TransferTexts::FailureText() const {
-  if (!item_.Failed()) return {};
+  if (!item_.Failed() && item_.Stands() != RowState::Again) return {};
   if (!item_.LastReport().reason.IsEmpty()) return Shown(item_.LastReport().reason);
-  return *item_.LastReport().end == TransferEnd::Cancelled
-             ? TransferItem::tr("Cancelled.")
-             : TransferItem::tr("The transfer failed.");
+  if (!item_.Failed()) return {};
+  return item_.WasCancelled() ? TransferItem::tr("Cancelled.")
+                              : TransferItem::tr("The transfer failed.");
 }
 
 QString TransferTexts::FailureLine() const {
   if (!item_.Failed()) return {};
   std::string file = item_.LastReport().file;
-  if (file.empty() && item_.Description().jobs.size() == 1)
-    file = SplitPath(item_.Description().jobs.front().remote).second;
+  if (file.empty() && item_.Chosen() == 1) file = SplitPath(item_.First().remote).second;
   const QString reason = FailureText().simplified();
   return file.empty() ? reason : ToText(file, item_.Description().site.encoding) + ": " + reason;
 }

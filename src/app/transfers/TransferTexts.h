@@ -26,7 +26,7 @@ class TransferTexts {
   [[nodiscard]] QString FileName() const;
   /// That file, and how many are done where there are several.
   [[nodiscard]] QString FileWithCount() const;
-  /// What failed; empty while nothing has.
+  /// What failed, for now or for good; empty while nothing has.
   [[nodiscard]] QString FailureText() const;
   /// FailureText() in one line, with the name of the file.
   [[nodiscard]] QString FailureLine() const;

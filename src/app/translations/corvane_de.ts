@@ -16,10 +16,6 @@
         <translation>Verbindung wird hergestellt.</translation>
     </message>
     <message>
-        <source>Connection failed.</source>
-        <translation>Verbindung fehlgeschlagen.</translation>
-    </message>
-    <message>
         <source>Connection lost.</source>
         <translation>Verbindung abgebrochen.</translation>
     </message>
@@ -54,10 +50,6 @@
     <message>
         <source>Getting Dir Listing.</source>
         <translation>Auflistung wird geholt.</translation>
-    </message>
-    <message>
-        <source>Login failed.</source>
-        <translation>Anmeldung fehlgeschlagen.</translation>
     </message>
     <message>
         <source>Resolving address.</source>
@@ -240,10 +232,6 @@
         <translation>  *Datei nicht lesbar!*</translation>
     </message>
     <message>
-        <source>%1 of %2 entries failed.</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen.</translation>
-    </message>
-    <message>
         <source>Another transfer is writing %1 already.</source>
         <translation>Eine andere Übertragung schreibt bereits %1.</translation>
     </message>
@@ -274,10 +262,6 @@
     <message>
         <source>The name &quot;%1&quot; cannot be used for a local file.</source>
         <translation>„%1“ kann kein Name einer lokalen Datei sein.</translation>
-    </message>
-    <message>
-        <source>The rest of this folder was not sent.</source>
-        <translation>Der Rest dieses Ordners wurde nicht gesendet.</translation>
     </message>
     <message>
         <source>What follows is not listed any more.</source>
@@ -330,14 +314,6 @@
     <message>
         <source>&quot;%1&quot; exists already.</source>
         <translation>„%1“ gibt es bereits.</translation>
-    </message>
-    <message>
-        <source>%1 of %2 entries failed: %3: %4</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen: %3: %4</translation>
-    </message>
-    <message>
-        <source>%1 of %2 entries failed; stopped at %3: %4</source>
-        <translation>%1 von %2 Einträgen fehlgeschlagen; angehalten bei %3: %4</translation>
     </message>
     <message>
         <source>Could not make the folder: %1</source>
@@ -921,6 +897,78 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>Waiting for your answer.</source>
         <translation>Warten auf Ihre Antwort.</translation>
     </message>
+    <message>
+        <source>The server cannot go on with a file that was sent in part.</source>
+        <translation>Der Server kann eine zum Teil gesendete Datei nicht fortsetzen.</translation>
+    </message>
+    <message>
+        <source>The server has %1 of %2 bytes.</source>
+        <translation>Der Server hat %1 von %2 Bytes.</translation>
+    </message>
+    <message>
+        <source>The server makes no checksum of the file.</source>
+        <translation>Der Server bildet keine Prüfsumme der Datei.</translation>
+    </message>
+    <message>
+        <source>The server takes no more connections at the moment.</source>
+        <translation>Der Server nimmt im Augenblick keine weiteren Verbindungen an.</translation>
+    </message>
+    <message>
+        <source>%1 of %2 files failed</source>
+        <translation>%1 von %2 Dateien fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>%1 of %2 files failed: %3: %4</source>
+        <translation>%1 von %2 Dateien fehlgeschlagen: %3: %4</translation>
+    </message>
+    <message>
+        <source>Another program keeps the list of transfers. What is transferred here is forgotten when this program ends.</source>
+        <translation>Ein anderes Programm führt die Liste der Übertragungen. Was hier übertragen wird, ist vergessen, wenn dieses Programm endet.</translation>
+    </message>
+    <message>
+        <source>Everything is there already.</source>
+        <translation>Alles ist schon vorhanden.</translation>
+    </message>
+    <message>
+        <source>It arrived as %1 and could not get its name: %2</source>
+        <translation>Sie kam als %1 an und konnte ihren Namen nicht bekommen: %2</translation>
+    </message>
+    <message>
+        <source>Nothing comes from the server any more.</source>
+        <translation>Vom Server kommt nichts mehr.</translation>
+    </message>
+    <message>
+        <source>Only %1 of %2 bytes arrived.</source>
+        <translation>Nur %1 von %2 Bytes kamen an.</translation>
+    </message>
+    <message>
+        <source>The list of transfers cannot be kept: %1</source>
+        <translation>Die Liste der Übertragungen kann nicht aufbewahrt werden: %1</translation>
+    </message>
+    <message>
+        <source>The list of transfers could not be read. What there is of it is kept as %1.</source>
+        <translation>Die Liste der Übertragungen konnte nicht gelesen werden. Was davon da ist, wird als %1 aufbewahrt.</translation>
+    </message>
+    <message>
+        <source>The list of transfers was written by another version. It is kept as %1.</source>
+        <translation>Die Liste der Übertragungen stammt von einer anderen Version. Sie wird als %1 aufbewahrt.</translation>
+    </message>
+    <message>
+        <source>The transfer was not finished.</source>
+        <translation>Die Übertragung wurde nicht abgeschlossen.</translation>
+    </message>
+    <message>
+        <source>Waiting for a connection to the server.</source>
+        <translation>Wartet auf eine Verbindung zum Server.</translation>
+    </message>
+    <message>
+        <source>What arrived is not what was sent: the checksums differ.</source>
+        <translation>Was ankam, ist nicht, was gesendet wurde: Die Prüfsummen unterscheiden sich.</translation>
+    </message>
+    <message>
+        <source>What came is not what the server has: the checksums differ.</source>
+        <translation>Was kam, ist nicht, was der Server hat: Die Prüfsummen unterscheiden sich.</translation>
+    </message>
 </context>
 <context>
     <name>Figures</name>
@@ -1058,6 +1106,22 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>This is where to look:</source>
         <translation>Dort liegt es:</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>No program opens this file:</source>
+        <translation>Kein Programm öffnet diese Datei:</translation>
+    </message>
+    <message>
+        <source>No program opens this file.</source>
+        <translation>Kein Programm öffnet diese Datei.</translation>
+    </message>
+    <message>
+        <source>This is where it is:</source>
+        <translation>Hier liegt sie:</translation>
     </message>
 </context>
 <context>
@@ -1752,12 +1816,26 @@ Benutzername oder Passwort ist ungültig.</translation>
         <translation>Nichts zu tun</translation>
     </message>
     <message>
-        <source>This transfer still runs.</source>
-        <translation>Diese Übertragung läuft noch.</translation>
-    </message>
-    <message>
         <source>Cancel it before you remove it from the list.</source>
         <translation>Brechen Sie sie ab, bevor Sie sie aus der Liste entfernen.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n waiting</source>
+        <translation>
+            <numerusform>%n wartet</numerusform>
+            <numerusform>%n warten</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n paused</source>
+        <translation>
+            <numerusform>%n angehalten</numerusform>
+            <numerusform>%n angehalten</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>This transfer has not ended.</source>
+        <translation>Diese Übertragung ist nicht beendet.</translation>
     </message>
 </context>
 <context>
@@ -2314,6 +2392,152 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>&quot;%1&quot; has letters that the encoding of this site, %2, does not have.</source>
         <translation>„%1“ hat Buchstaben, die es im Zeichensatz dieses Servers, %2, nicht gibt.</translation>
     </message>
+    <message>
+        <source>The server takes no more connections at the moment.</source>
+        <translation>Der Server nimmt im Augenblick keine weiteren Verbindungen an.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; on the server is %2 and is left alone.</source>
+        <translation>„%1“ auf dem Server ist %2 und bleibt unberührt.</translation>
+    </message>
+    <message>
+        <source>Not known</source>
+        <translation>Nicht bekannt</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Hochladen</translation>
+    </message>
+    <message>
+        <source>The folder “%1” is there already.</source>
+        <translation>Der Ordner „%1“ ist schon vorhanden.</translation>
+    </message>
+    <message>
+        <source>“%1” is there already.</source>
+        <translation>„%1“ ist schon vorhanden.</translation>
+    </message>
+    <message>
+        <source>&amp;Skip</source>
+        <translation>Über&amp;springen</translation>
+    </message>
+    <message>
+        <source>The file here stays as it is.</source>
+        <translation>Die Datei hier bleibt, wie sie ist.</translation>
+    </message>
+    <message>
+        <source>The file on the server stays as it is.</source>
+        <translation>Die Datei auf dem Server bleibt, wie sie ist.</translation>
+    </message>
+    <message>
+        <source>&amp;Resume</source>
+        <translation>&amp;Fortsetzen</translation>
+    </message>
+    <message>
+        <source>Fetches only the rest, after comparing the beginning.</source>
+        <translation>Holt nur den Rest, nach einem Vergleich des Anfangs.</translation>
+    </message>
+    <message>
+        <source>Sends only the rest, after comparing the beginning.</source>
+        <translation>Sendet nur den Rest, nach einem Vergleich des Anfangs.</translation>
+    </message>
+    <message>
+        <source>Replaces the file here.</source>
+        <translation>Die Datei hier wird ersetzt.</translation>
+    </message>
+    <message>
+        <source>Replaces the file on the server.</source>
+        <translation>Die Datei auf dem Server wird ersetzt.</translation>
+    </message>
+    <message>
+        <source>Only &amp;newer</source>
+        <translation>Nur &amp;neuere überschreiben</translation>
+    </message>
+    <message>
+        <source>Replaces what is newer on the server, or of another size.</source>
+        <translation>Ersetzt, was auf dem Server neuer oder anders groß ist.</translation>
+    </message>
+    <message>
+        <source>Replaces what is newer here, or of another size.</source>
+        <translation>Ersetzt, was hier neuer oder anders groß ist.</translation>
+    </message>
+    <message>
+        <source>&amp;Keep both</source>
+        <translation>Beide be&amp;halten</translation>
+    </message>
+    <message>
+        <source>The new one becomes “%1”.</source>
+        <translation>Die neue heißt „%1“.</translation>
+    </message>
+    <message>
+        <source>Files that are there stay as they are.</source>
+        <translation>Vorhandene Dateien bleiben, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>Completes files that are there in part, replaces what differs.</source>
+        <translation>Ergänzt unvollständige Dateien, ersetzt abweichende.</translation>
+    </message>
+    <message>
+        <source>Replaces files that are there.</source>
+        <translation>Vorhandene Dateien werden ersetzt.</translation>
+    </message>
+    <message>
+        <source>New ones get names such as “table (2).csv”.</source>
+        <translation>Neue heißen etwa „Tabelle (2).csv“.</translation>
+    </message>
+    <message>
+        <source>In %1</source>
+        <translation>In %1</translation>
+    </message>
+    <message>
+        <source>New files go into it. What becomes of files that are in both?</source>
+        <translation>Neue Dateien kommen hinein. Was wird aus Dateien, die es in beiden gibt?</translation>
+    </message>
+    <message>
+        <source>Both have the same size and date.</source>
+        <translation>Beide haben die gleiche Größe und das gleiche Datum.</translation>
+    </message>
+    <message>
+        <source>%1, newer</source>
+        <translation>%1, neuer</translation>
+    </message>
+    <message>
+        <source>On the server</source>
+        <translation>Auf dem Server</translation>
+    </message>
+    <message>
+        <source>Here</source>
+        <translation>Hier</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>The same for the other &amp;folder</source>
+        <translation>Für den an&amp;deren Ordner auch</translation>
+    </message>
+    <message>
+        <source>The same for the other &amp;file</source>
+        <translation>Für die an&amp;dere Datei auch</translation>
+    </message>
+    <message numerus="yes">
+        <source>The same for the other &amp;%n entries</source>
+        <translation>
+            <numerusform>Für den &amp;%n anderen Eintrag auch</numerusform>
+            <numerusform>Für die &amp;%n anderen Einträge auch</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The same for the other &amp;%n files</source>
+        <translation>
+            <numerusform>Für die &amp;%n andere Datei auch</numerusform>
+            <numerusform>Für die &amp;%n anderen Dateien auch</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>corvane::MoreFields</name>
@@ -2372,6 +2596,18 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>All files (*)</source>
         <translation>Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Connections for each transfer:</source>
+        <translation>Verbindungen je Übertragung:</translation>
+    </message>
+    <message>
+        <source>Connections for each transfer</source>
+        <translation>Verbindungen je Übertragung</translation>
+    </message>
+    <message>
+        <source>As in the preferences</source>
+        <translation>Wie in den Einstellungen</translation>
     </message>
 </context>
 <context>
@@ -2830,6 +3066,98 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>kept in the keyring</source>
         <translation>im Schlüsselbund</translation>
+    </message>
+    <message>
+        <source>Ask</source>
+        <translation>Fragen</translation>
+    </message>
+    <message>
+        <source>Overwrite</source>
+        <translation>Überschreiben</translation>
+    </message>
+    <message>
+        <source>Resume unfinished</source>
+        <translation>Unfertige fortsetzen</translation>
+    </message>
+    <message>
+        <source>Skip</source>
+        <translation>Überspringen</translation>
+    </message>
+    <message>
+        <source>Only newer or different</source>
+        <translation>Nur neuere oder andere</translation>
+    </message>
+    <message>
+        <source>Keep both</source>
+        <translation>Beide behalten</translation>
+    </message>
+    <message>
+        <source>Transfers in a&amp;ll:</source>
+        <translation>Übertragungen in a&amp;llem:</translation>
+    </message>
+    <message>
+        <source>At the same time</source>
+        <translation>Zur selben Zeit</translation>
+    </message>
+    <message>
+        <source>Transfers &amp;for each server:</source>
+        <translation>Übertragungen &amp;für jeden Server:</translation>
+    </message>
+    <message>
+        <source>C&amp;onnections for each:</source>
+        <translation>V&amp;erbindungen für jede:</translation>
+    </message>
+    <message>
+        <source>&amp;Download at most:</source>
+        <translation>Höchstens &amp;herunterladen:</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Geschwindigkeit</translation>
+    </message>
+    <message>
+        <source> kB/s</source>
+        <translation> kB/s</translation>
+    </message>
+    <message>
+        <source>No limit</source>
+        <translation>Unbegrenzt</translation>
+    </message>
+    <message>
+        <source>U&amp;pload at most:</source>
+        <translation>Höchstens h&amp;ochladen:</translation>
+    </message>
+    <message>
+        <source>T&amp;ry again:</source>
+        <translation>E&amp;rneut versuchen:</translation>
+    </message>
+    <message>
+        <source>When a transfer fails</source>
+        <translation>Wenn eine Übertragung fehlschlägt</translation>
+    </message>
+    <message>
+        <source>times, first after</source>
+        <translation>Mal, zuerst nach</translation>
+    </message>
+    <message>
+        <source>The waits grow with each try. What the server refuses for good is not tried again.</source>
+        <translation>Die Pausen wachsen. Endgültig Abgelehntes wird nicht noch einmal versucht.</translation>
+    </message>
+    <message>
+        <source> s</source>
+        <translation> s</translation>
+    </message>
+    <message>
+        <source>&amp;If a file is there already:</source>
+        <translation>&amp;Wenn eine Datei schon da ist:</translation>
+    </message>
+    <message>
+        <source>Compare wit&amp;h the server’s checksum where it has one</source>
+        <translation>Mit der &amp;Prüfsumme des Servers vergleichen, wo er eine hat</translation>
+    </message>
+    <message>
+        <source>Replace files o&amp;n the server only by whole ones</source>
+        <translation>Dateien auf dem Server &amp;nur durch ganze ersetzen</translation>
     </message>
 </context>
 <context>
@@ -3451,6 +3779,17 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>Quit Corvane?</source>
         <translation>Corvane beenden?</translation>
     </message>
+    <message>
+        <source>1 transfer is paused, and can be resumed after the next start.</source>
+        <translation>1 Übertragung wird angehalten und kann nach dem nächsten Start fortgesetzt werden.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n transfers are paused, and can be resumed after the next start.</source>
+        <translation>
+            <numerusform>%n Übertragung wird angehalten und kann nach dem nächsten Start fortgesetzt werden.</numerusform>
+            <numerusform>%n Übertragungen werden angehalten und können nach dem nächsten Start fortgesetzt werden.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>corvane::TransferBar</name>
@@ -3463,20 +3802,40 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Fertige entfernen</translation>
     </message>
     <message>
-        <source>Begin everything again that failed or was cancelled</source>
-        <translation>Alles neu beginnen, was fehlgeschlagen ist oder abgebrochen wurde</translation>
-    </message>
-    <message>
-        <source>Nothing has failed that could be begun again</source>
-        <translation>Nichts ist fehlgeschlagen, was neu begonnen werden könnte</translation>
-    </message>
-    <message>
         <source>Take everything that is done off the list</source>
         <translation>Alles aus der Liste nehmen, was fertig ist</translation>
     </message>
     <message>
         <source>Nothing in the list is done</source>
         <translation>Nichts in der Liste ist fertig</translation>
+    </message>
+    <message>
+        <source>Pause All</source>
+        <translation>Alle anhalten</translation>
+    </message>
+    <message>
+        <source>Resume All</source>
+        <translation>Alle fortsetzen</translation>
+    </message>
+    <message>
+        <source>Go on with everything that is paused</source>
+        <translation>Alles fortsetzen, was angehalten ist</translation>
+    </message>
+    <message>
+        <source>Pause everything that runs or waits</source>
+        <translation>Alles anhalten, was läuft oder wartet</translation>
+    </message>
+    <message>
+        <source>Nothing runs that could be paused</source>
+        <translation>Es läuft nichts, was angehalten werden könnte</translation>
+    </message>
+    <message>
+        <source>Try everything once more that failed or was cancelled</source>
+        <translation>Alles noch einmal versuchen, was fehlgeschlagen ist oder abgebrochen wurde</translation>
+    </message>
+    <message>
+        <source>Nothing has failed that could be tried once more</source>
+        <translation>Nichts ist fehlgeschlagen, was noch einmal versucht werden könnte</translation>
     </message>
 </context>
 <context>
@@ -3526,10 +3885,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Abbrechen oder entfernen</translation>
     </message>
     <message>
-        <source>Retry, Reveal or Show Details</source>
-        <translation>Wiederholen, zeigen oder Einzelheiten</translation>
-    </message>
-    <message>
         <source>&amp;Help</source>
         <translation>&amp;Hilfe</translation>
     </message>
@@ -3558,14 +3913,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Nimmt aus der Liste, was ausgewählt und beendet ist</translation>
     </message>
     <message>
-        <source>Begins again what is selected and has failed</source>
-        <translation>Beginnt neu, was ausgewählt und fehlgeschlagen ist</translation>
-    </message>
-    <message>
-        <source>Begins everything again that failed or was cancelled</source>
-        <translation>Beginnt alles neu, was fehlgeschlagen ist oder abgebrochen wurde</translation>
-    </message>
-    <message>
         <source>Takes everything that is done off the list</source>
         <translation>Nimmt alles aus der Liste, was fertig ist</translation>
     </message>
@@ -3578,14 +3925,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Zeigt die heruntergeladene Datei in ihrem Ordner</translation>
     </message>
     <message>
-        <source>Cancels what runs of the selection, takes the rest of it off the list</source>
-        <translation>Bricht ab, was von der Auswahl läuft, und nimmt das Übrige aus der Liste</translation>
-    </message>
-    <message>
-        <source>Begins again what has failed, shows a finished download in its folder</source>
-        <translation>Beginnt neu, was fehlgeschlagen ist, und zeigt Heruntergeladenes in seinem Ordner</translation>
-    </message>
-    <message>
         <source>Opens the manual</source>
         <translation>Öffnet das Handbuch</translation>
     </message>
@@ -3596,6 +3935,134 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Brings the connection window forward</source>
         <translation>Holt das Verbindungsfenster nach vorn</translation>
+    </message>
+    <message>
+        <source>&amp;Pause</source>
+        <translation>Anha&amp;lten</translation>
+    </message>
+    <message>
+        <source>Pauses what is selected; what has come stays</source>
+        <translation>Hält an, was ausgewählt ist; was schon da ist, bleibt</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Res&amp;ume</source>
+        <translation>For&amp;tsetzen</translation>
+    </message>
+    <message>
+        <source>Goes on with what is selected and paused</source>
+        <translation>Setzt fort, was ausgewählt und angehalten ist</translation>
+    </message>
+    <message>
+        <source>Resume</source>
+        <translation>Fortsetzen</translation>
+    </message>
+    <message>
+        <source>Tries once more what is selected and has failed</source>
+        <translation>Versucht noch einmal, was ausgewählt und fehlgeschlagen ist</translation>
+    </message>
+    <message>
+        <source>Try &amp;Now</source>
+        <translation>&amp;Jetzt versuchen</translation>
+    </message>
+    <message>
+        <source>Ends the wait before what is selected is tried again</source>
+        <translation>Beendet das Warten, bevor das Ausgewählte noch einmal versucht wird</translation>
+    </message>
+    <message>
+        <source>Try Now</source>
+        <translation>Jetzt versuchen</translation>
+    </message>
+    <message>
+        <source>&amp;Move Up</source>
+        <translation>Nach &amp;oben</translation>
+    </message>
+    <message>
+        <source>Gives what is selected an earlier turn</source>
+        <translation>Bringt das Ausgewählte früher an die Reihe</translation>
+    </message>
+    <message>
+        <source>Move Up</source>
+        <translation>Nach oben</translation>
+    </message>
+    <message>
+        <source>Move &amp;Down</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <source>Gives what is selected a later turn</source>
+        <translation>Bringt das Ausgewählte später an die Reihe</translation>
+    </message>
+    <message>
+        <source>Move Down</source>
+        <translation>Nach unten</translation>
+    </message>
+    <message>
+        <source>P&amp;ause All</source>
+        <translation>Alle anhalte&amp;n</translation>
+    </message>
+    <message>
+        <source>Pauses everything that runs or waits</source>
+        <translation>Hält alles an, was läuft oder wartet</translation>
+    </message>
+    <message>
+        <source>Resum&amp;e All</source>
+        <translation>Alle fortset&amp;zen</translation>
+    </message>
+    <message>
+        <source>Goes on with everything that is paused</source>
+        <translation>Setzt alles fort, was angehalten ist</translation>
+    </message>
+    <message>
+        <source>Tries everything once more that failed or was cancelled</source>
+        <translation>Versucht alles noch einmal, was fehlgeschlagen ist oder abgebrochen wurde</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Öffnen</translation>
+    </message>
+    <message>
+        <source>Opens a downloaded file in its program</source>
+        <translation>Öffnet eine heruntergeladene Datei in ihrem Programm</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Cop&amp;y Address</source>
+        <translation>A&amp;dresse kopieren</translation>
+    </message>
+    <message>
+        <source>Copies the addresses of what is selected, without a password</source>
+        <translation>Kopiert die Adressen des Ausgewählten, ohne Passwort</translation>
+    </message>
+    <message>
+        <source>Copy Address</source>
+        <translation>Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>Show &amp;in Folder</source>
+        <translation>&amp;Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Show in Folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Cancels what has not ended of the selection, takes the rest of it off the list</source>
+        <translation>Bricht ab, was von der Auswahl nicht beendet ist, und nimmt den Rest aus der Liste</translation>
+    </message>
+    <message>
+        <source>Resume, Retry, Reveal or Show Details</source>
+        <translation>Fortsetzen, wiederholen, zeigen oder Einzelheiten zeigen</translation>
+    </message>
+    <message>
+        <source>Goes on with what is paused or has failed, shows a finished download in its folder</source>
+        <translation>Setzt fort, was angehalten oder fehlgeschlagen ist, zeigt einen fertigen Download in seinem Ordner</translation>
     </message>
 </context>
 <context>
@@ -3668,13 +4135,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>Cancelled</source>
         <translation>Abgebrochen</translation>
     </message>
-    <message numerus="yes">
-        <source>Done, %n left out</source>
-        <translation>
-            <numerusform>Fertig, %n ausgelassen</numerusform>
-            <numerusform>Fertig, %n ausgelassen</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Done</source>
         <translation>Fertig</translation>
@@ -3719,8 +4179,64 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>1 Datei</translation>
     </message>
     <message>
-        <source>%1 done</source>
-        <translation>%1 fertig</translation>
+        <source>%1 of %2 done</source>
+        <translation>%1 von %2 fertig</translation>
+    </message>
+    <message>
+        <source>%1 of %2 files failed</source>
+        <translation>%1 von %2 Dateien fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>verified (%1)</source>
+        <translation>geprüft (%1)</translation>
+    </message>
+    <message>
+        <source>size checked</source>
+        <translation>Größe geprüft</translation>
+    </message>
+    <message>
+        <source>Waiting, %1 before it</source>
+        <translation>Wartet, %1 davor</translation>
+    </message>
+    <message>
+        <source>Waiting for its turn</source>
+        <translation>Wartet, bis sie an der Reihe ist</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>Angehalten</translation>
+    </message>
+    <message>
+        <source>Paused, %1</source>
+        <translation>Angehalten, %1</translation>
+    </message>
+    <message>
+        <source>Trying again in %1 s (%2 of %3)</source>
+        <translation>Neuer Versuch in %1 s (%2 von %3)</translation>
+    </message>
+    <message>
+        <source>Stalled for %1 s</source>
+        <translation>Seit %1 s kommt nichts</translation>
+    </message>
+    <message>
+        <source>%1 of %2 files so far</source>
+        <translation>%1 von bisher %2 Dateien</translation>
+    </message>
+    <message>
+        <source>%1 of %2 files</source>
+        <translation>%1 von %2 Dateien</translation>
+    </message>
+    <message>
+        <source>Try Now</source>
+        <translation>Jetzt versuchen</translation>
+    </message>
+    <message>
+        <source>Waiting</source>
+        <translation>Wartet</translation>
+    </message>
+    <message>
+        <source>Trying again</source>
+        <translation>Neuer Versuch</translation>
     </message>
 </context>
 <context>
@@ -3742,10 +4258,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <translation>Im Ordner zeigen</translation>
     </message>
     <message>
-        <source>Begin again</source>
-        <translation>Neu beginnen</translation>
-    </message>
-    <message>
         <source>Show or hide what failed</source>
         <translation>Zeigen oder verbergen, was fehlgeschlagen ist</translation>
     </message>
@@ -3756,6 +4268,22 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Downloads and uploads appear here. Drag files onto a browser window to upload them.</source>
         <translation>Hier erscheint, was herunter- und hochgeladen wird. Zum Hochladen ziehen Sie Dateien auf ein Browserfenster.</translation>
+    </message>
+    <message>
+        <source>Pause this transfer</source>
+        <translation>Diese Übertragung anhalten</translation>
+    </message>
+    <message>
+        <source>Go on with this transfer</source>
+        <translation>Diese Übertragung fortsetzen</translation>
+    </message>
+    <message>
+        <source>Try what failed once more</source>
+        <translation>Noch einmal versuchen, was fehlschlug</translation>
+    </message>
+    <message>
+        <source>Do not wait any longer</source>
+        <translation>Nicht länger warten</translation>
     </message>
 </context>
 <context>

@@ -57,7 +57,7 @@ void Move(const std::vector<Row>& rows, const std::atomic<bool>& stop) {
     for (const Row& row : rows) {
       corvane::TransferProgress& progress = row->Progress();
       progress.total = 100'000'000;
-      progress.done = (progress.done + 65'536) % progress.total;
+      progress.there = (progress.there + 65'536) % progress.total;
       progress.elapsed += 5'000;
       progress.changed = true;
       if (turn % 10 == 0) row->BeginFile("file number " + std::to_string(turn));

@@ -1,8 +1,11 @@
-"""What the measuring programs share: a private vsftpd and what a child process costs."""
+"""What the measuring programs share: a private vsftpd, the clients that carry a tree, and what a
+child process costs."""
 
 import contextlib
+import ctypes
 import os
 import pathlib
+import random
 import shutil
 import signal
 import subprocess
@@ -19,6 +22,10 @@ def program(name):
     if not path.exists():
         sys.exit(f"no {path}: cmake --preset bench && cmake --build --preset bench")
     return str(path)
+
+
+def end_with_parent():
+    ctypes.CDLL(None).prctl(1, signal.SIGTERM)  # PR_SET_PDEATHSIG
 
 
 def stop(process):
@@ -53,6 +60,69 @@ def vsftpd(root, tls=False):
         yield int(line[0])
     finally:
         stop(server)
+
+
+def make_tree(top, files, folders):
+    """Files of 1 to 16 KiB, spread evenly."""
+    for number in range(files):
+        path = top / f"folder {number % folders}" / f"file {number}.dat"
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_bytes(os.urandom(random.randint(1 << 10, 16 << 10)))
+
+
+def contents(top):
+    return {path.relative_to(top): path.is_dir() or path.read_bytes() for path in top.rglob("*")}
+
+
+def lftp(host, port, command, passive="yes"):
+    return ["lftp", "-c", f"set cmd:interactive no; set net:max-retries 1; set ftp:passive-mode {passive};"
+            f"open -u anonymous,x ftp://{host}:{port}; {command}"]
+
+
+def rclone(host, port):
+    """How to call it; the server is ":ftp:". Nothing where it is not installed."""
+    if not shutil.which("rclone"):
+        return None
+    secret = subprocess.run(["rclone", "obscure", "x"], check=True, capture_output=True, text=True)
+    return ["rclone", "--config", "/dev/null", "--ftp-host", host, "--ftp-port", str(port), "--ftp-user",
+            "anonymous", "--ftp-pass", secret.stdout.strip(), "-q", "--log-file", "/dev/null"]
+
+
+def tree_clients(host, port, root, local, counts):
+    """For each direction the folder that each run makes, and the commands by client and number of
+    connections. `root` holds "tree", and `local` "upload"."""
+    ours = program("bench/corvane-drive")
+    served = f"ftp://anonymous:x@{host}:{port}{root}"  # vsftpd shows the machine's own paths
+    sent = str(local / "upload")
+    peer = rclone(host, port)
+    if not peer:
+        print("rclone is not installed: without it")
+
+    def all_of(arguments, mirror, copy):
+        commands = {}
+        for count in counts:
+            commands["ours", count] = [ours, *arguments, "--connections", str(count)]
+            commands["lftp", count] = lftp(host, port, mirror.format(count))
+        if peer:
+            commands["rclone", 8] = [*peer, "copy", *copy, "--transfers", "8"]
+        return commands
+
+    return {
+        "download": (local / "tree", all_of(["get", f"{served}/tree/", str(local)],
+                                            f"mirror -P{{}} --no-perms tree {local}/tree",
+                                            [f":ftp:{root}/tree", f"{local}/tree"])),
+        "upload": (root / "upload", all_of(["put", f"{served}/", sent],
+                                           f"mirror -R -P{{}} --no-perms {sent} upload",
+                                           [sent, f":ftp:{root}/upload"])),
+    }
+
+
+def ratios(walls, name):
+    """Of the median wall time to that of the best peer with one connection, or with several."""
+    single = name[1] == 1
+    peers = {peer: wall for peer, wall in walls.items() if peer[0] != "ours" and (peer[1] == 1) == single}
+    best = min(peers, key=peers.get)
+    return f"{walls[name] / walls[best]:.2f} of {best[0]} {best[1]}"
 
 
 def timed(command):

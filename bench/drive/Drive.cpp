@@ -3,25 +3,23 @@
 
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <mutex>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "DriveOptions.h"
+#include "DriveQueue.h"
+#include "DriveRow.h"
 #include "ftp/ListingParser.h"
 #include "ftp/MFtp.h"
 #include "kit/Background.h"
 #include "remote/RemotePath.h"
 #include "util/Encodings.h"
 #include "util/ErrorText.h"
-#include "workers/FileTransfer.h"
 #include "workers/Refusals.h"
 #include "workers/TreeRemover.h"
 
@@ -62,13 +60,6 @@ void Print(const RemoteEntry& entry) {
   std::puts((line + "}").c_str());
 }
 
-// The text's own line ends stay; all else that is hostile becomes visible.
-void Complain(const Text& text) {
-  std::istringstream lines(text.English());
-  for (std::string line; std::getline(lines, line);)
-    std::fprintf(stderr, "%s\n", DisplayText(line).c_str());
-}
-
 class Printer final : public ListingSink {
  public:
   void Raw(std::string_view /*text*/) override {}
@@ -78,98 +69,73 @@ class Printer final : public ListingSink {
   }
 };
 
-/// A transfer's row that nobody sees; also the owner of a session without a transfer.
-class Row final : public TransferUi {
- public:
-  explicit Row(bool trustsAny) : trustsAny_(trustsAny) {}
-
-  TransferProgress& Progress() override { return progress_; }
-  bool BeginFile(std::string_view /*name*/) override { return true; }
-  bool SetTrailing(const Text& /*text*/) override { return true; }
-  bool SetStatus(const Text& /*text*/) override { return true; }
-  bool AppendLog(std::string_view /*line*/) override { return true; }
-  bool PostMessage(Message /*message*/) override { return true; }
-  bool PlaySound(Sound /*sound*/) override { return true; }
-  bool Ask(const std::shared_ptr<UserQuestion>& question) override {
-    using Answer = UserQuestion::Answer;
-    const bool certificate = question->About().kind == UserQuestion::Kind::UnknownCertificate;
-    question->Give(trustsAny_ && certificate ? Answer::Once : Answer::No);
-    return true;
-  }
-  bool NoteEntry(const Text& text) override {
-    Complain(text);
-    return true;
-  }
-  bool SetEndState(TransferEnd state, const Text& why) override {
-    const std::lock_guard hold(lock_);
-    ended_ = true;
-    state_ = state;
-    why_ = why;
-    changed_.notify_all();
-    return true;
-  }
-
-  /// False when `limit` passed first.
-  bool WaitFor(std::chrono::milliseconds limit) {
-    std::unique_lock hold(lock_);
-    return changed_.wait_for(hold, limit, [this] { return ended_; });
-  }
-  /// Once it has ended.
-  [[nodiscard]] TransferEnd State() const { return state_; }
-  [[nodiscard]] const Text& Why() const { return why_; }
-
- private:
-  const bool trustsAny_;
-  TransferProgress progress_;
-  std::mutex lock_;
-  std::condition_variable changed_;
-  bool ended_ = false;
-  TransferEnd state_ = TransferEnd::Failed;
-  Text why_;
-};
-
-transferStruct Description(const Options& options) {
+transferStruct Description(const Options& options, const Asked& asked) {
   transferStruct what;
-  what.site = options.site;
-  what.download = options.command == "get";
+  what.site = asked.site;
+  what.download = asked.download;
   what.keepTimes = true;
+  what.connections = options.connections;
   TransferJob job;
   job.policy = options.policy;
+  const std::string& path = asked.site.path;
   if (what.download) {
-    const auto [directory, name] = SplitPath(options.site.path);
+    const auto [directory, name] = SplitPath(path);
     what.remoteDirectory = directory;
-    what.targetFolder = options.local;
-    job.remote = WithoutTrailingSlash(options.site.path);
-    job.local = PathBelow(options.local, name);
-    if (options.site.path.ends_with('/')) job.kind = RemoteEntry::Kind::Directory;
+    what.targetFolder = asked.local;
+    job.remote = WithoutTrailingSlash(path);
+    job.local = PathBelow(asked.local, name);
+    if (path.ends_with('/')) job.kind = RemoteEntry::Kind::Directory;
   } else {
-    what.remoteDirectory = options.site.path;
-    job.local = WithoutTrailingSlash(options.local);
-    job.remote = PathBelow(options.site.path, std::filesystem::path(job.local).filename().string());
+    what.remoteDirectory = path;
+    job.local = WithoutTrailingSlash(asked.local);
+    job.remote = PathBelow(path, std::filesystem::path(job.local).filename().string());
   }
   what.jobs.push_back(std::move(job));
   return what;
 }
 
 bool Transfer(const Options& options) {
-  constexpr std::chrono::hours kLong{24};
-  const auto row = std::make_shared<Row>(options.trustsAny);
   const auto begin = std::chrono::steady_clock::now();
-  const auto worker = std::make_shared<FileTransfer>(row, Description(options),
-                                                     std::make_shared<MFtp>(options.site, row));
-  if (!worker->Run()) return false;
-  if (!row->WaitFor(options.cancelAfter.value_or(kLong))) worker->Cancel();
-  row->WaitFor(kLong);
+  DriveQueue queue(options, nullptr);
+  queue.Add(1, Description(options, {options.command == "get", options.site, options.local}));
+  bool finished = false;
+  Text why;
+  queue.Run([&](RowId /*row*/, RowState state, const Text& reason) {
+    finished = state == RowState::Done;
+    why = state == RowState::Cancelled ? Text("Cancelled.") : reason;
+  });
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-  const bool finished = row->State() == TransferEnd::Finished;
-  const Text why = row->State() == TransferEnd::Cancelled ? Text("Cancelled.") : row->Why();
   if (!finished) Complain(why);
   if (options.json) {
     std::printf("{\"finished\":%s,\"seconds\":%.3f,\"why\":%s}\n", finished ? "true" : "false",
                 seconds.count(), Quoted(DisplayText(why.English())).c_str());
   }
-  // It still says goodbye to the server, which changes nothing.
-  (void)Background::WaitForNone(std::chrono::seconds(5));
+  return finished;
+}
+
+// Each row's end is said at once, so that who kills this program knows what was said.
+bool Queue(const Options& options) {
+  const auto store = std::make_shared<QueueStore>(options.local);
+  const std::vector<QueueStore::Row> left = store->Load();
+  if (!store->Trouble().IsEmpty()) Complain(store->Trouble());
+  DriveQueue queue(options, store);
+  RowId id = store->NextId();
+  if (options.resumes)
+    for (const QueueStore::Row& row : left) queue.Resume(row);
+  for (const Asked& asked : options.asked) queue.Add(id++, Description(options, asked));
+  bool finished = true;
+  queue.Run([&](RowId row, RowState state, const Text& why) {
+    constexpr const char* kStates[] = {"waiting", "running",   "paused", "again",
+                                       "failed",  "cancelled", "done"};
+    finished = finished && state == RowState::Done;
+    std::printf("{\"row\":%lld,\"state\":\"%s\",\"files\":%lld,\"moved\":%lld,\"why\":%s}\n",
+                static_cast<long long>(row), kStates[static_cast<std::size_t>(state)],
+                static_cast<long long>(queue.Files(row)), static_cast<long long>(queue.Moved(row)),
+                Quoted(DisplayText(why.English())).c_str());
+    std::fflush(stdout);
+  });
+  store->Flush();
+  if (!store->Trouble().IsEmpty()) Complain(store->Trouble());
   return finished;
 }
 
@@ -177,8 +143,13 @@ Outcome Remove(MFtp& session, Row& row, const std::string& path) {
   const auto [directory, name] = SplitPath(path);
   Refusals refused;
   TreeRemover remover(session, row, refused, directory);
-  const auto kind = path.ends_with('/') ? RemoteEntry::Kind::Directory : RemoteEntry::Kind::File;
-  if (remover.Remove(name, kind)) return {};
+  bool gone = false;
+  if (path.ends_with('/')) {
+    gone = remover.RemoveDirectory(name);
+  } else {
+    remover.RemoveFiles({name}, [&gone](bool one) { return gone = one; });
+  }
+  if (gone) return {};
   return {Outcome::Kind::Refused, 0, refused.Lines()};
 }
 
@@ -194,7 +165,7 @@ Outcome Carry(const Options& options, MFtp& session, Row& row) {
 }
 
 bool Operate(const Options& options) {
-  const auto row = std::make_shared<Row>(options.trustsAny);
+  const auto row = std::make_shared<Row>(options.trustsAny, 0, nullptr);
   MFtp session(options.site, row);
   Outcome outcome = session.Connect();
   if (outcome.IsDone()) outcome = Carry(options, session, *row);
@@ -218,10 +189,18 @@ bool Parse(const std::string& path) {
   return parser.Strange() == 0;
 }
 
-bool Run(const Options& options) {
+bool Carry(const Options& options) {
   if (options.command == "parse") return Parse(options.local);
   if (options.command == "get" || options.command == "put") return Transfer(options);
+  if (options.command == "queue") return Queue(options);
   return Operate(options);
+}
+
+bool Run(const Options& options) {
+  const bool carried = Carry(options);
+  // Transfers still say goodbye to the server, which changes nothing.
+  (void)Background::WaitForNone(std::chrono::seconds(5));
+  return carried;
 }
 
 }  // namespace

@@ -20,21 +20,20 @@ std::optional<std::int64_t> Number(const std::string& text) {
 // What an option does with its value; the text tells why it cannot.
 using Option = std::function<std::string(Options&, const std::string& value)>;
 
-std::string SetConnections(Options& /*options*/, const std::string& value) {
+std::string SetConnections(Options& options, const std::string& value) {
+  constexpr std::int64_t kMost = 64;
   const auto number = Number(value);
-  if (!number || *number == 0) return "is no number of connections";
-  return *number == 1 ? "" : "more than one connection for a transfer is not possible";
+  if (!number || *number == 0 || *number > kMost) return "is no number of connections";
+  options.connections = static_cast<std::int32_t>(*number);
+  return "";
 }
 
 std::string SetPolicy(Options& options, const std::string& value) {
-  const std::map<std::string, Policy> policies = {{"create", Policy::CreateNew},
-                                                  {"replace", Policy::Replace},
-                                                  {"resume", Policy::Resume},
-                                                  {"skip", Policy::Skip}};
-  if (value == "newer") return "times are not compared";
+  const std::map<std::string, Policy> policies = {
+      {"create", Policy::CreateNew}, {"replace", Policy::Replace}, {"resume", Policy::Resume},
+      {"skip", Policy::Skip},        {"newer", Policy::Newer},     {"both", Policy::KeepBoth}};
   const auto found = policies.find(value);
   if (found == policies.end()) return "is no policy";
-  if (value == "resume" && options.command == "put") return "uploads are not resumed";
   options.policy = found->second;
   return "";
 }
@@ -57,13 +56,25 @@ std::string SetCancelAfter(Options& options, const std::string& value) {
   return "";
 }
 
+std::string SetLimit(Options& options, const std::string& value) {
+  const auto number = Number(value);
+  if (!number) return "is no number of bytes";
+  options.limit = *number;
+  return "";
+}
+
+std::string SetTries(Options& options, const std::string& value) {
+  constexpr std::int64_t kMost = 1000;
+  const auto number = Number(value);
+  if (!number || *number > kMost) return "is no number of tries";
+  options.tries = static_cast<int>(*number);
+  return "";
+}
+
 const std::map<std::string, Option>& WithValue() {
   static const std::map<std::string, Option> options = {
-      {"--connections", SetConnections},
-      {"--policy", SetPolicy},
-      {"--tls", SetTls},
-      {"--cancel-after", SetCancelAfter},
-      {"--limit", [](Options&, const std::string&) { return "the speed is not limited"; }},
+      {"--connections", SetConnections},  {"--policy", SetPolicy}, {"--tls", SetTls},
+      {"--cancel-after", SetCancelAfter}, {"--limit", SetLimit},   {"--tries", SetTries},
   };
   return options;
 }
@@ -78,6 +89,11 @@ const std::map<std::string, Option>& WithoutValue() {
       {"--json",
        [](Options& asked, const std::string&) {
          asked.json = true;
+         return "";
+       }},
+      {"--resume",
+       [](Options& asked, const std::string&) {
+         asked.resumes = true;
          return "";
        }},
       {"--trust-any",
@@ -121,8 +137,20 @@ bool TakeSite(const std::string& text, Site& site, std::string& problem) {
   site.host = url->host;
   site.port = url->port.value_or(site.port);
   site.user = url->user.empty() ? "anonymous" : url->user;
-  site.password = url->user.empty() ? "guest@a.b" : url->password;
+  site.password = url->user.empty() ? kGuest : url->password;
   site.path = url->path.empty() ? "/" : url->path;
+  return true;
+}
+
+// "get URL LOCAL" and "put URL LOCAL", one after another; false where they are something else.
+bool TakeAsked(const std::vector<std::string>& words, Options& options, std::string& problem) {
+  if (words.size() % 3 != 0) return false;
+  for (std::size_t i = 0; i < words.size(); i += 3) {
+    if (words[i] != "get" && words[i] != "put") return false;
+    Asked asked{words[i] == "get", options.site, words[i + 2]};
+    if (!TakeSite(words[i + 1], asked.site, problem)) return false;
+    options.asked.push_back(std::move(asked));
+  }
   return true;
 }
 
@@ -130,8 +158,8 @@ bool TakeSite(const std::string& text, Site& site, std::string& problem) {
 
 std::optional<Options> Read(const std::vector<std::string>& words, std::string& problem) {
   const std::map<std::string, std::pair<std::size_t, std::size_t>> commands = {
-      {"get", {1, 2}},    {"put", {2, 2}},   {"list", {1, 1}}, {"remove", {1, 1}},
-      {"rename", {2, 2}}, {"mkdir", {1, 1}}, {"parse", {1, 1}}};
+      {"get", {1, 2}},    {"put", {2, 2}},   {"list", {1, 1}},  {"remove", {1, 1}},
+      {"rename", {2, 2}}, {"mkdir", {1, 1}}, {"parse", {1, 1}}, {"queue", {1, 1000}}};
   const auto command = words.empty() ? commands.end() : commands.find(words.front());
   if (command == commands.end()) return std::nullopt;
   Options options;
@@ -141,6 +169,11 @@ std::optional<Options> Read(const std::vector<std::string>& words, std::string& 
   if (!TakeOptions({words.begin() + 1, words.end()}, options, rest, problem)) return std::nullopt;
   if (rest.size() < command->second.first || rest.size() > command->second.second)
     return std::nullopt;
+  if (options.command == "queue") {
+    options.local = rest.front();
+    if (!TakeAsked({rest.begin() + 1, rest.end()}, options, problem)) return std::nullopt;
+    return options;
+  }
   options.local = rest.back();
   if (options.command == "parse") return options;
   if (!TakeSite(rest.front(), options.site, problem)) return std::nullopt;

@@ -164,6 +164,14 @@ void NLEndpoint::setKeepAlive() {
   set(IPPROTO_TCP, TCP_KEEPCNT, kProbes);
 }
 
+void NLEndpoint::setNoDelay() {
+  constexpr char kFunction[] = "NLEndpoint::setNoDelay";
+  const Socket socket = use(kFunction);
+  if (!*socket) throw NLException(kFunction, "Socket not opened", this);
+  const int on = 1;
+  ::setsockopt(socket->get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
 long NLEndpoint::sinceHeard() const {
   Socket socket;
   {

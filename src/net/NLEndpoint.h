@@ -97,6 +97,8 @@ class NLEndpoint : public Stream {
   /// The system asks a silent peer after a minute whether it is still there, so that routers keep
   /// the connection and one that is gone is noticed.
   void setKeepAlive();
+  /// Short messages go out at once, though the one before has not been acknowledged yet.
+  void setNoDelay();
   /// Milliseconds since anything last came from the peer of a TCP connection; 0 where the system
   /// does not tell.
   [[nodiscard]] long sinceHeard() const EXCLUDES(lock_);

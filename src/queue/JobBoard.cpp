@@ -146,7 +146,7 @@ std::optional<JobBoard::Work> JobBoard::Take(JobId near) {
       jobs_[*id].state = JobState::Begun;
       return Whole(*id);
     }
-    // Whoever works may find more, or give back what it has.
+    // Whoever works may find more.
     if (taken_ == 0) return std::nullopt;
     changed_.Wait(lock_);
   }
@@ -285,13 +285,6 @@ void JobBoard::SetBegun(JobId id, std::optional<std::int64_t> modified) {
     if (modified) jobs_[id].job.modified = modified;
   }
   Note(id, JobState::Begun);
-}
-
-void JobBoard::GiveBack(JobId id) {
-  const MutexLock hold(lock_);
-  SetTaken(id, false);
-  Queue(id);
-  changed_.NotifyAll();
 }
 
 void JobBoard::Flush() const {

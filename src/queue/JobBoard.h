@@ -58,11 +58,9 @@ class JobBoard {
   [[nodiscard]] std::optional<Work> End(JobId id, JobState state) EXCLUDES(lock_);
   /// A job is left for the next run: it failed for a reason that may pass.
   void PutBack(JobId id) EXCLUDES(lock_);
-  /// A beginning of the file stands at its place now.
-  /// Of an upload: `modified` says of which state of the file.
+  /// A beginning of the file stands at its place now. `modified` says which state of a file that is
+  /// sent this is of, in seconds since 1970.
   void SetBegun(JobId id, std::optional<std::int64_t> modified = {}) EXCLUDES(lock_);
-  /// Puts a job back for this run.
-  void GiveBack(JobId id) EXCLUDES(lock_);
   /// Waits until what became of the jobs so far is kept.
   void Flush() const;
   /// A file is whole, which is known by this; what is known of the least known one.

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -28,10 +31,29 @@ struct Habits {
   /// So many connections at once it takes; 0 while none was turned away.
   std::atomic<int> mostConnections{0};
 
+  /// What the server has told of itself, by what it was asked; nothing where that is long ago.
+  [[nodiscard]] std::optional<std::string> Told(const std::string& asked) EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    const auto found = told_.find(asked);
+    if (found == told_.end() || Clock::now() - found->second.when > kFresh) return std::nullopt;
+    return found->second.text;
+  }
+  void NoteTold(const std::string& asked, std::string text) EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    told_[asked] = {std::move(text), Clock::now()};
+  }
+
  private:
+  using Clock = std::chrono::steady_clock;
+  static constexpr std::chrono::seconds kFresh{60};
+  struct Words {
+    std::string text;
+    Clock::time_point when;
+  };
   friend class TargetClaim;
   Mutex lock_;
   std::set<std::string> targets_ GUARDED_BY(lock_);  // paths that are being written
+  std::map<std::string, Words> told_ GUARDED_BY(lock_);
 };
 
 /// The right to write a file on a server, which one transfer has at a time. False where another has

@@ -21,7 +21,7 @@ struct [[nodiscard]] Outcome {
     Cancelled,
   };
 
-  /// What kept a connection from coming about.
+  /// What kept a connection from coming about, or a file from being replaced.
   enum class Trouble : std::int32_t {
     Other = 0,
     UnknownName = 1,   ///< the server's name has no address
@@ -31,6 +31,7 @@ struct [[nodiscard]] Outcome {
     NoEncryption = 5,  ///< the server does not encrypt, or not as it should
     Certificate = 6,   ///< the user does not trust the server's certificate
     TooMany = 7,       ///< the server takes no more connections at the moment
+    Changed = 8,       ///< of a file: what stands on the server is not what was to be replaced
   };
 
   Kind kind = Kind::Done;

@@ -27,7 +27,9 @@ class OwnerUi {
   /// login anew failed), 'DWLD' ("FileName": download this row), 'ADDI' (an upload arrived), 'DONE'
   /// (a looper has carried out the request of the code "request", or has not, as where the user
   /// has "stopped" it; the listing of one that lists may still be arriving).
-  /// Also 'CAPS' ("copy": the server can duplicate) and 'FREE' ("bytes" that may still be stored).
+  /// Also 'VRSN' (which state of the file "path" stands on the server, see VersionIn; "changed":
+  /// another one than was to be replaced), 'CAPS' ("copy": the server can duplicate; "times": it
+  /// may set times) and 'FREE' ("bytes" that may still be stored).
   virtual bool PostMessage(Message message) = 0;
 
   virtual bool PlaySound(Sound sound) = 0;

@@ -35,6 +35,9 @@ struct RemoteEntry {
   std::string owner{};
   std::string group{};
   std::string linkTarget{};
+  /// The listing does not tell where the name begins or ends: `name` is what may hold it, and is
+  /// shown but not acted on. Such an entry is a Link.
+  bool unclear = false;
 };
 
 }  // namespace corvane

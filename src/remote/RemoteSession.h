@@ -21,6 +21,12 @@
 
 namespace corvane {
 
+/// What permissions an entry is to have: the twelve bits that chmod knows.
+struct ModeChange {
+  std::string path;
+  unsigned mode = 0;
+};
+
 /// What a listing is handed to, in the order of the calls. On the thread that lists.
 class ListingSink {
  public:
@@ -29,6 +35,9 @@ class ListingSink {
   virtual void Raw(std::string_view text) = 0;
   /// A few hundred entries at a time, "." and ".." left out; false to hear no more.
   virtual bool Add(std::vector<RemoteEntry> entries) = 0;
+  /// An entry whose name is too long to be shown or used; what there is of the name is too long as
+  /// well. Behind all others.
+  virtual void AddTooLong(const RemoteEntry& /*entry*/) {}
 };
 
 /// A remote file while its bytes move, on the session that opened it and its thread. One that is
@@ -42,7 +51,8 @@ class RemoteFile {
   [[nodiscard]] virtual std::int64_t Offset() const = 0;
   /// Reads what is there, at least a byte; `got` is 0 at the end.
   virtual Outcome Read(std::span<char> buffer, std::size_t& got) = 0;
-  /// Whether there is something to read within `milliseconds`, the end included.
+  /// Whether there is something to read within `milliseconds`, the end included; also where nothing
+  /// has come for as long as a silent server is waited for, which Read then tells.
   [[nodiscard]] virtual bool Wait(long milliseconds) = 0;
   /// Writes all the bytes.
   virtual Outcome Write(std::span<const char> bytes) = 0;
@@ -116,6 +126,8 @@ class RemoteSession {
   virtual Outcome ModifiedTime(const std::string& path, std::optional<RemoteTime>& time) = 0;
   /// Sets that time, in seconds since 1970; Refused where the server cannot.
   virtual Outcome SetModifiedTime(const std::string& path, std::int64_t seconds) = 0;
+  /// Whether it may be able to, as far as it has told. Once connected.
+  [[nodiscard]] virtual bool SetsTimes() const = 0;
 
   virtual Outcome MakeDirectory(const std::string& path) = 0;
   virtual Outcome RemoveDirectory(const std::string& path) = 0;
@@ -123,6 +135,11 @@ class RemoteSession {
   /// Removes files, one after another, and tells of each in turn; false from `each` to end it.
   /// Not Done only where it ended before the last, and then as the one it ended at.
   virtual Outcome RemoveFiles(std::span<const std::string> paths,
+                              const std::function<bool(std::size_t, const Outcome&)>& each) = 0;
+  /// Changes permissions, one entry after another, and tells of each in turn as RemoveFiles does.
+  /// Where a link stands the server changes what it leads to. Refused where the server cannot
+  /// change any, and then it ends with the first.
+  virtual Outcome ChangeModes(std::span<const ModeChange> changes,
                               const std::function<bool(std::size_t, const Outcome&)>& each) = 0;
   virtual Outcome Rename(const std::string& from, const std::string& to) = 0;
 
@@ -137,8 +154,10 @@ class RemoteSession {
   /// The strongest checksum that the server makes of a file; None where it makes none. Once
   /// connected.
   [[nodiscard]] virtual DigestKind OffersDigest() const = 0;
-  /// That checksum of a file, as bytes. Takes as long as the server needs to read the file.
-  virtual Outcome Checksum(const std::string& path, DigestKind kind, std::string& digest) = 0;
+  /// That checksum of a file of about `size` bytes, as bytes. Takes as long as the server needs to
+  /// read the file.
+  virtual Outcome Checksum(const std::string& path, std::int64_t size, DigestKind kind,
+                           std::string& digest) = 0;
 
   /// The connection is gone, and how.
   [[nodiscard]] virtual bool IsLost() const = 0;

@@ -184,8 +184,11 @@ int LocalFile::Commit(Durability durability) {
   const bool named = created_ || part_;
   const bool now = writes_ && durability == Durability::Now;
   if ((now || part_) && ::fsync(Target()) != 0) return errno;
+  // One whose name went meanwhile, maybe with its folder, is nowhere.
   if (part_) {
     if (const int error = part_.TakeName(name_); error != 0) return error;
+  } else if (writes_ && !IsNamed(folder_.get(), name_, own_.get())) {
+    return ENOENT;
   }
   if (now && named) {
     if (const int error = SyncEntries(folder_.get()); error != 0) return error;

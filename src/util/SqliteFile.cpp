@@ -154,7 +154,7 @@ std::string SqliteFile::PutAside() {
     sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   }
   database_.reset();
-  const std::string first = path_ + ".damaged";
+  const std::string first = FirstAside(path_);
   std::string aside = first;
   for (int i = 2; i <= kMostAside && ::access(aside.c_str(), F_OK) == 0; ++i) {
     aside = first + "." + std::to_string(i);

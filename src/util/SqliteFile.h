@@ -79,6 +79,8 @@ class SqliteFile {
   [[nodiscard]] const std::string& Why() const { return why_; }
   /// Closes the file and renames it, with its log, to a free name, which is returned.
   std::string PutAside();
+  /// The name that a file at `path` gets when it is the first that is put aside.
+  [[nodiscard]] static std::string FirstAside(const std::string& path) { return path + ".damaged"; }
 
   /// One statement, or with neither of the others any number of them.
   [[nodiscard]] int Run(const char* sql, const Fill& fill = {}, const Read& read = {});

@@ -6,26 +6,12 @@
 #include <chrono>
 #include <cstdio>
 
+#include "ftp/ListingWords.h"
+
 namespace corvane {
 namespace {
 
 using Kind = RemoteEntry::Kind;
-
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Whether `text` begins with `word`, which is in small letters.
-bool Begins(std::string_view text, std::string_view word) {
-  if (text.size() < word.size()) return false;
-  for (std::size_t i = 0; i < word.size(); ++i)
-    if (Lower(text[i]) != word[i]) return false;
-  return true;
-}
-
-bool Is(std::string_view text, std::string_view word) {
-  return text.size() == word.size() && Begins(text, word);
-}
 
 // The facts of one line that are of use.
 struct Facts {
@@ -118,6 +104,7 @@ bool ReadFactsLine(std::string_view line, RemoteEntry& entry) {
   Facts facts;
   if (!TakeFacts(line, facts)) return false;
   entry.mode.clear();
+  entry.unclear = false;
   entry.linkTarget.clear();
   TakeType(facts.type, entry);
   if (!facts.mode.empty()) entry.mode = ModeOf(facts.mode, LetterOf(entry));

@@ -1,42 +1,84 @@
 #include "ftp/ListingParser.h"
 
 #include <algorithm>
+#include <array>
 #include <ctime>
-#include <utility>
 
-#include "ftp/ListingDialects.h"
+#include "ftp/ListingDos.h"
+#include "ftp/ListingEmbedded.h"
+#include "ftp/ListingEplf.h"
 #include "ftp/ListingFacts.h"
+#include "ftp/ListingHeadings.h"
+#include "ftp/ListingIbmI.h"
+#include "ftp/ListingMvs.h"
+#include "ftp/ListingNetware.h"
+#include "ftp/ListingUnix.h"
+#include "ftp/ListingVms.h"
 
 namespace corvane {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// No line fits two of them, but the last takes what none of the others does.
+constexpr std::array<ReadListingLine, 10> kDialects = {
+    ReadUnixLine, ReadDosLine,  ReadNetwareLine,  ReadEplfLine, ReadVmsLine,
+    ReadOs2Line,  ReadIbmILine, ReadEmbeddedLine, ReadMvsLine,  ReadUnclearLine};
+
+}  // namespace
+
+ListingParser::ListingParser(std::string_view text, std::chrono::year_month_day now, Form form)
+    : rest_(text), now_(now), form_(form), fits_(ReadUnixLine) {
+  if (rest_.starts_with(kByteOrderMark)) rest_.remove_prefix(kByteOrderMark.size());
+}
 
 bool ListingParser::Next(RemoteEntry& entry) {
   while (!rest_.empty()) {
-    const std::size_t end = std::min(rest_.find('\n'), rest_.size());
-    const std::string_view line = rest_.substr(0, end);
-    rest_.remove_prefix(std::min(rest_.size(), end + 1));
-    const bool first = std::exchange(first_, false);
-    if (line.find_first_not_of(' ') == std::string_view::npos) continue;
-    // Only the first line tells a total.
-    if (first && form_ == Form::Lines && (line == "total" || line.starts_with("total "))) continue;
-    if (!Read(line, entry)) {
-      ++strange_;
-      continue;
-    }
+    std::string_view line = TakeLine();
+    if (!doubled_) doubled_ = line.ends_with('\r');
+    if (*doubled_ && line.ends_with('\r')) line.remove_suffix(1);
+    if (line.find_first_not_of(" \t") == std::string_view::npos) continue;
+    if (!Read(line, entry)) continue;
     ++known_;
     if (entry.name.size() > kMaxName) {
-      ++tooLong_;
+      entry.name.resize(kMaxName + 1);
+      tooLong_.push_back(entry);
       continue;
     }
+    if (entry.unclear) ++unclear_;
     if (entry.name != "." && entry.name != "..") return true;
   }
   return false;
 }
 
-// A mode never begins with a digit, a date always does.
-bool ListingParser::Read(std::string_view line, RemoteEntry& entry) const {
-  if (form_ == Form::Facts) return ReadFactsLine(line, entry);
-  const bool digit = line.front() >= '0' && line.front() <= '9';
-  return digit ? ReadDosLine(line, entry) : ReadUnixLine(line, now_, entry);
+std::string_view ListingParser::TakeLine() {
+  const std::string_view line = rest_.substr(0, rest_.find('\n'));
+  rest_.remove_prefix(std::min(rest_.size(), line.size() + 1));
+  return line;
+}
+
+bool ListingParser::Read(std::string_view text, RemoteEntry& entry) {
+  if (form_ == Form::Facts) {
+    const bool read = ReadFactsLine(text, entry);
+    if (!read) ++strange_;
+    return read;
+  }
+  ListingLine line{.text = text, .following = rest_, .now = now_, .columns = columns_};
+  if (ReadLine(line, entry)) {
+    if (line.takesNext) (void)TakeLine();
+    return true;
+  }
+  if (!IsHeading(text, known_ + strange_ == 0, columns_)) ++strange_;
+  return false;
+}
+
+bool ListingParser::ReadLine(ListingLine& line, RemoteEntry& entry) {
+  if (fits_(line, entry)) return true;
+  const auto fits = std::ranges::find_if(
+      kDialects, [&](ReadListingLine read) { return read != fits_ && read(line, entry); });
+  if (fits == kDialects.end()) return false;
+  if (*fits != ReadUnclearLine) fits_ = *fits;
+  return true;
 }
 
 std::chrono::year_month_day Today() {

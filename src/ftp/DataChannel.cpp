@@ -160,7 +160,7 @@ void DataChannel::WayWorks() {
 }
 
 std::string_view DataChannel::PortCommandAhead() const {
-  if (!passive_ || onTrial_ || habits_.passive != Learned::Yes) return {};
+  if (!passive_ || onTrial_ || earlyPort_ || habits_.passive != Learned::Yes) return {};
   return extendedPassive_ ? "EPSV" : "PASV";
 }
 

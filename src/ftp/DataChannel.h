@@ -36,6 +36,11 @@ class DataChannel {
 
   /// Once the control connection stands: what is known of its server holds for no other.
   void Begin();
+  /// From now on this way alone is tried, whatever is known of it.
+  void KeepTo(bool passive) {
+    passive_ = passive;
+    triedBoth_ = true;
+  }
   /// Announces a listening socket or asks for the server's port, ahead of a command.
   Outcome SetUp();
   /// The command that asks for the port of the connection after this one; empty where it is too

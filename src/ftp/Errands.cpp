@@ -18,8 +18,10 @@ namespace {
 
 using Learned = Habits::Learned;
 
-// Milliseconds in which the reply to a command that was sent ahead comes after the one before it.
+// Milliseconds in which the reply to a command that was sent ahead comes after the one before it,
+// and where it may well have been lost.
 constexpr long kPatience = 5'000;
+constexpr long kDoubt = 2'000;
 
 constexpr std::array kEnds = {225, 226, 250};    // a transfer, and nothing that is asked here
 constexpr std::array kNoEnds = {213, 227, 229};  // the other way round
@@ -76,8 +78,9 @@ void Errands::Send(Step& step, bool ahead) {
                                    ahead ? FtpCommand::Order::Ahead : FtpCommand::Order::InTurn);
 }
 
-bool Errands::Hear() {
-  const std::chrono::milliseconds patience(std::min(kPatience, means_.control.silenceLimit));
+bool Errands::Hear(bool wrote) {
+  const long most = trial_ || wrote ? kDoubt : kPatience;
+  const std::chrono::milliseconds patience(std::min(most, means_.control.silenceLimit));
   for (Step& step : steps_) {
     while (step.sent && !step.sent->IsComplete()) {
       if (!means_.control.ComesWithin(patience)) return false;
@@ -120,6 +123,7 @@ Outcome Errands::End(FtpCommand& transfer, std::optional<std::int64_t> written,
     if (!ahead || !IsAmong(end.code, kNoEnds))
       verdict = over ? Outcome() : FtpControl::CheckResult(end);
     if (ahead) Judge(end, written, verdict, settled);
+    if (name_.empty() && verdict->IsDone()) verdict->server = end.text;
     if (verdict->IsDone()) RunRest(settled);
     return {};
   });
@@ -139,17 +143,17 @@ void Errands::Pass() {
 }
 
 // Where the server has looked at a command before an upload was over it may have cut that short:
-// its size tells.
+// its size tells. Some servers read what comes meanwhile and forget it.
 void Errands::Judge(const Reply& end, std::optional<std::int64_t> written,
                     std::optional<Outcome>& verdict, RemoteFile::Settled& settled) {
-  const bool heard = Hear();
+  const bool heard = Hear(written.has_value());
   if (heard && AllFit() && verdict) {
     Pass();
     if (verdict->IsDone()) Take(settled);
     return;
   }
   const Reply found = FindEnd(end);
-  GiveUpAhead(written && found.text != end.text);
+  GiveUpAhead(written && (!heard || found.text != end.text));
   verdict = FtpControl::CheckResult(found);
   for (Step& step : steps_) step.sent.reset();
   if (!heard) means_.control.SetRight();
@@ -228,7 +232,7 @@ void Errands::RunTogether(RemoteFile::Settled& settled) {
   for (Step& step : steps_) {
     if (!step.settled) Send(step, std::exchange(ahead, true));
   }
-  const bool heard = Hear();
+  const bool heard = Hear(false);
   if (heard && AllFit()) {
     Pass();
     return Take(settled);

@@ -60,8 +60,9 @@ class Errands {
   /// The first of the steps that go out along with the transfer's end.
   [[nodiscard]] std::size_t FirstAhead(bool wrote) const;
   void Send(Step& step, bool ahead);
-  /// Reads the replies of what was sent ahead; false where one does not come.
-  [[nodiscard]] bool Hear();
+  /// Reads the replies of what was sent ahead, after a file was written or not; false where one
+  /// does not come.
+  [[nodiscard]] bool Hear(bool wrote);
   [[nodiscard]] bool Fits(const Step& step) const;
   [[nodiscard]] bool AllFit() const;
   /// Judges the end of a transfer by its reply and those of the steps that were sent with it.

@@ -11,9 +11,10 @@ FtpCommand::FtpCommand(FtpControl& control, std::string_view command, std::strin
   control.CheckReady(command);
   if (order == Order::InTurn) control.ReadUnread();
   const bool ahead = !control.underWay_.empty();
-  control.underWay_.push_back({this, false, ahead});
+  const bool asksPath = command.starts_with("PWD") || command.starts_with("MKD");
+  control.underWay_.push_back({this, false, ahead, asksPath});
   try {
-    control.Write(command, logged);
+    control.Write(command, logged, order == Order::Ahead);
   } catch (const FtpFailure&) {
     LetGo();
     throw;

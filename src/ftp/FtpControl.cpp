@@ -137,10 +137,9 @@ Reply FtpControl::SendChange(std::string_view command) {
       .Next();
 }
 
-Reply FtpControl::SendSlow(std::string_view command) {
-  constexpr long kPatience = 3'600'000;
+Reply FtpControl::SendSlow(std::string_view command, long milliseconds) {
   FtpCommand sent(*this, command);
-  replies_->silenceLimit = std::max(silenceLimit, kPatience);
+  replies_->silenceLimit = silenceLimit + milliseconds;
   const auto usual = [this] { replies_->silenceLimit = silenceLimit; };
   try {
     Reply reply = sent.Next();
@@ -176,12 +175,18 @@ void FtpControl::CheckReady(std::string_view command) const {
   if (IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
 }
 
-void FtpControl::Write(std::string_view command, std::string_view logged) {
+void FtpControl::Write(std::string_view command, std::string_view logged, bool gathers) {
   heard_ = 0;
   spoken_ = std::chrono::steady_clock::now();
   UpdateLog(std::string(logged.empty() ? command : logged) + "\n");
+  gathered_ += std::string(command) + "\r\n";
+  if (!gathers) Flush();
+}
+
+void FtpControl::Flush() {
+  if (gathered_.empty()) return;
   try {
-    Wire().write(std::string(command) + "\r\n");
+    Wire().write(std::exchange(gathered_, {}));
   } catch (const NLException& error) {
     Lose(Reason(error));
   }
@@ -216,16 +221,35 @@ void FtpControl::SetRight() {
   constexpr std::array kEndTransfers = {225, 226, 250, 425, 426, 450, 451, 452, 550, 551, 552, 553};
   const bool anyAhead = std::ranges::any_of(underWay_, &UnderWay::ahead);
   std::size_t left = underWay_.size() + 1;
-  Write("NOOP", {});
+  Write("NOOP", {}, false);
   do {
     const Reply reply = ReadResponse();
     if (reply.IsPreliminary()) continue;
     --left;
     if (!anyAhead && std::ranges::count(kEndTransfers, reply.code) == 0) break;
   } while (!anyAhead || (left > 0 && ComesWithin(kSoon)));
+  if (anyAhead && left > 0) FindEnd(left);
   for (const UnderWay& over : underWay_)
     if (over.command != nullptr) over.command->complete_ = true;
   underWay_.clear();
+}
+
+// A slow server and one that has lost commands look alike. The reply to PWD is none to any of them:
+// what comes before it belongs to what was sent before.
+void FtpControl::FindEnd(std::size_t most) {
+  constexpr int kPath = 257;
+  const Text why("The server is out of step");
+  bool found = false;
+  if (std::ranges::none_of(underWay_, &UnderWay::asksPath)) {
+    Write("PWD", {}, false);
+    bool known = true;
+    for (std::size_t i = 0; i <= most && known && !found; ++i) {
+      const int code = ReadResponse().code;
+      found = code == kPath;
+      known = code != 500 && code != 502;
+    }
+  }
+  if (!found) Lose(why);
 }
 
 // A reply that nobody waited for is not unasked, though it is read here where it has come.
@@ -258,6 +282,7 @@ std::optional<std::chrono::seconds> FtpControl::Idle() const {
 std::optional<Reply> FtpControl::TryRead(Reading read) {
   constexpr int kMostReplies = 1000;
   if (lost_) throw FtpFailure{{Outcome::Kind::Lost, 0, loss_.why}};
+  Flush();
   try {
     std::optional<Reply> reply =
         std::invoke(read, *replies_, [this](std::string_view line) { UpdateLog(line); });
@@ -294,6 +319,7 @@ void FtpControl::GiveUp(const Text& why) {
   if (std::exchange(lost_, true)) return;
   loss_ = {why, Idle(), std::ranges::any_of(underWay_, &UnderWay::changes)};
   underWay_.clear();
+  gathered_.clear();
   endpointHere_->close();
 }
 
@@ -312,6 +338,7 @@ Outcome FtpControl::Guard(const std::function<Outcome()>& work) {
 
 bool FtpControl::isDataPending(long milliseconds) {
   if (lost_) return false;
+  Flush();
   try {
     return replies_->IsPending(milliseconds);
   } catch (const NLException& error) {

@@ -70,8 +70,8 @@ class FtpControl {
   /// Sends a command that changes what the server holds; its first reply.
   Reply SendChange(std::string_view command);
   /// Sends a command that has the server work for long, as reading a large file through; its last
-  /// reply, which may take an hour.
-  Reply SendSlow(std::string_view command);
+  /// reply, which may take so many milliseconds more than others.
+  Reply SendSlow(std::string_view command, long milliseconds);
   /// The next reply, whatever it belongs to.
   Reply ReadResponse();
 
@@ -127,7 +127,9 @@ class FtpControl {
   [[nodiscard]] bool Pass(NLEndpoint& endpoint, std::uint16_t port,
                           const std::function<bool()>& goOn) const;
   void CheckReady(std::string_view command) const;
-  void Write(std::string_view command, std::string_view logged);
+  /// With `gathers` it goes out with the next command, or before a reply is waited for.
+  void Write(std::string_view command, std::string_view logged, bool gathers);
+  void Flush();
   void ReadUnread();
   void ReadUnasked();
   /// Takes note that a reply has come, for the command that waits longest.
@@ -138,6 +140,9 @@ class FtpControl {
   /// The reply that `read` finds; nothing when the wait for it was interrupted.
   std::optional<Reply> TryRead(Reading read = &ReplyReader::Read);
   [[noreturn]] void Lose(Text why);
+  /// Reads all that is still to come of what was sent, at most so many replies; Lost where that
+  /// cannot be told.
+  void FindEnd(std::size_t most);
 
   const std::function<void(std::string_view)> log_;
   NLAddress server_;
@@ -153,8 +158,10 @@ class FtpControl {
     FtpCommand* command = nullptr;  // null once it was let go of
     bool changes = false;           // what the server holds
     bool ahead = false;             // others were under way when it was sent
+    bool asksPath = false;          // 257 is the reply to it
   };
   std::deque<UnderWay> underWay_;  // commands whose last reply has not come, the oldest first
+  std::string gathered_;           // commands that have not gone out yet
   int heard_ = 0;                  // replies since the last command
   Mutex reach_;                    // guards what Close reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);

@@ -32,6 +32,10 @@ FtpFile::~FtpFile() {
 Outcome FtpFile::Read(std::span<char> buffer, std::size_t& got) {
   got = 0;
   if (ended_) return Outcome::Cancelled();
+  if (IsQuiet()) {
+    silent_ = true;
+    return BrokenOff(Text("The server does not answer"));
+  }
   try {
     got = data_.Connection().read(buffer);
     moved_ += static_cast<std::int64_t>(got);
@@ -41,9 +45,16 @@ Outcome FtpFile::Read(std::span<char> buffer, std::size_t& got) {
   }
 }
 
+bool FtpFile::IsQuiet() const {
+  return control_.silenceLimit > 0 && quiet_ >= control_.silenceLimit;
+}
+
 bool FtpFile::Wait(long milliseconds) {
   try {
-    return ended_ || data_.Connection().wait(milliseconds);
+    if (ended_ || IsQuiet()) return true;
+    const bool came = data_.Connection().wait(milliseconds);
+    quiet_ = came ? 0 : quiet_ + milliseconds;
+    return came;
   } catch (const NLException&) {
     return true;  // the next Read tells
   }
@@ -63,7 +74,7 @@ Outcome FtpFile::Write(std::span<const char> bytes) {
 // Where the data broke off the server mostly knows why, as when its disk is full.
 Outcome FtpFile::BrokenOff(const Text& why) {
   broken_ = true;
-  silent_ = data_.WentSilent();
+  silent_ = silent_ || data_.WentSilent();
   Settled settled;
   Outcome verdict = Verdict({}, settled);
   return verdict.IsDone() ? Outcome{Outcome::Kind::Busy, 0, why} : verdict;

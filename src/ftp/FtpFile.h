@@ -29,6 +29,8 @@ class FtpFile final : public RemoteFile {
   Outcome Finish(const Afterwards& wanted, Settled& settled) override;
 
  private:
+  /// Whether Wait has seen nothing come for as long as a silent server is waited for.
+  [[nodiscard]] bool IsQuiet() const;
   Outcome BrokenOff(const Text& why);
   Outcome Verdict(const Afterwards& wanted, Settled& settled);
   Outcome HearWhy(FtpCommand& command);
@@ -41,6 +43,7 @@ class FtpFile final : public RemoteFile {
   const bool writes_;  // the file is the server's to store, even where it is empty
   Errands errands_;
   std::int64_t moved_ = 0;
+  long quiet_ = 0;  // milliseconds that Wait has seen nothing come
   bool ended_ = false;
   bool broken_ = false;  // the data did not come to its end
   bool silent_ = false;  // nothing has moved for as long as a silent server is waited for

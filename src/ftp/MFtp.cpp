@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ftp/AskTogether.h"
 #include "ftp/FtpCommand.h"
 #include "net/NLLookup.h"
 #include "remote/RemotePath.h"
@@ -44,6 +45,7 @@ MFtp::MFtp(Site site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<ServerTrus
     : site_(std::move(site)),
       owner_(std::move(owner)),
       trust_(std::move(trust)),
+      sharesHabits_(habits != nullptr),
       habits_(habits ? std::move(habits) : std::make_shared<Habits>()),
       control_([this](std::string_view line) { owner_->AppendLog(line); }),
       data_(control_, *habits_, site_.passive) {}
@@ -77,8 +79,27 @@ void MFtp::Quit() {
 }
 
 Outcome MFtp::ChangeDir(std::string_view argument) {
-  const Reply reply = control_.SendCommand("CWD " + std::string(argument));
-  return FtpControl::CheckResult(reply, Text("The directory cannot be opened."));
+  const std::string line = "CWD " + std::string(argument);
+  const Text failed("The directory cannot be opened.");
+  path_.reset();
+  if (entering_) return ChangeDirAndAsk(line, failed);
+  return FtpControl::CheckResult(control_.SendCommand(line), failed);
+}
+
+Outcome MFtp::ChangeDirAndAsk(const std::string& line, const Text& failed) {
+  constexpr int kPath = 257;
+  std::vector<Question> questions = {
+      {line, [](int code) { return (code / 100 == 2 && code != kPath) || code >= 400; }},
+      {"PWD", [](int code) { return code == kPath || IsPlainRefusal(code); }}};
+  if (const std::string_view port = data_.PortCommandAhead(); !port.empty())
+    questions.push_back({std::string(port), [](int code) { return code == 227 || code == 229; }});
+  std::vector<Reply> replies;
+  if (TryTogether(control_, *habits_, questions, false, replies)) {
+    path_ = replies[1];
+    if (replies.size() > 2) data_.TakePortAhead(replies[2]);
+  }
+  if (replies.empty()) replies.push_back(control_.SendCommand(line));
+  return FtpControl::CheckResult(replies.front(), failed);
 }
 
 Outcome MFtp::GoTo(const std::string& path) {
@@ -123,8 +144,12 @@ Outcome MFtp::Go(const std::optional<std::string>& here, const std::string& dire
 Outcome MFtp::Enter(const std::string& path, std::string& where) {
   return control_.Guard([&]() -> Outcome {
     if (cwd_ != told_ || cwd_ != WithoutTrailingSlash(path)) {
-      if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
-      cwd_ = AskPath().value_or(Resolved(*cwd_));
+      path_.reset();
+      entering_ = true;
+      Outcome outcome = control_.Guard([&] { return GoTo(path); });
+      entering_ = false;
+      if (!outcome.IsDone()) return outcome;
+      cwd_ = (path_ ? PathIn(*path_) : AskPath()).value_or(Resolved(*cwd_));
     }
     told_ = *cwd_;
     where = told_;

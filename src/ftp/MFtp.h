@@ -14,6 +14,7 @@
 #include "ftp/FtpControl.h"
 #include "ftp/FtpFeatures.h"
 #include "ftp/ListingParser.h"
+#include "ftp/ListingText.h"
 #include "kit/Mutex.h"
 #include "remote/Habits.h"
 #include "remote/OwnerUi.h"
@@ -62,11 +63,16 @@ class MFtp final : public RemoteSession {
   Outcome FreeSpace(const std::string& path, std::optional<std::int64_t>& bytes) override;
   Outcome ModifiedTime(const std::string& path, std::optional<RemoteTime>& time) override;
   Outcome SetModifiedTime(const std::string& path, std::int64_t seconds) override;
+  [[nodiscard]] bool SetsTimes() const override {
+    return features_.setTime || features_.dateByMdtm || features_.siteTime;
+  }
   Outcome KeepAlive() override;
   Outcome MakeDirectory(const std::string& path) override;
   Outcome RemoveDirectory(const std::string& path) override;
   Outcome RemoveFile(const std::string& path) override;
   Outcome RemoveFiles(std::span<const std::string> paths,
+                      const std::function<bool(std::size_t, const Outcome&)>& each) override;
+  Outcome ChangeModes(std::span<const ModeChange> changes,
                       const std::function<bool(std::size_t, const Outcome&)>& each) override;
   Outcome Rename(const std::string& from, const std::string& to) override;
   Outcome OpenForReading(const std::string& path, std::int64_t offset,
@@ -76,7 +82,8 @@ class MFtp final : public RemoteSession {
   [[nodiscard]] DigestKind OffersDigest() const override {
     return features_.digests.empty() ? DigestKind::None : features_.digests.front().kind;
   }
-  Outcome Checksum(const std::string& path, DigestKind kind, std::string& digest) override;
+  Outcome Checksum(const std::string& path, std::int64_t size, DigestKind kind,
+                   std::string& digest) override;
   [[nodiscard]] bool IsLost() const override { return control_.IsLost(); }
   [[nodiscard]] const Loss& HowLost() const override { return control_.HowLost(); }
   [[nodiscard]] bool IsAlive() override { return control_.IsAlive(); }
@@ -97,9 +104,14 @@ class MFtp final : public RemoteSession {
   [[nodiscard]] std::optional<Tunnel> Through() const;
   Outcome Identify();
   Outcome RefusedLogin(const Reply& reply, const Text& text);
-  void GetServerType();
+  /// What is asked and set once after the login.
+  Outcome Settle();
+  void TakeServerType(const std::string& type);
   void AskForUnixListings();
   std::optional<std::string> AskPath();
+  [[nodiscard]] static std::optional<std::string> PathIn(const Reply& reply);
+  /// As what the reply to a command of the login is remembered.
+  [[nodiscard]] std::string AskedAs(const char* command) const;
   [[nodiscard]] bool Tell(const Text& status);
   void Step(ConnectStep::Kind kind, ConnectStep::State state, const Text& text);
 
@@ -124,6 +136,8 @@ class MFtp final : public RemoteSession {
   Outcome GoTo(const std::string& path);
   Outcome Go(const std::optional<std::string>& here, const std::string& directory);
   Outcome ChangeDir(std::string_view argument);
+  /// Goes there and asks where that is, and for the port of what comes next, at once where it can.
+  Outcome ChangeDirAndAsk(const std::string& line, const Text& failed);
   /// Sends "VERB name" in the directory of `path`, which changes something there.
   Outcome Command(std::string_view verb, const std::string& path, const Text& failed);
   /// Sends a command with `from`, which is to be answered by 3yz, and then one with `to`.
@@ -131,14 +145,24 @@ class MFtp final : public RemoteSession {
                      const std::string& to, const Text& failed);
 
   // MFtpFiles.cpp
-  /// How many of the files are to be removed at once.
-  [[nodiscard]] std::size_t CountTogether(std::span<const std::string> paths) const;
-  /// Removes files of one directory; `tell` is told of each in turn, and false from it ends it.
-  Outcome RemoveTogether(std::span<const std::string> paths,
+  /// Many commands that change an entry each; the entry's name in its directory ends the command.
+  struct ManyChanges {
+    std::size_t count = 0;
+    std::function<const std::string&(std::size_t)> path;
+    std::function<std::string(std::size_t)> verb;
+    /// Sends a command that may have been carried out already.
+    std::function<Outcome(const std::string& command, const std::string& name)> again;
+    std::function<Outcome(const Reply&)> judge;
+  };
+  Outcome CarryOut(const ManyChanges& changes,
+                   const std::function<bool(std::size_t, const Outcome&)>& each);
+  /// How many of them, from `first` on, are to be sent at once.
+  [[nodiscard]] std::size_t CountTogether(const ManyChanges& changes, std::size_t first) const;
+  /// Sends those of one directory; `tell` is told of each in turn, and false from it ends it.
+  Outcome ChangeTogether(const ManyChanges& changes, std::size_t first, std::size_t count,
                          const std::function<bool(const Outcome&)>& tell);
-  /// Asks for their removal at once; false where the replies do not fit.
-  bool HearRemovals(std::span<const std::string> paths, bool trial, std::vector<Reply>& replies);
-  Outcome RemoveAgain(const std::string& name);
+  /// Sends them at once; false where the replies do not fit.
+  bool HearChanges(std::span<const std::string> commands, bool trial, std::vector<Reply>& replies);
 
   // MFtpFeatures.cpp
   /// Asks for the list of features, before the login; and `after` it where the server has it for
@@ -147,8 +171,8 @@ class MFtp final : public RemoteSession {
   /// Asks for the host by its name, where one server may serve several (RFC 7151). Before the
   /// login.
   void NameHost();
-  /// Has the server tell names and facts as this program reads them. After the login.
-  void SettleFeatures();
+  /// How the server is had to tell names and facts as this program reads them. After the login.
+  [[nodiscard]] std::vector<std::string> FeatureOptions() const;
   /// Whether the server tells entries by facts that can be relied on.
   [[nodiscard]] bool UsesFacts() const { return features_.facts && links_ != Links::Hidden; }
   Outcome TakeFromFacts(RemoteEntry& entry, bool& known);
@@ -164,28 +188,39 @@ class MFtp final : public RemoteSession {
   Outcome SetBinary();
   Outcome SetOffset(std::int64_t offset, std::int64_t& accepted);
   Outcome MayAppend(const std::string& name, std::int64_t offset);
+
+  // MFtpListing.cpp
   /// A listing as it came.
   struct Listing {
-    std::string text{};
+    ListingText text{};
     ListingParser::Form form = ListingParser::Form::Lines;
   };
+  enum class Whole { Yes, No, Unknown };
   Outcome FetchListing(Listing& listing);
   Outcome FetchLines(Listing& listing);
-  /// The text of a listing, whole also where the server does not end its encryption as it should.
-  Outcome Fetch(const std::string& command, std::string_view logged, std::string& text);
-  Outcome FetchOnce(const std::string& command, std::string_view logged, std::string& text);
   Outcome LookForLinks(Listing& listing);
-  Outcome ReadListing(RemoteFile& data, std::string& text);
+  /// Fetches a listing, again where it may have been cut. Done only where it is whole as far as can
+  /// be told.
+  Outcome Fetch(const std::string& command, std::string_view logged, Listing& listing);
+  Outcome FetchOnce(const std::string& command, std::string_view logged, ListingText& text);
+  Outcome ReadListing(RemoteFile& data, ListingText& text);
+  /// Whether a listing that came may lack something all the same.
+  [[nodiscard]] bool IsDoubtful(const Outcome& outcome, const ListingText& text) const;
+  /// Whether a listing names all that the server tells of its directory in a reply.
+  [[nodiscard]] Whole CompareWithStatus(const Listing& listing);
 
   const Site site_;
   const std::shared_ptr<OwnerUi> owner_;
   const std::shared_ptr<ServerTrust> trust_;
+  const bool sharesHabits_;
   const std::shared_ptr<Habits> habits_;
   FtpControl control_;
   DataChannel data_;
   std::shared_ptr<const TlsContext> context_;  // once anything was encrypted
   bool asked_ = false;                         // the server has waited for the user
   std::string listCommand_ = "LIST -la";
+  bool optionsWork_ = false;  // it has listed something
+  bool commandSent_ = false;  // of the last transfer, whose data connection could be set up
   std::size_t maxListing_ = std::size_t{1024} * 1024 * 1024;
   std::size_t maxEntries_ = 10'000'000;
   FtpFeatures features_;                    // less what was refused all the same
@@ -195,12 +230,16 @@ class MFtp final : public RemoteSession {
   /// own type, or in the guise of what they lead to, if at all.
   enum class Links { Unknown, Shown, Hidden };
   Links links_ = Links::Unknown;
+  /// Whether the server changes permissions.
+  Habits::Learned modes_ = Habits::Learned::Unknown;
   bool asksQuota_ = true;           // SITE QUOTA has not been refused
   bool binary_ = false;             // TYPE I is in force
   bool markerSet_ = false;          // REST may have been accepted, and no transfer has used it
   std::string start_;               // where the connection began; "" when the server does not tell
   std::string told_;                // the last directory that the server named
   std::optional<std::string> cwd_;  // where the server stands; nothing when that is not known
+  bool entering_ = false;           // where the server stands is asked for next
+  std::optional<Reply> path_;       // to that question, where it was asked ahead
   Mutex reach_;                     // guards what is reached for from other threads
   std::shared_ptr<NLLookup> lookup_ GUARDED_BY(reach_);
 };

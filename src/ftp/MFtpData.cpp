@@ -1,12 +1,8 @@
-#include <algorithm>
-#include <array>
 #include <utility>
-#include <vector>
 
 #include "ftp/FtpCommand.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/FtpFile.h"
-#include "ftp/ListingParser.h"
 #include "ftp/MFtp.h"
 #include "remote/RemotePath.h"
 
@@ -15,46 +11,6 @@ namespace {
 
 constexpr std::string_view kRetrieve = "RETR ";
 constexpr std::string_view kStore = "STOR ";
-constexpr std::size_t kFirstBlock = std::size_t{64} * 1024;
-constexpr std::size_t kMostBlock = std::size_t{1024} * 1024;
-constexpr long kPatience = 700;  // milliseconds in which what belongs together arrives
-constexpr std::size_t kBatch = 512;
-constexpr char kSentinel = static_cast<char>(0xEC);
-
-Outcome NotComplete(Outcome outcome) {
-  if (outcome.IsDone()) outcome.kind = Outcome::Kind::Busy;
-  outcome.text = Text("The listing is not complete: %1", outcome.text.Reason());
-  return outcome;
-}
-
-// Hands a listing's entries over.
-Outcome HandOver(ListingParser parser, std::size_t maxEntries, ListingSink& sink) {
-  std::vector<RemoteEntry> batch;
-  std::size_t count = 0;
-  bool more = true;
-  while (more) {
-    batch.clear();
-    batch.reserve(kBatch);
-    RemoteEntry entry;
-    while (batch.size() < kBatch && (more = parser.Next(entry))) {
-      if (count == maxEntries) break;
-      batch.push_back(entry);
-      ++count;
-    }
-    const bool tooMany = more && batch.size() < kBatch;
-    if (!batch.empty() && !sink.Add(std::move(batch))) return Outcome::Cancelled();
-    if (tooMany) {
-      return NotComplete({Outcome::Kind::Refused, 0, Text("it has more than 10,000,000 entries.")});
-    }
-  }
-  if (parser.Known() == 0 && parser.Strange() > 0) {
-    return {Outcome::Kind::Refused, 0,
-            Text("The server's listing is in a form that is not understood.")};
-  }
-  if (parser.TooLong() == 0) return {};
-  return {Outcome::Kind::Done, 0,
-          Text("Entries with names longer than 4096 bytes are not shown: %1", parser.TooLong())};
-}
 
 }  // namespace
 
@@ -95,6 +51,7 @@ Outcome MFtp::Open(const std::string& command, std::string_view logged, std::int
 
 Outcome MFtp::OpenThisWay(const std::string& command, std::string_view logged, std::int64_t offset,
                           std::unique_ptr<RemoteFile>& file) {
+  commandSent_ = false;
   if (Outcome outcome = data_.SetUp(); !outcome.IsDone()) return outcome;
   std::int64_t begin = 0;
   std::string line = command;
@@ -111,6 +68,7 @@ Outcome MFtp::OpenThisWay(const std::string& command, std::string_view logged, s
   }
   if (!outcome.IsDone()) return outcome;
   auto sent = std::make_unique<FtpCommand>(control_, line, logged);
+  commandSent_ = true;
   outcome = data_.Open(*sent);
   if (!outcome.IsDone()) return outcome;
   markerSet_ = false;
@@ -145,107 +103,6 @@ Outcome MFtp::OpenForWriting(const std::string& path, std::int64_t offset,
     if (Outcome outcome = GoTo(directory); !outcome.IsDone()) return outcome;
     return Open(std::string(kStore) + name, {}, offset, file);
   });
-}
-
-Outcome MFtp::List(const std::string& path, ListingSink& sink) {
-  Listing listing;
-  Outcome fetched = control_.Guard([&]() -> Outcome {
-    if (!Tell(Text("Getting Dir Listing."))) return Outcome::Cancelled();
-    if (Outcome outcome = GoTo(path); !outcome.IsDone()) return outcome;
-    return FetchListing(listing);
-  });
-  const bool ended =
-      fetched.kind == Outcome::Kind::Lost || fetched.kind == Outcome::Kind::Cancelled;
-  if (ended && listing.text.empty()) return fetched;
-  return control_.Guard([&]() -> Outcome {
-    sink.Raw(listing.text);
-    Outcome understood =
-        HandOver(ListingParser(listing.text, Today(), listing.form), maxEntries_, sink);
-    return fetched.IsDone() ? understood : fetched;
-  });
-}
-
-// A server that lists facts and then refuses them, but not a plain listing, is not asked again.
-Outcome MFtp::FetchListing(Listing& listing) {
-  if (!UsesFacts()) return FetchLines(listing);
-  listing.form = ListingParser::Form::Facts;
-  Outcome outcome = Fetch("MLSD", {}, listing.text);
-  if (outcome.IsDone() && links_ == Links::Unknown) return LookForLinks(listing);
-  if (outcome.kind != Outcome::Kind::Refused || !listing.text.empty()) return outcome;
-  outcome = FetchLines(listing);
-  if (outcome.IsDone()) features_.facts = false;
-  return outcome;
-}
-
-// Many servers tell by facts where a link leads in place of the link. As long as they have told
-// none, the plain listing is fetched too, unless that would take long; where that has links, it
-// alone is believed from now on.
-Outcome MFtp::LookForLinks(Listing& listing) {
-  constexpr std::size_t kLong = std::size_t{4} * 1024 * 1024;
-  bool any = false;
-  ListingParser facts(listing.text, {}, listing.form);
-  for (RemoteEntry entry; facts.Next(entry); any = true) {
-    if (!entry.mode.starts_with('l')) continue;
-    links_ = Links::Shown;
-    return {};
-  }
-  if (!any || listing.text.size() > kLong) return {};
-  Listing plain;
-  Outcome outcome = FetchLines(plain);
-  const bool hasNoLines = outcome.code == 500 || outcome.code == 502;
-  if (!outcome.IsDone()) return hasNoLines ? Outcome() : outcome;
-  ListingParser lines(plain.text, {});
-  for (RemoteEntry entry; lines.Next(entry);) {
-    const bool isLink = entry.kind == RemoteEntry::Kind::Link &&
-                        (entry.mode.empty() || entry.mode.starts_with('l'));
-    if (isLink) links_ = Links::Hidden;
-  }
-  if (links_ == Links::Hidden) listing = std::move(plain);
-  return {};
-}
-
-// A server that refuses options gets the bare command from now on.
-Outcome MFtp::FetchLines(Listing& listing) {
-  constexpr int kUnavailable = 550;
-  constexpr std::string_view kBare = "LIST";
-  listing = {};
-  Outcome outcome = Fetch(listCommand_, kBare, listing.text);
-  if (outcome.code != kUnavailable || listCommand_ == kBare || !listing.text.empty())
-    return outcome;
-  listCommand_ = kBare;
-  return Fetch(listCommand_, kBare, listing.text);
-}
-
-Outcome MFtp::FetchOnce(const std::string& command, std::string_view logged, std::string& text) {
-  std::unique_ptr<RemoteFile> data;
-  if (Outcome outcome = Open(command, logged, 0, data); !outcome.IsDone()) return outcome;
-  Outcome outcome = ReadListing(*data, text);
-  if (!outcome.IsDone()) return NotComplete(outcome);
-  outcome = data->Finish();
-  return outcome.IsDone() ? outcome : NotComplete(outcome);
-}
-
-// The data up to its end, carriage returns left out.
-Outcome MFtp::ReadListing(RemoteFile& data, std::string& text) {
-  std::vector<char> buffer(kFirstBlock);
-  std::size_t received = 0;
-  for (;;) {
-    std::size_t count = 0;
-    if (Outcome outcome = data.Read(buffer, count); !outcome.IsDone()) return outcome;
-    if (count == 0) return {};
-    received += count;
-    const char last = buffer[count - 1];
-    const auto begin = buffer.begin();
-    text.append(begin, std::remove(begin, begin + static_cast<std::ptrdiff_t>(count), '\r'));
-    if (received > maxListing_) {
-      return {Outcome::Kind::Refused, 0, Text("the listing is larger than 1 GiB.")};
-    }
-    // The byte ends a listing where nothing follows it.
-    if (last == kSentinel && !data.Wait(kPatience)) {
-      return {Outcome::Kind::Busy, 0, Text("the server stopped in the middle.")};
-    }
-    if (count == buffer.size() && buffer.size() < kMostBlock) buffer.resize(buffer.size() * 2);
-  }
 }
 
 }  // namespace corvane

@@ -29,11 +29,19 @@ bool Ends(const Outcome& outcome) {
 
 }  // namespace
 
+// Whoever logs in soon after another session has the same server before them.
 void MFtp::AskFeatures(bool after) {
   if (knowsFeatures_) return;
+  if (const auto told = habits_->Told(AskedAs("FEAT"))) {
+    knowsFeatures_ = true;
+    features_ = told->empty() ? FtpFeatures() : ReadFeatures(*told);
+    return;
+  }
   const Reply reply = control_.SendCommand("FEAT");
   knowsFeatures_ = after || reply.IsCompletion() || IsUnknownCommand(reply.code);
-  features_ = reply.IsCompletion() ? ReadFeatures(reply.text) : FtpFeatures();
+  const std::string text = reply.IsCompletion() ? reply.text : "";
+  features_ = text.empty() ? FtpFeatures() : ReadFeatures(text);
+  if (knowsFeatures_) habits_->NoteTold(AskedAs("FEAT"), text);
 }
 
 // A server that does not know the name serves the host that it serves where none is named.
@@ -44,11 +52,12 @@ void MFtp::NameHost() {
   if (features_.hosts && !isAddress) (void)control_.SendCommand("HOST " + asciiHost(host));
 }
 
-void MFtp::SettleFeatures() {
-  AskFeatures(true);
-  if (features_.utf8) (void)control_.SendCommand("OPTS UTF8 ON");
+std::vector<std::string> MFtp::FeatureOptions() const {
+  std::vector<std::string> options;
+  if (features_.utf8) options.emplace_back("OPTS UTF8 ON");
   if (features_.facts && !features_.neededFacts.empty())
-    (void)control_.SendCommand("OPTS MLST " + features_.neededFacts);
+    options.push_back("OPTS MLST " + features_.neededFacts);
+  return options;
 }
 
 // By facts where listings come by them; otherwise the size tells that it is a file, and the rest is
@@ -107,17 +116,17 @@ Outcome MFtp::TakeFromListing(RemoteEntry& entry, bool mayBeFile, bool& known) {
   std::unique_ptr<RemoteFile> data;
   Outcome outcome = Open(options + std::string(dash) + entry.name, {}, 0, data);
   if (!outcome.IsDone()) return outcome;
-  std::string text;
+  ListingText text;
   outcome = ReadListing(*data, text);
   if (outcome.IsDone()) outcome = data->Finish();
   if (!outcome.IsDone()) return outcome;
-  ListingParser lines(text, Today());
+  ListingParser lines(text.View(), Today());
   RemoteEntry line;
   RemoteEntry more;
   if (!lines.Next(line) || lines.Next(more)) return outcome;
   const bool same = SplitPath(line.name).second == entry.name;
   const bool isFile = line.kind == RemoteEntry::Kind::File;
-  if (!same || (isFile ? !mayBeFile : entry.size.has_value())) return outcome;
+  if (line.unclear || !same || (isFile ? !mayBeFile : entry.size.has_value())) return outcome;
   known = true;
   line.name = std::exchange(entry.name, {});
   if (entry.size) line.size = entry.size;

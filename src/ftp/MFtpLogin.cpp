@@ -1,8 +1,10 @@
 #include <utility>
 
+#include "ftp/AskTogether.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/MFtp.h"
 #include "ftp/Reason.h"
+#include "ftp/SiteWay.h"
 #include "net/NLException.h"
 #include "net/NLLookup.h"
 #include "remote/RemotePath.h"
@@ -14,6 +16,20 @@ using Kind = ConnectStep::Kind;
 using State = ConnectStep::State;
 
 constexpr int kGone = 421;
+constexpr int kSystemType = 215;
+constexpr int kPath = 257;
+
+bool FitsType(int code) {
+  return code == kSystemType || IsPlainRefusal(code);
+}
+
+bool FitsPath(int code) {
+  return code == kPath || IsPlainRefusal(code);
+}
+
+bool FitsOther(int code) {
+  return (code / 100 == 2 && code != kSystemType && code != kPath) || IsPlainRefusal(code);
+}
 
 }  // namespace
 
@@ -35,16 +51,43 @@ Outcome MFtp::Connect() {
     control_.GiveUp(outcome.text);
     return control_.IsClosed() ? Outcome::Cancelled() : outcome;
   }
+  const bool unknown = habits_->takesAhead == Habits::Learned::Unknown;
+  outcome = Settle();
+  // One that closes for commands that come ahead is not told so again.
+  const bool closed = outcome.kind == Outcome::Kind::Lost && unknown && sharesHabits_ &&
+                      habits_->takesAhead == Habits::Learned::No;
+  return closed ? Connect() : outcome;
+}
+
+Outcome MFtp::Settle() {
   return control_.Guard([this]() -> Outcome {
-    SettleFeatures();
-    GetServerType();
-    start_ = AskPath().value_or("");
+    AskFeatures(true);
+    std::vector<Question> questions;
+    for (std::string& option : FeatureOptions())
+      questions.push_back({std::move(option), FitsOther});
+    auto type = habits_->Told(AskedAs("SYST"));
+    if (!type) questions.push_back({"SYST", FitsType});
+    questions.push_back({"PWD", FitsPath});
+    // A server that refuses is asked again before each transfer.
+    questions.push_back({"TYPE I", FitsOther});
+    const std::vector<Reply> replies = AskTogether(control_, *habits_, questions, sharesHabits_);
+    for (std::size_t i = 0; i < replies.size(); ++i) {
+      if (questions[i].fits == FitsType) {
+        type = replies[i].code == kSystemType ? replies[i].lastText : "";
+        habits_->NoteTold(AskedAs("SYST"), *type);
+      }
+      if (questions[i].fits == FitsPath) start_ = PathIn(replies[i]).value_or("");
+    }
+    TakeServerType(*type);
     cwd_ = start_;
     told_ = start_;
-    // A server that refuses is asked again before each transfer.
-    (void)SetBinary();
+    binary_ = replies.back().IsCompletion();
     return {};
   });
+}
+
+std::string MFtp::AskedAs(const char* command) const {
+  return control_.Encryption() != nullptr ? std::string("TLS ") + command : command;
 }
 
 Outcome MFtp::Login() {
@@ -80,14 +123,11 @@ Outcome MFtp::Login() {
 }
 
 const Proxy* MFtp::Via() const {
-  return site_.proxy && !site_.proxy->host.empty() ? &*site_.proxy : nullptr;
+  return ProxyInFront(site_);
 }
 
 std::optional<Tunnel> MFtp::Through() const {
-  if (!site_.proxy || site_.proxy->kind == Proxy::Kind::Ftp) return std::nullopt;
-  const bool socks = site_.proxy->kind == Proxy::Kind::Socks5;
-  return Tunnel{socks ? Tunnel::Kind::socks5 : Tunnel::Kind::http, site_.proxy->user,
-                site_.proxy->password, site_.host};
+  return TunnelOf(site_);
 }
 
 // Finds the addresses of the server, or of the proxy in front of it.
@@ -159,12 +199,12 @@ Outcome MFtp::Reach(const std::vector<NLAddress>& addresses) {
 
 // From the user's name to the password's reply.
 Outcome MFtp::Identify() {
+  constexpr int kNeedsAccount = 332;
   constexpr int kNotLoggedIn = 530;
   constexpr int kUnavailable = 550;
   Step(Kind::Login, State::Running, Text("Logging in as %1 …", site_.user));
   if (!Tell(Text("Sending Username."))) return Outcome::Cancelled();
-  const bool named = site_.proxy && !Through();
-  Reply reply = control_.SendCommand("USER " + site_.user + (named ? "@" + site_.host : ""));
+  Reply reply = control_.SendCommand("USER " + LoginName(site_));
   const Text failed("Login to: %1 failed.", site_.host);
   if (reply.code == kNotLoggedIn)
     return RefusedLogin(reply, Text("Login to: %1 failed.\n\nUsername is invalid", site_.host));
@@ -177,7 +217,10 @@ Outcome MFtp::Identify() {
                         Text("Login to: %1 failed.\nInvalid Username or Password.", site_.host));
   if (reply.code == kUnavailable)
     return RefusedLogin(reply, Text("Login to: %1 as anonymous failed.", site_.host));
-  if (reply.code >= 400) return RefusedLogin(reply, failed);
+  if (reply.code == kNeedsAccount)
+    return RefusedLogin(reply,
+                        Text("The server asks for an account, which Corvane does not send."));
+  if (!reply.IsCompletion()) return RefusedLogin(reply, failed);
   owner_->PlaySound(Sound::LoginSucceeded);
   Step(Kind::Login, State::Done, Text("Logged in as %1.", site_.user));
   return {};
@@ -192,13 +235,10 @@ Outcome MFtp::RefusedLogin(const Reply& reply, const Text& text) {
   return outcome;
 }
 
-void MFtp::GetServerType() {
-  constexpr int kSystemType = 215;
-  const Reply reply = control_.SendCommand("SYST");
-  const std::string word = reply.lastText.substr(0, reply.lastText.find_first_of(" \n"));
+void MFtp::TakeServerType(const std::string& type) {
   listCommand_ = "LIST -la";
-  if (reply.lastText == "UNIX AppleShare IP FTP Server\n") listCommand_ = "LIST";
-  if (reply.code != kSystemType || word != "Windows_NT") return;
+  if (type == "UNIX AppleShare IP FTP Server\n") listCommand_ = "LIST";
+  if (type.substr(0, type.find_first_of(" \n")) != "Windows_NT") return;
   listCommand_ = "LIST";
   AskForUnixListings();
 }
@@ -212,8 +252,11 @@ void MFtp::AskForUnixListings() {
 
 // The path of a PWD reply (RFC 959, appendix II); nothing when the server does not tell.
 std::optional<std::string> MFtp::AskPath() {
+  return PathIn(control_.SendCommand("PWD"));
+}
+
+std::optional<std::string> MFtp::PathIn(const Reply& reply) {
   constexpr std::size_t kMaxPath = 4096;
-  const Reply reply = control_.SendCommand("PWD");
   if (!reply.IsCompletion()) return std::nullopt;
   std::string text = reply.lastText;
   const std::size_t open = text.find('"');

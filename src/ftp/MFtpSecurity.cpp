@@ -1,10 +1,13 @@
 #include <utility>
 
+#include "ftp/AskTogether.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/MFtp.h"
+#include "ftp/SiteWay.h"
 #include "net/HostName.h"
 #include "net/TlsContext.h"
 #include "net/TlsStream.h"
+#include "remote/TrustRules.h"
 
 namespace corvane {
 namespace {
@@ -22,13 +25,8 @@ Outcome NotEncrypted(const Text& why) {
 
 }  // namespace
 
-// The machine that is spoken to: a proxy that speaks FTP stands in for the server.
 std::pair<const std::string&, std::uint16_t> MFtp::Peer() const {
-  const bool viaProxy =
-      site_.proxy && site_.proxy->kind == Proxy::Kind::Ftp && !site_.proxy->host.empty();
-  return viaProxy
-             ? std::pair<const std::string&, std::uint16_t>(site_.proxy->host, site_.proxy->port)
-             : std::pair<const std::string&, std::uint16_t>(site_.host, site_.port);
+  return PeerOf(site_);
 }
 
 KnownServer MFtp::Known() const {
@@ -67,12 +65,9 @@ Outcome MFtp::Protect() {
   return MayStayPlain();
 }
 
-// A server that was encrypted before and is not any more may be somebody else.
 Outcome MFtp::MayStayPlain() {
   const KnownServer known = Known();
-  const bool anonymous = site_.user == "anonymous" || site_.user == "ftp";
-  const bool asks = known.wasEncrypted || (site_.warnsOfPlain && !anonymous && !known.mayBePlain);
-  if (asks) {
+  if (AsksBeforePlain(site_, known)) {
     const Asked kind = known.wasEncrypted ? Asked::NoMoreEncryption : Asked::PlainPassword;
     const Answer answer = Ask(kind, {}, nullptr);
     if (answer == Answer::No) {
@@ -126,12 +121,11 @@ Outcome MFtp::Encrypt() {
   return {};
 }
 
-// What the user has trusted once counts as long as nothing more is wrong with it.
 Outcome MFtp::Judge(const Certificate& certificate) {
-  if (certificate.problems == 0) return {};
-  const auto known = Known().trusted;
+  const KnownServer server = Known();
+  if (IsTrusted(certificate, server)) return {};
+  const auto& known = server.trusted;
   const bool changed = known && known->certificate.sha256 != certificate.sha256;
-  if (known && !changed && (certificate.problems & ~known->certificate.problems) == 0) return {};
   const Answer answer =
       Ask(changed ? Asked::ChangedCertificate : Asked::UnknownCertificate, certificate, nullptr);
   const auto [host, port] = Peer();
@@ -150,27 +144,14 @@ Outcome MFtp::Judge(const Certificate& certificate) {
 Outcome MFtp::ProtectData() {
   data_.SetProtected(false);
   if (control_.Encryption() == nullptr) return {};
-  (void)control_.SendCommand("PBSZ 0");
-  const Reply reply = control_.SendCommand("PROT P");
-  Outcome outcome =
-      FtpControl::CheckResult(reply, Text("The server does not encrypt listings and transfers."));
+  const auto fits = [](int code) { return code / 100 == 2 || IsPlainRefusal(code); };
+  const std::vector<Reply> replies =
+      AskTogether(control_, *habits_, {{"PBSZ 0", fits}, {"PROT P", fits}}, false);
+  Outcome outcome = FtpControl::CheckResult(
+      replies.back(), Text("The server does not encrypt listings and transfers."));
   data_.SetProtected(outcome.IsDone());
   if (!outcome.IsDone()) outcome.trouble = Outcome::Trouble::NoEncryption;
   return outcome;
-}
-
-// A listing has no size to compare; what comes twice the same was not cut by chance.
-Outcome MFtp::Fetch(const std::string& command, std::string_view logged, std::string& text) {
-  Outcome outcome = FetchOnce(command, logged, text);
-  const bool unended = outcome.kind == Outcome::Kind::Busy && outcome.code == 0 && data_.WasCut();
-  if (!unended) return outcome;
-  std::string second;
-  Outcome again = FetchOnce(command, logged, second);
-  const bool same = again.code == 0 && data_.WasCut() && second == text;
-  text = std::move(second);
-  if (!same) return again;
-  data_.NoteCareless();
-  return {};
 }
 
 }  // namespace corvane

@@ -15,8 +15,12 @@ struct Sharer {
       : s(session), engine(session.server.Where(passive), session.ui, {}, habits) {
     engine.SetSilenceLimit(1'000);
   }
+  /// Nothing more is known afterwards than before.
   void LogIn() {
+    const Learned before = habits->takesAhead;
+    habits->takesAhead = Learned::No;
     EXPECT_TRUE(engine.Connect().IsDone());
+    habits->takesAhead = before;
     s.skip = s.server.Transcript().size();
   }
   Outcome Get(bool more) {
@@ -50,6 +54,54 @@ struct Sharer {
   std::string raw;
 };
 
+// A server that dislikes what comes ahead at the login is logged in to all the same, and a second
+// session asks it for less.
+TEST(Ahead, IsTriedAtTheLogin) {
+  const std::string first = "FEAT|USER u|PASS p|OPTS UTF8 ON|SYST|PWD|TYPE I";
+  const std::string next = "USER u|PASS p|OPTS UTF8 ON|PWD|TYPE I|CWD d|PWD|";
+  const std::string again = first + "|OPTS UTF8 ON|SYST|PWD|TYPE I|" + next;
+  struct Row {
+    const char* verb;
+    ScriptedAction action;
+    std::string sent;
+    Learned learned;
+  };
+  const Row rows[] = {
+      {"PWD", {}, first + "|" + next, Learned::Yes},
+      {"TYPE", {.reply = "550 Never\r\n"}, first + "|" + next, Learned::Yes},
+      {"PWD", {.reply = "503 Not now\r\n"}, again, Learned::No},
+      {"SYST", {.reply = "257 \"/\"\r\n"}, again, Learned::No},
+      {"TYPE",
+       {.reply = ""},
+       first + "|NOOP|PWD|OPTS UTF8 ON|SYST|PWD|TYPE I|" + next,
+       Learned::No},
+      {"SYST",
+       {.reply = "", .control = ControlEnd::Close},
+       "FEAT|USER u|PASS p|OPTS UTF8 ON|SYST|USER u|PASS p|OPTS UTF8 ON|SYST|PWD|TYPE I|" + next,
+       Learned::No},
+  };
+  for (const Row& row : rows) {
+    Session s;
+    Sharer sharer(s);
+    s.server.Tree().AddDirectory("/d");
+    s.server.On("FEAT", {.reply = "211-Has\r\n UTF8\r\n211 End\r\n"});
+    s.server.On("OPTS", {.reply = "200 On\r\n"});
+    s.server.On(row.verb, row.action, 1);
+    EXPECT_TRUE(sharer.engine.Connect().IsDone()) << s.server.Dialogue();
+    EXPECT_EQ(sharer.engine.Directory(), "/");
+    EXPECT_EQ(sharer.habits->takesAhead, row.learned) << s.server.Dialogue();
+    EXPECT_TRUE(sharer.IsInStep()) << s.server.Dialogue();
+    MFtp other(s.server.Where(true), s.ui, {}, sharer.habits);
+    std::string where;
+    EXPECT_TRUE(other.Connect().IsDone()) << s.server.Dialogue();
+    EXPECT_TRUE(other.Enter("/d", where).IsDone()) << s.server.Dialogue();
+    EXPECT_EQ(where, "/d");
+    std::string sent = s.Sent();
+    if (const auto at = sent.find("SIZE in step|"); at != std::string::npos) sent.erase(at, 13);
+    EXPECT_EQ(sent + "|", row.sent) << s.server.Dialogue();
+  }
+}
+
 // Whatever becomes of a command that comes before the end of a download: the file counts, and the
 // next one comes too.
 TEST(Ahead, IsLearnedFromADownload) {
@@ -63,7 +115,7 @@ TEST(Ahead, IsLearnedFromADownload) {
       {silent, {.reply = "503 Not now\r\n226 Done\r\n"}, "Done", again, Learned::No},
       {silent, {.reply = "227 (127,0,0,1,{port})\r\n226 Done\r\n"}, "Done", again, Learned::No},
       {silent, {.reply = "227 (127,0,0,1,{port})\r\n451 No\r\n"}, "Refused", again, Learned::No},
-      {{}, {.reply = ""}, "Done", "PASV|RETR f|PASV|NOOP|PASV|RETR f", Learned::No},
+      {{}, {.reply = ""}, "Done", "PASV|RETR f|PASV|NOOP|PWD|PASV|RETR f", Learned::No},
       {{}, {.late = true}, "Done", "PASV|RETR f|PASV|NOOP|PASV|RETR f", Learned::No},
       {{.completion = "451 No\r\n"}, {}, "Refused", again, Learned::Yes},
       // A port where nobody listens.
@@ -153,6 +205,16 @@ TEST(Ahead, SetsTimeAndAsksSizeWithTheEndOfAnUpload) {
        "PASV|STOR f|" + all + "|SIZE f|PASV|STOR f|" + all,
        Learned::Yes,
        Learned::Yes},
+      // One that forgets what comes meanwhile.
+      {Learned::Yes,
+       {},
+       done,
+       size(""),
+       {.reply = ""},
+       "Done",
+       "PASV|STOR f|" + all + "|NOOP|PWD|SIZE f|" + all + "|STOR f|" + all,
+       Learned::Yes,
+       Learned::Yes},
       // It knows the way no more.
       {Learned::Yes,
        {},
@@ -227,7 +289,7 @@ TEST(Ahead, RemovesManyFilesAndTellsEachItsOwn) {
        {.reply = ""},
        true,
        "",
-       "DELE a|DELE b|NOOP|DELE b|SIZE b|DELE c|DELE d|DELE e",
+       "DELE a|DELE b|NOOP|PWD|DELE b|SIZE b|DELE c|DELE d|DELE e",
        Learned::No},
       // Which one was not answered is not known.
       {Learned::Yes,
@@ -236,7 +298,7 @@ TEST(Ahead, RemovesManyFilesAndTellsEachItsOwn) {
        {.reply = ""},
        false,
        "",
-       five + "|NOOP|DELE b|SIZE b|DELE c|DELE d|SIZE d|DELE e|SIZE e",
+       five + "|NOOP|PWD|DELE b|SIZE b|DELE c|DELE d|SIZE d|DELE e|SIZE e",
        Learned::No},
       {Learned::Yes, names, 3, {.reply = "421 Bye\r\n"}, false, "G", five, Learned::Yes},
   };
@@ -265,6 +327,86 @@ TEST(Ahead, RemovesManyFilesAndTellsEachItsOwn) {
     EXPECT_EQ(sharer.habits->takesAhead, row.after);
     EXPECT_EQ(sharer.IsInStep(), row.told != "G") << s.server.Dialogue();
   }
+}
+
+// A server that cannot change permissions is asked once; one that refuses an entry goes on.
+TEST(Ahead, ChangesManyModesAndTellsEachItsOwn) {
+  struct Row {
+    Learned before;
+    int which;  // SITE has the reply
+    ScriptedAction action;
+    std::string told, sent, ended;
+    Learned after;
+  };
+  const std::string two = "SITE CHMOD 644 a|SITE CHMOD 4755 b";
+  const std::string all = two + "|CWD dir|SITE CHMOD 700 f";
+  const std::string cannot = "Refused: This server cannot change permissions.\n\n";
+  const Row rows[] = {
+      {Learned::Unknown, 9, {}, "DDD", all, "Done", Learned::Yes},
+      {Learned::No, 9, {}, "DDD", all, "Done", Learned::No},
+      {Learned::Yes, 2, {.reply = "550 Not yours\r\n"}, "DRD", all, "Done", Learned::Yes},
+      {Learned::Yes,
+       2,
+       {.reply = "500 Bad name\r\n"},
+       "DDD",
+       two + "|SITE CHMOD 4755 b|CWD dir|SITE CHMOD 700 f",
+       "Done",
+       Learned::No},
+      {Learned::No,
+       1,
+       {.reply = "500 What?\r\n"},
+       "",
+       "SITE CHMOD 644 a",
+       cannot + "What?",
+       Learned::No},
+      {Learned::No,
+       1,
+       {.reply = "202 Needless\r\n"},
+       "",
+       "SITE CHMOD 644 a",
+       cannot + "Needless",
+       Learned::No},
+      {Learned::Unknown,
+       2,
+       {.reply = ""},
+       "DDD",
+       two + "|NOOP|PWD|SITE CHMOD 4755 b|CWD dir|SITE CHMOD 700 f",
+       "Done",
+       Learned::No},
+      {Learned::Yes, 2, {.reply = "421 Bye\r\n"}, "DL", two, "Lost", Learned::Yes},
+  };
+  const ModeChange changes[] = {{"/a", 0644}, {"/b", 04755}, {"/dir/f", 0700}};
+  for (const Row& row : rows) {
+    Session s;
+    Sharer sharer(s);
+    sharer.habits->takesAhead = row.before;
+    s.server.Tree().AddDirectory("/dir");
+    s.server.On("SITE", {.reply = "200 Done\r\n"});
+    s.server.On("SITE", row.action, row.which);
+    sharer.LogIn();
+    std::string told;
+    const auto each = [&](std::size_t, const Outcome& outcome) {
+      return told += Told(outcome)[0], true;
+    };
+    const Outcome ended = sharer.engine.ChangeModes(changes, each);
+    EXPECT_EQ(told, row.told) << s.server.Dialogue();
+    EXPECT_TRUE(Told(ended).starts_with(row.ended)) << Told(ended);
+    EXPECT_EQ(s.Sent(), row.sent) << s.server.Dialogue();
+    EXPECT_EQ(sharer.habits->takesAhead, row.after) << s.server.Dialogue();
+    if (ended.kind != Outcome::Kind::Refused) continue;
+    EXPECT_EQ(sharer.engine.ChangeModes(changes, each).kind, Outcome::Kind::Refused);
+    EXPECT_EQ(s.Sent(), row.sent);
+    EXPECT_TRUE(sharer.IsInStep()) << s.server.Dialogue();
+  }
+  Session s;
+  Sharer sharer(s);
+  sharer.LogIn();
+  const ModeChange broken[] = {{"/a\nDELE b", 0644}};
+  (void)sharer.engine.ChangeModes(broken, [](std::size_t, const Outcome& outcome) {
+    EXPECT_EQ(outcome.kind, Outcome::Kind::LocalError);
+    return true;
+  });
+  EXPECT_EQ(s.Sent(), "");
 }
 
 TEST(Ahead, StopsInTheMiddleOfARemoval) {

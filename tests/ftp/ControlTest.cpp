@@ -471,8 +471,8 @@ TEST(Directories, AreEnteredByTheShortestWay) {
   s.LogIn();
   EXPECT_EQ(Told(s.engine.RemoveFile("/none/f")),
             "Refused: The directory cannot be opened.\n\nCannot do that.");
-  EXPECT_EQ(s.engine.Rename("/a/f", "/g").kind, Outcome::Kind::Refused);
-  EXPECT_EQ(s.Sent(), "CWD none|CWD a|RNFR f");
+  EXPECT_EQ(s.engine.Rename("/a/none", "/g").kind, Outcome::Kind::Refused);
+  EXPECT_EQ(s.Sent(), "CWD none|CWD a|RNFR none");
   std::string where;
   EXPECT_EQ(s.engine.RemoveFile("/l/x").code, 550);
   EXPECT_TRUE(s.engine.Enter("/l", where).IsDone());

@@ -129,7 +129,7 @@ TEST(Checksum, IsTakenAsServersTellIt) {
     s.LogIn();
     EXPECT_EQ(s.engine.OffersDigest(), row.offered) << row.features;
     std::string digest;
-    const Outcome outcome = s.engine.Checksum("/f", row.offered, digest);
+    const Outcome outcome = s.engine.Checksum("/f", 10, row.offered, digest);
     EXPECT_TRUE(row.bytes > 0 ? outcome.IsDone() : Told(outcome).starts_with(none))
         << Told(outcome);
     EXPECT_EQ(digest.size(), row.bytes) << row.features;

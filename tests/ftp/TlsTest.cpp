@@ -273,6 +273,17 @@ TEST(Encryption, KnowsDataThatWasCut) {
   EXPECT_EQ(Told(list.own->List("/", list)), "Done") << list.server.Dialogue();
   list.server.On("LIST", {.saysEnd = false});
   EXPECT_EQ(Told(list.own->List("/", list)), "Done") << list.server.Dialogue();
+  // Cut twice at the same place: in a line, and at its end, where a reply tells of more.
+  const std::string line = "-rw-r--r-- 1 u g 1 Jan 1 10:00 f\r\n";
+  for (const std::size_t limit : {line.size() - 4, line.size()}) {
+    list.server.On("LIST", {.data = line + line, .dataLimit = limit, .saysEnd = false});
+    list.server.On("STAT", {.reply = "213-Status\r\n" + line +
+                                     "-rw-r--r-- 1 u g 1 Jan 1 10:00 g\r\n213 End\r\n"});
+    list.names.clear();
+    const std::string told = Told(list.own->List("/", list));
+    EXPECT_TRUE(told.starts_with("Busy: The listing is not complete: ")) << told;
+    EXPECT_EQ(list.names, limit == line.size() ? "f|" : "");
+  }
 }
 
 }  // namespace

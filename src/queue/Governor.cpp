@@ -18,17 +18,29 @@ int Governor::AtOnce() const {
 
 int Governor::Wanted(const Sample& sample) {
   const int useful = std::clamp(sample.ready + sample.connected, 1, most_);
-  if (const int least = std::min(AtOnce(), useful); wanted_ < least) {
-    wanted_ = least;
-    step_ = 0;
-    measuring_ = false;
-  }
+  Begin(sample, useful);
   Measure(sample);
   return std::min(wanted_, useful);
 }
 
+// Many short transfers are over before it is known how many connections they are worth.
+void Governor::Begin(const Sample& sample, int useful) {
+  const bool all = sample.plenty && !begun_;
+  const int least = all ? most_ : std::min(AtOnce(), useful);
+  if (all) {
+    begun_ = true;
+    fall_ = most_ - AtOnce();
+    quiet_ = sample.now + kQuiet;
+  }
+  if (wanted_ >= least) return;
+  wanted_ = least;
+  step_ = 0;
+  measuring_ = false;
+}
+
 void Governor::Measure(const Sample& sample) {
-  if (sample.connected < wanted_) {
+  const bool leaving = step_ < 0 && sample.connected > wanted_;
+  if (sample.connected < wanted_ || leaving) {
     measuring_ = false;
     return;
   }
@@ -47,20 +59,37 @@ void Governor::Measure(const Sample& sample) {
 
 void Governor::Judge(double throughput, const Sample& sample) {
   measuring_ = false;
-  const int useful = std::min(most_, sample.ready + sample.connected);
-  if (step_ == 0) {
-    before_ = throughput;
-    if (sample.now >= quiet_) Add(std::max(1, wanted_ / 2), useful);
-    return;
-  }
+  if (step_ > 0) return JudgeAdded(throughput, sample);
+  if (step_ < 0) return JudgeDropped(throughput, sample);
+  before_ = throughput;
+  if (sample.now < quiet_) return;
+  if (fall_ > 0) return Drop();
+  Add(std::max(1, wanted_ / 2), std::min(most_, sample.ready + sample.connected));
+}
+
+void Governor::JudgeAdded(double throughput, const Sample& sample) {
   if (throughput >= before_ * kWorthIt) {
     before_ = throughput;
-    Add(step_ * 2, useful);
+    Add(step_ * 2, std::min(most_, sample.ready + sample.connected));
     return;
   }
   wanted_ -= step_;
   step_ = 0;
   quiet_ = sample.now + kQuiet;
+}
+
+// Those that were dropped come back where they were worth it; then fewer are dropped next time.
+void Governor::JudgeDropped(double throughput, const Sample& sample) {
+  const bool worthIt = before_ >= throughput * kWorthIt;
+  if (worthIt) wanted_ -= step_;
+  step_ = 0;
+  fall_ = std::min(fall_ / 2, wanted_ - AtOnce());
+  quiet_ = sample.now + kQuiet;
+}
+
+void Governor::Drop() {
+  step_ = -fall_;
+  wanted_ += step_;
 }
 
 void Governor::Add(int step, int useful) {
@@ -72,6 +101,7 @@ void Governor::Lower(int most) {
   most_ = std::clamp(most, 1, most_);
   wanted_ = std::min(wanted_, most_);
   step_ = 0;
+  fall_ = 0;
   measuring_ = false;
 }
 

@@ -10,10 +10,6 @@ namespace {
 
 using Kind = RemoteEntry::Kind;
 
-bool HasEnded(JobState state) {
-  return state == JobState::Moved || state == JobState::Done || state == JobState::Failed;
-}
-
 bool IsWhole(JobState state) {
   return state == JobState::Moved || state == JobState::Done;
 }
@@ -26,35 +22,8 @@ JobBoard::JobBoard(const transferStruct& what, RowId row, std::shared_ptr<QueueJ
   for (const TransferJob& job : what.jobs) Queue(Add(kNoJob, job, JobState::Waiting));
 }
 
-JobBoard::JobBoard(const transferStruct& what, std::vector<JobRecord> kept, RowId row,
-                   std::shared_ptr<QueueJournal> journal)
-    : top_(PathBelow(what.targetFolder, "")),
-      download_(what.download),
-      kept_(!kept.empty()),
-      row_(row),
-      journal_(std::move(journal)),
-      chosen_(kept.empty() ? what.jobs.size()
-                           : static_cast<std::size_t>(
-                                 std::ranges::count(kept, kNoJob, &JobRecord::parent))) {
-  const MutexLock hold(lock_);
-  directories_[kNoJob];
-  for (JobRecord& record : kept) Restore(std::move(record));
-  if (count_.done > 0) proof_ = Proof::None;
-  std::vector<std::pair<JobId, JobState>> ended;
-  EndEmptied(ended);
-}
-
-// What was looked through stays so: what it holds follows, and what it has left is counted then.
-void JobBoard::Restore(JobRecord record) {
-  const bool open = !record.where.empty();
-  const JobState state = open && !HasEnded(record.state) ? JobState::Open : record.state;
-  const JobId id = Add(record.parent, std::move(record.job), state);
-  if (!open) {
-    if (!HasEnded(state)) Queue(id);
-    return;
-  }
-  const Work work = Whole(id);
-  directories_[id] = {std::move(record.where), work.job.local, work.shown, 0, {}, 0};
+bool JobBoard::HasEnded(JobState state) {
+  return IsWhole(state) || state == JobState::Failed;
 }
 
 JobId JobBoard::Add(JobId parent, TransferJob job, JobState state) {
@@ -126,25 +95,15 @@ void JobBoard::Reopen(JobId id, std::vector<std::pair<JobId, JobState>>& changes
   Reopen(parent, changes);
 }
 
-// The last word on a directory may be missing: what held it open has ended.
-void JobBoard::EndEmptied(std::vector<std::pair<JobId, JobState>>& changes) {
-  for (auto at = directories_.rbegin(); at != directories_.rend(); ++at) {
-    const JobId id = at->first;
-    if (id == kNoJob || at->second.left > 0 || jobs_[id].state != JobState::Open) continue;
-    jobs_[id].state = JobState::Done;
-    --left_;
-    --directories_[jobs_[id].parent].left;
-    changes.emplace_back(id, JobState::Done);
-  }
-}
-
 std::optional<JobBoard::Work> JobBoard::Take(JobId near) {
   const MutexLock hold(lock_);
   while (!stopped_) {
     if (const auto id = Next(near)) {
       SetTaken(*id, true);
+      Work work = Whole(*id);
+      work.kept = kept_ || jobs_[*id].state == JobState::Begun;
       jobs_[*id].state = JobState::Begun;
-      return Whole(*id);
+      return work;
     }
     // Whoever works may find more.
     if (taken_ == 0) return std::nullopt;
@@ -202,7 +161,7 @@ void JobBoard::SetTaken(JobId id, bool taken) {
 
 JobBoard::Work JobBoard::Whole(JobId id) const {
   const Entry& entry = jobs_[id];
-  Work work{id, entry.parent, entry.job, {}, entry.job.local, kept_};
+  Work work{id, entry.parent, entry.job, {}, entry.job.local};
   if (entry.parent == kNoJob) {
     const std::string& own = download_ ? entry.job.local : entry.job.remote;
     const bool inside = download_ && own.starts_with(top_);
@@ -300,6 +259,13 @@ Proof JobBoard::Prove(Proof proof) {
 Proof JobBoard::LeastProof() const {
   const MutexLock hold(lock_);
   return proof_.value_or(Proof::None);
+}
+
+bool JobBoard::Reach(std::int64_t bytes) {
+  const MutexLock hold(lock_);
+  const bool further = bytes > reached_;
+  if (further) reached_ = bytes;
+  return further;
 }
 
 bool JobBoard::HasTree() const {

@@ -37,7 +37,7 @@ class JobBoard {
     TransferJob job{};      ///< with whole paths
     std::string shown{};    ///< its path from the top of the transfer, for the user
     std::string name{};     ///< its last name here, for a download; not yet known to be a safe one
-    bool kept = false;      ///< an earlier program may have begun it and not have said so
+    bool kept = false;      ///< an earlier try may have begun it and not have said so
     [[nodiscard]] bool InFolder() const { return parent != kNoJob; }
   };
 
@@ -66,6 +66,9 @@ class JobBoard {
   /// A file is whole, which is known by this; what is known of the least known one.
   [[nodiscard]] Proof Prove(Proof proof) EXCLUDES(lock_);
   [[nodiscard]] Proof LeastProof() const EXCLUDES(lock_);
+  /// So many bytes of its files stood at their places at one time. Whether that is more than ever
+  /// before.
+  [[nodiscard]] bool Reach(std::int64_t bytes) EXCLUDES(lock_);
   /// Whether folders are among the jobs that were chosen.
   [[nodiscard]] bool HasTree() const EXCLUDES(lock_);
   /// What was Moved could not be written to the disk: it is to be looked at again.
@@ -116,6 +119,7 @@ class JobBoard {
     int taken = 0;              // of what it holds
   };
 
+  [[nodiscard]] static bool HasEnded(JobState state);
   JobId Add(JobId parent, TransferJob job, JobState state) REQUIRES(lock_);
   void Queue(JobId id) REQUIRES(lock_);
   void CountIn(const Entry& entry, int sign) REQUIRES(lock_);
@@ -148,6 +152,7 @@ class JobBoard {
   int taken_ GUARDED_BY(lock_) = 0;          // jobs of all kinds that somebody works on
   std::int64_t left_ GUARDED_BY(lock_) = 0;  // jobs of all kinds that have not ended
   int unsized_ GUARDED_BY(lock_) = 0;
+  std::int64_t reached_ GUARDED_BY(lock_) = 0;
   std::optional<Proof> proof_ GUARDED_BY(lock_);
   bool stopped_ GUARDED_BY(lock_) = false;
 };

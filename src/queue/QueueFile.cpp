@@ -34,6 +34,13 @@ constexpr SqliteFile::Layout kLayout{
         "PRIMARY KEY(row, id)) STRICT, WITHOUT ROWID",
     .alone = true};
 
+// Of rows that may replace one state of a file only. Files that were made before have no such
+// table.
+constexpr const char* kExpectedTable =
+    "CREATE TABLE IF NOT EXISTS expected("
+    "row INTEGER PRIMARY KEY, there INTEGER NOT NULL, size INTEGER NOT NULL, modified INTEGER,"
+    "kind INTEGER NOT NULL, digest TEXT NOT NULL) STRICT";
+
 template <typename Enum>
 std::int64_t Number(Enum value) {
   return static_cast<std::int64_t>(value);
@@ -59,6 +66,12 @@ void AddRow(Values& values, const transferStruct& what) {
   values.Add(what.download).Add(what.remoteDirectory).Add(what.targetFolder).Add(what.size);
   values.Add(what.bufferSize).Add(what.keepTimes).Add(what.checks).Add(what.usesPartNames);
   values.Add(what.connections);
+}
+
+void AddExpected(Values& values, const FileVersion& version) {
+  values.Add(version.there).Add(version.size);
+  version.modified ? values.Add(*version.modified) : values.AddNull();
+  values.Add(Number(version.kind)).Add(version.digest);
 }
 
 void AddJob(Values& values, const JobRecord& record) {
@@ -90,14 +103,17 @@ class QueueFile::Statements {
                "INSERT OR REPLACE INTO jobs SELECT ?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11,"
                " ?12, ?13"
                " WHERE EXISTS(SELECT 1 FROM rows WHERE id = ?1)"),
+        addExpected(file, "INSERT OR REPLACE INTO expected VALUES(?, ?, ?, ?, ?, ?)"),
         setRow(file, "UPDATE rows SET state = ? WHERE id = ?"),
         setPlace(file, "UPDATE rows SET place = ? WHERE id = ?"),
         setJob(file, "UPDATE jobs SET state = ? WHERE row = ? AND id = ?"),
         open(file, "UPDATE jobs SET kind = ?, place = ? WHERE row = ? AND id = ?"),
         removeRow(file, "DELETE FROM rows WHERE id = ?"),
-        removeJobs(file, "DELETE FROM jobs WHERE row = ?") {}
+        removeJobs(file, "DELETE FROM jobs WHERE row = ?"),
+        removeExpected(file, "DELETE FROM expected WHERE row = ?") {}
 
-  Statement addRow, addJob, setRow, setPlace, setJob, open, removeRow, removeJobs;
+  Statement addRow, addJob, addExpected, setRow, setPlace, setJob, open;
+  Statement removeRow, removeJobs, removeExpected;
 };
 
 QueueFile::QueueFile(const std::string& path) : file_(path, kLayout) {}
@@ -107,6 +123,9 @@ QueueFile::~QueueFile() = default;
 SqliteFile::Opened QueueFile::Open() {
   const SqliteFile::Opened opened = file_.Open(true);
   if (opened == SqliteFile::Opened::Yes && !statements_) {
+    const int status = file_.Run(kExpectedTable);
+    if (SqliteFile::IsDamage(status)) return SqliteFile::Opened::Damaged;
+    if (status != 0) return SqliteFile::Opened::Failed;
     statements_ = std::make_unique<Statements>(file_);
   }
   return opened;
@@ -144,6 +163,8 @@ int QueueFile::Settle(const std::vector<QueueStore::Row>& rows) {
       values.Add(Number(RowState::Cancelled)).Add(Number(RowState::Done));
     });
     if (status == 0) status = file_.Run("DELETE FROM jobs WHERE row NOT IN (SELECT id FROM rows)");
+    if (status == 0)
+      status = file_.Run("DELETE FROM expected WHERE row NOT IN (SELECT id FROM rows)");
     const JobState moved = SameBoot() ? JobState::Done : JobState::Begun;
     if (status == 0) {
       status = file_.Run("UPDATE jobs SET state = ? WHERE state = ?", [moved](Values& values) {
@@ -182,13 +203,18 @@ int QueueFile::Write(const QueueChanges& changes) {
 int QueueFile::WriteRow(RowId id, const QueueChanges::Row& row) {
   if (row.removed) {
     const auto fill = [id](Values& values) { values.Add(id); };
-    const int status = statements_->removeRow.Run(fill);
+    int status = statements_->removeRow.Run(fill);
+    if (status == 0) status = statements_->removeExpected.Run(fill);
     return status != 0 ? status : statements_->removeJobs.Run(fill);
   }
   int status = 0;
   if (row.added) {
     status = statements_->addRow.Run(
         [&](Values& values) { AddRow(values.Add(id).Add(Number(RowState::Waiting)), *row.added); });
+    if (status == 0 && row.added->expected) {
+      status = statements_->addExpected.Run(
+          [&](Values& values) { AddExpected(values.Add(id), *row.added->expected); });
+    }
     std::vector<JobRecord> chosen;
     for (const TransferJob& job : row.added->jobs) {
       chosen.push_back({static_cast<JobId>(chosen.size()), kNoJob, job});

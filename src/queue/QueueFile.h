@@ -37,6 +37,7 @@ class QueueFile {
   class Statements;
 
   [[nodiscard]] bool SameBoot();
+  [[nodiscard]] bool ReadExpected(std::vector<QueueStore::Row>& rows);
   [[nodiscard]] bool ReadJobs(std::vector<QueueStore::Row>& rows);
   [[nodiscard]] int InOne(const std::function<int()>& work);
   [[nodiscard]] int WriteRow(RowId id, const QueueChanges::Row& row);

@@ -11,6 +11,7 @@ namespace {
 using Columns = SqliteFile::Columns;
 
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kAnyTime = kLargest / 1000;  // in seconds
 constexpr std::int64_t kLargestInt = std::numeric_limits<std::int32_t>::max();
 
 bool HasEnded(JobState state) {
@@ -78,6 +79,16 @@ QueueStore::Row RowOf(Checked& columns) {
   return row;
 }
 
+FileVersion VersionOf(Checked& columns) {
+  FileVersion version;
+  version.there = columns.Flag();
+  version.size = columns.In<std::int64_t>(-1, kLargest);
+  if (!columns.SkipsNull()) version.modified = columns.In<std::int64_t>(-kAnyTime, kAnyTime);
+  version.kind = columns.Of(DigestKind::Sha512);
+  version.digest = columns.Bytes();
+  return version;
+}
+
 JobRecord JobOf(Checked& columns) {
   JobRecord record;
   record.id = columns.In<JobId>(0, kNoJob - 1);
@@ -90,7 +101,6 @@ JobRecord JobOf(Checked& columns) {
   job.begun = columns.Flag();
   job.there = columns.Flag();
   job.size = columns.In<std::int64_t>(-1, kLargest);
-  constexpr std::int64_t kAnyTime = kLargest / 1000;
   if (!columns.SkipsNull()) job.modified = columns.In<std::int64_t>(-kAnyTime, kAnyTime);
   job.remote = columns.Bytes();
   job.local = columns.SkipsNull() ? job.remote : columns.Bytes();
@@ -154,7 +164,7 @@ std::optional<std::vector<QueueStore::Row>> QueueFile::Read() {
         rows.push_back(RowOf(checked));
         makesSense = makesSense && checked.MakesSense();
       });
-  if (status != 0 || !makesSense || !ReadJobs(rows)) return std::nullopt;
+  if (status != 0 || !makesSense || !ReadExpected(rows) || !ReadJobs(rows)) return std::nullopt;
   std::erase_if(rows, [](const QueueStore::Row& row) {
     return row.state == RowState::Cancelled || row.state == RowState::Done;
   });
@@ -162,6 +172,21 @@ std::optional<std::vector<QueueStore::Row>> QueueFile::Read() {
     if (row.state != RowState::Failed) row.state = RowState::Paused;
   }
   return rows;
+}
+
+bool QueueFile::ReadExpected(std::vector<QueueStore::Row>& rows) {
+  bool makesSense = true;
+  const int status = file_.Run(
+      "SELECT row, there, size, modified, kind, digest FROM expected", {}, [&](Columns& columns) {
+        const auto row = std::ranges::find(rows, columns.Number(), &QueueStore::Row::id);
+        Checked checked(columns);
+        const FileVersion version = VersionOf(checked);
+        makesSense = makesSense && checked.MakesSense();
+        if (!makesSense || row == rows.end()) return;
+        row->what.expected = version;
+        row->what.tracked = true;
+      });
+  return status == 0 && makesSense;
 }
 
 bool QueueFile::ReadJobs(std::vector<QueueStore::Row>& rows) {

@@ -169,12 +169,6 @@ const TransferQueue::Row* TransferQueue::Find(RowId id) const {
   return place != rows_.end() ? &*place : nullptr;
 }
 
-int TransferQueue::Before(RowId id) const {
-  const auto place = std::ranges::find(rows_, id, &Row::id);
-  return static_cast<int>(std::count_if(
-      rows_.begin(), place, [](const Row& row) { return row.state == RowState::Waiting; }));
-}
-
 std::vector<TransferQueue::Row>::iterator TransferQueue::Place(RowId id) {
   return std::ranges::find(rows_, id, &Row::id);
 }

@@ -84,8 +84,6 @@ class TransferQueue {
   [[nodiscard]] const std::vector<Row>& Rows() const { return rows_; }
   /// Null where there is no such row.
   [[nodiscard]] const Row* Find(RowId id) const;
-  /// How many rows that wait too have their turn before this one.
-  [[nodiscard]] int Before(RowId id) const;
 
  private:
   [[nodiscard]] std::vector<Row>::iterator Place(RowId id);

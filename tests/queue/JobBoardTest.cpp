@@ -170,6 +170,76 @@ TEST(JobBoardTest, GoesOnFromWhatWasKept) {
   files.ExpectOnce(tree.AllFiles());
 }
 
+// Notes what it is told, by letters, and how many jobs could be taken when it was to be kept.
+class Letters final : public QueueJournal {
+ public:
+  void RowAdded(RowId, const transferStruct&) override {}
+  void RowChanged(RowId, RowState) override {}
+  void RowsOrdered(const std::vector<RowId>&) override {}
+  void RowRemoved(RowId) override {}
+  void DirectoryOpened(RowId, JobId, const std::string&, std::vector<JobRecord> jobs) override {
+    told += "open" + std::to_string(jobs.size());
+  }
+  void JobChanged(RowId, JobId job, JobState state) override {
+    told += " " + std::to_string(job) + "wbomdf"[static_cast<int>(state)];
+  }
+  void RowSynced(RowId) override { told += " synced"; }
+  void Flush() override { told += " kept" + std::to_string(board->Ready()); }
+
+  const JobBoard* board = nullptr;
+  std::string told;
+};
+
+// A name that was free may be this row's own after a crash: it is kept before it is used.
+TEST(JobBoardTest, KeepsWhichNamesItHasChosenBeforeTheyAreUsed) {
+  for (const Policy policy : {Policy::CreateNew, Policy::Replace, Policy::Resume, Policy::Skip,
+                              Policy::Newer, Policy::KeepBoth}) {
+    const auto journal = std::make_shared<Letters>();
+    transferStruct what = BigTree::Wanted();
+    what.jobs[0].policy = policy;
+    JobBoard board(what, 1, journal);
+    journal->board = &board;
+    const auto work = board.Take(kNoJob);
+    ASSERT_TRUE(work);
+    board.Open(*work, "/d0", {{.remote = "a"}, {.remote = "b"}});
+    const bool byName = policy == Policy::Skip || policy == Policy::KeepBoth;
+    EXPECT_EQ(journal->told, byName ? "open2 kept0" : "open2");
+    EXPECT_EQ(board.Ready(), 2);
+  }
+}
+
+// What could not be written to the disk is no longer done, nor are the folders above it.
+TEST(JobBoardTest, TakesBackWhatCouldNotBeSynced) {
+  const auto journal = std::make_shared<Letters>();
+  JobBoard board(BigTree::Wanted(), 1, journal);
+  journal->board = &board;
+  const auto directory = board.Take(kNoJob);
+  ASSERT_TRUE(directory);
+  board.Open(*directory, "/d0", {{.remote = "a", .size = 5}, {.remote = "b", .size = 7}});
+  const auto carry = [&](const std::string& expected) {
+    std::string taken;
+    while (const auto work = board.Take(kNoJob)) {
+      taken += work->job.remote + (work->job.begun ? "! " : " ");
+      for (auto above = board.End(work->id, JobState::Moved); above;)
+        above = board.End(above->id, JobState::Moved);
+    }
+    EXPECT_EQ(taken, expected);
+    EXPECT_TRUE(board.AllEnded());
+    EXPECT_EQ(board.Counted().doneBytes, 12);
+  };
+  carry("/d0/a /d0/b ");
+  journal->told.clear();
+  board.Unsynced();
+  EXPECT_EQ(journal->told, " 1b 0o 2b");
+  EXPECT_EQ(board.Counted().done, 0);
+  EXPECT_EQ(board.Counted().doneBytes, 0);
+  EXPECT_FALSE(board.AllEnded());
+  carry("/d0/a! /d0/b! ");
+  board.Synced();
+  board.Unsynced();
+  EXPECT_TRUE(board.AllEnded()) << "it is on the disk";
+}
+
 // Kilobytes that the process has in memory.
 long Resident() {
   long all = 0;

@@ -19,6 +19,7 @@ struct Simulation {
   std::function<double(int)> pace;
   int first;    // wanted at once
   int settled;  // wanted after a while
+  bool plenty = false;
 };
 
 TEST(GovernorTest, FindsHowManyConnectionsAreWorthIt) {
@@ -36,14 +37,24 @@ TEST(GovernorTest, FindsHowManyConnectionsAreWorthIt) {
       {"one allowed", 1, 2000, upTo(8), 1, 1},
       {"nothing moves", 8, 2000, [](int) { return 0.0; }, 4, 4},
       {"only small files", 8, 2000, {}, 4, 8},
+      {"linear, plenty", 8, 2000, upTo(8), 8, 8, true},
+      {"plateau at 3, plenty", 4, 2000, upTo(3), 4, 3, true},
+      {"plateau at 6, plenty", 8, 2000, upTo(6), 8, 6, true},
+      {"worse beyond 2, plenty", 4, 2000, [](int n) { return kMany * (n <= 2 ? n : 1.5); }, 4, 2,
+       true},
+      {"all the same, plenty", 16, 2000, [](int) { return kMany; }, 16, 8, true},
+      {"plenty that is not found yet", 8, 3, upTo(8), 3, 3, true},
+      {"one allowed, plenty", 1, 2000, upTo(8), 1, 1, true},
+      {"nothing moves, plenty", 8, 2000, [](int) { return 0.0; }, 8, 8, true},
   };
   for (const Simulation& c : cases) {
     SCOPED_TRACE(c.what);
     Governor governor(c.most);
-    Governor::Sample sample{.now = Governor::Time(1s)};
+    Governor::Sample sample{.now = Governor::Time(1s), .plenty = c.plenty};
     double bytes = 0;
     int highest = 0;
-    for (int i = 0; i < 80; ++i) {  // 4 s
+    const int looks = c.plenty ? 400 : 80;  // 20 s, 4 s
+    for (int i = 0; i < looks; ++i) {
       sample.ready = c.jobs - sample.connected;
       const int wanted = governor.Wanted(sample);
       if (i == 0) EXPECT_EQ(wanted, c.first);
@@ -57,7 +68,10 @@ TEST(GovernorTest, FindsHowManyConnectionsAreWorthIt) {
       sample.bytes = static_cast<std::int64_t>(bytes);
     }
     EXPECT_EQ(governor.Wanted(sample), c.settled);
-    EXPECT_LE(highest, c.settled * 3 / 2) << "it tries a little more than is worth it";
+    if (!c.plenty)
+      EXPECT_LE(highest, c.settled * 3 / 2) << "it tries a little more than is worth it";
+    if (c.plenty && c.settled == c.most && c.pace)
+      EXPECT_GE(bytes, c.pace(c.most) * 0.95 * looks / 20) << "trying costs little";
     governor.Lower(2);
     EXPECT_EQ(governor.Wanted(sample), std::min(2, c.settled));
   }

@@ -55,6 +55,9 @@ class Store : public testing::Test {
     what.keepTimes = true;
     what.checks = what.usesPartNames = false;
     what.connections = 7;
+    what.expected = FileVersion{
+        .size = 5, .modified = -7, .kind = DigestKind::Sha1, .digest = std::string("\0\xFF", 2)};
+    what.tracked = true;
     what.jobs = {{.remote = "/to/a\nb", .local = "/from/a", .size = 5, .policy = Policy::KeepBoth},
                  {.remote = "/to/c",
                   .local = "/to/c",
@@ -328,10 +331,16 @@ class Killed : public Store {
     EXPECT_FALSE(WIFEXITED(status) && WEXITSTATUS(status) != 0) << "what was kept came again";
     return WIFEXITED(status);
   }
+  [[nodiscard]] bool IsMoved() const {
+    return std::ranges::all_of(
+        numbers_, [this](const auto& file) { return said_.ended.at(file.second) > 0; });
+  }
   void Check() const {
     QueueStore store(path_);
     const Rows rows = store.Load();
     ASSERT_TRUE(store.Trouble().IsEmpty()) << store.Trouble().English();
+    // A row goes once all of it has moved; the process may be killed just then.
+    if (rows.empty() && IsMoved()) return;
     std::size_t done = 0;
     for (const QueueStore::Row& row : rows) {
       for (const JobRecord& job : row.jobs) {

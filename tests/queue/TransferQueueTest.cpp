@@ -83,7 +83,6 @@ TEST_F(Rows, StartInTheirOrderWithinTheLimits) {
   Add(7, "k");
   Add(8, "l");
   EXPECT_EQ(AfterTick(), "RRWRRWRW") << "two of a server, whatever the case of its name, and five";
-  EXPECT_EQ(queue_.Before(8), 2);
   End(4);
   EXPECT_EQ(AfterTick(), "RRWDRRRW");
   queue_.SetLimits({.rows = 2, .rowsPerServer = 1});

@@ -43,6 +43,7 @@ struct SettingsValues {
   bool defaultpass = false;   ///< never set
   bool notify = true;         ///< tell the desktop of transfers that end behind the user's back
   bool showwindow = true;     ///< show the transfer window when a transfer is queued
+  std::string editor{};       ///< the command that edits text; "" for the desktop's
   bool classicStyle = false;  ///< which Style is in force
 
   friend bool operator==(const SettingsValues&, const SettingsValues&) = default;

@@ -57,6 +57,12 @@ const std::array kSettings{
             // folder.
             .emptied = "empty",
             .storesEmptied = false},
+    Setting{.key = "editor",
+            .variable = &Values::editor,
+            .tab = Misc,
+            .control = "Editor",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "&Program for Text:"),
+            .hint = QT_TRANSLATE_NOOP("corvane::PrefWindow", "The desktop’s")},
     Setting{
         .key = "shwtranwin",
         .variable = &Values::showwindow,

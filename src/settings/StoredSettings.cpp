@@ -75,16 +75,24 @@ void Copy(const Setting& setting, const SettingsValues& from, SettingsValues& to
   std::visit([&](auto variable) { to.*variable = from.*variable; }, setting.variable);
 }
 
-}  // namespace
-
-Text StoredSettings::ReadAtStart(const Conversion& convert) {
-  PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
-  BringUpToDate(set, convert);
+void ReadAll(const PreferenceSet& set) {
   SettingsValues values;
   for (const Setting& setting : AllSettings()) {
     std::visit(ReadValue{set, setting, values}, setting.variable);
   }
   ProcessSettings::Set(std::move(values));
+}
+
+}  // namespace
+
+void StoredSettings::Read() {
+  ReadAll(PreferenceSet(kSet));
+}
+
+Text StoredSettings::ReadAtStart(const Conversion& convert) {
+  PreferenceSet set(kSet, PreferenceSet::Saving::Gathered);
+  BringUpToDate(set, convert);
+  ReadAll(set);
   for (const FrameSetting& setting : {kMainFrame, kTransferFrame, kConnectionFrame}) {
     frames[setting.key].frame = GetWindowSetting(set, setting.key, setting.fallback);
   }

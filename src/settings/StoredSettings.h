@@ -28,6 +28,8 @@ class StoredSettings {
   /// older version is brought up to date, the shortcuts by `convert`. Returns why the set could not
   /// be read, an empty text when it was.
   static Text ReadAtStart(const Conversion& convert);
+  /// The same for a process that only looks: what is on the disk stays as it is.
+  static void Read();
   /// Takes over what the user set in the preferences window and stores it, as SettingsTable says.
   /// Returns why it could not be stored, an empty text when it was.
   static Text Apply(const SettingsValues& entered);

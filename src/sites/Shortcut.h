@@ -11,6 +11,8 @@ namespace corvane {
 struct Shortcut {
   std::string label{};
   Site site{};
+  std::string
+      folder{};  ///< the path of the folder in which it stands (ShortcutFolder); "" at the top
 
   friend bool operator==(const Shortcut&, const Shortcut&) = default;
 };

@@ -9,6 +9,7 @@
 #include "settings/Access.h"
 #include "sites/ParseUrl.h"
 #include "sites/SecretStore.h"
+#include "sites/ShortcutFolders.h"
 #include "sites/SiteExtras.h"
 
 namespace corvane {
@@ -16,6 +17,7 @@ namespace {
 
 constexpr const char* kSet = "shortcuts";
 constexpr const char* kLast = "howmany";  // the number of the last entry
+constexpr const char* kFolders = "folders";
 // Stored together with the converted entries, and there until the settings are known to say so too.
 constexpr const char* kConverted = "converted";
 constexpr auto kGathered = PreferenceSet::Saving::Gathered;
@@ -28,14 +30,14 @@ std::string ExtrasName(std::int32_t index) {
 std::optional<Shortcut> ReadEntry(const PreferenceSet& set, std::int32_t index) {
   auto shortcut = ParseUrl(GetString(set, std::to_string(index).c_str(), ""), false);
   if (shortcut.has_value()) {
-    TakeExtras(GetString(set, ExtrasName(index).c_str(), ""), shortcut->site);
+    TakeExtras(GetString(set, ExtrasName(index).c_str(), ""), *shortcut);
   }
   return shortcut;
 }
 
 void WriteEntry(PreferenceSet& set, std::int32_t index, const Shortcut& shortcut) {
   SaveString(set, std::to_string(index).c_str(), ShortcutStore::StoredForm(shortcut));
-  const std::string extras = ExtrasText(shortcut.site);
+  const std::string extras = ExtrasText(shortcut);
   if (extras.empty()) {
     PREFDelete(set.Handle(), ExtrasName(index).c_str());
   } else {
@@ -46,6 +48,14 @@ void WriteEntry(PreferenceSet& set, std::int32_t index, const Shortcut& shortcut
 void StoreEntry(PreferenceSet& set, std::int32_t index, const Shortcut& shortcut) {
   SaveInt32(set, kLast, index);
   WriteEntry(set, index, shortcut);
+}
+
+void WriteFolders(PreferenceSet& set, const std::vector<ShortcutFolder>& folders) {
+  if (folders.empty()) {
+    PREFDelete(set.Handle(), kFolders);
+  } else {
+    SaveString(set, kFolders, FoldersText(folders));
+  }
 }
 
 // The numbers from `first` to `last` under which entries are stored, readable or not. Goes by what
@@ -92,6 +102,14 @@ std::vector<Shortcut> ReadAll(const PreferenceSet& set, std::int32_t last) {
   return shortcuts;
 }
 
+// What the set holds up to the entry `last`.
+ShortcutStore::List ReadList(PreferenceSet& set, std::int32_t last) {
+  ShortcutStore::List list{ReadAll(set, last)};
+  list.folders = WholeFolders(FoldersFrom(GetString(set, kFolders, "")), list.shortcuts);
+  list.failure = set.Finish();
+  return list;
+}
+
 Shortcut FirstEntry() {
   return {.label = "Be Inc.",
           .site = {.host = "ftp.funet.fi",
@@ -133,12 +151,12 @@ ShortcutStore::List ShortcutStore::ReadForMenu() {
   {
     PreferenceSet set(kSet);
     const std::int32_t last = GetInt32(set, kLast, -1);
-    if (set.Handle() == nullptr || last != -1) return {ReadAll(set, last), set.Finish()};
+    if (set.Handle() == nullptr || last != -1) return ReadList(set, last);
   }
   PreferenceSet set(kSet, kGathered);
   // Another program may have been first.
   const std::int32_t last = GetInt32(set, kLast, -1);
-  if (set.Handle() == nullptr || last != -1) return {ReadAll(set, last), set.Finish()};
+  if (set.Handle() == nullptr || last != -1) return ReadList(set, last);
   const Shortcut first = FirstEntry();
   SaveString(set, "default", StoredForm(first));
   StoreEntry(set, 0, first);
@@ -152,7 +170,7 @@ bool ShortcutStore::AreTheFirst(const std::vector<Shortcut>& shortcuts) {
 
 ShortcutStore::List ShortcutStore::ReadForList() {
   PreferenceSet set(kSet);
-  return {ReadAll(set, GetInt32(set, kLast, 0)), set.Finish()};
+  return ReadList(set, GetInt32(set, kLast, 0));
 }
 
 std::int32_t ShortcutStore::CountOutOfReach() {
@@ -198,8 +216,10 @@ ShortcutStore::Added ShortcutStore::Add(const Shortcut& shortcut) {
   return {end, set.Finish(), within};
 }
 
-Text ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
+Text ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts,
+                            const std::vector<ShortcutFolder>& folders) {
   PreferenceSet set(kSet, kGathered);
+  WriteFolders(set, folders);
   if (GetInt32(set, kLast, 0) >= 0) PREFDelete(set.Handle(), "1");
   SaveInt32(set, "homany", -1);
   SaveInt32(set, kLast, static_cast<std::int32_t>(shortcuts.size()));
@@ -212,6 +232,19 @@ Text ShortcutStore::SaveAll(const std::vector<Shortcut>& shortcuts) {
     });
   });
   return set.Finish();
+}
+
+void ShortcutStore::KeepOpen(const std::vector<ShortcutFolder>& seen) {
+  PreferenceSet set(kSet, kGathered);
+  if (set.Handle() == nullptr) return;
+  const std::vector<Shortcut> shortcuts = ReadAll(set, GetInt32(set, kLast, -1));
+  auto folders = WholeFolders(FoldersFrom(GetString(set, kFolders, "")), shortcuts);
+  const auto before = folders;
+  for (ShortcutFolder& folder : folders) {
+    const auto now = std::ranges::find(seen, folder.path, &ShortcutFolder::path);
+    if (now != seen.end()) folder.open = now->open;
+  }
+  if (folders != before) WriteFolders(set, folders);
 }
 
 Text ShortcutStore::TakeOutPassword(const Site& kept) {

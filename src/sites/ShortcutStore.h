@@ -8,6 +8,7 @@
 
 #include "kit/Text.h"
 #include "sites/Shortcut.h"
+#include "sites/ShortcutFolders.h"
 
 namespace corvane {
 
@@ -31,8 +32,9 @@ class ShortcutStore {
   [[nodiscard]] static Return ComesBack(const Shortcut& shortcut);
 
   struct List {
-    std::vector<Shortcut> shortcuts;
-    Text failure{};  ///< why the store could not be read; empty when it was
+    std::vector<Shortcut> shortcuts{};
+    Text failure{};                         ///< why the store could not be read; empty when it was
+    std::vector<ShortcutFolder> folders{};  ///< all of them, each behind those around it
   };
   /// All entries, in order. A store that was never written gets its first entry; one that cannot be
   /// read now is left as it is.
@@ -59,10 +61,13 @@ class ShortcutStore {
   /// Stores one more entry, at the end or where reading ends before; an entry there that is no
   /// connection moves to the end. A store that was never written takes none.
   [[nodiscard]] static Added Add(const Shortcut& shortcut);
-  /// Stores the whole list, in one piece. Entries beyond its end stay on the disk, out of reach,
-  /// without a password that is kept for their login; an empty list leaves the first entry in
-  /// reach.
-  [[nodiscard]] static Text SaveAll(const std::vector<Shortcut>& shortcuts);
+  /// Stores the whole list and its folders, in one piece. Entries beyond its end stay on the disk,
+  /// out of reach, without a password that is kept for their login; an empty list leaves the first
+  /// entry in reach.
+  [[nodiscard]] static Text SaveAll(const std::vector<Shortcut>& shortcuts,
+                                    const std::vector<ShortcutFolder>& folders = {});
+  /// Keeps which of the stored folders are open; those of `seen` that are not stored stay out.
+  static void KeepOpen(const std::vector<ShortcutFolder>& seen);
 
   /// Takes the password out of every line that holds it, those out of reach included: the secret
   /// store keeps it from now on. Returns why that could not be stored.

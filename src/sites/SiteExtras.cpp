@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "sites/ShortcutFolders.h"
 #include "sites/SiteOf.h"
 #include "util/Percent.h"
 #include "util/PortFrom.h"
@@ -13,6 +14,7 @@ constexpr std::string_view kSecurity = "security=";
 constexpr std::string_view kEncoding = "encoding=";
 constexpr std::string_view kCertificate = "certificate=";
 constexpr std::string_view kConnections = "connections=";
+constexpr std::string_view kFolder = "folder=";
 constexpr std::string_view kAsks = "asks";
 constexpr std::string_view kKept = "kept";
 
@@ -27,7 +29,8 @@ std::string_view TakeWord(std::string_view& text) {
   return word;
 }
 
-void TakeExtra(std::string_view word, Site& site) {
+void TakeExtra(std::string_view word, Shortcut& shortcut) {
+  Site& site = shortcut.site;
   const auto value = [word](std::string_view name) {
     return PercentDecoded(word.substr(name.size())).value_or("");
   };
@@ -40,6 +43,8 @@ void TakeExtra(std::string_view word, Site& site) {
   } else if (word.starts_with(kConnections)) {
     site.connections =
         std::clamp<std::int32_t>(PortFrom(value(kConnections)), 0, Site::kMostConnections);
+  } else if (word.starts_with(kFolder)) {
+    shortcut.folder = CleanPath(value(kFolder));
   } else if (word == kAsks) {
     site.asksPassword = true;
   } else if (word == kKept) {
@@ -49,7 +54,8 @@ void TakeExtra(std::string_view word, Site& site) {
 
 }  // namespace
 
-std::string ExtrasText(const Site& site) {
+std::string ExtrasText(const Shortcut& shortcut) {
+  const Site& site = shortcut.site;
   std::string text;
   const auto add = [&text](std::string_view name, const std::string& value) {
     text.append(" ").append(name).append(PercentEncoded(value, "/"));
@@ -60,14 +66,15 @@ std::string ExtrasText(const Site& site) {
   if (!site.encoding.empty()) add(kEncoding, site.encoding);
   if (!site.clientCertificate.empty()) add(kCertificate, site.clientCertificate);
   if (site.connections > 0) add(kConnections, std::to_string(site.connections));
+  if (!shortcut.folder.empty()) add(kFolder, shortcut.folder);
   if (site.asksPassword) add(kAsks, {});
   if (site.keptPassword) add(kKept, {});
   return text.empty() ? "" : Login(site) + text;
 }
 
-void TakeExtras(std::string_view text, Site& site) {
-  if (TakeWord(text) != Login(site)) return;
-  while (!text.empty()) TakeExtra(TakeWord(text), site);
+void TakeExtras(std::string_view text, Shortcut& shortcut) {
+  if (TakeWord(text) != Login(shortcut.site)) return;
+  while (!text.empty()) TakeExtra(TakeWord(text), shortcut);
 }
 
 }  // namespace corvane

@@ -95,6 +95,7 @@ TEST_F(Settings, EveryRowIsStoredAndReadAgain) {
                                          "comparechecksums",
                                          "connectionspertransfer",
                                          "downloadlimit",
+                                         "editor",
                                          "existing",
                                          "firstretry",
                                          "partnames",

@@ -105,6 +105,34 @@ TEST_F(Shortcuts, KeepBesideTheirLineWhatItHasNoPlaceFor) {
   EXPECT_EQ(Entry("more 0"), "-") << "nothing to say";
 }
 
+TEST_F(Shortcuts, StandInFoldersBesideTheirLines) {
+  std::vector<Shortcut> all = {Named("one"), Named("two"), Named("three")};
+  all[0].folder = "Work/W e b";
+  all[2].folder = "Home";
+  all[2].site.user = "v";
+  EXPECT_TRUE(
+      ShortcutStore::SaveAll(all, {{"Empty"}, {"Work/W e b", false}, {"Work", false}}).IsEmpty());
+  EXPECT_EQ(Entry("0"), ShortcutStore::StoredForm(Named("one"))) << "the line is as described";
+  const auto folders = [] {
+    std::string text;
+    for (const auto& folder : ShortcutStore::ReadForList().folders) {
+      text += (folder.open ? "+" : "-") + folder.path + " ";
+    }
+    return text;
+  };
+  EXPECT_TRUE(ShortcutStore::ReadForMenu().shortcuts == all);
+  EXPECT_EQ(folders(), "+Empty -Work -Work/W e b +Home ") << "each behind those around it";
+  ShortcutStore::KeepOpen({{"Work"}, {"Home", false}, {"Discarded"}});
+  EXPECT_EQ(folders(), "+Empty +Work -Work/W e b -Home ");
+  // Another program has changed a login and taken the end off.
+  Put("shortcuts", "0", ShortcutStore::StoredForm(all[2]));
+  Put("shortcuts", "howmany", 1);
+  EXPECT_EQ(ShortcutStore::Read(0)->folder, "");
+  EXPECT_EQ(folders(), "+Empty +Work -Work/W e b -Home ");
+  Put("shortcuts", "folders", "+%GG x -/a//b/ +");
+  EXPECT_EQ(folders(), "+a -a/b ");
+}
+
 TEST_F(Shortcuts, APasswordThatIsKeptElsewhereLeavesEveryLine) {
   const auto with = [](const char* password, const char* user) {
     return ShortcutStore::StoredForm(

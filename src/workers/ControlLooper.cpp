@@ -128,6 +128,7 @@ void ControlLooper::TellFeatures() {
   tellsFeatures_ = false;
   Message features("CAPS"_what);
   features.AddInt32("copy", can ? 1 : 0);
+  features.AddInt32("times", session_->SetsTimes() ? 1 : 0);
   window_->PostMessage(std::move(features));
 }
 

@@ -66,10 +66,14 @@ Outcome FileDownload::Open(const LocalFolder& folder) {
   }
   const bool replaces = policy == Policy::Replace || policy == Policy::Newer;
   const int error = file_.Open(folder, work_.name, replaces ? Mode::Replace : Mode::CreateNew);
-  if (error == EEXIST && policy == Policy::Skip) {
-    return {Kind::Done, 0, Text("Left alone, for it is there already.")};
-  }
+  if (error == EEXIST) return LeaveAlone();
   return error == 0 ? Outcome{} : OpenFailure(work_.name, error);
+}
+
+// What stands there is somebody else's.
+Outcome FileDownload::LeaveAlone() const {
+  if (work_.job.policy != Policy::Skip) return OpenFailure(work_.name, EEXIST);
+  return {Kind::Done, 0, Text("Left alone, for it is there already.")};
 }
 
 // An earlier try has left a beginning, or may have: in the part file of a file that is replaced,
@@ -92,7 +96,7 @@ Outcome FileDownload::OpenBegun(const LocalFolder& folder) {
 Outcome FileDownload::Move() {
   std::unique_ptr<RemoteFile> data;
   Outcome outcome = Begin(data);
-  if (!outcome.IsDone()) return outcome;
+  if (!outcome.IsDone() || !data) return outcome;
   const DigestKind kind = run_.what.checks ? session_.OffersDigest() : DigestKind::None;
   Digest digest(kind);
   progress_.Rest(true);
@@ -121,7 +125,8 @@ Outcome FileDownload::Begin(std::unique_ptr<RemoteFile>& data) {
   return Resume(data);
 }
 
-// Begins a little before the end of what is there. Afterwards `data` stands where the file does.
+// Begins a little before the end of what is there. Afterwards `data` stands where the file does;
+// without data there is nothing to fetch.
 Outcome FileDownload::Resume(std::unique_ptr<RemoteFile>& data) {
   const std::int64_t have = file_.InitialSize();
   std::optional<std::int64_t> size;
@@ -147,7 +152,10 @@ Outcome FileDownload::Resume(std::unique_ptr<RemoteFile>& data) {
     progress_.Begin(have);
     return outcome;
   }
-  if (!ours_) return OpenFailure(work_.name, EEXIST);
+  if (!ours_) {
+    data.reset();
+    return LeaveAlone();
+  }
   const bool untouched = fromStart && (offset > 0 || !size || *size < have);
   if (!untouched) return Afresh(data);
   const int error = file_.StartAfresh();
@@ -179,7 +187,9 @@ Outcome FileDownload::Receive(RemoteFile& data, Digest& digest) {
 Outcome FileDownload::Finish(RemoteFile& data) {
   RemoteFile::Settled settled;
   const bool asksTime = run_.what.keepTimes && !work_.job.modified;
-  Outcome outcome = data.Finish({.askTime = asksTime, .more = run_.board.Ready() > 0}, settled);
+  Outcome outcome = data.Finish(
+      {.askSize = size_<0, .askTime = asksTime, .more = run_.board.Ready()> 0}, settled);
+  size_ = settled.size.value_or(size_);
   if (const auto time = ExactTime(settled.modified)) file_.SetTime(*time);
   if (outcome.kind != Kind::Lost || !reconnects_ || run_.cancelled) return outcome;
   std::optional<std::int64_t> size;
@@ -213,7 +223,7 @@ Outcome FileDownload::Verify(Digest& digest, Proof& proof) {
   const DigestKind kind = session_.OffersDigest();
   std::string theirs;
   progress_.Rest(true);
-  Outcome asked = session_.Checksum(work_.job.remote, kind, theirs);
+  Outcome asked = session_.Checksum(work_.job.remote, file_.Position(), kind, theirs);
   progress_.Rest(false);
   if (asked.kind == Kind::Lost || asked.kind == Kind::Cancelled) return asked;
   if (!asked.IsDone()) return {};

@@ -35,6 +35,7 @@ class FileDownload {
  private:
   Outcome Open(const LocalFolder& folder);
   Outcome OpenBegun(const LocalFolder& folder);
+  [[nodiscard]] Outcome LeaveAlone() const;
   Outcome Move();
   Outcome Begin(std::unique_ptr<RemoteFile>& data);
   Outcome Resume(std::unique_ptr<RemoteFile>& data);

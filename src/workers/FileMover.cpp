@@ -1,5 +1,7 @@
 #include "workers/FileMover.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <chrono>
 #include <exception>
@@ -24,9 +26,19 @@ std::int64_t Now() {
   return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
+constexpr std::size_t kLongestName = 4096;
+
+// A folder that was removed while it was open.
+bool IsGone(const LocalFolder& folder) {
+  struct stat status {};
+  return ::fstat(folder.Fd(), &status) == 0 && status.st_nlink == 0;
+}
+
 // A name that leads elsewhere is refused. What had a part file's name would be removed together
 // with the part files of killed transfers.
 Outcome CheckName(const JobBoard::Work& work, const transferStruct& what) {
+  if (work.InFolder() && SplitPath(work.job.remote).second.size() > kLongestName)
+    return Outcome::LocalError(Text("The name is longer than %1 bytes.", kLongestName));
   if (!what.download) {
     if (!work.InFolder() || Encoded(work.name, what.site.encoding)) return {};
     return Outcome::LocalError(
@@ -116,6 +128,11 @@ Outcome FileMover::CarryAll() {
       throw;
     }
     movingSince_ = 0;
+    // Without the folder there is no place for what follows either.
+    if (outcome.kind == Kind::LocalError && run_.what.download && IsGone(run_.target)) {
+      outcome = {Kind::LocalFull, 0,
+                 Text("The folder %1 is not there any more.", run_.what.targetFolder)};
+    }
     if (gaveUp_ && !outcome.IsDone())
       outcome = {Kind::Lost, 0, Text("Nothing comes from the server any more.")};
     if (Settle(*work, outcome, size)) return outcome;
@@ -151,15 +168,67 @@ Outcome FileMover::CarryFile(const JobBoard::Work& work, std::int64_t& size) {
     const LocalFolder* folder = nullptr;
     if (const int error = OpenFolder(SplitPath(work.job.local).first, folder); error != 0)
       return WriteFailure(error);
+    FileVersion before;
+    if (run_.what.tracked) outcome = AskVersion(work, Thorough::No, before);
+    if (!outcome.IsDone()) return outcome;
+    movingSince_ = Now();
     FileDownload download(run_, *session_, work, own_, heard_);
     outcome = download.Fetch(*folder);
     size = download.Size();
+    run_.NoteReach();
+    if (outcome.IsDone() && run_.what.tracked) outcome = TellFetched(work, before);
   } else {
     FileUpload upload(run_, *session_, work, own_, heard_);
     outcome = upload.Send();
     size = upload.Size();
+    run_.NoteReach();
+    if (outcome.trouble == Outcome::Trouble::Changed) {
+      TellVersion(work, upload.Found(), true);
+    } else if (outcome.IsDone() && run_.what.tracked) {
+      outcome = TellSent(work, size);
+    }
   }
   return outcome;
+}
+
+Outcome FileMover::AskVersion(const JobBoard::Work& work, Thorough thorough, FileVersion& version) {
+  movingSince_ = 0;
+  return corvane::AskVersion(*session_, work.job.remote, thorough, run_.cancelled, version);
+}
+
+// What was changed while it came may be half of the one and half of the other.
+Outcome FileMover::TellFetched(const JobBoard::Work& work, const FileVersion& before) {
+  FileVersion now;
+  if (Outcome asked = AskVersion(work, Thorough::Yes, now); !asked.IsDone()) return asked;
+  if (!MayBeSame(before, now)) {
+    return {Kind::Busy, 0, Text("The file was changed on the server while it was fetched.")};
+  }
+  TellVersion(work, now, false);
+  return {};
+}
+
+// What cannot be asked now is asked with the next try, which finds that all has arrived.
+Outcome FileMover::TellSent(const JobBoard::Work& work, std::int64_t size) {
+  FileVersion now;
+  Outcome asked = AskVersion(work, Thorough::Yes, now);
+  if (asked.kind == Kind::Refused) now = {.size = size};
+  if (!asked.IsDone() && asked.kind != Kind::Refused) return asked;
+  const bool ours = now.there && (now.size < 0 || now.size == size);
+  TellVersion(work, now, !ours);
+  if (ours) return {};
+  Outcome changed{
+      Kind::Refused, 0,
+      Text("\"%1\" has been changed on the server.", SplitPath(work.job.remote).second)};
+  changed.trouble = Outcome::Trouble::Changed;
+  return changed;
+}
+
+void FileMover::TellVersion(const JobBoard::Work& work, const FileVersion& version, bool changed) {
+  Message message("VRSN"_what);
+  message.AddString("path", work.job.remote);
+  message.AddBool("changed", changed);
+  AddVersion(message, version);
+  run_.row.PostMessage(std::move(message));
 }
 
 bool FileMover::Settle(const JobBoard::Work& work, const Outcome& outcome, std::int64_t size) {

@@ -9,6 +9,7 @@
 #include "kit/Mutex.h"
 #include "queue/JobBoard.h"
 #include "remote/RemoteSession.h"
+#include "workers/RemoteVersion.h"
 #include "workers/SessionPool.h"
 #include "workers/TransferRun.h"
 
@@ -56,6 +57,10 @@ class FileMover {
   [[nodiscard]] bool Settle(const JobBoard::Work& work, const Outcome& outcome, std::int64_t size);
   void Complete(const JobBoard::Work& directory);
   int OpenFolder(const std::string& local, const LocalFolder*& folder);
+  Outcome AskVersion(const JobBoard::Work& work, Thorough thorough, FileVersion& version);
+  Outcome TellFetched(const JobBoard::Work& work, const FileVersion& before);
+  Outcome TellSent(const JobBoard::Work& work, std::int64_t size);
+  void TellVersion(const JobBoard::Work& work, const FileVersion& version, bool changed);
   void TellAdded(const JobBoard::Work& work, std::int64_t size);
 
   TransferRun& run_;

@@ -73,6 +73,10 @@ void FileTransfer::Cancel() {
   changed_.NotifyAll();
 }
 
+void FileTransfer::CheckConnections() {
+  checkedFrom_ = Clock::now();
+}
+
 std::vector<std::shared_ptr<FileMover>> FileTransfer::Movers() {
   const MutexLock hold(lock_);
   return movers_;
@@ -116,7 +120,6 @@ Outcome FileTransfer::Prepare() {
   }
   run_.syncsAtEnd = description_.download && (board_->ChosenCount() > 1 || board_->HasTree());
   doneBefore_ = board_->Counted().done;
-  movedBefore_ = row_->Progress().moved;
   Tell();
   return {};
 }
@@ -236,8 +239,9 @@ void FileTransfer::Govern() {
   }
   sample.ready = board_->Ready();
   // While a tree is looked through there will be work for all.
-  if (sample.connected > 0 && !board_->Counted().complete)
-    sample.ready = std::max<int>(sample.ready, description_.connections);
+  const bool finding = sample.connected > 0 && !board_->Counted().complete;
+  if (finding) sample.ready = std::max<int>(sample.ready, description_.connections);
+  sample.plenty = finding || sample.ready >= 2 * description_.connections;
   const int wanted = governor_.Wanted(sample);
   if (wanted > all && sample.ready > 0 && sample.now >= noMore_) {
     for (int i = all; i < wanted; ++i) {
@@ -253,8 +257,13 @@ void FileTransfer::Govern() {
 
 // A connection on which nothing moves is as good as lost.
 void FileTransfer::Watch() {
+  using std::chrono::milliseconds;
+  const Clock::time_point from = checkedFrom_;
+  const auto since = std::chrono::duration_cast<milliseconds>(Clock::now() - from);
+  const bool checks = from != Clock::time_point() && since < 3 * checkLimit;
   for (const auto& mover : Movers()) {
-    if (mover->Silence() > stallLimit.count()) mover->GiveUp();
+    const milliseconds silence(mover->Silence());
+    if (silence > stallLimit || (checks && std::min(silence, since) > checkLimit)) mover->GiveUp();
   }
 }
 
@@ -295,10 +304,9 @@ void FileTransfer::Finish(const Outcome& outcome) {
   Tell();
   const JobBoard::Count count = board_->Counted();
   const bool failed = count.failed > 0;
-  // Bytes that went in vain are no way forward, unless it was the way that broke off.
-  TransferProgress& progress = row_->Progress();
-  progress.advanced =
-      count.done > doneBefore_ || (progress.moved > movedBefore_ && outcome.kind == Kind::Lost);
+  // Bytes that come again and again are no way forward.
+  const bool further = board_->Reach(run_.Reached());
+  row_->Progress().advanced = further || count.done > doneBefore_;
   const bool finished = outcome.IsDone() && !failed && !Cancelled();
   TransferEnd end = TransferEnd::Failed;
   if (finished) {
@@ -312,13 +320,16 @@ void FileTransfer::Finish(const Outcome& outcome) {
     window_->SetStatus(finished ? Text("Transfer Complete.") : Text("Transfer Interupted."));
     if (session_->IsLost()) TellLoss(*window_, session_->Host(), session_->HowLost());
   }
+  if (outcome.trouble == Outcome::Trouble::RefusedLogin) row_->PostMessage(Message("LGRF"_what));
   const bool untold = end == TransferEnd::Finished || end == TransferEnd::Cancelled;
   row_->SetEndState(end, untold ? Text() : Summary(outcome));
   if (finished) row_->PlaySound(description_.download ? Sound::Downloaded : Sound::Uploaded);
 }
 
 Text FileTransfer::Summary(const Outcome& outcome) const {
-  if (outcome.kind == Kind::Lost) return Text("The connection was lost: %1", outcome.text.Reason());
+  const bool wasThere = outcome.trouble == Outcome::Trouble::Other;
+  if (outcome.kind == Kind::Lost && wasThere)
+    return Text("The connection was lost: %1", outcome.text.Reason());
   const JobBoard::Count count = board_->Counted();
   const std::int64_t failed = count.failed;
   if (!outcome.IsDone() && outcome.kind != Kind::LocalFull) return outcome.text;

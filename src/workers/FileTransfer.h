@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -38,9 +39,12 @@ class FileTransfer : public MThread {
                std::shared_ptr<BrowserUi> window, std::shared_ptr<TransferSpeed> speed);
 
   void Cancel() override;
+  void CheckConnections() override;
 
   /// How long nothing may come or go while a file moves.
   std::chrono::milliseconds stallLimit = std::chrono::seconds(60);
+  /// The same for a while after CheckConnections.
+  std::chrono::milliseconds checkLimit = std::chrono::seconds(5);
 
  protected:
   std::int32_t Execute() override;
@@ -60,7 +64,6 @@ class FileTransfer : public MThread {
   [[nodiscard]] std::vector<std::shared_ptr<FileMover>> Movers() EXCLUDES(lock_);
   /// Drops those that have ended. How one of them ended that ends the transfer for now.
   void Reap() EXCLUDES(lock_);
-  [[nodiscard]] bool WaitsForTurn(const FileMover& mover, const Outcome& outcome);
   void Govern() EXCLUDES(lock_);
   void Watch() EXCLUDES(lock_);
   void Tell() EXCLUDES(lock_);
@@ -81,8 +84,8 @@ class FileTransfer : public MThread {
   Outcome ended_;               // what ended the last mover that did not end by itself
   Clock::time_point noMore_{};  // no mover is added until then
   Clock::time_point told_{};
-  std::int64_t doneBefore_ = 0;   // files, when this run began
-  std::int64_t movedBefore_ = 0;  // bytes, likewise
+  std::int64_t doneBefore_ = 0;                   // files, when this run began
+  std::atomic<Clock::time_point> checkedFrom_{};  // CheckConnections was called; epoch: it was not
   Mutex lock_;
   Condition changed_;
   std::vector<std::shared_ptr<FileMover>> movers_ GUARDED_BY(lock_);

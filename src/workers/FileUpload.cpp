@@ -1,6 +1,7 @@
 #include "workers/FileUpload.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "util/ErrorText.h"
 #include "util/PartFile.h"
 #include "workers/Comparing.h"
+#include "workers/RemoteVersion.h"
 #include "workers/TransferPump.h"
 
 namespace corvane {
@@ -19,6 +21,12 @@ using Learned = Habits::Learned;
 bool MayPass(const Outcome& outcome) {
   return outcome.kind == Kind::Lost || outcome.kind == Kind::Busy ||
          outcome.kind == Kind::Cancelled;
+}
+
+// Some servers say 550 where 553 is meant.
+bool IsOfTheName(const Outcome& outcome) {
+  constexpr std::array kCodes{501, 504, 550, 553};
+  return outcome.kind == Kind::Refused && std::ranges::find(kCodes, outcome.code) != kCodes.end();
 }
 
 }  // namespace
@@ -34,15 +42,72 @@ Outcome FileUpload::Send() {
         Text("Another transfer is writing %1 already.", SplitPath(work_.job.remote).second));
   }
   // What was sent of a file that has changed since is of no use.
-  const bool changed = work_.job.modified && *work_.job.modified != file_.InitialTime();
-  begun_ = (work_.job.begun && !changed) || work_.kept || work_.job.policy == Policy::Resume;
-  ours_ = work_.job.begun || Replaces() || work_.job.policy == Policy::Resume;
+  const bool resumes = work_.job.policy == Policy::Resume;
+  const bool changed =
+      work_.job.begun && work_.job.modified && *work_.job.modified != file_.InitialTime();
+  begun_ = !changed && (work_.job.begun || work_.kept || resumes);
+  ours_ = work_.job.begun || Replaces() || resumes;
+  bool arrived = false;
+  if (Outcome checked = CheckExpected(arrived); !checked.IsDone() || arrived) return checked;
   bool there = false;
   if (Outcome looked = LookThere(there); !looked.IsDone() || !looked.text.IsEmpty()) return looked;
   place_ = work_.job.remote;
-  if (Replaces() && there) GoAside();
+  if ((Replaces() && there) || (resumes && !begun_)) GoAside();
   if (!run_.BeginFile(work_.job.remote, Text("Uploading File."))) return Outcome::Cancelled();
   return SendThere();
+}
+
+// Whether what stands at its place is what may be replaced, or a beginning that an earlier try has
+// left there. Where all of it has `arrived` already, nothing is left to send.
+Outcome FileUpload::CheckExpected(bool& arrived) {
+  if (!run_.what.expected) return {};
+  progress_.Rest(true);
+  FileVersion now;
+  Outcome outcome = AskVersion(session_, work_.job.remote, Thorough::Yes, run_.cancelled, now);
+  bool ours = outcome.IsDone() && MayBeSame(*run_.what.expected, now);
+  const bool beginning = now.there && now.size >= 0 && now.size <= file_.InitialSize();
+  const bool whole = now.size == file_.InitialSize();
+  if (outcome.IsDone() && !ours && beginning && (whole || work_.job.begun)) {
+    outcome = Compare(now.size, ours);
+    arrived = ours && whole;
+  }
+  progress_.Rest(false);
+  if (!outcome.IsDone()) return outcome;
+  if (arrived) whole_ = now.size;
+  if (ours) return {};
+  found_ = now;
+  const std::string name = SplitPath(work_.job.remote).second;
+  Outcome changed{Kind::Refused, 0,
+                  !run_.what.expected->there ? Text("\"%1\" stands on the server by now.", name)
+                  : now.there                ? Text("\"%1\" has been changed on the server.", name)
+                                             : Text("\"%1\" is no longer on the server.", name)};
+  changed.trouble = Outcome::Trouble::Changed;
+  return changed;
+}
+
+// Whether the server's first bytes are those of the file.
+Outcome FileUpload::Compare(std::int64_t there, bool& same) {
+  std::unique_ptr<RemoteFile> data;
+  Outcome outcome = session_.OpenForReading(work_.job.remote, 0, data);
+  if (!outcome.IsDone()) return MayPass(outcome) ? outcome : Outcome{};
+  std::vector<char> theirs(std::size_t{64} * 1024);
+  std::vector<char> ours(theirs.size());
+  std::int64_t at = 0;
+  for (;;) {
+    if (run_.cancelled) return Outcome::Cancelled();
+    std::size_t got = 0;
+    if (outcome = data->Read(theirs, got); !outcome.IsDone()) return outcome;
+    if (got == 0) break;
+    std::size_t here = 0;
+    const std::span<char> block = std::span(ours).first(got);
+    if (file_.ReadAt(at, block, here) != 0 || here != got ||
+        !std::equal(block.begin(), block.end(), theirs.begin()))
+      return {};
+    at += static_cast<std::int64_t>(got);
+  }
+  outcome = data->Finish();
+  same = outcome.IsDone() && at == there;
+  return MayPass(outcome) ? outcome : Outcome{};
 }
 
 bool FileUpload::Replaces() const {
@@ -58,12 +123,13 @@ Outcome FileUpload::LookThere(bool& there) {
     if (Outcome asked = session_.Exists(work_.job.remote, there); !asked.IsDone()) return asked;
   }
   if (!there) return {};
-  if (work_.job.policy == Policy::Skip)
-    return {Kind::Done, 0, Text("Left alone, for it is there already.")};
-  return ExistsAlready();
+  return LeaveAlone();
 }
 
-Outcome FileUpload::ExistsAlready() const {
+// What stands there is somebody else's.
+Outcome FileUpload::LeaveAlone() const {
+  if (work_.job.policy == Policy::Skip)
+    return {Kind::Done, 0, Text("Left alone, for it is there already.")};
   return {Kind::Refused, 0, Text("\"%1\" exists already.", SplitPath(work_.job.remote).second)};
 }
 
@@ -74,23 +140,27 @@ void FileUpload::GoAside() {
   place_ = PathBelow(directory, PartFile::NameFor(name));
 }
 
-// A server may take no such name. What it refuses for another reason it refuses under the right
-// name too, and what stands there is worth more than a try.
+// A server may take no such name, which it is known for once it has taken the right one. What it
+// refuses for another reason it refuses under the right name too, and what stands there is worth
+// more than a try.
 Outcome FileUpload::SendThere() {
   Outcome outcome = Move();
   if (outcome.kind != Kind::Refused || !IsAside()) return outcome;
   (void)session_.RemoveFile(place_);
   if (!nameRefused_ || run_.habits->replacesByRename == Learned::Yes) return outcome;
-  run_.habits->replacesByRename = Learned::No;
+  fallsBack_ = true;
   place_ = work_.job.remote;
   begun_ = false;
+  bool arrived = false;
+  if (Outcome checked = CheckExpected(arrived); !checked.IsDone() || arrived) return checked;
   return Move();
 }
 
 Outcome FileUpload::Move() {
   std::unique_ptr<RemoteFile> data;
   Outcome outcome = Open(data);
-  if (!outcome.IsDone()) return outcome;
+  if (!outcome.IsDone() || !outcome.text.IsEmpty()) return outcome;
+  if (fallsBack_) run_.habits->replacesByRename = Learned::No;
   run_.board.SetBegun(work_.id, file_.InitialTime());
   const DigestKind kind = run_.what.checks ? session_.OffersDigest() : DigestKind::None;
   Digest digest(kind);
@@ -119,20 +189,21 @@ Outcome FileUpload::Move() {
   return {};
 }
 
-// Afterwards the file stands where `data` does; without data everything is there.
+// Afterwards the file stands where `data` does; without data everything is there. Done with a text
+// says that there is nothing to send.
 Outcome FileUpload::Open(std::unique_ptr<RemoteFile>& data) {
   bool afresh = true;
   if (begun_) {
+    const bool wasAside = IsAside();
     Outcome outcome = GoOn(data, afresh);
-    if (!outcome.IsDone() || !afresh) return outcome;
+    // An earlier try may have gone aside too.
+    if (outcome.IsDone() && afresh && IsAside() != wasAside) outcome = GoOn(data, afresh);
+    if (!outcome.IsDone() || !outcome.text.IsEmpty() || !afresh) return outcome;
   }
   begin_ = 0;
   progress_.Begin(0);
   Outcome outcome = session_.OpenForWriting(place_, 0, data);
-  constexpr int kNoRoom = 552;
-  constexpr int kNoRoomNow = 452;
-  nameRefused_ =
-      outcome.kind == Kind::Refused && outcome.code != kNoRoom && outcome.code != kNoRoomNow;
+  nameRefused_ = IsOfTheName(outcome);
   return outcome;
 }
 
@@ -146,7 +217,7 @@ Outcome FileUpload::GoOn(std::unique_ptr<RemoteFile>& data, bool& afresh) {
     bool exists = false;
     if (!ours_) outcome = session_.Exists(place_, exists);
     if (MayPass(outcome)) return outcome;
-    return exists ? ExistsAlready() : Outcome{};
+    return exists ? LeaveAlone() : Outcome{};
   }
   bool same = *there <= file_.InitialSize();
   if (same && *there > 0) outcome = CompareEnd(*there, same);
@@ -164,20 +235,21 @@ Outcome FileUpload::GoOn(std::unique_ptr<RemoteFile>& data, bool& afresh) {
     progress_.Begin(begin_);
   } else if (*there > 0 && !IsAside()) {
     // Something else stands there, or what cannot be gone on with.
-    if (!ours_) return ExistsAlready();
-    if (!work_.job.begun) GoAside();
+    if (!ours_) return LeaveAlone();
+    if (!work_.job.begun || work_.job.policy == Policy::Resume) GoAside();
   }
   return {};
 }
 
-// A server that does not let it be read back is believed where the beginning is this program's own.
+// A server that does not let it be read back is believed where the beginning is this program's own;
+// what is resumed may be somebody else's.
 Outcome FileUpload::CompareEnd(std::int64_t there, bool& same) {
   const std::int64_t offset = std::max<std::int64_t>(there - kTail, 0);
   std::unique_ptr<RemoteFile> data;
   Outcome outcome = session_.OpenForReading(place_, offset, data);
   if (MayPass(outcome)) return outcome;
   if (!outcome.IsDone()) {
-    same = work_.job.begun && (IsAside() || !Replaces());
+    same = work_.job.begun && work_.job.policy != Policy::Resume && (IsAside() || !Replaces());
     return {};
   }
   same = data->Offset() == offset;
@@ -233,7 +305,7 @@ Outcome FileUpload::Verify(Digest& digest, Proof& proof) {
   const DigestKind kind = session_.OffersDigest();
   std::string theirs;
   progress_.Rest(true);
-  Outcome asked = session_.Checksum(place_, kind, theirs);
+  Outcome asked = session_.Checksum(place_, file_.InitialSize(), kind, theirs);
   progress_.Rest(false);
   if (MayPass(asked)) return asked;
   if (!asked.IsDone()) return {};
@@ -249,6 +321,8 @@ Outcome FileUpload::Verify(Digest& digest, Proof& proof) {
 // Servers that do not replace by renaming have the old file removed first, once all of the new one
 // is known to be there.
 Outcome FileUpload::TakeName(std::int64_t sent) {
+  bool arrived = false;
+  if (Outcome checked = CheckExpected(arrived); !checked.IsDone()) return checked;
   Outcome outcome = session_.Rename(place_, work_.job.remote);
   if (outcome.IsDone()) {
     run_.habits->replacesByRename = Learned::Yes;
@@ -263,10 +337,11 @@ Outcome FileUpload::TakeName(std::int64_t sent) {
   std::optional<std::int64_t> size;
   if (Outcome asked = session_.Size(place_, size); MayPass(asked)) return asked;
   if (!there || size.value_or(sent) != sent) return outcome;
-  run_.habits->replacesByRename = Learned::No;
+  if (Outcome checked = CheckExpected(arrived); !checked.IsDone()) return checked;
   if (Outcome removed = session_.RemoveFile(work_.job.remote); !removed.IsDone())
     return MayPass(removed) ? removed : outcome;
   outcome = session_.Rename(place_, work_.job.remote);
+  if (outcome.IsDone()) run_.habits->replacesByRename = Learned::No;
   if (outcome.kind != Kind::Refused) return outcome;
   return {Kind::LocalError, outcome.code,
           Text("It arrived as %1 and could not get its name: %2", SplitPath(place_).second,

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "queue/JobBoard.h"
+#include "remote/FileVersion.h"
 #include "remote/RemoteSession.h"
 #include "util/LocalFile.h"
 #include "workers/TransferRun.h"
@@ -28,14 +29,18 @@ class FileUpload {
 
   /// Done with a text says that there was nothing to send.
   Outcome Send();
+  /// Where it ended because another state stands on the server than was expected: which one.
+  [[nodiscard]] const FileVersion& Found() const { return found_; }
   /// How many bytes were sent and stand there; -1 before.
   [[nodiscard]] std::int64_t Size() const { return whole_; }
 
  private:
   [[nodiscard]] bool Replaces() const;
   [[nodiscard]] bool IsAside() const { return place_ != work_.job.remote; }
+  Outcome CheckExpected(bool& arrived);
+  Outcome Compare(std::int64_t there, bool& same);
   Outcome LookThere(bool& there);
-  [[nodiscard]] Outcome ExistsAlready() const;
+  [[nodiscard]] Outcome LeaveAlone() const;
   void GoAside();
   Outcome SendThere();
   Outcome Move();
@@ -55,10 +60,12 @@ class FileUpload {
   LocalFile file_;
   std::string place_;         // where the bytes go
   bool begun_ = false;        // a beginning may stand there
-  bool nameRefused_ = false;  // the server does not take a file of that name
+  bool nameRefused_ = false;  // the server does not take a file of that name, it seems
+  bool fallsBack_ = false;    // and so it is tried under the right one
   bool ours_ = true;          // what stands there may be replaced
   std::int64_t begin_ = 0;    // where the bytes begin that are sent
   std::int64_t whole_ = -1;
+  FileVersion found_;
 };
 
 }  // namespace corvane

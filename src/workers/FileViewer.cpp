@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "remote/RemotePath.h"
 #include "remote/RemoteSession.h"
+#include "util/PictureBytes.h"
 #include "workers/ListingCache.h"
 
 namespace corvane {
@@ -13,20 +15,18 @@ namespace {
 
 Outcome Fill(RemoteFile& file, TextSink& viewer) {
   constexpr long kStep = 250;  // milliseconds
-  constexpr long kMostSilence = 120'000;
   std::vector<char> buffer(std::size_t{64} * 1024);
+  std::optional<bool> picture;
   for (;;) {
-    for (long silence = 0; !file.Wait(kStep); silence += kStep) {
+    while (!file.Wait(kStep))
       if (!viewer.Append({})) return {};
-      if (silence < kMostSilence) continue;
-      viewer.End(Text("The file is not complete: %1", Text("The server does not answer")));
-      return {};
-    }
     std::size_t count = 0;
     Outcome outcome = file.Read(buffer, count);
     if (outcome.IsDone() && count > 0) {
       const auto begin = buffer.begin();
-      const auto end = std::remove(begin, begin + static_cast<std::ptrdiff_t>(count), '\r');
+      auto end = begin + static_cast<std::ptrdiff_t>(count);
+      if (!picture) picture = LooksLikePicture({buffer.data(), count});
+      if (!*picture) end = std::remove(begin, end, '\r');
       if (viewer.Append({buffer.data(), static_cast<std::size_t>(end - begin)})) continue;
       viewer.End({});
       return {};

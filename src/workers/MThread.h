@@ -23,6 +23,9 @@ class MThread : public std::enable_shared_from_this<MThread> {
 
   /// Any thread: asks the work to end soon. Returns at once.
   virtual void Cancel();
+  /// Any thread: the network may be another one by now. A connection that says nothing from here on
+  /// is soon taken for lost. Returns at once.
+  virtual void CheckConnections() {}
   /// Any thread: whether Cancel was called.
   [[nodiscard]] bool Cancelled() const { return cancelled_.load(); }
   /// What Cancelled() returns, for those who look often; lives as long as the object.

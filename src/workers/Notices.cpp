@@ -67,6 +67,7 @@ Text AdviceFor(const Outcome& outcome) {
     case Trouble::Certificate:
       return Text("Ask the server's administrator for the certificate's fingerprint and compare.");
     case Trouble::TooMany:
+    case Trouble::Changed:
     case Trouble::Other: return {};
   }
   return {};

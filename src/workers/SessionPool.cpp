@@ -188,10 +188,17 @@ bool SessionPool::Clear() {
 }
 
 void SessionPool::Close() {
-  std::vector<Kept> over;
   {
     const MutexLock hold(lock_);
     closed_ = true;
+  }
+  EndKept();
+}
+
+void SessionPool::EndKept() {
+  std::vector<Kept> over;
+  {
+    const MutexLock hold(lock_);
     for (auto& [name, server] : servers_) {
       std::ranges::move(server->kept, std::back_inserter(over));
       server->kept.clear();

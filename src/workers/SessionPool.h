@@ -63,6 +63,8 @@ class SessionPool : public std::enable_shared_from_this<SessionPool> {
   void Full(const Site& site) EXCLUDES(lock_);
   /// How many sessions with that server are in use.
   [[nodiscard]] int Used(const Site& site) EXCLUDES(lock_);
+  /// Ends what is kept: the network may be another one by now.
+  void EndKept() EXCLUDES(lock_);
   /// Ends what is kept. Nothing is kept from then on.
   void Close() EXCLUDES(lock_);
 

@@ -4,13 +4,23 @@
 
 namespace corvane {
 
+namespace {
+
+// A path as a part of a sentence.
+std::string Short(const std::string& path) {
+  constexpr std::size_t kLongest = 1024;
+  return path.size() <= kLongest ? path : path.substr(0, kLongest) + "...";
+}
+
+}  // namespace
+
 void TransferNotes::Failed(const std::string& shown, const Outcome& outcome, bool alone) {
   {
     const MutexLock hold(lock_);
-    failedEntry_ = shown;
+    failedEntry_ = Short(shown);
     why_ = outcome.text;
   }
-  if (!alone) Note(Text("%1: %2", shown, outcome.text.Reason()));
+  if (!alone) Note(Text("%1: %2", Short(shown), outcome.text.Reason()));
 }
 
 void TransferNotes::Note(const Text& text) {

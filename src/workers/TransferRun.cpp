@@ -27,6 +27,12 @@ Outcome TransferRun::Delay() {
   return delay_;
 }
 
+void TransferRun::NoteReach() {
+  const std::int64_t there = row.Progress().there;
+  std::int64_t most = reached_;
+  while (most < there && !reached_.compare_exchange_weak(most, there)) continue;
+}
+
 void TransferRun::NoteTime(const Outcome& outcome, bool folder) {
   if (outcome.kind != Outcome::Kind::Refused) return;
   std::atomic<bool>& keeps = folder ? keepsFolderTimes : keepsTimes;

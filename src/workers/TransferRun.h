@@ -57,6 +57,9 @@ class TransferRun {
   void NoteDelay(const Outcome& outcome) EXCLUDES(lock_);
   /// The last such reason; Done where there was none.
   [[nodiscard]] Outcome Delay() EXCLUDES(lock_);
+  /// So much stands at its place now: what a run has come to is the most of it.
+  void NoteReach();
+  [[nodiscard]] std::int64_t Reached() const { return reached_; }
   /// The server was to set a time: a refusal is said once, and nothing of that kind is tried again.
   void NoteTime(const Outcome& outcome, bool folder) EXCLUDES(lock_);
   [[nodiscard]] bool KeepsTimes(bool folder) const {
@@ -66,6 +69,7 @@ class TransferRun {
  private:
   std::atomic<bool> keepsTimes;        // of files; the server has not refused to
   std::atomic<bool> keepsFolderTimes;  // likewise of folders
+  std::atomic<std::int64_t> reached_{0};
   Mutex lock_;
   Outcome delay_ GUARDED_BY(lock_);
 };

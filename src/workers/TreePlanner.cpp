@@ -45,8 +45,13 @@ Outcome TreePlanner::PlanDownload(const JobBoard::Work& directory, const LocalFo
   EntryCollector listing;
   Outcome listed = session_.List(where, listing);
   if (!listed.IsDone()) return listed;
-  if (!listed.text.IsEmpty()) run_.notes.Note(Text("%1: %2", directory.shown, listed.text));
-  heldNothing_ = !run_.board.Open(directory, where, JobsOf(directory, folder, listing.entries));
+  if (!listed.text.IsEmpty() && listing.tooLong.empty())
+    run_.notes.Note(Text("%1: %2", directory.shown, listed.text));
+  std::vector<TransferJob> jobs = JobsOf(directory, folder, listing.entries);
+  // They are refused in their turn.
+  for (const RemoteEntry& found : listing.tooLong)
+    jobs.push_back({.remote = found.name, .local = found.name, .kind = Kind::File});
+  heldNothing_ = !run_.board.Open(directory, where, std::move(jobs));
   return {};
 }
 
@@ -80,7 +85,9 @@ std::vector<TransferJob> TreePlanner::JobsOf(const JobBoard::Work& directory,
   for (const RemoteEntry& found : entries) {
     const std::string shown = directory.shown + "/" + found.name;
     if (found.kind == Kind::Link || found.kind == Kind::Device) {
-      run_.notes.Note(Text("Left out: %1 (%2)", shown, Text("a link or a special file")));
+      const Text why = found.unclear ? Text("the listing does not tell its name")
+                                     : Text("a link or a special file");
+      run_.notes.Note(Text("Left out: %1 (%2)", shown, why));
       continue;
     }
     std::string local = Decoded(found.name, run_.what.site.encoding);

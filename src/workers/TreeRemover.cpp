@@ -81,10 +81,14 @@ bool TreeRemover::DeleteDirectory(const std::string& path) {
 // last entry decides whether the directory's removal is tried.
 bool TreeRemover::DeleteEntries(const std::string& directory) {
   EntryCollector listing;
-  if (const Outcome listed = session_.List(directory, listing); !listed.IsDone()) {
+  const Outcome listed = session_.List(directory, listing);
+  if (!listed.IsDone()) {
     Note(directory, listed);
     return false;
   }
+  // What was not understood stands there still.
+  const Text& missing = listed.text;
+  if (!missing.IsEmpty()) Refuse(directory, missing);
   bool result = true;
   const auto end = listing.entries.end();
   for (auto at = listing.entries.begin(); at != end;) {
@@ -101,13 +105,17 @@ bool TreeRemover::DeleteEntries(const std::string& directory) {
     }
     if (session_.IsLost()) return false;
   }
-  return result;
+  return result && missing.IsEmpty();
 }
 
 bool TreeRemover::DeleteEntry(const std::string& directory, const RemoteEntry& entry) {
   const std::string path = PathBelow(directory, entry.name);
   if (entry.name.find('/') != std::string::npos) {
     Refuse(path, Text("Left alone, for the name leads elsewhere."));
+    return false;
+  }
+  if (entry.unclear) {
+    Refuse(path, Text("Left alone, for the listing does not tell its name."));
     return false;
   }
   switch (entry.kind) {

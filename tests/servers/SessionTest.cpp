@@ -326,7 +326,7 @@ TEST_P(WindowTest, TakesCommandsAhead) {
   if (GetParam().server == "proftpd") {
     Digest own(session.OffersDigest());
     own.Add(Bytes(19'000));
-    EXPECT_TRUE(session.Checksum(paths[19], session.OffersDigest(), digest).IsDone());
+    EXPECT_TRUE(session.Checksum(paths[19], 10, session.OffersDigest(), digest).IsDone());
     EXPECT_EQ(session.OffersDigest(), DigestKind::Sha512) << ui->Seen().log;
     EXPECT_EQ(digest, own.Take());
   }
@@ -353,6 +353,38 @@ TEST_P(WindowTest, TakesCommandsAhead) {
                   .IsDone());
   EXPECT_EQ(gone, 21U);
   EXPECT_EQ(habits->takesAhead, Habits::Learned::Yes) << ui->Seen().log;
+}
+
+// One that is not there, and a directory, among many.
+TEST_P(WindowTest, ChangesModes) {
+  const auto habits = std::make_shared<Habits>();
+  const auto ui = std::make_shared<RecordingBrowserUi>();
+  ui->answer = UserQuestion::Answer::Once;
+  MFtp session(where_, ui, nullptr, habits);
+  ASSERT_TRUE(session.Connect().IsDone()) << ui->Seen().log;
+  const std::string top = PathBelow(session.Directory(), "pub");
+  const auto at = [&](const char* name) { return PathBelow(top, name); };
+  const ModeChange changes[] = {{at("a b"), 0640},   {at(kKorean), 0600}, {at("none"), 0644},
+                                {at("empty"), 0444}, {at("old"), 0750},   {at("old/deep"), 0711}};
+  std::string told;
+  const Outcome ended = session.ChangeModes(changes, [&](std::size_t, const Outcome& outcome) {
+    return told += outcome.IsDone() ? 'D' : 'R', true;
+  });
+  EXPECT_TRUE(ended.IsDone()) << ended.text.English() << ui->Seen().log;
+  // It lets nobody who has no name.
+  if (GetParam().server == "vsftpd") {
+    EXPECT_EQ(told, "RRRRRR") << ui->Seen().log;
+    return;
+  }
+  EXPECT_EQ(told, "DDRDDD") << ui->Seen().log;
+  for (const ModeChange& change : changes) {
+    if (change.path == at("none")) continue;
+    const auto held = fs::status(pub_ / change.path.substr(top.size() + 1)).permissions();
+    EXPECT_EQ(static_cast<unsigned>(held), change.mode) << change.path;
+  }
+  RemoteEntry entry;
+  EXPECT_TRUE(session.Stat(at("old"), entry).IsDone());
+  EXPECT_EQ(entry.mode, "drwxr-x---") << ui->Seen().log;
 }
 
 // Pure-FTPd knows no encryption from the first byte on.

@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <tuple>
 
+#include "util/Digest.h"
+
 namespace corvane {
 
 namespace {
@@ -51,6 +53,10 @@ class ScriptedSession {
   }
 
   void Run() {
+    if (server_.encryptsAtOnce_) {
+      controlTls_ = Shake(control_.get());
+      if (!controlTls_) return;
+    }
     Perform("greeting", "");
     while (control_) {
       pollfd next = {control_.get(), POLLIN, 0};
@@ -83,7 +89,11 @@ class ScriptedSession {
     action_ = server_.Next(verb);
     if (action_.arrived) action_.arrived();
     if (verb == "PASV" || verb == "EPSV") std::tie(passive_, passivePort_) = server_.ListenOnHost();
-    action_.reply ? Say(*action_.reply) : Dispatch(verb, argument);
+    if (!action_.endless.empty()) {
+      SayForever();
+    } else {
+      action_.reply ? Say(*action_.reply) : Dispatch(verb, argument);
+    }
     if (action_.control == ControlEnd::Reset) MakeCloseReset(control_.get());
     if (action_.control != ControlEnd::Open) control_.reset();
   }
@@ -96,6 +106,7 @@ class ScriptedSession {
     if (const std::size_t at = text.find("{epsv}"); at != std::string::npos)
       text.replace(at, 6, std::to_string(passivePort_));
     if (text.empty()) return;
+    text = std::exchange(action_.before, {}) + text + std::exchange(action_.after, {});
     server_.NoteReply(text);
     if (action_.late) {
       held_ += text;
@@ -105,6 +116,14 @@ class ScriptedSession {
     for (std::size_t at = 0; at < text.size(); at += step) {
       if (!Write(control_.get(), std::string_view(text).substr(at, step))) return;
     }
+  }
+
+  void SayForever() {
+    constexpr std::size_t kMost = 2U << 20;
+    server_.NoteReply(action_.endless + "...\n");
+    std::string block;
+    while (block.size() < 65536) block += action_.endless;
+    for (std::size_t said = 0; said < kMost && Write(control_.get(), block);) said += block.size();
   }
 
   /// Says `success`, or that it cannot be done.
@@ -210,9 +229,19 @@ class ScriptedSession {
       Say("350 Restarting there.\r\n");
     } else if (verb == "LIST" || (verb == "MLSD" && action_.data)) {
       SendData(server_.Tree().Listing(directory_));
-    } else {
-      AboutPath(verb, VirtualTree::Join(directory_, argument));
+    } else if (verb == "FEAT") {
+      Features();
+    } else if (!AboutPath(verb, VirtualTree::Join(directory_, argument)) &&
+               !AboutFacts(verb, argument)) {
+      Say("502 Not known here.\r\n");
     }
+  }
+
+  void Features() {
+    std::istringstream lines(server_.Features());
+    std::string reply = "211-These:\r\n";
+    for (std::string line; std::getline(lines, line, '|');) reply += " " + line + "\r\n";
+    Say(server_.Features().empty() ? "502 Not known here.\r\n" : reply + "211 No more.\r\n");
   }
 
   void Port(std::string argument) {
@@ -239,8 +268,8 @@ class ScriptedSession {
     Say("200 Port noted.\r\n");
   }
 
-  /// Verbs about the file or directory at `path`.
-  void AboutPath(const std::string& verb, const std::string& path) {
+  /// Verbs about the file or directory at `path`; false for another.
+  bool AboutPath(const std::string& verb, const std::string& path) {
     VirtualTree& tree = server_.Tree();
     const std::optional<std::string> bytes = tree.File(path);
     if (verb == "CWD") {
@@ -255,6 +284,11 @@ class ScriptedSession {
       Judge(tree.Remove(path, false), "250 Deleted.\r\n");
     } else if (verb == "RMD") {
       Judge(tree.Remove(path, true), "250 Removed.\r\n");
+    } else if (verb == "RNFR") {
+      renamed_ = path;
+      Judge(tree.Exists(path), "350 And?\r\n");
+    } else if (verb == "RNTO") {
+      Judge(tree.Move(renamed_, path), "250 Renamed.\r\n");
     } else if (verb == "SIZE") {
       Judge(bytes.has_value(), "213 " + std::to_string(bytes ? bytes->size() : 0) + "\r\n");
     } else if (verb == "RETR" && !bytes && !action_.data) {
@@ -265,8 +299,43 @@ class ScriptedSession {
       ReceiveData(path,
                   bytes.value_or("").substr(0, verb == "APPE" ? std::string::npos : restart_));
     } else {
-      Say("502 Not known here.\r\n");
+      return false;
     }
+    return true;
+  }
+
+  /// Verbs that are dealt with where they are offered; false for another.
+  bool AboutFacts(const std::string& verb, const std::string& argument) {
+    const std::string listed = verb == "MLSD" ? "MLST" : verb;
+    if (server_.Features().find(listed) == std::string::npos) return false;
+    VirtualTree& tree = server_.Tree();
+    std::string name = verb == "MFMT" ? argument.substr(15) : argument;
+    std::erase(name, '"');
+    const std::string path = VirtualTree::Join(directory_, name);
+    const std::optional<std::string> bytes = tree.File(path);
+    if (verb == "MLSD") {
+      SendData(tree.Facts(directory_));
+    } else if (verb == "MLST") {
+      Judge(tree.Exists(path), "250-Here:\r\n " + tree.Fact(path, path) + "250 That is it.\r\n");
+    } else if (verb == "MDTM") {
+      Judge(bytes.has_value(), "213 20260112123400\r\n");
+    } else if (verb == "MFMT") {
+      Judge(bytes.has_value(), "213 Modify=20260112123400; it\r\n");
+    } else {
+      Judge(bytes.has_value(), "250 " + Sha256(bytes.value_or("")) + "\r\n");
+    }
+    return true;
+  }
+
+  static std::string Sha256(const std::string& bytes) {
+    Digest digest(DigestKind::Sha256);
+    digest.Add(bytes);
+    std::string hex;
+    for (const char c : digest.Take()) {
+      hex += "0123456789abcdef"[static_cast<unsigned char>(c) >> 4];
+      hex += "0123456789abcdef"[static_cast<unsigned char>(c) & 15];
+    }
+    return hex;
   }
 
   void SendData(const std::string& bytes) {
@@ -305,7 +374,10 @@ class ScriptedSession {
     }
     Say(data ? preliminary : "425 No data connection.\r\n");
     dataTls_ = data && controlTls_ ? Shake(data.get()) : nullptr;
-    if (controlTls_ && !dataTls_) data.reset();
+    if (data && controlTls_ && !dataTls_) {
+      data.reset();
+      if (action_.handshakeLimit == std::string::npos) Say("425 Not encrypted.\r\n");
+    }
     return data;
   }
 
@@ -344,6 +416,7 @@ class ScriptedSession {
   std::string ahead_;    // received, and no whole line yet
   std::string held_;     // replies that are late
   std::string directory_ = "/";
+  std::string renamed_;  // what RNFR has named
   std::size_t restart_ = 0;
   UniqueFd passive_;
   std::uint16_t passivePort_ = 0;
@@ -401,6 +474,11 @@ void ScriptedServer::Listen() {
 void ScriptedServer::On(const std::string& verb, ScriptedAction action, int occurrence) {
   const MutexLock hold(lock_);
   script_.insert_or_assign({verb, occurrence}, std::move(action));
+}
+
+void ScriptedServer::OnNext(const std::string& verb, ScriptedAction action) {
+  const MutexLock hold(lock_);
+  script_.insert_or_assign({verb, seen_[verb] + 1}, std::move(action));
 }
 
 ScriptedAction ScriptedServer::Next(const std::string& verb) {

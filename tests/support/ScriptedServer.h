@@ -36,8 +36,11 @@ struct ScriptedAction {
   /// becomes the two numbers of the passive port (PASV listens all the same),
   /// "{epsv}" the port as EPSV tells it.
   std::optional<std::string> reply = {};
-  bool late = false;        ///< what it says is held back for 2 seconds, or until the next command
-  bool byteByByte = false;  ///< every byte of a reply in a packet of its own
+  std::string before = {};   ///< sent ahead of what it says first, in one packet with it
+  std::string after = {};    ///< likewise, behind it
+  std::string endless = {};  ///< said again and again, until the client hangs up, in place of it
+  bool late = false;         ///< what it says is held back for 2 seconds, or until the next command
+  bool byteByByte = false;   ///< every byte of a reply in a packet of its own
 
   // LIST, RETR and STOR.
   bool strangerFirst = false;  ///< active: 127.0.0.2 connects and sends rubbish before the server
@@ -77,10 +80,19 @@ class ScriptedServer {
   /// all connections; 0 stands for every one that has no action of its own.
   void On(const std::string& verb, ScriptedAction action, int occurrence = 0);
 
-  /// From now on offers AUTH TLS with this identity.
-  void Encrypt(const TestIdentity& identity) {
+  /// Scripts the verb as it comes next.
+  void OnNext(const std::string& verb, ScriptedAction action);
+  /// From now on lists these lines of FEAT, joined with "|", and deals with those of MLST, MDTM,
+  /// MFMT and XSHA256 among them.
+  void Offer(const std::string& features) {
+    const MutexLock hold(lock_);
+    features_ = features;
+  }
+  /// From now on offers AUTH TLS with this identity; or encrypts from the first byte on.
+  void Encrypt(const TestIdentity& identity, bool atOnce = false) {
     const MutexLock hold(lock_);
     tls_ = std::make_shared<TlsServer>(identity);
+    encryptsAtOnce_ = atOnce;
   }
   /// From now on says `words` and closes where so many milliseconds pass without a command.
   void CloseIdle(int milliseconds, std::string words) {
@@ -114,6 +126,10 @@ class ScriptedServer {
     const MutexLock hold(lock_);
     return tls_;
   }
+  [[nodiscard]] std::string Features() const {
+    const MutexLock hold(lock_);
+    return features_;
+  }
   [[nodiscard]] ScriptedAction Next(const std::string& verb);
   void NoteCommand(const std::string& line) {
     const MutexLock hold(lock_);
@@ -136,7 +152,9 @@ class ScriptedServer {
   std::vector<std::string> commands_ GUARDED_BY(lock_);
   std::string dialogue_ GUARDED_BY(lock_);
   std::shared_ptr<TlsServer> tls_ GUARDED_BY(lock_);
+  std::string features_ GUARDED_BY(lock_);
   std::string idleWords_ GUARDED_BY(lock_);
+  std::atomic<bool> encryptsAtOnce_{false};
   std::atomic<int> idleLimit_{-1};
   std::atomic<int> closed_{0};
   std::thread thread_;

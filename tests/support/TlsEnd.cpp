@@ -7,6 +7,7 @@
 #include <openssl/x509v3.h>
 
 #include <array>
+#include <atomic>
 #include <cstdlib>
 
 #include "support/TemporaryDirectory.h"
@@ -27,7 +28,7 @@ void Extend(X509* certificate, int which, const std::string& value) {
 
 Identity Made(const std::string& name, bool expired, const Identity* authority) {
   constexpr long kDay = 86'400;
-  static long serial = 1;
+  static std::atomic<long> serial{1};
   Identity made;
   X509* const it = made.certificate.get();
   X509_set_version(it, X509_VERSION_3);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
@@ -48,6 +49,41 @@ class VirtualTree {
     }
     return lines;
   }
+  /// What MLSD says about a directory, and about one entry of it under a name.
+  [[nodiscard]] std::string Facts(const std::string& directory) const {
+    std::string lines;
+    for (const auto& [path, node] : Nodes()) {
+      if (path != "/" && Path(path).parent_path() == directory)
+        lines += Fact(path, Path(path).filename().string());
+    }
+    return lines;
+  }
+  [[nodiscard]] std::string Fact(const std::string& path, const std::string& name) const {
+    const auto node = Find(path).value_or(Node{'-', ""});
+    const std::string size =
+        node.type == 'd' ? "" : "size=" + std::to_string(node.text.size()) + ";";
+    return std::string("type=") + (node.type == 'd' ? "dir" : "file") + ";" + size +
+           "modify=20260112123400; " + name + "\r\n";
+  }
+  /// Everything that is there, by path, with its kind ('-', 'd' or 'l') ahead of its text.
+  [[nodiscard]] std::map<std::string, std::string> Everything() const {
+    std::map<std::string, std::string> all;
+    for (const auto& [path, node] : Nodes()) all[path] = node.type + node.text;
+    return all;
+  }
+  /// Gives an entry, with what is in it, another path; false where there is none. A file that
+  /// stands there is replaced.
+  bool Move(const std::string& from, const std::string& to) EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    std::map<std::string, Node> moved;
+    for (auto at = nodes_.lower_bound(from); at != nodes_.end();) {
+      const bool inside = at->first == from || at->first.starts_with(from + "/");
+      if (inside) moved[to + at->first.substr(from.size())] = at->second;
+      at = inside ? nodes_.erase(at) : std::next(at);
+    }
+    for (auto& [path, node] : moved) nodes_.insert_or_assign(path, node);
+    return !moved.empty();
+  }
   /// Removes an empty directory, or what is none; false where the other kind stands.
   bool Remove(const std::string& path, bool directory) {
     const auto node = Find(path);
@@ -66,6 +102,10 @@ class VirtualTree {
   static std::string Line(char type, std::size_t size, const std::string& name) {
     const std::string start = "rwxr-xr-x 1 ftp ftp " + std::to_string(size);
     return type + start + " Jan 12 12:34 " + name + "\r\n";
+  }
+  [[nodiscard]] std::map<std::string, Node> Nodes() const EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    return nodes_;
   }
   [[nodiscard]] std::optional<Node> Find(const std::string& path) const EXCLUDES(lock_) {
     const MutexLock hold(lock_);

@@ -13,6 +13,7 @@
 #include "kit/Background.h"
 #include "remote/RemotePath.h"
 #include "support/Files.h"
+#include "support/NextHost.h"
 #include "support/RecordingBrowserUi.h"
 #include "support/RecordingTransferUi.h"
 #include "support/ScriptedServer.h"
@@ -25,16 +26,11 @@ namespace corvane {
 
 namespace fs = std::filesystem;
 
-/// A loopback address that no other server of this process has.
-inline NLAddress NextHost() {
-  static std::atomic<std::uint32_t> last = 0x7F010000;
-  return {in_addr{htonl(++last)}, 0};
-}
-
 /// One transfer between a local folder and "/pub", on its own connection or on a browser's.
 struct Job {
   ScriptedServer server{NextHost()};
   TemporaryDirectory folder;
+  TemporaryDirectory queue;  ///< for what is kept of it
   std::shared_ptr<RecordingTransferUi> row = std::make_shared<RecordingTransferUi>();
   std::shared_ptr<RecordingBrowserUi> browser;  ///< of a shared connection
   std::shared_ptr<MFtp> session;                ///< of a shared connection
@@ -78,11 +74,13 @@ struct Job {
     description.jobs.push_back({PathBelow("/pub", name), folder.Path() / name, {}, -1, policy});
   }
 
-  void Start() {
+  void Start(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
     if (!board) board = std::make_shared<JobBoard>(description);
     worker =
         browser ? std::make_shared<FileTransfer>(row, description, board, session, browser, nullptr)
                 : std::make_shared<FileTransfer>(row, description, board, pool, nullptr);
+    worker->stallLimit = limit;
+    worker->checkLimit = std::chrono::milliseconds(300);
     worker->Run();
   }
 

@@ -53,9 +53,12 @@ bool Harmless(const std::string& verb, const std::string& fault, bool shared) {
   // The file is whole, which a new connection of the transfer's own confirms.
   const bool gone = fault == "closed in the end" || fault == "garbage in the end";
   if (gone) return !shared && verb != "LIST";
+  // What is asked at once there may have been the reason.
+  const bool tried = verb == "SYST" || verb == "TYPE";
+  if (tried && (fault == "closed" || fault == "reset" || fault == "garbage")) return true;
   if (fault.starts_with("said") || fault == "stranger first") return true;
   if (fault != "4yz" && fault != "5yz") return false;
-  return verb == "SYST" || verb == "TYPE" || verb == "PWD" || verb == "PORT" || verb == "PASV" ||
+  return tried || verb == "PWD" || verb == "PORT" || verb == "PASV" ||
          (verb == "LIST" && fault == "5yz");
 }
 

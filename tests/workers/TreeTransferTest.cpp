@@ -149,7 +149,7 @@ TEST(TreeTransfer, GoesOnAfterARefusal) {
   for (const auto& [verb, reply, note] : cases) {
     Job job;
     for (const char* path : {"/pub/d/a", "/pub/d/b"}) job.server.Tree().AddFile(path, "x");
-    job.server.On(verb, {.reply = reply}, *verb == 'L' ? 1 : 2);
+    job.server.On(verb, {.reply = reply}, *verb == 'L' ? 0 : 2);
     job.Fetch("d", RemoteEntry::Kind::Directory);
     job.Fetch("f");
     EXPECT_EQ(job.Run(), TransferEnd::Failed);

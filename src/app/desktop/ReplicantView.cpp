@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/desktop/TrayShortcuts.h"
+#include "app/shared/FolderMenus.h"
 #include "app/shared/Icons.h"
 #include "app/shared/OpenMessage.h"
 #include "app/shared/ScreenText.h"
@@ -24,6 +25,7 @@ ReplicantView::ReplicantView(std::function<void(const Message&)> launch)
 
 void ReplicantView::SetupPopUpMenu() {
   menu_.clear();
+  qDeleteAll(menu_.findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
   connect(menu_.addAction(tr("&Launch Corvane")), &QAction::triggered, this,
           [this] { launch_(Message("RUNN"_what)); });
   menu_.addSeparator();
@@ -36,8 +38,10 @@ void ReplicantView::SetupPopUpMenu() {
 void ReplicantView::SetupShortcuts(QMenu* menu) {
   const auto shortcuts = ReadForTray().value_or(std::vector<TrayShortcut>());
   if (shortcuts.empty()) menu->addAction(tr("The shortcuts could not be read."))->setEnabled(false);
+  FolderMenus menus(*menu);
+  for (const TrayShortcut& shortcut : shortcuts) menus.Of(shortcut.folder);
   for (const TrayShortcut& shortcut : shortcuts) {
-    connect(menu->addAction(ItemText(shortcut.name)), &QAction::triggered, this,
+    connect(menus.Of(shortcut.folder).addAction(ItemText(shortcut.name)), &QAction::triggered, this,
             [this, open = shortcut.open] { Open(open); });
   }
 }

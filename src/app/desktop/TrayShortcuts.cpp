@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "app/shared/OpenMessage.h"
+#include "app/shared/Style.h"
+#include "settings/StoredSettings.h"
 #include "sites/ShortcutStore.h"
 #include "util/UniqueFd.h"
 
@@ -25,11 +27,14 @@ constexpr std::uint32_t kBytes = "OPNC"_what;
 
 std::string WithoutPasswords() {
   Message list(kWhole);
+  StoredSettings::Read();
+  const bool inFolders = Style::InForce().ShowsFolders();
   for (Shortcut& shortcut : ShortcutStore::ReadForMenu().shortcuts) {
     shortcut.site.password.clear();
     Message open = OpenMessage(shortcut.site);
     open.AddBool("saved", true);
     list.AddString("name", NameOf(shortcut));
+    list.AddString("folder", inFolders ? shortcut.folder : "");
     list.AddData("open", kBytes, open.Flatten());
   }
   return list.Flatten();
@@ -85,7 +90,9 @@ std::optional<std::vector<TrayShortcut>> ReadForTray() {
   std::vector<TrayShortcut> shortcuts;
   for (std::size_t i = 0; i < list->CountValues("name"); ++i) {
     auto open = Message::Unflatten(list->FindData("open", kBytes, i).value_or(""));
-    if (open) shortcuts.push_back({list->FindString("name", i).value_or(""), std::move(*open)});
+    if (!open) continue;
+    shortcuts.push_back({list->FindString("name", i).value_or(""),
+                         list->FindString("folder", i).value_or(""), std::move(*open)});
   }
   return shortcuts;
 }

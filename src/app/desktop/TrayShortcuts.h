@@ -11,7 +11,8 @@ namespace corvane {
 /// A shortcut as the tray knows it.
 struct TrayShortcut {
   std::string name;
-  Message open;  ///< the 'OPNC' for it, without its password but with "saved"
+  std::string folder;  ///< the path of the folder in whose menu it stands; "" at the top
+  Message open;        ///< the 'OPNC' for it, without its password but with "saved"
 };
 
 /// Reads the shortcuts in a process of its own, which ends at once and takes along what their lines

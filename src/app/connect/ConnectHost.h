@@ -38,7 +38,7 @@ struct ConnectHost {
 struct ShortcutHost {
   virtual ~ShortcutHost() = default;
 
-  /// Takes 'NWST'.
+  /// Takes 'NWST' and 'OPNC'.
   virtual void PostMessage(const Message& message) = 0;
   /// The editor on `shortcut`, a new one or, with `change`, one of the list. An editor in which
   /// something was typed comes forward as it is. `opener` says where it stands.
@@ -52,6 +52,11 @@ struct ShortcutHost {
   /// What was kept for shortcuts of `before`, and for none of `now`, goes.
   virtual void ForgetPasswords(const std::vector<Shortcut>& before,
                                const std::vector<Shortcut>& now) = 0;
+  /// Finds the passwords that are kept for shortcuts. `then` gets them with those that were found,
+  /// and how many were not; at once or later.
+  virtual void FindPasswords(
+      std::vector<Shortcut> shortcuts,
+      std::function<void(std::vector<Shortcut> shortcuts, int missing)> then) = 0;
   /// Whether passwords go to the keyring; `then` hears it at once or later.
   virtual void AskWhetherKept(std::function<void(bool)> then) = 0;
   [[nodiscard]] virtual StartWin& ConnectionWindow() = 0;

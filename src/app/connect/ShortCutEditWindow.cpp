@@ -76,6 +76,7 @@ void ShortCutEditWindow::Edit(const Shortcut& record, Change change) {
   ok_->setText(change_ ? tr("Chan&ge") : tr("&Add"));
   form_->FillTexts(record);
   form_->FillMode(record);
+  folder_ = record.folder;
   form_->label->setFocus();
   form_->label->selectAll();
   filled_ = form_->Entered();
@@ -103,6 +104,7 @@ void ShortCutEditWindow::PlaceBeside(const QWidget& opener) {
 
 Shortcut ShortCutEditWindow::Entered() const {
   Shortcut entered = form_->Entered();
+  entered.folder = folder_;
   if (entered.label.empty()) entered.label = entered.site.host;
   std::string& path = entered.site.path;
   if (!path.empty() && path.front() != '/') path.insert(0, "/");
@@ -166,7 +168,7 @@ void ShortCutEditWindow::AddKept(const Shortcut& entered) {
   if (!added.failure.IsEmpty()) {
     return Warn(tr("The shortcut could not be saved."), Shown(added.failure));
   }
-  if (added.within) {
+  if (added.within || !entered.folder.empty()) {
     app_.ConnectionWindow().MessageReceived(Message("REDO"_what));
   } else {
     Message item("NWST"_what);

@@ -48,7 +48,8 @@ class ShortCutEditWindow : public QWidget {
   void ShowWhereKept();
 
   ShortcutHost& app_;
-  Shortcut filled_;  // what the fields say as long as nobody has typed
+  Shortcut filled_;     // what the fields say as long as nobody has typed
+  std::string folder_;  // of what is edited
   Change change_;
   bool asking_ = false;
   ConnectionForm* form_;

@@ -4,6 +4,7 @@
 #include <QKeySequence>
 #include <utility>
 
+#include "app/connect/FolderItem.h"
 #include "app/shared/EncryptionField.h"
 #include "app/shared/ScreenText.h"
 #include "sites/ShortcutStore.h"
@@ -26,8 +27,17 @@ QString Cell(const std::string& text) {
 
 }  // namespace
 
-ShortCutItem::ShortCutItem(Shortcut shortcut) : id_(NextId()) {
+ShortCutItem::ShortCutItem(Shortcut shortcut) : QTreeWidgetItem(kType), id_(NextId()) {
+  setFlags(flags() & ~Qt::ItemIsDropEnabled);
   SetStored(std::move(shortcut));
+}
+
+ShortCutItem* ShortCutItem::Of(QTreeWidgetItem* item) {
+  return item != nullptr && item->type() == kType ? static_cast<ShortCutItem*>(item) : nullptr;
+}
+
+bool ShortCutItem::operator<(const QTreeWidgetItem& other) const {
+  return StandsBefore(*this, other);
 }
 
 void ShortCutItem::SetStored(Shortcut shortcut) {

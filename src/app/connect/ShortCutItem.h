@@ -14,13 +14,22 @@ class ShortCutItem : public QTreeWidgetItem {
   enum Column { kLabel, kHost, kUser, kPath, kMode, kEncryption, kKey };
   /// Of a cell that warns: the name of the symbol before its text.
   static constexpr int kWarning = Qt::UserRole;
+  /// Of a folder's label: the name of its symbol.
+  static constexpr int kSign = Qt::UserRole + 1;
+
+  static constexpr int kType = QTreeWidgetItem::UserType;
 
   explicit ShortCutItem(Shortcut shortcut);
 
-  /// Identifies the row. A row that was made later has a higher number.
+  /// The row as a shortcut; null where it is another one, or none.
+  [[nodiscard]] static ShortCutItem* Of(QTreeWidgetItem* item);
+
+  /// Identifies the row.
   [[nodiscard]] int Id() const { return id_; }
   [[nodiscard]] const Shortcut& Record() const { return record_; }
   void SetRecord(Shortcut shortcut);
+  /// Puts the shortcut into the folder of that path.
+  void SetFolder(const std::string& folder) { record_.folder = folder; }
   /// The record as it has been stored.
   void SetStored(Shortcut shortcut);
   /// The record, and where its password has been kept.
@@ -29,6 +38,8 @@ class ShortCutItem : public QTreeWidgetItem {
   void ShowKey(int number);
   /// The record's stored form.
   [[nodiscard]] std::string ReturnUrl() const;
+
+  bool operator<(const QTreeWidgetItem& other) const override;
 
  private:
   const int id_;

@@ -1,34 +1,24 @@
 #include "app/connect/ShortCutWindow.h"
 
-#include <QApplication>
-#include <QClipboard>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPointer>
-#include <QTreeWidget>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
 #include "app/connect/ConnectHost.h"
-#include "app/connect/ShortCutDelegate.h"
 #include "app/connect/ShortCutItem.h"
-#include "app/shared/Alerts.h"
+#include "app/connect/ShortcutTree.h"
 #include "app/shared/Frames.h"
 #include "app/shared/IconButton.h"
 #include "app/shared/Rule.h"
-#include "app/shared/ScreenText.h"
 #include "app/shared/SmallView.h"
 #include "app/shared/StatusLine.h"
-#include "app/shared/Style.h"
-#include "app/shared/Windows.h"
-#include "settings/ProcessSettings.h"
-#include "sites/ParseUrl.h"
-#include "sites/SecurityOf.h"
+#include "app/shared/Symbols.h"
 #include "sites/ShortcutStore.h"
-#include "sites/SiteOf.h"
 
 namespace corvane {
 namespace {
@@ -51,12 +41,15 @@ constexpr Column kColumns[] = {
 
 }  // namespace
 
-ShortCutWindow::ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& shortcuts)
-    : app_(app), list_(new QTreeWidget(this)), status_(new StatusLine(this)) {
+ShortCutWindow::ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& shortcuts,
+                               const std::vector<ShortcutFolder>& folders)
+    : app_(app), list_(new ShortcutTree(this)), status_(new StatusLine(this)) {
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(tr("Shortcuts[*]"));
   setMinimumHeight(200);
-  MakeList(shortcuts);
+  MakeList();
+  list_->Add(shortcuts, folders);
+  list_->Select(list_->topLevelItem(0));
   auto* whole = new QWidget(this);
   auto* layout = new QVBoxLayout(whole);
   layout->setContentsMargins({});
@@ -70,7 +63,8 @@ ShortCutWindow::ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& s
   list_->setFocus();
   // Wide enough for the columns as they are at first.
   QRect frame(QPoint(290, 110), QSize(808, 336));
-  frame.setWidth(std::max(frame.width(), list_->header()->length() + 2 * list_->frameWidth()));
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  frame.setWidth(std::max(frame.width(), list_->header()->length() + bar));
   setGeometry(Frames::OnScreen(frame));
   MakeMenus();
   MenusBeginning();
@@ -78,18 +72,10 @@ ShortCutWindow::ShortCutWindow(ShortcutHost& app, const std::vector<Shortcut>& s
 
 ShortCutWindow::~ShortCutWindow() {
   list_->disconnect(this);
+  ShortcutStore::KeepOpen(list_->Folders());
 }
 
-void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
-  list_->setObjectName("MainShrtCtView");
-  list_->setAccessibleName(tr("Shortcuts"));
-  list_->setRootIsDecorated(false);
-  list_->setUniformRowHeights(true);
-  list_->setAllColumnsShowFocus(true);
-  list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  list_->setFrameShape(QFrame::NoFrame);
-  list_->setItemDelegate(new ShortCutDelegate(list_));
-  list_->setContextMenuPolicy(Qt::CustomContextMenu);
+void ShortCutWindow::MakeList() {
   QStringList titles;
   for (const Column& column : kColumns) titles.append(tr(column.title));
   list_->setHeaderLabels(titles);
@@ -105,14 +91,14 @@ void ShortCutWindow::MakeList(const std::vector<Shortcut>& shortcuts) {
   connect(header, &QHeaderView::sectionResized, this, [header, least](int column, int, int width) {
     if (width < least(column)) header->resizeSection(column, least(column));
   });
-  for (const Shortcut& shortcut : shortcuts) list_->addTopLevelItem(new ShortCutItem(shortcut));
-  Select(Row(0));
   // In the order of the menu, until a click on a title sorts it.
   header->setSortIndicator(-1, Qt::AscendingOrder);
-  list_->setSortingEnabled(true);
   connect(list_, &QTreeWidget::itemSelectionChanged, this, &ShortCutWindow::MenusBeginning);
-  connect(list_, &QTreeWidget::itemActivated, this, &ShortCutWindow::EditSelected);
+  connect(list_, &QTreeWidget::itemActivated, this, &ShortCutWindow::Activate);
   connect(list_, &QTreeWidget::customContextMenuRequested, this, &ShortCutWindow::ShowContextMenu);
+  connect(list_, &ShortcutTree::Rearranged, this, [this] { SetChanged(true); });
+  connect(list_, &ShortcutTree::NameRefused, this, &ShortCutWindow::ShowStatus);
+  connect(list_, &ShortcutTree::Escaped, this, [this] { search_->clear(); });
 }
 
 QWidget* ShortCutWindow::MakeToolBar() {
@@ -131,46 +117,44 @@ QWidget* ShortCutWindow::MakeToolBar() {
   editButton_ = add("pencil", tr("Edit"), "ITMV"_what);
   removeButton_ = add("trash", tr("Remove"), "REMI"_what);
   row->addStretch();
+  row->addWidget(MakeSearch(bar));
+  row->addSpacing(8);
   add("save", tr("Save"), "SVPF"_what);
   return bar;
 }
 
-void ShortCutWindow::ShowContextMenu(const QPoint& place) {
-  auto* menu = new QMenu(this);
-  menu->setAttribute(Qt::WA_DeleteOnClose);
-  if (list_->itemAt(place) != nullptr) {
-    menu->addActions({edit_, remove_, copy_});
-    menu->addSeparator();
-  }
-  menu->addAction(new_);
-  menu->popup(list_->viewport()->mapToGlobal(place));
+QWidget* ShortCutWindow::MakeSearch(QWidget* bar) {
+  constexpr int kWidth = 200;
+  search_ = new QLineEdit(bar);
+  search_->setObjectName("Search");
+  search_->setAccessibleName(tr("Search the shortcuts"));
+  search_->setPlaceholderText(tr("Search"));
+  search_->setFixedWidth(kWidth);
+  search_->addAction(Symbol("search"), QLineEdit::LeadingPosition)
+      ->setText(search_->accessibleName());
+  search_->installEventFilter(this);
+  connect(search_, &QLineEdit::textChanged, this, &ShortCutWindow::Search);
+  return search_;
 }
 
-void ShortCutWindow::MakeMenus() {
-  menuBar()->setObjectName("ShortcutWinMenuBar");
-  const auto add = [this](QMenu* menu, const QString& text, const QKeySequence& key,
-                          std::uint32_t what) {
-    return menu->addAction(text, key, this, [this, what] { MessageReceived(Message(what)); });
-  };
-  QMenu* file = menuBar()->addMenu(tr("&File"));
-  new_ = add(file, tr("&New Shortcut"), QKeySequence("Ctrl+N"), "nwst"_what);
-  edit_ = add(file, tr("&Edit Shortcut"), QKeySequence("Ctrl+E"), "ITMV"_what);
-  remove_ = add(file, tr("&Remove Shortcut"), {}, "REMI"_what);
-  remove_->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::Key_Delete)});
-  add(file, tr("&Save"), QKeySequence("Ctrl+S"), "SVPF"_what);
-  QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-  copy_ = add(edit, tr("&Copy"), QKeySequence("Ctrl+C"), "COPY"_what);
-  add(edit, tr("Select &All"), QKeySequence("Ctrl+A"), "SALL"_what);
-  AddCloseKey(this);
-}
-
-void ShortCutWindow::MenusBeginning() {
-  const bool selected = !list_->selectedItems().isEmpty();
-  for (QAction* action : {edit_, remove_, copy_}) action->setEnabled(selected);
-  const QString why = selected ? QString() : tr("Select a shortcut first.");
-  for (IconButton* button : {editButton_, removeButton_}) {
-    button->setEnabled(selected);
-    button->setToolTip(why);
+// From the field the keys lead on into the list.
+bool ShortCutWindow::eventFilter(QObject* search, QEvent* event) {
+  if (event->type() != QEvent::KeyPress || search != search_) return false;
+  switch (const int key = static_cast<QKeyEvent*>(event)->key(); key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: Connect(); return true;
+    case Qt::Key_Escape:
+      if (search_->text().isEmpty()) list_->setFocus();
+      search_->clear();
+      return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+      list_->setFocus();
+      if (list_->currentItem() == nullptr) list_->Select(list_->topLevelItem(0));
+      return true;
+    default: return false;
   }
 }
 
@@ -187,106 +171,45 @@ void ShortCutWindow::MessageReceived(const Message& message) {
   }
 }
 
-void ShortCutWindow::NewShortcut() {
-  const Security security = SecurityOf(ProcessSettings::Get());
-  app_.ShowEditor({.site = {.port = UsualPort(security), .security = security}}, *this, {});
-}
-
 void ShortCutWindow::SetChanged(bool changed) {
   changed_ = changed;
   if (changed) ++changes_;
   setWindowModified(changed);
   RowsChanged();
+  MenusBeginning();
+}
+
+void ShortCutWindow::ShowStatus(const QString& text) {
+  status_->SetText(text);
 }
 
 void ShortCutWindow::RowsChanged() {
   int number = 0;
-  for (ShortCutItem* row : InMenuOrder()) row->ShowKey(number++);
-  status_->SetText(number == 1 ? tr("1 shortcut") : tr("%n shortcuts", "", number));
+  for (ShortCutItem* row : list_->InMenuOrder()) row->ShowKey(number++);
+  const QString all = number == 1 ? tr("1 shortcut") : tr("%n shortcuts", "", number);
+  status_->SetText(list_->IsFiltered() ? tr("%1 of %2").arg(list_->ShownCount()).arg(all) : all);
   status_->Figure().SetSecondary(true);
   status_->Figure().SetText(changed_ ? tr("Changed, not saved yet") : QString());
 }
 
-std::vector<ShortCutItem*> ShortCutWindow::InMenuOrder() const {
-  std::vector<ShortCutItem*> rows;
-  rows.reserve(static_cast<std::size_t>(list_->topLevelItemCount()));
-  for (int row = 0; row < list_->topLevelItemCount(); ++row) rows.push_back(Row(row));
-  std::ranges::sort(rows, {}, &ShortCutItem::Id);
-  return rows;
-}
-
-ShortCutItem* ShortCutWindow::Row(int row) const {
-  return static_cast<ShortCutItem*>(list_->topLevelItem(row));
-}
-
-ShortCutItem* ShortCutWindow::FirstSelected() const {
-  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
-    if (Row(row)->isSelected()) return Row(row);
-  }
-  return nullptr;
-}
-
-void ShortCutWindow::Select(ShortCutItem* item) {
-  // Keys that happen to be held down make no difference.
-  if (item != nullptr) {
-    list_->setCurrentItem(item, 0, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-  }
-}
-
-void ShortCutWindow::EditSelected() {
-  const ShortCutItem* item = FirstSelected();
-  if (item == nullptr) return;
-  app_.ShowEditor(
-      item->Record(), *this,
-      [list = QPointer<ShortCutWindow>(this), id = item->Id()](const Shortcut& changed) {
-        return !list.isNull() && list->TakeOver(id, changed);
-      });
-}
-
-bool ShortCutWindow::TakeOver(int id, const Shortcut& changed) {
-  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
-    if (Row(row)->Id() != id) continue;
-    Row(row)->SetRecord(changed);
-    SetChanged(true);
-    return true;
-  }
-  return false;
-}
-
-void ShortCutWindow::RemoveSelected() {
-  ShortCutItem* item = FirstSelected();
-  if (list_->topLevelItemCount() == 1) {
-    const QString text = tr("You need to have at least one remaining shortcut.");
-    if (!Style::InForce().AlertsOfFaults()) return status_->SetText(text);
-    return Alerts::Show(this, {.title = tr("Warning!"), .text = text});
-  }
-  if (item == nullptr) return;
-  const int row = list_->indexOfTopLevelItem(item);
-  delete item;
-  list_->clearSelection();
-  Select(Row(row));
+void ShortCutWindow::TakeImported(const std::vector<Shortcut>& shortcuts,
+                                  const std::vector<ShortcutFolder>& folders, const QString& word) {
+  search_->clear();
+  const std::size_t before = list_->InMenuOrder().size();
+  list_->Add(shortcuts, folders);
   SetChanged(true);
-}
-
-void ShortCutWindow::CopySelected() {
-  QString text;
-  for (int row = 0; row < list_->topLevelItemCount(); ++row) {
-    if (!Row(row)->isSelected()) continue;
-    const Site& site = Row(row)->Record().site;
-    text += QString::fromStdString(UrlOf(site, site.path).Written()) + '\n';
+  if (before < list_->InMenuOrder().size()) {
+    list_->Select(list_->InMenuOrder()[before]);
+    list_->scrollToItem(list_->currentItem());
   }
-  if (!text.isEmpty()) QApplication::clipboard()->setText(text);
+  ShowStatus(word);
 }
 
-void ShortCutWindow::AddRow(const Message& added) {
-  const auto index = added.FindInt32("index");
-  auto shortcut =
-      index ? ShortcutStore::Read(*index) : ParseUrl(added.FindString("url").value_or(""), false);
-  if (!shortcut.has_value()) return;
-  auto* item = new ShortCutItem(std::move(*shortcut));
-  list_->addTopLevelItem(item);
-  Select(item);
-  RowsChanged();
+std::vector<Shortcut> ShortCutWindow::Records() const {
+  std::vector<Shortcut> records;
+  records.reserve(list_->InMenuOrder().size());
+  for (const ShortCutItem* row : list_->InMenuOrder()) records.push_back(row->Record());
+  return records;
 }
 
 }  // namespace corvane

@@ -8,6 +8,7 @@
 #include "app/connect/ConnectHost.h"
 #include "app/connect/ShortCutItem.h"
 #include "app/connect/ShortCutWindow.h"
+#include "app/connect/ShortcutTree.h"
 #include "app/connect/StartWin.h"
 #include "app/shared/Alerts.h"
 #include "app/shared/Shown.h"
@@ -39,8 +40,8 @@ void ShortCutWindow::Save(std::function<void()> then) {
 // Sorting is for the eye: the menu keeps the order in which the shortcuts were made.
 void ShortCutWindow::Store(std::function<void()> then) {
   if (std::exchange(saving_, true)) return;
-  Sent sent{.then = std::move(then), .changes = changes_};
-  for (const ShortCutItem* row : InMenuOrder()) {
+  Sent sent{.then = std::move(then), .changes = changes_, .folders = list_->Folders()};
+  for (const ShortCutItem* row : list_->InMenuOrder()) {
     sent.ids.push_back(row->Id());
     sent.rows.push_back(row->Edited());
   }
@@ -56,14 +57,14 @@ void ShortCutWindow::StoreAll(const Sent& sent, const std::vector<Shortcut>& sho
                               const Text& word) {
   saving_ = false;
   const std::vector<Shortcut> before = ShortcutStore::ReadForList().shortcuts;
-  const Text failure = ShortcutStore::SaveAll(shortcuts);
+  const Text failure = ShortcutStore::SaveAll(shortcuts, sent.folders);
   if (!failure.IsEmpty()) {
     return Alerts::Show(this, {.title = tr("Warning!"),
                                .text = tr("The shortcuts could not be saved."),
                                .detail = Shown(failure)});
   }
   app_.ForgetPasswords(before, shortcuts);
-  for (ShortCutItem* row : InMenuOrder()) {
+  for (ShortCutItem* row : list_->InMenuOrder()) {
     const auto at = std::ranges::find(sent.ids, row->Id()) - sent.ids.begin();
     const auto number = static_cast<std::size_t>(at);
     if (number >= sent.ids.size() || row->Record() != sent.rows[number].shortcut) continue;

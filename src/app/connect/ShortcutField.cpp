@@ -4,8 +4,11 @@
 #include <QMenu>
 #include <QStyle>
 #include <QStyleOptionButton>
+#include <algorithm>
 
+#include "app/shared/FolderMenus.h"
 #include "app/shared/ScreenText.h"
+#include "app/shared/Style.h"
 
 namespace corvane {
 
@@ -37,22 +40,33 @@ QSize ShortcutField::minimumSizeHint() const {
   return size.expandedTo({kLeast, 0});
 }
 
-void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts) {
+void ShortcutField::Fill(const std::vector<Shortcut>& shortcuts,
+                         const std::vector<ShortcutFolder>& folders) {
   qDeleteAll(items_->actions());
+  qDeleteAll(cutMenu_->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
+  FolderMenus menus(*cutMenu_);
+  const bool inFolders = Style::InForce().ShowsFolders();
+  for (const ShortcutFolder& folder : folders) {
+    const bool used = std::ranges::any_of(shortcuts, [&folder](const Shortcut& shortcut) {
+      return IsWithin(shortcut.folder, folder.path);
+    });
+    if (inFolders && used) menus.Of(folder.path);
+  }
   std::int32_t index = 0;
   for (const Shortcut& shortcut : shortcuts) {
-    Add(NameOf(shortcut), index, index < 10);
+    QMenu& menu = menus.Of(inFolders ? shortcut.folder : std::string());
+    Add(menu, NameOf(shortcut), index, index < 10);
     ++index;
   }
   ShowMarked();
 }
 
 void ShortcutField::Append(const std::string& label, std::int32_t index) {
-  Add(label, index, Count() < 9);
+  Add(*cutMenu_, label, index, Count() < 9);
 }
 
-void ShortcutField::Add(const std::string& label, std::int32_t index, bool withKey) {
-  QAction* item = cutMenu_->addAction(ItemText(label));
+void ShortcutField::Add(QMenu& menu, const std::string& label, std::int32_t index, bool withKey) {
+  QAction* item = menu.addAction(ItemText(label));
   item->setCheckable(true);
   item->setData(index);
   if (withKey) item->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(Count())));

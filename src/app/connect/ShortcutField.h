@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "sites/Shortcut.h"
+#include "sites/ShortcutFolders.h"
 
 class QActionGroup;
 class QMenu;
@@ -19,8 +20,9 @@ class ShortcutField : public QPushButton {
  public:
   explicit ShortcutField(QWidget* parent = nullptr);
 
-  /// Shows these in place of what was there; the first ten are chosen by Ctrl and a digit.
-  void Fill(const std::vector<Shortcut>& shortcuts);
+  /// Shows these in place of what was there, those in folders in menus of their own; the first ten
+  /// are chosen by Ctrl and a digit.
+  void Fill(const std::vector<Shortcut>& shortcuts, const std::vector<ShortcutFolder>& folders);
   /// Adds the connection of the store's number `index` at the end.
   void Append(const std::string& label, std::int32_t index);
   /// How many there are.
@@ -37,7 +39,7 @@ class ShortcutField : public QPushButton {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  void Add(const std::string& label, std::int32_t index, bool withKey);
+  void Add(QMenu& menu, const std::string& label, std::int32_t index, bool withKey);
   void ShowMarked();
 
   QMenu* cutMenu_;

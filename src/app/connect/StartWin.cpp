@@ -87,7 +87,7 @@ void StartWin::Connect() {
 
 void StartWin::ReadShortcuts() {
   const ShortcutStore::List list = ShortcutStore::ReadForMenu();
-  shortcuts_->Fill(list.shortcuts);
+  shortcuts_->Fill(list.shortcuts, list.folders);
   if (list.failure.IsEmpty()) return;
   Alerts::Show(this, {.title = tr("Warning!"),
                       .text = tr("The shortcuts could not be read."),

@@ -75,6 +75,7 @@ struct IdleTransfer : public MThread {
                std::shared_ptr<JobBoard> jobs)
       : row(std::move(itsRow)), description(With(std::move(what), *jobs)), board(std::move(jobs)) {}
   std::int32_t Execute() override { return 0; }
+  void CheckConnections() override { ++checked; }
 
   /// The jobs stand on the board alone.
   static transferStruct With(transferStruct what, const JobBoard& jobs) {
@@ -86,6 +87,7 @@ struct IdleTransfer : public MThread {
   const std::shared_ptr<TransferUi> row;
   const transferStruct description;
   const std::shared_ptr<JobBoard> board;
+  int checked = 0;  ///< how often it was told that the network may be another one
 };
 
 /// The application with one browser window open, and without servers: what its windows ask of
@@ -115,6 +117,7 @@ class AppFixture : public testing::Test {
       return here_.back();
     };
     factory_.speed = std::make_shared<TransferSpeed>();
+    factory_.endKept = [this] { ++endedKept_; };
     qputenv("XDG_CONFIG_HOME", config_.path().toUtf8());
     AnswerAlerts();
     app_ = std::make_unique<TambleApp>(factory_);
@@ -253,6 +256,7 @@ class AppFixture : public testing::Test {
   std::vector<Alerts::Question> alerts_;
   int button_ = 0;  // pressed on every alert
   WorkerFactory factory_;
+  int endedKept_ = 0;  // how often connections that are kept were to end
   std::unique_ptr<TambleApp> app_;
   QPointer<MWindow> window_;
 

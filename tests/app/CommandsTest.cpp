@@ -4,6 +4,7 @@
 #include "app/browser/RenameWin.h"
 #include "app/browser/UploadPanel.h"
 #include "app/shared/SmallView.h"
+#include "util/Digest.h"
 
 namespace corvane {
 namespace {
@@ -28,10 +29,10 @@ class Commands : public AppFixture {
 TEST_F(Commands, AreEnabledByTheFirstSelectedRow) {
   const std::pair<int, QByteArray> disabled[] = {
       {-1,
-       "Download File,Delete File,Rename File/Dir,Duplicate,Back,Forward,Change Dir,Stop,View "
-       "File"},
+       "Download File,Delete File,Rename File/Dir,Duplicate,Back,Forward,Change Dir,Stop,Open,Edit "
+       "Text,View File,Show Properties…"},
       {2, "Duplicate,Back,Forward,Change Dir,Stop"},
-      {3, "Duplicate,Back,Forward,Stop,View File"}};
+      {3, "Duplicate,Back,Forward,Stop,Open,Edit Text,View File"}};
   for (const auto& [row, items] : disabled) {
     View().clearSelection();
     if (row >= 0) View().SelectRow(row);
@@ -191,6 +192,53 @@ TEST_F(Commands, AViewerKeepsCharactersWholeAndSaysWhatIsMissing) {
   EXPECT_TRUE(Wait([&] { return note->text() == "Only the first 8 MiB are shown."; }));
   shown->close();
   EXPECT_FALSE(viewer->Append("late"));
+}
+
+TEST_F(Commands, AViewerReadsEncodingsAndShowsPictures) {
+  const auto open = [this] {
+    delete window_->findChild<MViewFile*>();
+    auto viewer = link_->OpenViewer(Text::Raw("v"));
+    EXPECT_TRUE(Wait([&] { return window_->findChild<MViewFile*>() != nullptr; }));
+    return viewer;
+  };
+  auto viewer = open();
+  viewer->Append("\xC4\xF6\n" + std::string(20'000, 'x') + "\n");
+  viewer->End({});
+  auto* shown = window_->findChild<MViewFile*>();
+  auto* text = shown->findChild<QPlainTextEdit*>();
+  EXPECT_TRUE(Wait([&] { return text->toPlainText().size() > 20'000; }));
+  EXPECT_TRUE(text->toPlainText().startsWith("\u00C4\u00F6\n"));
+  auto* encodings = shown->findChild<QComboBox*>("TextEncoding");
+  encodings->setCurrentIndex(encodings->findData(QByteArray("KOI8-R")));
+  EXPECT_TRUE(Wait([&] { return text->toPlainText().size() > 20'000; }));
+  EXPECT_TRUE(text->toPlainText().startsWith("\u0434\u0416\n"));
+
+  QImage small(3, 2, QImage::Format_RGB32);
+  small.fill(Qt::red);
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  ASSERT_TRUE(small.save(&buffer, "PNG"));
+  const std::string png = bytes.toStdString();
+  std::string huge = png;
+  huge.replace(16, 8, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8));
+  Digest sum(DigestKind::Crc32);
+  sum.Add(std::span(huge).subspan(12, 17));
+  huge.replace(29, 4, sum.Take());
+  const std::tuple<std::string, const char*, bool> cases[] = {
+      {png, "3 \u00D7 2 points", true},
+      {png.substr(0, 20), "The picture cannot be shown.", false},
+      {huge, "The picture has too many points to be shown.", false}};
+  for (const auto& [contents, wanted, drawn] : cases) {
+    const QString note = wanted;
+    viewer = open();
+    viewer->Append(contents.substr(0, 18));
+    viewer->Append(contents.substr(18));
+    viewer->End({});
+    shown = window_->findChild<MViewFile*>();
+    EXPECT_TRUE(Wait([&] { return shown->findChild<QLabel*>("Note")->text() == note; })) << wanted;
+    EXPECT_EQ(shown->findChild<QWidget*>("Picture") != nullptr, drawn);
+  }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "app/browser/BrowserSession.h"
 #include "app/connect/ShortCutEditWindow.h"
 #include "app/connect/ShortCutWindow.h"
+#include "app/connect/ShortcutTree.h"
 #include "app/shared/OpenMessage.h"
 #include "sites/ShortcutStore.h"
 #include "support/FakeSecretStore.h"

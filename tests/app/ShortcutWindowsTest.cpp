@@ -3,6 +3,7 @@
 #include "app/connect/ShortCutEditWindow.h"
 #include "app/connect/ShortCutWindow.h"
 #include "app/connect/ShortcutField.h"
+#include "app/connect/ShortcutTree.h"
 #include "app/desktop/ReplicantView.h"
 #include "app/desktop/RequestServer.h"
 #include "app/program/PrefWindow.h"

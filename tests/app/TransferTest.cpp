@@ -267,9 +267,11 @@ TEST_F(Transfers, EveryRowSaysHowItStands) {
   Select({4});
   QTest::keyClick(&list_, Qt::Key_Up, Qt::AltModifier);
   EXPECT_EQ(state(4), "Waiting, 2 before it|");
-  transfers_[0]->row->SetEndState(TransferEnd::Again, Text("The connection was lost."));
-  EXPECT_TRUE(
-      Wait([&] { return state(0) == "Trying again in 60 s (1 of 5): The connection was lost|"; }));
+  const Text reset("Connection reset by peer");
+  transfers_[0]->row->SetEndState(TransferEnd::Again, Text("The connection was lost: %1", reset));
+  EXPECT_TRUE(Wait([&] { return state(0) == "Trying again in 60 s (1 of 5): connection lost|"; }));
+  EXPECT_EQ(TransferTexts(list_.Items().At(0)).Details(),
+            "The connection was lost: Connection reset by peer");
   ASSERT_EQ(transfers_.size(), 4U) << "the next one has its turn";
   transferWindow_.MessageReceived(Message("PAUS"_what));
   EXPECT_EQ(state(3), "Paused|") << "the one that was moved up";
@@ -290,6 +292,9 @@ TEST_F(Transfers, EveryRowSaysHowItStands) {
   transfers_[2]->row->SetEndState(TransferEnd::Finished, {});
   EXPECT_TRUE(Wait([&] { return state(5) == "Done, size checked|"; }));
   app_->NetworkReturned();
+  EXPECT_EQ(endedKept_, 1);
+  EXPECT_EQ(transfers_[3]->checked, 1) << "it runs";
+  EXPECT_EQ(transfers_[0]->checked, 0);
   EXPECT_EQ(state(0), "Waiting for its turn|");
   QTest::mouseClick(transferWindow_.findChild<QToolButton*>("pauseAll"), Qt::LeftButton);
   EXPECT_EQ(status->Text(), "4 paused");

@@ -1,5 +1,6 @@
 #include "AppFixture.h"
 #include "app/browser/MViewFile.h"
+#include "app/doctor/DoctorWindow.h"
 #include "app/program/Translations.h"
 #include "app/shared/QuestionBox.h"
 #include "app/shared/Shown.h"
@@ -20,7 +21,7 @@ class WindowWalk : public AppFixture {
     QWidgetList windows = QApplication::topLevelWidgets();
     windows.removeIf([](QWidget* each) { return !each->isVisible(); });
     std::ranges::sort(windows, {}, [](QWidget* each) { return Name(*each); });
-    EXPECT_EQ(windows.size(), classic ? 11 : 9) << "names are entered in windows of their own";
+    EXPECT_EQ(windows.size(), classic ? 12 : 10) << "names are entered in windows of their own";
     for (QWidget* window : windows) WalkPages(*window);
     Alerts::AnswerWith({});
     using Kind = UserQuestion::Kind;
@@ -68,6 +69,12 @@ class WindowWalk : public AppFixture {
     app_->ShowEditor({.site = {.encoding = "KOI8-R"}}, *window_);
     app_->ShowPreferences();
     app_->AboutRequested();
+    app_->Diagnose(window_, {.host = "5"}, {});
+    auto* const doctor = window_->findChild<DoctorWindow*>();
+    doctor->ShowStep({.sign = DiagnosisStep::Sign::Bad, .name = Text("Log in")});
+    doctor->ShowAdvice({.verdict = Text("The server does not greet."),
+                        .heading = Text("Connect again."),
+                        .reason = Text("What it says stands beside the step.")});
     for (std::size_t i = 0; i < 3; ++i) {
       app_->Transfers().Add({.jobs = {{"/3", "/4"}}}, {});
       transfers_[i]->row->NoteEntry(Text("Left out: %1 (%2)", 4, Text("a link or a special file")));

@@ -227,7 +227,7 @@ class AccessTest(unittest.TestCase):
         self.press("Escape")
         self.activate("^Corvane$", "alt+e", "r")
         self.look("Preferences", "text Default Password", "text Download Folder", "push button Select Folder",
-                  "check box Show Transfer Window on new transfer.",
+                  "text Program for Text", "check box Show Transfer Window on new transfer.",
                   "check box Remove transfer item after transfer is done.",
                   "check box Show a notification when transfers end.", "check box Show in the tray at login.",
                   "check box Always use same connection to transfer files.", "check box Classic style",
@@ -255,7 +255,7 @@ class AccessTest(unittest.TestCase):
         self.close("About", "Escape")
         self.activate("^Corvane$", "alt+e", "s")
         self.look("Shortcuts", "push button New Shortcut", "push button Edit", "push button Remove",
-                  "push button Save", "tree Shortcuts")
+                  "text Search the shortcuts", "push button Save", "tree Shortcuts")
         self.press("ctrl+n")
         self.look("New Shortcut", "text Label", *FORM, "push button More", "push button Cancel", "push button Add")
         self.close("New Shortcut", "Escape")
@@ -294,9 +294,10 @@ class AccessTest(unittest.TestCase):
         self.look("Delete", "push button Delete", "push button Cancel")
         self.close("Delete", "Escape")
         self.press("ctrl+l")
-        self.look("two words.txt", "text Text")
+        self.look("two words.txt", "combo box Encoding", "text Text")
         self.press("ctrl+f")
-        self.look("two words.txt", "text Text", "text Find", "push button Previous", "push button Next")
+        self.look("two words.txt", "combo box Encoding", "text Find", "push button Previous",
+                  "push button Next", "text Text")
         self.close("two words.txt")
         self.press("ctrl+shift+e")
         self.look("is not encrypted", "push button Close")
@@ -336,7 +337,8 @@ class AccessTest(unittest.TestCase):
         server = Server(pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="corvane-access-"))))
         self.addCleanup(end, server.process)
         self.browse("Not connected", server.url.replace(":demo@", ":wrong@"))
-        self.look("Not connected", "text Username", "password text Password", "push button Close", "push button Try Again")
+        self.look("Not connected", "text Username", "password text Password", "push button What Is Wrong?",
+                  "push button Close", "push button Try Again")
         self.close("Not connected")
         self.browse("/ – demo", server.url)
         self.reader.hears("label 5 items")
@@ -344,7 +346,7 @@ class AccessTest(unittest.TestCase):
         self.press("F5")
         self.reader.hears("alert The connection to 127.0.0.1 was lost.")
         self.reader.hears("label Status: Connection lost.")
-        self.look("Not connected", "text Remote path", "push button Connect Again", "tree Remote directory", PANE[1])
+        self.look("Not connected", "text Remote path", "push button What Is Wrong?", "push button Connect Again", "tree Remote directory", PANE[1])
         self.close("Not connected")
 
 

@@ -73,7 +73,7 @@ std::span<const BrowserCommand> BrowserCommands::All() {
        {46, "Ctrl+Shift+D", QT_TR_NOOP("Duplicate"), When::Copies}},
       {"BACK"_what, kWindow, Menu::Commands, 1, When::Back, "Alt+Left", QT_TR_NOOP("&Back"),
        QT_TR_NOOP("Goes to the directory shown before")},
-      {"FRWD"_what, kWindow, Menu::Commands, 1, When::Forward, "Alt+Right", QT_TR_NOOP("F&orward"),
+      {"FRWD"_what, kWindow, Menu::Commands, 1, When::Forward, "Alt+Right", QT_TR_NOOP("Forw&ard"),
        QT_TR_NOOP("Goes back to the directory left with Back")},
       {"PCHN"_what, kServer, Menu::Commands, 1, When::Ready, "Ctrl+Up; Alt+Up; Backspace", QT_TR_NOOP("&Parent Dir"),
        QT_TR_NOOP("Goes to the parent directory"),
@@ -93,17 +93,33 @@ std::span<const BrowserCommand> BrowserCommands::All() {
       {"VWDR"_what, kWindow, Menu::Commands, 1, When::Ready, "Ctrl+F", QT_TR_NOOP("View Dir Li&sting"),
        QT_TR_NOOP("Shows the listing as the server sent it"),
        {33, "Ctrl+F", QT_TR_NOOP("View Dir Listing"), When::Ready, true}},
+      {"OPEN"_what, kWindow, Menu::Commands, 2, When::AnyFile, "Ctrl+O", QT_TR_NOOP("&Open"),
+       QT_TR_NOOP("Opens the selected files in their programs; what is saved there is sent back"),
+       {14, "Ctrl+O", QT_TR_NOOP("Open File"), When::AnyFile}},
+      {"EDIT"_what, kWindow, Menu::Commands, 2, When::AnyFile, "F4", QT_TR_NOOP("Edit Te&xt"),
+       QT_TR_NOOP("Opens the selected files in the text editor; what is saved there is sent back"),
+       {15, "F4", QT_TR_NOOP("Edit"), When::AnyFile}},
       {"VWFL"_what, kWindow, Menu::Commands, 2, When::NoFolder, "Ctrl+L", QT_TR_NOOP("&View File"),
        QT_TR_NOOP("Shows the selected file as text"),
        {13, "Ctrl+L", QT_TR_NOOP("View File"), When::File}},
+      {"PROP"_what, kWindow, Menu::Commands, 2, When::Selected, "Alt+Return", QT_TR_NOOP("Sho&w Properties…"),
+       QT_TR_NOOP("Shows what is selected in detail, and changes its permissions"),
+       {71, "Alt+Return", QT_TR_NOOP("Properties…"), When::Selected}},
+      {"FIND"_what, kWindow, Menu::Commands, 2, When::Ready, "Ctrl+Shift+F", QT_TR_NOOP("Fi&nd…"),
+       QT_TR_NOOP("Finds files below this directory"),
+       {34, "Ctrl+Shift+F", QT_TR_NOOP("Find…"), When::Ready, true}},
       {"SHLG"_what, kWindow, Menu::Windows, 0, When::Always, "Ctrl+K", QT_TR_NOOP("&Log Window"),
        QT_TR_NOOP("Shows what was said between Corvane and the server")},
       {"SECU"_what, kWindow, Menu::Windows, 0, When::Shown, "Ctrl+Shift+E", QT_TR_NOOP("Connection &Security…"),
        QT_TR_NOOP("Shows how the connection is protected")},
       {"SHLG"_what, kProgram, Menu::Windows, 0, When::Always, "Ctrl+X", QT_TR_NOOP("&Transfer List"),
        QT_TR_NOOP("Brings the transfer window forward")},
+      {"SHED"_what, kProgram, Menu::Windows, 0, When::Always, "Ctrl+J", QT_TR_NOOP("&Edited Files"),
+       QT_TR_NOOP("Brings the window of edited files forward")},
       {"HELP"_what, kProgram, Menu::Help, 0, When::Always, "F1", QT_TR_NOOP("&Manual"),
        QT_TR_NOOP("Opens the manual")},
+      {"DIAG"_what, kWindow, Menu::Help, 0, When::Always, "Ctrl+F1", QT_TR_NOOP("&What Is Wrong?"),
+       QT_TR_NOOP("Looks at the connection step by step")},
   });
   // clang-format on
   return kCommands;
@@ -117,6 +133,7 @@ bool BrowserCommands::IsEnabled(When when, const CommandState& state) {
     case When::Ready: return state.ready;
     case When::Selected: return state.ready && selected;
     case When::NoFolder: return state.ready && selected && !directory;
+    case When::AnyFile: return state.ready && state.anyFile;
     case When::File: return state.ready && state.selected == kFile;
     case When::Folder: return state.ready && directory;
     case When::One: return state.ready && state.count == 1;
@@ -221,6 +238,7 @@ QString BrowserCommands::WhyNot(When when, const CommandState& state) {
   switch (when) {
     case When::Selected:
     case When::NoFolder:
+    case When::AnyFile:
     case When::File: return tr("Select something in the listing first.");
     case When::Folder: return tr("Select a directory first.");
     case When::One:

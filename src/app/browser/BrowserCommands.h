@@ -29,6 +29,7 @@ struct BrowserCommand {
     Ready,     ///< the connection takes requests
     Selected,  ///< Ready, and a row is selected
     NoFolder,  ///< Selected, and the first such row is no directory
+    AnyFile,   ///< Selected, and not directories alone
     File,      ///< Selected, and the first such row is a file
     Folder,    ///< Selected, and the first such row is a directory
     One,       ///< Selected, and no second row is
@@ -68,6 +69,7 @@ struct BrowserCommand {
 struct CommandState {
   bool ready = false;
   std::int32_t selected = 0;  ///< the type of the first selected row (EntryType); 0 without one
+  bool anyFile = false;       ///< a row is selected that is no directory
   int count = 0;              ///< how many rows are selected
   bool pathUsed = false;      ///< the path field had the focus last
   bool anyUsed = false;       ///< the path field or the listing has had it

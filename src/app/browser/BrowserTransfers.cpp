@@ -39,14 +39,6 @@ std::string LocalPath(const QString& path) {
   return QFile::encodeName(path).toStdString();
 }
 
-/// The last name of a local path.
-std::string LastName(std::string_view path) {
-  while (path.ends_with('/')) path.remove_suffix(1);
-  return std::string(path.substr(path.rfind('/') + 1));
-}
-
-constexpr std::int32_t kMostConnections = 8;  // of one transfer
-
 // The panels do not block the window: what they are about is settled when they open.
 void ShowPanel(QFileDialog* panel) {
   panel->setAttribute(Qt::WA_DeleteOnClose);
@@ -61,11 +53,6 @@ TransferPlan::Entry AsEntry(const MWListItem& item) {
           .kind = static_cast<RemoteEntry::Kind>(item.Type()),
           .size = std::max<std::int64_t>(item.Size(), -1),
           .modified = item.Modified()};
-}
-
-TransferPlan::Facts FactsOf(const MWListItem& item) {
-  return {static_cast<RemoteEntry::Kind>(item.Type()), std::max<std::int64_t>(item.Size(), -1),
-          item.Modified()};
 }
 
 }  // namespace
@@ -117,6 +104,32 @@ void BrowserTransfers::Download(Chosen chosen) {
   });
 }
 
+// From different directories they go by their paths below the root.
+void BrowserTransfers::Download(const std::vector<FoundEntry>& entries) {
+  if (entries.empty()) return;
+  const std::string& first = entries.front().directory;
+  const bool same =
+      std::ranges::all_of(entries, [&](const FoundEntry& one) { return one.directory == first; });
+  Chosen chosen{same ? first : "/", {}, {}};
+  const std::string& encoding = window_.Session().To().encoding;
+  for (const FoundEntry& one : entries) {
+    const RemoteEntry& entry = one.entry;
+    const std::string path = PathBelow(one.directory, entry.name);
+    if (!same && !path.starts_with('/')) continue;
+    std::string local = Decoded(entry.name, encoding);
+    if (entries.size() > 1 && !IsSafeLocalName(local)) {
+      chosen.refused.append(ToText(entry.name, encoding));
+      continue;
+    }
+    chosen.entries.push_back({.name = same ? entry.name : path.substr(1),
+                              .local = std::move(local),
+                              .kind = entry.kind,
+                              .size = entry.size.value_or(-1),
+                              .modified = entry.modified});
+  }
+  Download(std::move(chosen));
+}
+
 void BrowserTransfers::DownloadInto(const std::string& folder, Chosen chosen) {
   WarnOfNames(chosen.refused);
   if (chosen.entries.empty()) return;
@@ -125,6 +138,27 @@ void BrowserTransfers::DownloadInto(const std::string& folder, Chosen chosen) {
       chosen.entries.size() == 1 && !IsSafeLocalName(chosen.entries.front().local);
   if (folder.empty() || needsName) return SaveDialogBox(std::move(chosen));
   LookAndSettle(folder, std::move(chosen));
+}
+
+// What is sent back to a link would take its place: it goes to the file that it leads to, which may
+// be a link as well.
+void BrowserTransfers::OpenSelected(bool edits) {
+  const std::string directory = window_.Session().CurrentDirectory();
+  std::vector<EditRequest> requests;
+  for (const int row : window_.Listing().SelectedRows()) {
+    const MWListItem& item = window_.Listing().Rows().At(row);
+    if (item.IsDots() || item.Type() == kDirectory) continue;
+    const EntryAttributes& attributes = item.Attributes();
+    const bool leads = !attributes.linkTarget.empty();
+    requests.push_back({.site = window_.Session().To(),
+                        .remote = PathFrom(directory, leads ? attributes.linkTarget : item.Name()),
+                        .name = Decoded(item.Name(), attributes.encoding),
+                        .size = leads ? -1 : item.Size(),
+                        .edits = edits,
+                        .inPlace = item.IsLink(),
+                        .listener = Listener()});
+  }
+  if (!requests.empty()) host_.OpenRemote(std::move(requests));
 }
 
 void BrowserTransfers::DragRows(int pressed) {
@@ -245,71 +279,6 @@ void BrowserTransfers::ChooseUploads() {
   ShowPanel(panel);
 }
 
-void BrowserTransfers::Upload(const std::vector<std::string>& paths, const std::string& below) {
-  if (below.empty()) return SettleUpload(PlaceNow(), paths);
-  SettleUpload({PathBelow(window_.Session().CurrentDirectory(), below), {}, false}, paths);
-}
-
-BrowserTransfers::UploadPlace BrowserTransfers::PlaceNow() const {
-  UploadPlace place{window_.Session().CurrentDirectory(), {}};
-  const DirListModel& rows = window_.Listing().Rows();
-  place.names.reserve(static_cast<std::size_t>(rows.Count()));
-  for (int row = 0; row < rows.Count(); ++row) {
-    const MWListItem& item = rows.At(row);
-    place.names.emplace(item.Name(), FactsOf(item));
-  }
-  return place;
-}
-
-std::vector<TransferPlan::Entry> BrowserTransfers::UploadEntries(
-    const std::vector<std::string>& paths) {
-  const Site& site = window_.Session().To();
-  std::vector<TransferPlan::Entry> entries;
-  entries.reserve(paths.size());
-  QStringList unnamed;
-  for (const std::string& path : paths) {
-    const std::string last = LastName(path);
-    if (auto name = Encoded(last, site.encoding)) {
-      entries.push_back({.name = path, .local = std::move(*name)});
-    } else {
-      unnamed.append(MissingLetters(ToText(last), site));
-    }
-  }
-  if (!unnamed.isEmpty()) window_.Warn(unnamed.join('\n'));
-  return entries;
-}
-
-// What a directory holds that is not shown is not known: there the worker does as the preferences
-// say, or replaces nothing.
-void BrowserTransfers::SettleUpload(UploadPlace place, const std::vector<std::string>& paths) {
-  const bool known = place.known;
-  const auto settle = [this, known](TransferPlan& plan) {
-    if (!known) plan.SettleUnseen(ExistingEntries::Preset().value_or(Policy::CreateNew));
-    ExistingEntries::SettleUpload(window_, std::move(plan),
-                                  [this](const TransferPlan& settled) { StartUpload(settled); });
-  };
-  Plan([directory = std::move(place.directory), names = std::move(place.names),
-        entries =
-            UploadEntries(paths)] { return TransferPlan::LookHere(directory, entries, names); },
-       settle);
-}
-
-void BrowserTransfers::StartUpload(const TransferPlan& plan) {
-  transferStruct description = Described(plan.folder);
-  description.download = false;
-  description.jobs.reserve(plan.entries.size());
-  for (const TransferPlan::Entry& entry : plan.entries) {
-    if (entry.leftOut) continue;
-    const bool there = entry.there != TransferPlan::There::Nothing;
-    description.jobs.push_back({.remote = PathBelow(plan.folder, entry.local),
-                                .local = WithoutTrailingSlash(entry.name),
-                                .kind = entry.kind,
-                                .policy = entry.policy,
-                                .there = there && entry.policy != Policy::CreateNew});
-  }
-  HandOver(std::move(description));
-}
-
 transferStruct BrowserTransfers::Described(const std::string& directory) const {
   transferStruct description;
   description.site = window_.Session().To();
@@ -321,7 +290,7 @@ transferStruct BrowserTransfers::Described(const std::string& directory) const {
   description.usesPartNames = settings.partNames;
   const int own = description.site.connections;
   description.connections =
-      std::clamp(own > 0 ? own : settings.connectionsPerTransfer, 1, kMostConnections);
+      std::clamp(own > 0 ? own : settings.connectionsPerTransfer, 1, Site::kMostConnections);
   return description;
 }
 

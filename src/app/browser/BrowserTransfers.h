@@ -9,6 +9,7 @@
 
 #include "app/shared/TransferListener.h"
 #include "workers/TransferPlan.h"
+#include "workers/WalkUi.h"
 
 class QFileDialog;
 
@@ -40,8 +41,12 @@ class BrowserTransfers : public QObject {
 
   /// Downloads into the download folder or, where there is none, asks where to.
   void Download(Chosen chosen);
+  /// Likewise, wherever they stand.
+  void Download(const std::vector<FoundEntry>& entries);
   /// Downloads into `folder`, raw bytes; asks where to when it is empty.
   void DownloadInto(const std::string& folder, Chosen chosen);
+  /// Opens the selected files in programs here, or in the text editor.
+  void OpenSelected(bool edits);
   /// Begins a drag of what is selected, with the pointer on a row.
   void DragRows(int pressed);
 

@@ -32,6 +32,7 @@ BrowserView::BrowserView(QWidget* window, TransferView* transfer)
     : QWidget(window),
       bar_(new BrowserToolBar(this)),
       loss_(new Strip("cross-circle", Tone::Bad, this)),
+      diagnose_(loss_->AddButton(MWindow::tr("What &Is Wrong?"))),
       again_(loss_->AddButton(MWindow::tr("&Connect Again"))),
       lossRoom_(new QWidget(this)),
       notices_(new QVBoxLayout),
@@ -44,6 +45,7 @@ BrowserView::BrowserView(QWidget* window, TransferView* transfer)
       status_(new StatusLine(this)) {
   setObjectName("MainWindowView");
   Arrange();
+  diagnose_->setObjectName("Diagnose");
   again_->setObjectName("ConnectAgain");
   SetPrimary(*again_);
   connect(again_, &QPushButton::clicked, this, &BrowserView::ConnectAgainPressed);
@@ -52,6 +54,8 @@ BrowserView::BrowserView(QWidget* window, TransferView* transfer)
   connect(listing_, &DirListView::SelectionChanged, this, &BrowserView::ShowCount);
   connect(connecting_, &ConnectingPage::CancelPressed, this, &BrowserView::CancelPressed);
   connect(failure_, &FailurePage::TryAgainPressed, this, &BrowserView::TryAgainPressed);
+  connect(diagnose_, &QPushButton::clicked, this, &BrowserView::DiagnosePressed);
+  connect(failure_, &FailurePage::DiagnosePressed, this, &BrowserView::DiagnosePressed);
   connect(failure_, &FailurePage::ClosePressed, this, &BrowserView::ClosePressed);
   listing_->setFocus();
 }

@@ -85,6 +85,7 @@ class BrowserView : public QWidget {
   void CancelPressed();
   void TryAgainPressed(const corvane::Site& site);
   void ClosePressed();
+  void DiagnosePressed();
 
  private:
   QWidget* MakeBrowsingPage();
@@ -92,6 +93,7 @@ class BrowserView : public QWidget {
 
   BrowserToolBar* bar_;
   Strip* loss_;
+  QPushButton* diagnose_;
   QPushButton* again_;
   QWidget* lossRoom_;
   QVBoxLayout* notices_;

@@ -29,6 +29,7 @@ QString Heading(Trouble trouble) {
     case Trouble::Certificate: return MWindow::tr("The server’s certificate is not trusted.");
     case Trouble::TooMany:
       return MWindow::tr("The server takes no more connections at the moment.");
+    case Trouble::Changed:
     case Trouble::Other: break;
   }
   return MWindow::tr("No connection came about.");
@@ -43,6 +44,7 @@ Mend ToMend(Trouble trouble) {
     case Trouble::NoEncryption: return Mend::Encryption;
     case Trouble::Certificate:
     case Trouble::TooMany:
+    case Trouble::Changed:
     case Trouble::Other: break;
   }
   return Mend::Nothing;

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/browser/Permissions.h"
 #include "app/shared/Figures.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Style.h"
+#include "remote/Permissions.h"
 
 namespace corvane {
 namespace {

@@ -121,6 +121,11 @@ int DirListView::SelectedCount() const {
   return static_cast<int>(SelectedRows().size());
 }
 
+bool DirListView::HasFiles() const {
+  return std::ranges::any_of(SelectedRows(),
+                             [this](int row) { return model_->At(row).Type() != kDirectory; });
+}
+
 SelectionSum DirListView::Sum() const {
   SelectionSum sum;
   for (const int row : SelectedRows()) {

@@ -54,6 +54,8 @@ class DirListView : public QTreeView {
   [[nodiscard]] std::vector<int> SelectedRows() const;
   /// What is selected but "." and "..".
   [[nodiscard]] SelectionSum Sum() const;
+  /// Whether a row is selected that is no directory.
+  [[nodiscard]] bool HasFiles() const;
   /// Selects this row alone and scrolls to it; one that is hidden stays as it is.
   void SelectRow(int row);
   /// Selects the first row whose name begins so. Without one the selection stays, or goes, as the

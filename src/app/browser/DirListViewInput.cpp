@@ -118,7 +118,8 @@ void DirListView::contextMenuEvent(QContextMenuEvent* event) {
 QMenu* DirListView::SetupPopUpMenu() {
   const int first = FirstSelected();
   const CommandState state{.ready = IsReady(),
-                           .selected = first < 0 ? 0 : model_->At(first).Type()};
+                           .selected = first < 0 ? 0 : model_->At(first).Type(),
+                           .anyFile = HasFiles()};
   return BrowserCommands::MakePopUp(
       this, state, [this](const BrowserCommand& command) { Q_EMIT Chosen(command); });
 }

@@ -1,5 +1,6 @@
 #include "app/browser/EntryCommands.h"
 
+#include <map>
 #include <utility>
 
 #include "app/browser/BrowserSession.h"
@@ -17,6 +18,7 @@
 #include "app/shared/StatusLine.h"
 #include "app/shared/Style.h"
 #include "app/shared/Windows.h"
+#include "remote/RemotePath.h"
 
 namespace corvane {
 namespace {
@@ -128,6 +130,37 @@ void EntryCommands::Delete() {
                  if (button != 0) return;
                  window_.Listing().clearSelection();
                  window_.Session().Send(entries);
+               });
+}
+
+// They go in one request, by their paths below the root. What lies in a directory that goes too
+// goes with it.
+void EntryCommands::Delete(QWidget* over, const std::vector<FoundEntry>& entries) {
+  std::map<std::string, const RemoteEntry*> paths;
+  for (const FoundEntry& one : entries)
+    paths.emplace(PathBelow(one.directory, one.entry.name), &one.entry);
+  const auto goesWithAbove = [&](std::string path) {
+    while (path.size() > 1) {
+      path = SplitPath(path).first;
+      const auto above = paths.find(path);
+      if (above != paths.end() && above->second->kind == RemoteEntry::Kind::Directory) return true;
+    }
+    return false;
+  };
+  Message request("DELE"_what);
+  request.AddString("path", "/");
+  Doomed doomed;
+  for (const auto& [path, entry] : paths) {
+    if (!path.starts_with('/') || goesWithAbove(path)) continue;
+    const bool directory = entry->kind == RemoteEntry::Kind::Directory;
+    request.AddString("name", path.substr(1));
+    request.AddInt32("type", static_cast<std::int32_t>(entry->kind));
+    (directory ? doomed.directories : doomed.files).append(ToText(entry->name, Encoding()));
+  }
+  if (doomed.Count() == 0) return;
+  Alerts::Show(over, AboutDeleting(doomed, Subject(MWindow::tr("Delete"))),
+               [this, request](int button) {
+                 if (button == 0) window_.Session().Send(request);
                });
 }
 

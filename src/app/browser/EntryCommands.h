@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "kit/Message.h"
+#include "workers/WalkUi.h"
 
 namespace corvane {
 
@@ -23,6 +24,8 @@ class EntryCommands : public QObject {
 
   /// Deletes what is selected but "." and "..".
   void Delete();
+  /// Deletes entries wherever they stand, and asks over `over`.
+  void Delete(QWidget* over, const std::vector<FoundEntry>& entries);
   /// Asks for the name of a new directory: in the listing, or in a window.
   void ShowNewDir();
   /// Asks for the selected entry's new name, likewise.

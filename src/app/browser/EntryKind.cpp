@@ -65,6 +65,7 @@ const char* SymbolOf(EntryKind kind) {
     case EntryKind::Package: return "package";
     case EntryKind::WebPage: return "html";
     case EntryKind::Picture: return "image";
+    case EntryKind::Unclear: return "question";
     default: return "file";
   }
 }
@@ -80,6 +81,7 @@ QString NameOf(EntryKind kind) {
     case EntryKind::WebPage: return Kinds::tr("Web page");
     case EntryKind::Picture: return Kinds::tr("Picture");
     case EntryKind::Device: return Kinds::tr("Device");
+    case EntryKind::Unclear: return Kinds::tr("Not understood");
     case EntryKind::Binary: break;
   }
   return Kinds::tr("Binary file");

@@ -18,6 +18,7 @@ enum class EntryKind : std::uint8_t {
   WebPage,
   Picture,
   Device,
+  Unclear,  ///< the listing does not tell its name
 };
 
 /// `type` is an EntryType, `name` raw bytes.

@@ -66,6 +66,7 @@ FailurePage::FailurePage(QWidget* parent)
       password_(new Password(this)),
       encryption_(new EncryptionField(this)),
       problem_(MakeText(this)),
+      diagnose_(new QPushButton(tr("What &Is Wrong?"), this)),
       again_(new QPushButton(tr("&Try Again"), this)),
       close_(new QPushButton(tr("&Close"), this)) {
   setObjectName("FailurePage");
@@ -76,12 +77,14 @@ FailurePage::FailurePage(QWidget* parent)
   server_->setObjectName("Server");
   password_->setObjectName("Password");
   problem_->setObjectName("Problem");
+  diagnose_->setObjectName("Diagnose");
   again_->setObjectName("TryAgain");
   SetPrimary(*again_);
   MakeFields();
   Arrange();
   ShowRows(Mend::Nothing);
   connect(again_, &QPushButton::clicked, this, &FailurePage::TryAgain);
+  connect(diagnose_, &QPushButton::clicked, this, &FailurePage::DiagnosePressed);
   connect(close_, &QPushButton::clicked, this, &FailurePage::ClosePressed);
 }
 
@@ -110,6 +113,7 @@ void FailurePage::Arrange() {
   words->setContentsMargins(0, 0, 0, 0);
   words->addWidget(server_);
   auto* buttons = new QHBoxLayout;
+  buttons->addWidget(diagnose_);
   buttons->addStretch();
   buttons->addWidget(close_);
   buttons->addWidget(again_);
@@ -128,7 +132,8 @@ void FailurePage::Arrange() {
                                                             {port_, user_},
                                                             {user_, password_},
                                                             {password_, encryption_},
-                                                            {encryption_, close_},
+                                                            {encryption_, diagnose_},
+                                                            {diagnose_, close_},
                                                             {close_, again_}})
     setTabOrder(first, second);
 }

@@ -40,6 +40,8 @@ class FailurePage : public QWidget {
   /// The user wants to connect to `site`, mended.
   void TryAgainPressed(const corvane::Site& site);
   void ClosePressed();
+  /// The user wants to know what is wrong.
+  void DiagnosePressed();
 
  protected:
   void showEvent(QShowEvent* event) override;
@@ -64,6 +66,7 @@ class FailurePage : public QWidget {
   Password* password_;
   EncryptionField* encryption_;
   QLabel* problem_;
+  QPushButton* diagnose_;
   QPushButton* again_;
   QPushButton* close_;
 };

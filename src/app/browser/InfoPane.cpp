@@ -5,13 +5,13 @@
 #include <QPainter>
 
 #include "app/browser/DirListView.h"
-#include "app/browser/Permissions.h"
 #include "app/shared/ElidedLabel.h"
 #include "app/shared/Figures.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Style.h"
 #include "app/shared/Symbols.h"
 #include "app/shared/Tones.h"
+#include "remote/Permissions.h"
 
 namespace corvane {
 namespace {

@@ -1,6 +1,7 @@
 #include "app/browser/MViewFile.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -13,11 +14,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/browser/PictureView.h"
 #include "app/shared/GuiThread.h"
 #include "app/shared/ScreenText.h"
 #include "app/shared/Shown.h"
 #include "app/shared/Windows.h"
+#include "kit/Background.h"
 #include "util/Encodings.h"
+#include "util/PictureBytes.h"
 
 namespace corvane {
 namespace {
@@ -46,7 +50,9 @@ bool ViewerLink::Append(std::string_view bytes) {
   bool hop = false;
   {
     MutexLock hold(lock_);
-    const std::string_view taken = bytes.substr(0, kMostBytes - received_);
+    if (received_ == 0) picture_ = LooksLikePicture(bytes);
+    const std::size_t most = picture_ ? kMostPicture : kMostBytes;
+    const std::string_view taken = bytes.substr(0, most - received_);
     whole = taken.size() == bytes.size();
     received_ += taken.size();
     text_ += taken;
@@ -90,29 +96,57 @@ std::string ViewerLink::NextPiece() {
   }
   std::string text(piece);
   taken_ += text.size();
-  if (taken_ == text_.size()) {
-    text_ = std::string();
+  return text;
+}
+
+void ViewerLink::Again() {
+  {
+    const MutexLock hold(lock_);
     taken_ = 0;
   }
-  return text;
+  Drain();
+}
+
+// What the bytes hold is found out elsewhere.
+void ViewerLink::ShowPicture(std::string bytes, const QString& note) {
+  const auto read = [window = window_, bytes = std::move(bytes), note] {
+    OnGuiThread([window, note, read = PictureView::From(bytes)] {
+      if (window.isNull()) return;
+      QString text = MViewFile::tr("%1 × %2 points").arg(read.size.width()).arg(read.size.height());
+      if (read.picture.isNull()) text = MViewFile::tr("The picture cannot be shown.");
+      if (read.tooLarge) text = MViewFile::tr("The picture has too many points to be shown.");
+      window->ShowPicture(read.picture);
+      window->ShowNote(note.isEmpty() ? text : note);
+    });
+  };
+  (void)Background::Start("picture", read);
 }
 
 void ViewerLink::Drain() {
   std::string piece;
+  std::string picture;
   QString note;
   bool more = false;
   {
     MutexLock hold(lock_);
     hopPending_ = false;
     if (closing_ || window_.isNull()) return;
-    piece = NextPiece();
-    more = hopPending_ = !piece.empty() && taken_ < text_.size();
-    if (cut_) {
-      note = MViewFile::tr("Only the first %1 MiB are shown.").arg(kMostBytes >> 20);
-    } else if (ended_ && !more) {
-      note = Shown(note_);
+    if (picture_) {
+      if (!ended_ && !cut_) return;
+      note = cut_ ? MViewFile::tr("The picture has more than %1 MiB.").arg(kMostPicture >> 20)
+                  : Shown(note_);
+      if (!cut_) picture = std::exchange(text_, {});
+    } else {
+      piece = NextPiece();
+      more = hopPending_ = !piece.empty() && taken_ < text_.size();
+      if (cut_) {
+        note = MViewFile::tr("Only the first %1 MiB are shown.").arg(kMostBytes >> 20);
+      } else if (ended_ && !more) {
+        note = Shown(note_);
+      }
     }
   }
+  if (!picture.empty()) return ShowPicture(std::move(picture), note);
   window_->AppendText(piece);
   if (!note.isEmpty()) window_->ShowNote(note);
   if (more) Hop();
@@ -144,6 +178,7 @@ MViewFile::MViewFile(QWidget* browser, const QString& title, std::shared_ptr<Vie
   layout->setSpacing(0);
   layout->addWidget(text_);
   layout->addWidget(note_);
+  layout->addWidget(MakeEncodingBar());
   layout->addWidget(MakeFindBar());
   AddCloseKey(this);
   link_->Attach(*this);
@@ -151,6 +186,38 @@ MViewFile::MViewFile(QWidget* browser, const QString& title, std::shared_ptr<Vie
 
 MViewFile::~MViewFile() {
   link_->Close();
+}
+
+QWidget* MViewFile::MakeEncodingBar() {
+  encodingBar_ = new QWidget(this);
+  encoding_ = new QComboBox(encodingBar_);
+  encoding_->setObjectName("TextEncoding");
+  auto* label = new QLabel(tr("&Encoding:"), encodingBar_);
+  label->setBuddy(encoding_);
+  encoding_->addItem(tr("Automatic"), QByteArray());
+  for (const auto& [people, name] : OfferedEncodings())
+    encoding_->addItem(Shown(people), QByteArray(name));
+  auto* layout = new QHBoxLayout(encodingBar_);
+  layout->setContentsMargins(8, 4, 8, 4);
+  layout->addWidget(label);
+  layout->addWidget(encoding_);
+  layout->addStretch();
+  connect(encoding_, &QComboBox::currentIndexChanged, this, [this] {
+    text_->clear();
+    column_ = 0;
+    link_->Again();
+  });
+  return encodingBar_;
+}
+
+void MViewFile::ShowPicture(const QImage& picture) {
+  if (picture.isNull()) return;
+  auto* view = new PictureView(picture, this);
+  qobject_cast<QVBoxLayout*>(layout())->insertWidget(0, view, 1);
+  text_->hide();
+  encodingBar_->hide();
+  findBar_->setEnabled(false);
+  view->setFocus();
 }
 
 QWidget* MViewFile::MakeFindBar() {
@@ -220,7 +287,8 @@ void MViewFile::ShowNote(const QString& note) {
 
 void MViewFile::AppendText(std::string_view bytes) {
   if (bytes.empty()) return;
-  const QString arrived = IsUtf8(bytes) ? QString::fromUtf8(bytes) : QString::fromLatin1(bytes);
+  const std::string chosen = encoding_->currentData().toByteArray().toStdString();
+  const QString arrived = QString::fromStdString(Decoded(bytes, chosen));
   QString text;
   text.reserve(arrived.size());
   for (const QChar character : arrived) {

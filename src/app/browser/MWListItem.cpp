@@ -82,7 +82,8 @@ MWListItem::MWListItem(const RemoteEntry& entry, std::shared_ptr<const EntryAttr
       seconds_(entry.modified ? entry.modified->seconds : 0),
       attributes_(std::move(attributes)),
       type_(static_cast<std::uint8_t>(entry.kind)),
-      kind_(KindOf(type_, entry.name)),
+      kind_(entry.unclear ? EntryKind::Unclear : KindOf(type_, entry.name)),
+      isLink_(type_ == kLink),
       inUtc_(entry.modified && entry.modified->utc),
       precision_(entry.modified ? entry.modified->precision : RemoteTime::Precision::Day) {}
 
@@ -94,7 +95,8 @@ MWListItem::MWListItem(const fileStruct& entry, std::string name)
       attributes_(std::make_shared<const EntryAttributes>(
           EntryAttributes{entry.permissions, entry.owner, entry.group, {}})),
       type_(static_cast<std::uint8_t>(entry.type)),
-      kind_(KindOf(entry.type, name_)) {}
+      kind_(KindOf(entry.type, name_)),
+      isLink_(type_ == kLink) {}
 
 QString MWListItem::TextOf(std::string_view raw) const {
   return ToText(raw, attributes_->encoding);

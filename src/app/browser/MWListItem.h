@@ -46,6 +46,8 @@ class MWListItem {
   /// Year to second packed so that later is greater; 0 when the server did not tell.
   [[nodiscard]] std::uint64_t TimeKey() const { return time_; }
   [[nodiscard]] std::int32_t Type() const { return type_; }
+  /// Whether it was listed as a link, whatever it has turned out to lead to.
+  [[nodiscard]] bool IsLink() const { return isLink_ || !attributes_->linkTarget.empty(); }
   [[nodiscard]] EntryKind Kind() const { return kind_; }
   [[nodiscard]] const EntryAttributes& Attributes() const { return *attributes_; }
   /// The rows "." and "..".
@@ -77,6 +79,7 @@ class MWListItem {
   std::shared_ptr<const EntryAttributes> attributes_;
   std::uint8_t type_;
   EntryKind kind_;
+  bool isLink_;
   bool wasLink_ = false;
   bool inUtc_ = false;
   RemoteTime::Precision precision_ = RemoteTime::Precision::Second;

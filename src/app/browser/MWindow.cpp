@@ -20,6 +20,7 @@
 #include "app/browser/CutRows.h"
 #include "app/browser/DirListView.h"
 #include "app/browser/EntryCommands.h"
+#include "app/browser/EntryWindows.h"
 #include "app/browser/MViewFile.h"
 #include "app/browser/Navigation.h"
 #include "app/browser/Padlock.h"
@@ -55,6 +56,7 @@ MWindow::MWindow(BrowserHost& app, const QRect& frame, Site site)
   progress_ = new ConnectionProgress(app_, *this);
   MakeView();
   entries_ = new EntryCommands(*this);
+  entryWindows_ = new EntryWindows(app_, *this);
   padlock_ = new Padlock(*this);
   MakeMenus();
   connect(progress_, &ConnectionProgress::Changed, this, &MWindow::ConnectionChanged);
@@ -90,6 +92,7 @@ void MWindow::MakeView() {
   connect(view_, &BrowserView::ConnectAgainPressed, progress_, &ConnectionProgress::ConnectAgain);
   connect(view_, &BrowserView::CancelPressed, this, &MWindow::CloseNow);
   connect(view_, &BrowserView::ClosePressed, this, &MWindow::CloseNow);
+  connect(view_, &BrowserView::DiagnosePressed, this, &MWindow::Diagnose);
   connect(view_, &BrowserView::TryAgainPressed, this, &MWindow::TryAgain);
   connect(listing, &DirListView::Invoked, this, on("SNGL"_what));
   connect(listing, &DirListView::Chosen, this, &MWindow::RunCommand);
@@ -143,6 +146,7 @@ void MWindow::MenusBeginning() {
   commands_->Update(
       {.ready = ready,
        .selected = row < 0 ? 0 : listing.Rows().At(row).Type(),
+       .anyFile = listing.HasFiles(),
        .count = row < 0 ? 0 : listing.SelectedCount(),
        .pathUsed = lastFocus_ == &view_->Path(),
        .anyUsed = !lastFocus_.isNull(),
@@ -196,15 +200,22 @@ void MWindow::MessageReceived(const Message& message) {
     case "DELE"_what: entries_->Delete(); break;
     case "MKDR"_what: entries_->ShowNewDir(); break;
     case "RNFW"_what: entries_->ShowRename(); break;
+    case "OPEN"_what: transfers_->OpenSelected(false); break;
+    case "EDIT"_what: transfers_->OpenSelected(true); break;
     case "VWFL"_what: entries_->ViewFile(); break;
     case "VWDR"_what: session_->Send(Message("VWDR"_what)); break;
     case "SNGL"_what: OpenSelected(); break;
+    case "PROP"_what: entryWindows_->ShowProperties(); break;
+    case "FIND"_what: entryWindows_->ShowFind(); break;
     case "DWLD"_what: DownloadRequested(message); break;
     case "UPLD"_what: transfers_->ChooseUploads(); break;
     case "COPY"_what: CopySelected(); break;
     case "SALL"_what: SelectEverything(); break;
     case "ADDI"_what: FinishedUpload(message); break;
-    case "CAPS"_what: canCopy_ = message.FindInt32("copy").value_or(0) != 0; break;
+    case "CAPS"_what:
+      canCopy_ = message.FindInt32("copy").value_or(0) != 0;
+      entryWindows_->SetSetsTimes(message.FindInt32("times").value_or(0) != 0);
+      break;
     case "FREE"_what: view_->ShowFree(message.FindInt64("bytes").value_or(-1)); break;
     case "FERR"_what: progress_->Failed(message); break;
     case "GERR"_what: alerts_->Warned(message); break;
@@ -212,6 +223,7 @@ void MWindow::MessageReceived(const Message& message) {
     case "DONE"_what: progress_->Ended(message); break;
     case "TMOT"_what: CloseNow(); break;
     case "SHLG"_what: log_->BringForward(); break;
+    case "DIAG"_what: Diagnose(); break;
     case "SECU"_what: padlock_->ShowDetails(); break;
     case "SHWD"_what: BringForward(this); break;
     case "_QRQ"_what: close(); break;
@@ -248,38 +260,6 @@ void MWindow::ShowPath(std::string_view path) {
   navigation_->Visit(std::string(path));
   progress_->Stands();
   ShowTitle();
-}
-
-void MWindow::GetRidofListing() {
-  navigation_->ListingBegins();
-  view_->ClearListing();
-}
-
-void MWindow::AddRows(NewRows rows) {
-  view_->Listing().Rows().Append(std::move(rows));
-}
-
-void MWindow::ListingEnded(bool whole) {
-  navigation_->ListingEnded();
-  view_->Listing().FinishListing(whole);
-  view_->ShowCount();
-}
-
-void MWindow::RemoveRow(const std::string& name, const std::string& directory) {
-  if (directory == session_->CurrentDirectory()) view_->RemoveRow(name);
-}
-
-void MWindow::RenameRow(const std::string& from, const std::string& to,
-                        const std::string& directory) {
-  if (directory == session_->CurrentDirectory()) view_->RenameRow(from, to);
-}
-
-void MWindow::UpdateRow(const MWListItem& item, const std::string& directory) {
-  if (directory == session_->CurrentDirectory()) view_->ShowEntry(item);
-}
-
-void MWindow::ChangeValues(const std::string& name, std::int64_t size) {
-  view_->ChangeValues(name, size);
 }
 
 void MWindow::OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) {
@@ -367,6 +347,20 @@ void MWindow::TryAgain(const Site& changed) {
   log_->setWindowTitle(LogTitle(site));
   view_->Path().SetEncoding(site.encoding);
   view_->Listing().Remember(SiteKey(site));
+}
+
+void MWindow::Diagnose() {
+  app_.Diagnose(this, session_->To(), [self = QPointer(this)](const Site& site) {
+    if (!self.isNull()) self->ConnectTo(site);
+  });
+}
+
+// A window that has shown a listing keeps it: only what is the same connection goes on there.
+void MWindow::ConnectTo(const Site& site) {
+  if (!session_->WasConnected()) return TryAgain(site);
+  const bool lost = progress_->Now() == ConnectionProgress::State::NotConnected;
+  if (lost && site == session_->To()) return progress_->ConnectAgain();
+  app_.PostMessage(OpenMessage(site));
 }
 
 void MWindow::TransferSettled(const TransferNews& news) {

@@ -24,6 +24,7 @@ class BrowserView;
 class ConnectionProgress;
 class DirListView;
 class EntryCommands;
+class EntryWindows;
 class Navigation;
 class Padlock;
 class WindowLog;
@@ -50,6 +51,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   [[nodiscard]] DirListView& Listing();
   [[nodiscard]] BrowserTransfers& Transfers() { return *transfers_; }
   [[nodiscard]] Navigation& Ways() { return *navigation_; }
+  [[nodiscard]] EntryCommands& Entries() { return *entries_; }
 
   /// Whether a transfer runs on this window's own connection.
   [[nodiscard]] bool IsTransferring() const;
@@ -79,6 +81,10 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void ChangeValues(const std::string& name, std::int64_t size) override;
   void OpenViewer(const std::shared_ptr<ViewerLink>& link, const Text& title) override;
 
+ Q_SIGNALS:
+  /// The server has it no more; raw bytes. The name may be a path below the directory.
+  void EntryGone(const std::string& directory, const std::string& name);
+
  protected:
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -107,6 +113,9 @@ class MWindow : public QMainWindow, public BrowserEvents {
   void FinishedUpload(const Message& message);
   void TransferSettled(const TransferNews& news);
   void TryAgain(const Site& changed);
+  void Diagnose();
+  /// Connects to what a diagnosis has mended.
+  void ConnectTo(const Site& site);
 
   BrowserHost& app_;
   std::unique_ptr<BrowserSession> session_;
@@ -114,6 +123,7 @@ class MWindow : public QMainWindow, public BrowserEvents {
   BrowserView* view_ = nullptr;
   BrowserCommands* commands_ = nullptr;
   EntryCommands* entries_ = nullptr;
+  EntryWindows* entryWindows_ = nullptr;
   BrowserTransfers* transfers_ = nullptr;
   BrowserAlerts* alerts_ = nullptr;
   Navigation* navigation_ = nullptr;

@@ -26,7 +26,7 @@ const std::string& AttributeOf(const MWListItem& item, int column) {
 /// The place of each kind among their names.
 std::array<std::uint64_t, 16> KindRanks() {
   std::map<QString, EntryKind> names;
-  for (auto kind = EntryKind::Directory; kind <= EntryKind::Device;
+  for (auto kind = EntryKind::Directory; kind <= EntryKind::Unclear;
        kind = static_cast<EntryKind>(static_cast<int>(kind) + 1)) {
     names.emplace(NameOf(kind), kind);
   }

@@ -267,6 +267,35 @@ void Passwords::KeepAll(std::vector<EditedShortcut> shortcuts, Stored then) {
   });
 }
 
+void Passwords::FindAll(std::vector<Shortcut> shortcuts, AllFound then) {
+  const auto wanted = [](const Site& site) { return site.keptPassword && site.password.empty(); };
+  const auto missing = std::ranges::count_if(
+      shortcuts, [&wanted](const Shortcut& each) { return wanted(each.site); });
+  if (missing == 0 || store_ == nullptr)
+    return then(std::move(shortcuts), static_cast<int>(missing));
+  struct All {
+    std::vector<Shortcut> shortcuts;
+    int missing = 0;
+  };
+  const auto work = [store = store_, shortcuts, wanted] {
+    All all{shortcuts};
+    Prompt prompt = Prompt::Allowed;  // the user is asked to unlock it once at most
+    for (Shortcut& shortcut : all.shortcuts) {
+      if (!wanted(shortcut.site)) continue;
+      std::string secret;
+      const Result result = store->Lookup(KeyOf(shortcut.site), prompt, secret);
+      if (result == Result::Locked) prompt = Prompt::Never;
+      if (result == Result::Done) shortcut.site.password = std::move(secret);
+      if (result != Result::Done) ++all.missing;
+    }
+    return std::optional(std::move(all));
+  };
+  Behind(work, [shortcuts, missing, then = std::move(then)](std::optional<All> all) {
+    if (all.has_value()) return then(std::move(all->shortcuts), all->missing);
+    then(shortcuts, static_cast<int>(missing));
+  });
+}
+
 void Passwords::ForgetUnused(const std::vector<Shortcut>& before,
                              const std::vector<Shortcut>& now) {
   if (store_ == nullptr) return;

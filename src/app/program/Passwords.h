@@ -42,6 +42,9 @@ class Passwords : public QObject {
   /// Keeps the passwords of shortcuts that are to be saved. `then` gets them as they are to be
   /// stored, and what the user should know of their passwords.
   void KeepAll(std::vector<EditedShortcut> shortcuts, Stored then);
+  using AllFound = std::function<void(std::vector<Shortcut> shortcuts, int missing)>;
+  /// The shortcuts with the passwords that are kept for them, and how many were not found.
+  void FindAll(std::vector<Shortcut> shortcuts, AllFound then);
   /// Removes what was kept for shortcuts of `before` and belongs to none of `now`.
   void ForgetUnused(const std::vector<Shortcut>& before, const std::vector<Shortcut>& now);
 

@@ -2,12 +2,30 @@
 
 #include <utility>
 
+#include "ftp/FtpExamination.h"
 #include "ftp/MFtp.h"
 #include "workers/ControlLooper.h"
+#include "workers/Doctor.h"
 #include "workers/FileTransfer.h"
 #include "workers/SessionPool.h"
+#include "workers/TreeCounter.h"
 
 namespace corvane {
+namespace {
+
+std::shared_ptr<MThread> MakeWalk(TreeWalk::Ways ways, const WalkOrder& order,
+                                  std::shared_ptr<WalkUi> ui) {
+  if (const auto* rights = std::get_if<RightsOrder>(&order))
+    return std::make_shared<RightsChanger>(std::move(ways), std::move(ui), *rights);
+  if (const auto* count = std::get_if<CountOrder>(&order)) {
+    return std::make_shared<TreeCounter>(std::move(ways), std::move(ui), count->directory,
+                                         count->names);
+  }
+  const auto& find = std::get<FindOrder>(order);
+  return std::make_shared<TreeFinder>(std::move(ways), std::move(ui), find.directory, find.rule);
+}
+
+}  // namespace
 
 WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust,
                           const std::shared_ptr<TransferSpeed>& speed) {
@@ -26,6 +44,7 @@ WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust,
     return std::make_shared<FileTransfer>(std::move(row), std::move(description), std::move(jobs),
                                           pool, speed);
   };
+  factory.endKept = [pool] { pool->EndKept(); };
   factory.sameConnection = [speed](const std::shared_ptr<Looper>& whose,
                                    std::shared_ptr<BrowserUi> window,
                                    std::shared_ptr<TransferUi> row, transferStruct description,
@@ -33,6 +52,17 @@ WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust,
     auto session = std::static_pointer_cast<ControlLooper>(whose)->Session();
     return std::make_shared<FileTransfer>(std::move(row), std::move(description), std::move(jobs),
                                           std::move(session), std::move(window), speed);
+  };
+  factory.doctor = [trust](const Site& site, std::shared_ptr<DiagnosisUi> window) {
+    return std::make_shared<Doctor>(std::move(window),
+                                    std::make_unique<FtpExamination>(site, trust));
+  };
+  factory.walk = [pool](const std::shared_ptr<Looper>& whose, std::shared_ptr<BrowserUi> window,
+                        const Site& site, int connections, const WalkOrder& order,
+                        std::shared_ptr<WalkUi> ui) {
+    auto session = std::static_pointer_cast<ControlLooper>(whose)->Session();
+    return MakeWalk({site, pool, std::move(session), std::move(window), connections}, order,
+                    std::move(ui));
   };
   return factory;
 }

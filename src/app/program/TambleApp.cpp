@@ -15,6 +15,8 @@
 #include "app/connect/StartWin.h"
 #include "app/desktop/Manual.h"
 #include "app/desktop/StartupNotice.h"
+#include "app/doctor/DoctorWindow.h"
+#include "app/edited/EditedWindow.h"
 #include "app/program/About.h"
 #include "app/program/PrefWindow.h"
 #include "app/program/TrustedCertificates.h"
@@ -67,6 +69,7 @@ TambleApp::~TambleApp() {
   delete editor_;
   delete shortcuts_;
   while (!windowList_.empty()) delete windowList_.back();
+  edited_.reset();
   transfers_.reset();
   start_.reset();
   frames_.reset();
@@ -86,12 +89,14 @@ void TambleApp::ReadyToRun(const std::optional<Message>& open) {
   if (Style::InForce().TransfersAtStart()) transfers_->show();
   start_->show();
   start_->Init();
+  MakeEdited(kept);
   transfers_->Restore(std::move(kept));
   FollowSettings();
   qApp->installEventFilter(this);
   if (!unread_.IsEmpty()) WarnOfUnread(start_.get());
-  const Text trouble = known_ != nullptr ? known_->Trouble() : Text();
-  if (!trouble.IsEmpty()) {
+  const Text known = known_ != nullptr ? known_->Trouble() : Text();
+  for (const Text& trouble : {known, edited_->Files().Trouble()}) {
+    if (trouble.IsEmpty()) continue;
     Alerts::Show(start_.get(), {.title = tr("Warning!"), .text = Shown(trouble)});
   }
   if (open.has_value()) PostMessage(*open);
@@ -111,6 +116,7 @@ void TambleApp::PostMessage(const Message& message) {
                                message.FindInt32("index").value_or(-1));
       break;
     case "SHLG"_what: BringForward(transfers_.get()); break;
+    case "SHED"_what: BringForward(edited_.get()); break;
     case "SHMN"_what: Answer(message, start_.get()); break;
     case "HELP"_what: ShowManual(start_.get()); break;
     default: break;
@@ -198,7 +204,7 @@ void TambleApp::ShowShortcuts() {
                                          .text = tr("The shortcuts could not be read."),
                                          .detail = Shown(list.failure)});
     }
-    shortcuts_ = new ShortCutWindow(*this, list.shortcuts);
+    shortcuts_ = new ShortCutWindow(*this, list.shortcuts, list.folders);
   }
   BringForward(shortcuts_);
 }
@@ -249,9 +255,28 @@ void TambleApp::FindPassword(QWidget* window, const Site& site,
   passwords_.Find(window, site, std::move(found));
 }
 
+void TambleApp::Diagnose(QWidget* window, const Site& site,
+                         std::function<void(const Site&)> connect) {
+  if (auto* open = window->findChild<DoctorWindow*>()) return BringForward(open);
+  const auto edit = [this, over = QPointer(window)](const Site& changed) {
+    if (!over.isNull()) ShowEditor({.label = changed.host, .site = changed}, *over);
+  };
+  passwords_.Find(window, site,
+                  [this, over = QPointer(window), edit, connect = std::move(connect)](
+                      const std::optional<Site>& whole, bool /*keep*/) {
+                    if (over.isNull() || !whole.has_value()) return;
+                    BringForward(new DoctorWindow(over, *whole, {workers_.doctor, connect, edit}));
+                  });
+}
+
 void TambleApp::KeepPasswords(std::vector<EditedShortcut> shortcuts,
                               std::function<void(std::vector<Shortcut>, const Text&)> then) {
   passwords_.KeepAll(std::move(shortcuts), std::move(then));
+}
+
+void TambleApp::FindPasswords(std::vector<Shortcut> shortcuts,
+                              std::function<void(std::vector<Shortcut>, int)> then) {
+  passwords_.FindAll(std::move(shortcuts), std::move(then));
 }
 
 void TambleApp::ForgetPasswords(const std::vector<Shortcut>& before,
@@ -296,6 +321,7 @@ QStringList TambleApp::WouldBeLost() const {
     if (!window->IsTransferring()) lines += window->WouldEnd();
   }
   lines.removeAll(QString());
+  lines += edited_->Files().Unsent();
   if (!editor_.isNull() && editor_->Busy()) lines += tr("A shortcut is being edited.");
   if (!preferences_.isNull() && preferences_->Changed())
     lines += tr("The preferences are changed and not saved.");

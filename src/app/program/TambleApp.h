@@ -11,20 +11,22 @@
 #include "app/browser/BrowserHost.h"
 #include "app/connect/ConnectHost.h"
 #include "app/desktop/Notifier.h"
+#include "app/edited/EditedHost.h"
 #include "app/program/Passwords.h"
 #include "app/program/TrustedCertificates.h"
 #include "app/transfers/TransferHost.h"
 #include "kit/Message.h"
+#include "queue/QueueStore.h"
 #include "settings/StoredSettings.h"
 
 namespace corvane {
 
 class About;
 class DownLoadWin;
+class EditedWindow;
 class KnownServers;
 class MWindow;
 class PrefWindow;
-class QueueStore;
 class ShortCutEditWindow;
 
 /// The application: owns the connection window and the transfer window, and opens all others. Of
@@ -33,7 +35,8 @@ class TambleApp : public QObject,
                   public BrowserHost,
                   public TransferHost,
                   public ConnectHost,
-                  public ShortcutHost {
+                  public ShortcutHost,
+                  public EditedHost {
   Q_OBJECT
 
  public:
@@ -48,8 +51,9 @@ class TambleApp : public QObject,
   void ReadyToRun(const std::optional<Message>& open = {});
 
   /// 'OPNC' opens a browser window, 'NWST' adds a shortcut ("label", "index") to the menu of the
-  /// connection window, 'SHLG' and 'SHMN' bring transfer and connection window forward. "startup"
-  /// in 'OPNC' and 'SHMN' names the start that asked for it (StartupNotice).
+  /// connection window, 'SHLG', 'SHED' and 'SHMN' bring the window of transfers, of edited files
+  /// and of connections forward. "startup" in 'OPNC' and 'SHMN' names the start that asked for it
+  /// (StartupNotice).
   void PostMessage(const Message& message) override;
   void AboutRequested() override;
   void ShowManual(QWidget* window) override;
@@ -69,10 +73,14 @@ class TambleApp : public QObject,
   void ShowEditor(const Shortcut& shortcut, const QWidget& opener) override;
   void FindPassword(QWidget* window, const Site& site,
                     std::function<void(std::optional<Site>, bool)> found) override;
+  void Diagnose(QWidget* window, const Site& site,
+                std::function<void(const Site&)> connect) override;
   void ConnectionStands(const Site& site, bool keep,
                         std::function<void(const Text&)> tell) override;
   void KeepPasswords(std::vector<EditedShortcut> shortcuts,
                      std::function<void(std::vector<Shortcut>, const Text&)> then) override;
+  void FindPasswords(std::vector<Shortcut> shortcuts,
+                     std::function<void(std::vector<Shortcut>, int)> then) override;
   void ForgetPasswords(const std::vector<Shortcut>& before,
                        const std::vector<Shortcut>& now) override;
   void AskWhetherKept(std::function<void(bool)> then) override;
@@ -85,13 +93,24 @@ class TambleApp : public QObject,
   void TransferEnded(const TransferNews& news) override { notifier_.Ended(news); }
   /// The network is back, or the machine has slept.
   void NetworkReturned();
+  void ShowProperties(EntriesHost& host, const std::string& directory,
+                      std::vector<RemoteEntry> entries, QWidget* browser) override;
+  void ShowFind(EntriesHost& host, const std::string& directory, QWidget* browser) override;
   void CompleteSite(QWidget* window, const Site& site,
                     std::function<void(std::optional<Site>)> found) override;
   void OpenFile(QWidget* window, const std::string& path) override;
+  void OpenRemote(std::vector<EditRequest> requests) override;
+  void EditFile(QWidget* window, const std::string& path) override;
+  void TryTransfersNow() override;
+  void CancelTransfers(const std::string& folder) override;
+  void FindDiffProgram(std::function<void(std::string)> found) override;
+  void CompareFiles(QWidget* window, const std::string& program, const std::string& one,
+                    const std::string& other) override;
   void RevealFile(QWidget* window, const std::string& path) override;
 
   [[nodiscard]] StartWin& ConnectionWindow() override { return *start_; }
   [[nodiscard]] DownLoadWin& Transfers() { return *transfers_; }
+  [[nodiscard]] EditedWindow& Edited() { return *edited_; }
   [[nodiscard]] const QPointer<ShortCutWindow>& Shortcuts() const override { return shortcuts_; }
   [[nodiscard]] const QPointer<PrefWindow>& Preferences() const { return preferences_; }
   [[nodiscard]] const QPointer<ShortCutEditWindow>& Editor() const { return editor_; }
@@ -110,6 +129,8 @@ class TambleApp : public QObject,
   /// Brings forward what a message asked for.
   static void Answer(const Message& message, QWidget* window);
   void ReadSettings();
+  /// Makes the window of edited files; what they left of `kept` is no row of the transfer list.
+  void MakeEdited(std::vector<QueueStore::Row>& kept);
   /// Limits of transfers and of their speed are as the settings say.
   void FollowSettings();
   /// Adds what the settings say of every connection.
@@ -128,6 +149,7 @@ class TambleApp : public QObject,
   std::vector<MWindow*> windowList_;
   std::unique_ptr<StartWin> start_;
   std::unique_ptr<DownLoadWin> transfers_;
+  std::unique_ptr<EditedWindow> edited_;
   QPointer<ShortCutWindow> shortcuts_;
   QPointer<ShortCutEditWindow> editor_;
   QPointer<PrefWindow> preferences_;

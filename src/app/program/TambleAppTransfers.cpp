@@ -1,12 +1,33 @@
 #include <utility>
 
+#include <QFile>
+#include <QStandardPaths>
+#include "app/desktop/DiffProgram.h"
 #include "app/desktop/Reveal.h"
+#include "app/desktop/TextEditor.h"
+#include "app/edited/EditedWindow.h"
+#include "app/entries/FindWindow.h"
+#include "app/entries/PropertiesWindow.h"
 #include "app/program/TambleApp.h"
+#include "app/shared/Frames.h"
+#include "app/shared/GuiThread.h"
+#include "app/shared/Windows.h"
 #include "app/transfers/DownLoadWin.h"
 #include "app/transfers/TransferPane.h"
+#include "kit/Background.h"
 #include "settings/ProcessSettings.h"
 
 namespace corvane {
+namespace {
+
+/// Where the copies of edited files stand; "" where the environment names no folder for them.
+std::string EditedFolder() {
+  const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+  return data.isEmpty() ? "" : QFile::encodeName(data + "/corvane/edited").toStdString();
+}
+constexpr QPoint kBeside(10, 60);  // from the right corner of a browser window
+
+}  // namespace
 
 void TambleApp::Transfer(transferStruct description, TransferListener listener) {
   transfers_->Add(std::move(description), std::move(listener));
@@ -41,7 +62,49 @@ void TambleApp::OpenFile(QWidget* window, const std::string& path) {
 }
 
 void TambleApp::NetworkReturned() {
-  if (transfers_ != nullptr && !quitting_) transfers_->TryAllNow();
+  if (quitting_) return;
+  if (workers_.endKept) workers_.endKept();
+  if (transfers_ == nullptr) return;
+  transfers_->TryAllNow();
+  edited_->Files().TryAllNow();
+}
+
+// What was to be sent of edited files is offered in their own window.
+void TambleApp::MakeEdited(std::vector<QueueStore::Row>& kept) {
+  const std::string folder = EditedFolder();
+  edited_ = std::make_unique<EditedWindow>(*this, folder);
+  std::erase_if(kept, [this, &folder](const QueueStore::Row& row) {
+    const bool theirs = !folder.empty() && row.what.targetFolder.starts_with(folder + "/");
+    if (theirs) queue_->RowRemoved(row.id);
+    return theirs;
+  });
+  edited_->Files().Restore();
+}
+
+void TambleApp::OpenRemote(std::vector<EditRequest> requests) {
+  edited_->Open(std::move(requests));
+}
+
+void TambleApp::TryTransfersNow() {
+  transfers_->TryAllNow();
+}
+
+void TambleApp::CancelTransfers(const std::string& folder) {
+  transfers_->CancelThoseOf(folder);
+}
+
+void TambleApp::EditFile(QWidget* window, const std::string& path) {
+  TextEditor::Open(window, path, ProcessSettings::Get().editor);
+}
+
+void TambleApp::FindDiffProgram(std::function<void(std::string)> found) {
+  const auto look = [found] { OnGuiThread([found, name = DiffProgram::Find()] { found(name); }); };
+  if (!Background::Start("look", look)) found("");
+}
+
+void TambleApp::CompareFiles(QWidget* window, const std::string& program, const std::string& one,
+                             const std::string& other) {
+  DiffProgram::Show(window, program, one, other);
 }
 
 void TambleApp::FollowSettings() {
@@ -52,6 +115,21 @@ void TambleApp::FollowSettings() {
     workers_.speed->up.Set(settings.uploadLimit * kKilo);
   }
   transfers_->FollowSettings();
+}
+
+void TambleApp::ShowProperties(EntriesHost& host, const std::string& directory,
+                               std::vector<RemoteEntry> entries, QWidget* browser) {
+  auto* window = new PropertiesWindow(host, directory, std::move(entries), browser);
+  window->move(
+      Frames::OnScreen(QRect(browser->frameGeometry().topRight() + kBeside, window->sizeHint()))
+          .topLeft());
+  BringForward(window);
+}
+
+void TambleApp::ShowFind(EntriesHost& host, const std::string& directory, QWidget* browser) {
+  auto* window = new FindWindow(host, directory, browser);
+  Frames::PutBelow(*window, *browser);
+  BringForward(window);
 }
 
 void TambleApp::RevealFile(QWidget* window, const std::string& path) {

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,9 +48,10 @@ class Alerts {
     std::function<void(const std::string&)> entered{};  ///< gets it before the answer comes
     /// What each button does, the last one aside: it makes them choices, as more than three are.
     QStringList explanations{};
-    QString tick{};                      ///< the text of a check box
-    bool ticks = false;                  ///< it is set at first
-    std::function<void(bool)> ticked{};  ///< gets its state before the answer comes
+    std::map<int, QString> unavailable{};  ///< choices that cannot be made, and why not
+    QString tick{};                        ///< the text of a check box
+    bool ticks = false;                    ///< it is set at first
+    std::function<void(bool)> ticked{};    ///< gets its state before the answer comes
   };
   using Answer = std::function<void(int button)>;
   using Responder = std::function<int(const Question&)>;

@@ -34,6 +34,7 @@ class ClassicStyle : public Style {
   [[nodiscard]] bool TransfersAtStart() const override { return true; }
   [[nodiscard]] bool ClosingQuits() const override { return true; }
   [[nodiscard]] bool AsksOfEachEntry() const override { return false; }
+  [[nodiscard]] bool ShowsFolders() const override { return false; }
   [[nodiscard]] QString NewShortcutTitle() const override;
   [[nodiscard]] TransferWords RowOf(const TransferFacts& transfer) const override;
   [[nodiscard]] QColor BarOf(TransferState state, const QPalette& palette) const override;

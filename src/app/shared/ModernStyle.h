@@ -34,6 +34,7 @@ class ModernStyle : public Style {
   [[nodiscard]] bool TransfersAtStart() const override { return false; }
   [[nodiscard]] bool ClosingQuits() const override { return false; }
   [[nodiscard]] bool AsksOfEachEntry() const override { return true; }
+  [[nodiscard]] bool ShowsFolders() const override { return true; }
   [[nodiscard]] QString NewShortcutTitle() const override;
   [[nodiscard]] TransferWords RowOf(const TransferFacts& transfer) const override;
   [[nodiscard]] QColor BarOf(TransferState state, const QPalette& palette) const override;

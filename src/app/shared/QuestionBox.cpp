@@ -190,6 +190,10 @@ QLayout* QuestionBox::MakeChoices(const Alerts::Question& question) {
     choice->setMinimumHeight(LookStyle::kControlHeight);
     choice->setChecked(i == question.preset);
     choices_->addButton(choice, i);
+    if (const auto why = question.unavailable.find(i); why != question.unavailable.end()) {
+      choice->setEnabled(false);
+      SetTip(*choice, why->second);
+    }
     grid->addWidget(choice, i, 0);
     if (i >= question.explanations.size()) continue;
     auto* explanation = new WrappedLabel(question.explanations[i], this);

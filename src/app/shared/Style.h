@@ -122,6 +122,8 @@ class Style {
   /// Whether what is there already is asked about entry by entry, with every choice; else alerts
   /// ask once for all, with the choices described.
   [[nodiscard]] virtual bool AsksOfEachEntry() const = 0;
+  /// Whether shortcuts are shown in their folders; else in one list, as they are numbered.
+  [[nodiscard]] virtual bool ShowsFolders() const = 0;
   /// The title of the window in which a shortcut is made.
   [[nodiscard]] virtual QString NewShortcutTitle() const = 0;
 

@@ -8,9 +8,12 @@
 #include "queue/TransferSpeed.h"
 #include "queue/transferStruct.h"
 #include "remote/BrowserUi.h"
+#include "remote/Diagnosis.h"
 #include "remote/Site.h"
 #include "remote/TransferUi.h"
 #include "workers/MThread.h"
+#include "workers/WalkOrder.h"
+#include "workers/WalkUi.h"
 
 namespace corvane {
 
@@ -27,6 +30,17 @@ struct WorkerFactory {
                                          std::shared_ptr<TransferUi>, transferStruct,
                                          std::shared_ptr<JobBoard>)>
       sameConnection;
+  /// Ends what transfers keep of connections that none of them uses now; null where they keep
+  /// nothing.
+  std::function<void()> endKept{};
+  /// What looks at a connection step by step; null where nothing can.
+  std::function<std::shared_ptr<MThread>(const Site&, std::shared_ptr<DiagnosisUi>)> doctor{};
+  /// A walk for that window, whose looper this factory made: on its connection and on others, of
+  /// which there are to be so many at most.
+  std::function<std::shared_ptr<MThread>(const std::shared_ptr<Looper>&, std::shared_ptr<BrowserUi>,
+                                         const Site&, int connections, const WalkOrder&,
+                                         std::shared_ptr<WalkUi>)>
+      walk;
   /// What all transfers share; null where their speed cannot be limited.
   std::shared_ptr<TransferSpeed> speed{};
 };

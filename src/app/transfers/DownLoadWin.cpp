@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -11,6 +12,7 @@
 
 #include "app/shared/Alerts.h"
 #include "app/shared/Frames.h"
+#include "app/shared/OpenMessage.h"
 #include "app/shared/Pace.h"
 #include "app/shared/Rule.h"
 #include "app/shared/Shown.h"
@@ -102,9 +104,10 @@ void DownLoadWin::MenusBeginning() {
 }
 
 void DownLoadWin::Add(transferStruct description, TransferListener listener) {
+  const bool quiet = listener.quiet;
   queued_->Add(std::move(description), std::move(listener));
   list_->ShowLastSoon();
-  if (ProcessSettings::Get().showwindow) ShowBeside();
+  if (!quiet && ProcessSettings::Get().showwindow) ShowBeside();
 }
 
 void DownLoadWin::Restore(std::vector<QueueStore::Row> rows) {
@@ -115,8 +118,10 @@ void DownLoadWin::Restore(std::vector<QueueStore::Row> rows) {
 
 // A row that has something to say about entries that were left out stays.
 void DownLoadWin::ItemEnded(TransferItem* item) {
-  app_.TransferEnded(item->News());
-  if (!item->Finished() || item->HasNotes() || !ProcessSettings::Get().removeItem) return;
+  const bool quiet = item->IsQuiet();
+  if (!quiet) app_.TransferEnded(item->News());
+  const bool stays = !item->Finished() || item->HasNotes() || !ProcessSettings::Get().removeItem;
+  if (!quiet && stays) return;
   if (const int row = list_->Items().RowOf(item->Id()); row >= 0) queued_->Remove(row, 1);
 }
 
@@ -144,6 +149,7 @@ void DownLoadWin::MessageReceived(const Message& message) {
     case "OPFL"_what: OpenSelected(); break;
     case "CPYA"_what: CopyAddresses(); break;
     case "_RRC"_what: Act(list_->FirstSelected(), TransferAction::Reveal); break;
+    case "DIAG"_what: Diagnose(); break;
     case "HELP"_what: app_.ShowManual(this); break;
     case "_QRQ"_what: close(); break;
     case "SHMN"_what: app_.PostMessage(message); break;
@@ -191,6 +197,19 @@ void DownLoadWin::OpenSelected() {
     const bool opens = item.IsDownload() && item.Finished() && !item.IsSeveral();
     if (opens) app_.OpenFile(this, item.LocalPath());
   }
+}
+
+// What helps is tried in a browser window.
+void DownLoadWin::Diagnose() {
+  const int row = list_->FirstSelected();
+  if (row < 0) return;
+  const Site site = list_->Items().At(row).Description().site;
+  app_.CompleteSite(this, site, [self = QPointer(this)](const std::optional<Site>& whole) {
+    if (self.isNull() || !whole.has_value()) return;
+    self->app_.Diagnose(self, *whole, [self](const Site& mended) {
+      if (!self.isNull()) self->app_.PostMessage(OpenMessage(mended));
+    });
+  });
 }
 
 void DownLoadWin::CopyAddresses() const {
@@ -329,6 +348,19 @@ void DownLoadWin::RemoveRows(const std::vector<int>& rows) {
 
 void DownLoadWin::StopAll() {
   queued_->Pause(RowsWhere(IsGoing));
+}
+
+void DownLoadWin::CancelThoseOf(const std::string& folder) {
+  TransferModel& items = list_->Items();
+  for (int row = items.Count() - 1; row >= 0; --row) {
+    const TransferItem& item = items.At(row);
+    if (item.Description().targetFolder != folder) continue;
+    const RowId id = item.Id();
+    queued_->Cancel({row});
+    // Its worker, where it runs, ends by itself.
+    const int now = items.RowOf(id);
+    if (now >= 0 && items.At(now).IsQuiet() && items.At(now).HasEnded()) queued_->Remove(now, 1);
+  }
 }
 
 void DownLoadWin::TryAllNow() {

@@ -39,6 +39,8 @@ class DownLoadWin : public QMainWindow {
   void MessageReceived(const Message& message);
   /// The program ends: stops what runs. Rows that are kept are gone on with after the next start.
   void StopAll();
+  /// Ends the transfers from or to that local folder, raw bytes.
+  void CancelThoseOf(const std::string& folder);
   /// The network is back, or the machine.
   void TryAllNow();
   /// The preferences were saved.
@@ -69,6 +71,7 @@ class DownLoadWin : public QMainWindow {
   void ToggleSelected();
   void OpenSelected();
   void CopyAddresses() const;
+  void Diagnose();
   void ShowState();
   void ShowPace();
   void ShowTrouble();

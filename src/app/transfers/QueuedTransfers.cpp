@@ -99,11 +99,16 @@ void QueuedTransfers::Tick() {
 }
 
 void QueuedTransfers::Follow() {
+  int place = 0;
+  int waiting = 0;
   for (const TransferQueue::Row& row : queue_.Rows()) {
-    TransferItem* item = ItemOf(row.id);
-    if (item == nullptr) continue;
+    // Where both have the same rows the places are the same.
+    const bool same = place < rows_.rowCount() && rows_.At(place).Id() == row.id;
+    TransferItem* item = same ? &rows_.At(place) : ItemOf(row.id);
+    ++place;
     RowStanding standing{.state = row.state};
-    if (row.state == RowState::Waiting) standing.before = queue_.Before(row.id);
+    if (row.state == RowState::Waiting) standing.before = waiting++;
+    if (item == nullptr) continue;
     if (row.state == RowState::Again) {
       standing.tries = row.tries;
       standing.most = queue_.InForce().tries;
@@ -132,6 +137,8 @@ void QueuedTransfers::TryNow(const std::vector<int>& rows) {
 }
 
 void QueuedTransfers::TryAllNow() {
+  for (const TransferQueue::Row& row : queue_.Rows())
+    if (TransferItem* item = ItemOf(row.id)) item->CheckConnections();
   queue_.TryAllNow();
   Tick();
 }

@@ -39,7 +39,7 @@ class QueuedTransfers : public QObject {
   /// Tries what failed once more.
   void Retry(const std::vector<int>& rows);
   void TryNow(const std::vector<int>& rows);
-  /// The network is back.
+  /// The network is back: what waits is tried, and what runs has to show that it still does.
   void TryAllNow();
   /// Moves these rows, in their order, up (-1) or down (1); none where one of them cannot.
   void Move(const std::vector<int>& rows, int by);

@@ -66,6 +66,8 @@ std::span<const TransferCommand> TransferCommands::All() {
       {"CPYA"_what, Menu::File, 4, When::Row, "Ctrl+C", QT_TR_NOOP("Cop&y Address"),
        QT_TR_NOOP("Copies the addresses of what is selected, without a password"), 4,
        QT_TR_NOOP("Copy Address")},
+      {"DIAG"_what, Menu::File, 4, When::Row, "Ctrl+F1", QT_TR_NOOP("&What Is Wrong?"),
+       QT_TR_NOOP("Looks at the connection of what is selected step by step"), 4, QT_TR_NOOP("What Is Wrong?")},
       {"_RRC"_what, Menu::File, 4, When::Download, "Ctrl+E", QT_TR_NOOP("Show &in Folder"),
        QT_TR_NOOP("Shows the download in its folder"), 5, QT_TR_NOOP("Show in Folder"),
        QT_TR_NOOP("Reveal in Tracker")},

@@ -19,7 +19,7 @@ struct TransferHost {
   virtual ~TransferHost() = default;
 
   [[nodiscard]] virtual const WorkerFactory& Workers() const = 0;
-  /// Takes 'SHMN'.
+  /// Takes 'SHMN' and 'OPNC'.
   virtual void PostMessage(const Message& message) = 0;
   /// Opens the manual; alerts stand over `window`.
   virtual void ShowManual(QWidget* window) = 0;
@@ -32,6 +32,10 @@ struct TransferHost {
   /// no password; at once or later.
   virtual void CompleteSite(QWidget* window, const Site& site,
                             std::function<void(std::optional<Site> site)> found) = 0;
+  /// Looks at the connection to `site` step by step, in a window over `window`. `connect` gets the
+  /// site, perhaps mended, where the user then wants to connect to it.
+  virtual void Diagnose(QWidget* window, const Site& site,
+                        std::function<void(const Site& site)> connect) = 0;
   /// Opens a local file, raw bytes, in the desktop's program; alerts stand over `window`.
   virtual void OpenFile(QWidget* window, const std::string& path) = 0;
   /// Shows a local path, raw bytes, in the file manager; alerts stand over `window`.

@@ -31,6 +31,7 @@ TransferItem::TransferItem(transferStruct description, TransferListener listener
 
 TransferItem::~TransferItem() {
   LetGo();
+  if (listener_.restated && !HasEnded()) listener_.restated(RowState::Cancelled, {});
 }
 
 void TransferItem::LetGo() {
@@ -79,6 +80,7 @@ void TransferItem::SetStanding(const RowStanding& standing) {
   const RowState before = std::exchange(standing_, standing).state;
   if (before != standing.state) {
     if (standing.state == RowState::Failed) open_ = notes_.size() <= kNotesShownAtOnce;
+    if (listener_.restated) listener_.restated(standing.state, report_.reason);
     Q_EMIT Restated(before, standing.state);
   }
   Q_EMIT Changed(this);
@@ -135,6 +137,8 @@ void TransferItem::LogNotes() {
 
 void TransferItem::MessageReceived(const Message& message) {
   if (message.what == "ADDI"_what && listener_.arrived) listener_.arrived(message);
+  if (message.what == "VRSN"_what && listener_.versioned) listener_.versioned(message);
+  if (message.what == "LGRF"_what && listener_.loginRefused) listener_.loginRefused();
 }
 
 TransferNews TransferItem::News() const {

@@ -41,6 +41,10 @@ class TransferItem : public QObject {
   void Start(const MakeWorker& make);
   /// Tells the worker to stop; its word on how it ended follows.
   void Stop();
+  /// The network may be another one by now: what has lost its connection is soon to say so.
+  void CheckConnections() {
+    if (worker_ != nullptr) worker_->CheckConnections();
+  }
   /// With the next start, what has failed is tried once more. Its notes are forgotten then.
   void TakeUpFailed() { retries_ = true; }
   /// The row is going: stops the worker and hears no more of it.
@@ -50,6 +54,8 @@ class TransferItem : public QObject {
   [[nodiscard]] RowState Stands() const { return standing_.state; }
   [[nodiscard]] TransferState State() const;
   [[nodiscard]] bool Running() const { return standing_.state == RowState::Running; }
+  /// Whether it is part of other work, which tells of it.
+  [[nodiscard]] bool IsQuiet() const { return listener_.quiet; }
   /// Whether nothing more happens by itself.
   [[nodiscard]] bool HasEnded() const { return Failed() || Finished(); }
   /// Whether it ended and is not done.

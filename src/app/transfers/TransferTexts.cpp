@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t kNotesShown = 20;
 constexpr qsizetype kNoteLength = 200;
+constexpr std::string_view kLost = "The connection was lost: %1";
 
 /// One note as one short line.
 QString Short(const QString& line) {
@@ -52,7 +53,7 @@ TransferFacts TransferTexts::Facts() const {
       .file = FileName(),
       .status = ShownInLine(report.label),
       .trailing = ShownInLine(report.trailing),
-      .failure = FailureText().simplified(),
+      .failure = Reason().simplified(),
       .several = item_.IsSeveral(),
       .there = item_.There(),
       .total = progress.total,
@@ -105,6 +106,14 @@ QString TransferTexts::FileWithCount() const {
   return count.isEmpty() ? file : QStringLiteral("%1 (%2)").arg(file, count);
 }
 
+// While it is tried again there is room for a few words only; the tip has the whole.
+QString TransferTexts::Reason() const {
+  if (item_.Stands() != RowState::Again) return FailureText();
+  const Text& reason = item_.LastReport().reason;
+  if (reason.Identifier() == kLost) return TransferItem::tr("connection lost");
+  return Shown(reason.Reason());
+}
+
 QString TransferTexts::FailureText() const {
   if (!item_.Failed() && item_.Stands() != RowState::Again) return {};
   if (!item_.LastReport().reason.IsEmpty()) return Shown(item_.LastReport().reason);
@@ -146,7 +155,8 @@ std::vector<std::pair<QString, QString>> TransferTexts::NoteLines() const {
 }
 
 QString TransferTexts::Details() const {
-  QStringList lines{item_.Failed() ? FailureText() : TargetLine()};
+  const QString failure = FailureText();
+  QStringList lines{failure.isEmpty() ? TargetLine() : failure};
   const std::size_t shown = std::min(item_.Notes().size(), kNotesShown);
   for (std::size_t note = 0; note < shown; ++note) {
     lines.append(Short(ShownInLine(item_.Notes()[note])));

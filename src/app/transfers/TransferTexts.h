@@ -42,6 +42,7 @@ class TransferTexts {
   [[nodiscard]] int CountNoteLines() const;
 
  private:
+  [[nodiscard]] QString Reason() const;
   [[nodiscard]] QString TargetLine() const;
 
   const TransferItem& item_;

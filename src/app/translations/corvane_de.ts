@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de" sourcelanguage="en">
 <context>
+    <name>DiffProgram</name>
+    <message>
+        <source>Compare</source>
+        <translation>Vergleichen</translation>
+    </message>
+    <message>
+        <source>%1 does not start.</source>
+        <translation>%1 startet nicht.</translation>
+    </message>
+</context>
+<context>
     <name>Engine</name>
     <message>
         <source>Changing Dir..</source>
@@ -969,6 +980,1038 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>What came is not what the server has: the checksums differ.</source>
         <translation>Was kam, ist nicht, was der Server hat: Die Prüfsummen unterscheiden sich.</translation>
     </message>
+    <message>
+        <source>&quot;%1&quot; has been changed on the server.</source>
+        <translation>„%1“ wurde auf dem Server geändert.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no longer on the server.</source>
+        <translation>„%1“ ist nicht mehr auf dem Server.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; stands on the server by now.</source>
+        <translation>„%1“ steht inzwischen auf dem Server.</translation>
+    </message>
+    <message>
+        <source>%1 But port %2 is open.</source>
+        <translation>%1 Aber Port %2 ist offen.</translation>
+    </message>
+    <message>
+        <source>%1 The server names %2, which is not its address here.</source>
+        <translation>%1 Der Server nennt %2, was hier nicht seine Adresse ist.</translation>
+    </message>
+    <message>
+        <source>%1 came from its second byte on.</source>
+        <translation>%1 kam vom zweiten Byte an.</translation>
+    </message>
+    <message>
+        <source>%1 entries came.</source>
+        <translation>%1 Einträge kamen.</translation>
+    </message>
+    <message>
+        <source>%1 features; the system is %2.</source>
+        <translation>%1 Fähigkeiten; das System ist %2.</translation>
+    </message>
+    <message>
+        <source>%1 h</source>
+        <translation>%1 h</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 is %2.</source>
+        <translation>%1 ist %2.</translation>
+    </message>
+    <message>
+        <source>%1 is accepted.</source>
+        <translation>%1 wird angenommen.</translation>
+    </message>
+    <message>
+        <source>%1 is an address already.</source>
+        <translation>%1 ist schon eine Adresse.</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 min</translation>
+    </message>
+    <message>
+        <source>%1 names lead elsewhere.</source>
+        <translation>%1 Namen führen anderswohin.</translation>
+    </message>
+    <message>
+        <source>%1 takes connections, %2 does not.</source>
+        <translation>%1 nimmt Verbindungen an, %2 nicht.</translation>
+    </message>
+    <message>
+        <source>%1 takes connections.</source>
+        <translation>%1 nimmt Verbindungen an.</translation>
+    </message>
+    <message>
+        <source>%1 was changed %2 from now: the server’s clock is ahead.</source>
+        <translation>%1 wurde in %2 geändert: Die Uhr des Servers geht vor.</translation>
+    </message>
+    <message>
+        <source>%1, the certificate is trusted by this computer.</source>
+        <translation>%1, dieser Rechner vertraut dem Zertifikat.</translation>
+    </message>
+    <message>
+        <source>%1, you have trusted the certificate.</source>
+        <translation>%1, Sie haben dem Zertifikat vertraut.</translation>
+    </message>
+    <message>
+        <source>1 entry came.</source>
+        <translation>1 Eintrag kam.</translation>
+    </message>
+    <message>
+        <source>A firewall at the server’s side closes the ports that the server offers. With the active mode the server opens the connections.</source>
+        <translation>Eine Firewall auf der Seite des Servers sperrt die Ports, die der Server anbietet. Im aktiven Modus baut der Server die Verbindungen auf.</translation>
+    </message>
+    <message>
+        <source>A firewall lets commands through, and no data.</source>
+        <translation>Eine Firewall lässt Befehle durch, aber keine Daten.</translation>
+    </message>
+    <message>
+        <source>A firewall that does not know encrypted FTP may stand in between. “Always, from the first byte on” may go through.</source>
+        <translation>Vielleicht steht eine Firewall dazwischen, die verschlüsseltes FTP nicht kennt. „Immer, vom ersten Byte an“ kommt womöglich durch.</translation>
+    </message>
+    <message>
+        <source>A router or a firewall at your side lets nothing in. With the passive mode Corvane opens all connections itself.</source>
+        <translation>Ein Router oder eine Firewall auf Ihrer Seite lässt nichts herein. Im passiven Modus baut Corvane alle Verbindungen selbst auf.</translation>
+    </message>
+    <message>
+        <source>A server takes connections there, and none at the port of the connection.</source>
+        <translation>Dort nimmt ein Server Verbindungen an, am Port der Verbindung keiner.</translation>
+    </message>
+    <message>
+        <source>A web server is at port %1.</source>
+        <translation>An Port %1 ist ein Webserver.</translation>
+    </message>
+    <message>
+        <source>A web server is there.</source>
+        <translation>Dort ist ein Webserver.</translation>
+    </message>
+    <message>
+        <source>All connections to the server are in use.</source>
+        <translation>Alle Verbindungen zum Server sind belegt.</translation>
+    </message>
+    <message>
+        <source>An SSH server is at port %1.</source>
+        <translation>An Port %1 ist ein SSH-Server.</translation>
+    </message>
+    <message>
+        <source>An SSH server is there: %1</source>
+        <translation>Dort ist ein SSH-Server: %1</translation>
+    </message>
+    <message>
+        <source>Ask for encryption, or change the connection’s.</source>
+        <translation>Bitten Sie um Verschlüsselung, oder ändern Sie die der Verbindung.</translation>
+    </message>
+    <message>
+        <source>Ask what the server can do</source>
+        <translation>Fragen, was der Server kann</translation>
+    </message>
+    <message>
+        <source>Ask whoever runs the server to unlock it.</source>
+        <translation>Bitten Sie den Betreiber des Servers, es zu entsperren.</translation>
+    </message>
+    <message>
+        <source>Ask whoever runs the server whether it is theirs.</source>
+        <translation>Fragen Sie den Betreiber des Servers, ob es seines ist.</translation>
+    </message>
+    <message>
+        <source>Ask whoever runs the server why.</source>
+        <translation>Fragen Sie den Betreiber des Servers, warum.</translation>
+    </message>
+    <message>
+        <source>Begin where the server puts you.</source>
+        <translation>Beginnen Sie dort, wohin der Server Sie führt.</translation>
+    </message>
+    <message>
+        <source>Broken transfers begin anew.</source>
+        <translation>Abgebrochene Übertragungen beginnen von vorn.</translation>
+    </message>
+    <message>
+        <source>Check that this computer is online, and whether a firewall is in between.</source>
+        <translation>Prüfen Sie, ob dieser Rechner am Netz ist und ob eine Firewall dazwischen steht.</translation>
+    </message>
+    <message>
+        <source>Check the address, and tell whoever runs the server.</source>
+        <translation>Prüfen Sie die Adresse, und benachrichtigen Sie den Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>Check the name.</source>
+        <translation>Prüfen Sie den Namen.</translation>
+    </message>
+    <message>
+        <source>Check the network, then connect again.</source>
+        <translation>Prüfen Sie das Netz, und verbinden Sie sich dann erneut.</translation>
+    </message>
+    <message>
+        <source>Check the port.</source>
+        <translation>Prüfen Sie den Port.</translation>
+    </message>
+    <message>
+        <source>Check the proxy in the preferences.</source>
+        <translation>Prüfen Sie den Proxy in den Einstellungen.</translation>
+    </message>
+    <message>
+        <source>Choose another kind of encryption.</source>
+        <translation>Wählen Sie eine andere Art der Verschlüsselung.</translation>
+    </message>
+    <message>
+        <source>Choose another port.</source>
+        <translation>Wählen Sie einen anderen Port.</translation>
+    </message>
+    <message>
+        <source>Choose its file anew.</source>
+        <translation>Wählen Sie seine Datei neu.</translation>
+    </message>
+    <message>
+        <source>Choose “Always, from the first byte on” as the encryption.</source>
+        <translation>Wählen Sie „Immer, vom ersten Byte an“ als Verschlüsselung.</translation>
+    </message>
+    <message>
+        <source>Choose “Always” as the encryption.</source>
+        <translation>Wählen Sie „Immer“ als Verschlüsselung.</translation>
+    </message>
+    <message>
+        <source>Close other windows and programs that are connected with this server.</source>
+        <translation>Schließen Sie andere Fenster und Programme, die mit diesem Server verbunden sind.</translation>
+    </message>
+    <message>
+        <source>Compare the clocks</source>
+        <translation>Uhren vergleichen</translation>
+    </message>
+    <message>
+        <source>Connect again.</source>
+        <translation>Verbinden Sie sich erneut.</translation>
+    </message>
+    <message>
+        <source>Connect only if the password may be read on the way.</source>
+        <translation>Verbinden Sie sich nur, wenn das Passwort unterwegs gelesen werden darf.</translation>
+    </message>
+    <message>
+        <source>Corvane takes the other one. Whoever runs the server or your network should mend it.</source>
+        <translation>Corvane nimmt die andere. Der Betreiber des Servers oder Ihres Netzes sollte das beheben.</translation>
+    </message>
+    <message>
+        <source>Corvane takes the right one. Other programs may fail: tell whoever runs the server.</source>
+        <translation>Corvane nimmt die richtige. Andere Programme scheitern womöglich: Benachrichtigen Sie den Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>Corvane understands that; rights and owners are not told.</source>
+        <translation>Corvane versteht das; Rechte und Besitzer werden nicht genannt.</translation>
+    </message>
+    <message>
+        <source>Encrypt</source>
+        <translation>Verschlüsseln</translation>
+    </message>
+    <message>
+        <source>Enter the directory</source>
+        <translation>Verzeichnis öffnen</translation>
+    </message>
+    <message>
+        <source>Enter the password again.</source>
+        <translation>Geben Sie das Passwort noch einmal ein.</translation>
+    </message>
+    <message>
+        <source>Enter your user name and password.</source>
+        <translation>Geben Sie Ihren Benutzernamen und Ihr Passwort ein.</translation>
+    </message>
+    <message>
+        <source>Entries whose names the listing does not tell: %1</source>
+        <translation>Einträge, deren Namen die Auflistung nicht erkennen lässt: %1</translation>
+    </message>
+    <message>
+        <source>FTP and SFTP are different things. The port of FTP is 21 as a rule; a server that has SFTP only cannot be reached with Corvane.</source>
+        <translation>FTP und SFTP sind zweierlei. Der Port von FTP ist in der Regel 21; ein Server, der nur SFTP kann, ist mit Corvane nicht zu erreichen.</translation>
+    </message>
+    <message>
+        <source>Fetch a listing, active</source>
+        <translation>Auflistung holen, aktiv</translation>
+    </message>
+    <message>
+        <source>Fetch a listing, passive</source>
+        <translation>Auflistung holen, passiv</translation>
+    </message>
+    <message>
+        <source>Find a way there</source>
+        <translation>Weg dorthin finden</translation>
+    </message>
+    <message>
+        <source>Find the address</source>
+        <translation>Adresse finden</translation>
+    </message>
+    <message>
+        <source>Hidden files cannot be listed.</source>
+        <translation>Versteckte Dateien können nicht aufgelistet werden.</translation>
+    </message>
+    <message>
+        <source>It is locked, damaged or gone. If it has a passphrase, connect and enter it.</source>
+        <translation>Es ist gesperrt, beschädigt oder nicht mehr da. Wenn es eine Passphrase hat, verbinden Sie sich und geben Sie diese ein.</translation>
+    </message>
+    <message>
+        <source>It is reached over SSH, which Corvane does not speak.</source>
+        <translation>Der Server ist über SSH zu erreichen, das Corvane nicht spricht.</translation>
+    </message>
+    <message>
+        <source>It is reached over a protocol that Corvane does not speak.</source>
+        <translation>Der Server ist über ein Protokoll zu erreichen, das Corvane nicht spricht.</translation>
+    </message>
+    <message>
+        <source>It may be misspelt. If other names are not found either, this computer is not online.</source>
+        <translation>Vielleicht ist er falsch geschrieben. Werden auch andere Namen nicht gefunden, so ist dieser Rechner nicht am Netz.</translation>
+    </message>
+    <message>
+        <source>It names no server.</source>
+        <translation>Der Eintrag nennt keinen Server.</translation>
+    </message>
+    <message>
+        <source>It refuses, or is not there. Whoever runs it knows what it lets through.</source>
+        <translation>Er lehnt ab oder ist nicht da. Sein Betreiber weiß, was er durchlässt.</translation>
+    </message>
+    <message>
+        <source>It stands for all servers, and names none of them.</source>
+        <translation>Der Eintrag steht für alle Server und nennt keinen.</translation>
+    </message>
+    <message>
+        <source>It stopped after %1 entries.</source>
+        <translation>Nach %1 Einträgen wurde aufgehört.</translation>
+    </message>
+    <message>
+        <source>It stopped after %1 were found.</source>
+        <translation>Nach %1 Funden wurde aufgehört.</translation>
+    </message>
+    <message>
+        <source>It takes the connection and then says nothing, or turns it away.</source>
+        <translation>Er nimmt die Verbindung an und sagt dann nichts, oder weist sie ab.</translation>
+    </message>
+    <message>
+        <source>It was encrypted before: another machine may stand in its place.</source>
+        <translation>Früher war er verschlüsselt: Vielleicht steht ein anderer Rechner an seiner Stelle.</translation>
+    </message>
+    <message>
+        <source>Its account is left out.</source>
+        <translation>Das Konto (account) wird weggelassen.</translation>
+    </message>
+    <message>
+        <source>Its address cannot be read.</source>
+        <translation>Die Adresse ist nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>Its address holds a character that a shortcut cannot hold.</source>
+        <translation>Die Adresse hat ein Zeichen, das in keiner Verknüpfung stehen kann.</translation>
+    </message>
+    <message>
+        <source>Its certificate, %1, was made out to %2 by %3.</source>
+        <translation>Sein Zertifikat, %1, wurde von %3 auf %2 ausgestellt.</translation>
+    </message>
+    <message>
+        <source>Its directory cannot be read, and is left out.</source>
+        <translation>Das Verzeichnis ist nicht lesbar und wird weggelassen.</translation>
+    </message>
+    <message>
+        <source>Its directory holds a character that a shortcut cannot hold, and is left out.</source>
+        <translation>Das Verzeichnis hat ein Zeichen, das in keiner Verknüpfung stehen kann, und wird weggelassen.</translation>
+    </message>
+    <message>
+        <source>Its encoding is not known here.</source>
+        <translation>Die Zeichenkodierung ist hier nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>Its encryption is out of date, or something on the way disturbs it.</source>
+        <translation>Seine Verschlüsselung ist veraltet, oder etwas auf dem Weg stört sie.</translation>
+    </message>
+    <message>
+        <source>Its end is missing.</source>
+        <translation>Das Ende fehlt.</translation>
+    </message>
+    <message>
+        <source>Its own bookmarks are left out.</source>
+        <translation>Die Lesezeichen des Eintrags werden weggelassen.</translation>
+    </message>
+    <message>
+        <source>Its password cannot be read, and is asked for.</source>
+        <translation>Das Passwort ist nicht lesbar und wird erfragt.</translation>
+    </message>
+    <message>
+        <source>Its password holds a character that a shortcut cannot hold: it is asked for.</source>
+        <translation>Das Passwort hat ein Zeichen, das in keiner Verknüpfung stehen kann: Es wird erfragt.</translation>
+    </message>
+    <message>
+        <source>Its password is encrypted with a master password, and is asked for.</source>
+        <translation>Das Passwort ist mit einem Hauptpasswort verschlüsselt und wird erfragt.</translation>
+    </message>
+    <message>
+        <source>Its port is no number from 1 to 65535.</source>
+        <translation>Der Port ist keine Zahl von 1 bis 65535.</translation>
+    </message>
+    <message>
+        <source>Its username holds a character that a shortcut cannot hold.</source>
+        <translation>Der Benutzername hat ein Zeichen, das in keiner Verknüpfung stehen kann.</translation>
+    </message>
+    <message>
+        <source>Left alone, for the listing does not tell its name.</source>
+        <translation>Nicht angerührt, denn die Auflistung lässt den Namen nicht erkennen.</translation>
+    </message>
+    <message>
+        <source>Left out until a listing comes.</source>
+        <translation>Ausgelassen, bis eine Auflistung kommt.</translation>
+    </message>
+    <message>
+        <source>Left out: %1</source>
+        <translation>Ausgelassen: %1</translation>
+    </message>
+    <message>
+        <source>Left out: %1 may not be read.</source>
+        <translation>Ausgelassen: %1 darf nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>Left out: no file tells its time.</source>
+        <translation>Ausgelassen: Von keiner Datei ist die Zeit bekannt.</translation>
+    </message>
+    <message>
+        <source>Left out: no small file is there to try.</source>
+        <translation>Ausgelassen: Es ist keine kleine Datei zum Probieren da.</translation>
+    </message>
+    <message>
+        <source>Left out: the check has taken too long already.</source>
+        <translation>Ausgelassen: Die Prüfung hat schon zu lange gedauert.</translation>
+    </message>
+    <message>
+        <source>Left out: the server does not tell exact times.</source>
+        <translation>Ausgelassen: Der Server nennt keine genauen Zeiten.</translation>
+    </message>
+    <message>
+        <source>Line %1 cannot be read.</source>
+        <translation>Zeile %1 ist nicht lesbar.</translation>
+    </message>
+    <message>
+        <source>Lines of the listing that are not understood: %1</source>
+        <translation>Zeilen der Auflistung, die nicht verstanden werden: %1</translation>
+    </message>
+    <message>
+        <source>Listings do not come in active mode.</source>
+        <translation>Im aktiven Modus kommen keine Auflistungen.</translation>
+    </message>
+    <message>
+        <source>Listings do not come in passive mode.</source>
+        <translation>Im passiven Modus kommen keine Auflistungen.</translation>
+    </message>
+    <message>
+        <source>Listings tell the server’s own time.</source>
+        <translation>Auflistungen nennen die Ortszeit des Servers.</translation>
+    </message>
+    <message>
+        <source>Log in</source>
+        <translation>Anmelden</translation>
+    </message>
+    <message>
+        <source>Look at the certificate, then decide.</source>
+        <translation>Sehen Sie sich das Zertifikat an, und entscheiden Sie dann.</translation>
+    </message>
+    <message>
+        <source>Name and password may be right all the same.</source>
+        <translation>Name und Passwort können dennoch stimmen.</translation>
+    </message>
+    <message>
+        <source>No FTP server is at port %1.</source>
+        <translation>An Port %1 ist kein FTP-Server.</translation>
+    </message>
+    <message>
+        <source>No address is known for %1.</source>
+        <translation>Für %1 ist keine Adresse bekannt.</translation>
+    </message>
+    <message>
+        <source>No address is known for the proxy %1.</source>
+        <translation>Für den Proxy %1 ist keine Adresse bekannt.</translation>
+    </message>
+    <message>
+        <source>No copy could be made for sending: %1</source>
+        <translation>Zum Senden konnte keine Kopie angelegt werden: %1</translation>
+    </message>
+    <message>
+        <source>No list of features; the system is %1.</source>
+        <translation>Keine Liste der Fähigkeiten; das System ist %1.</translation>
+    </message>
+    <message>
+        <source>No listing comes in either mode.</source>
+        <translation>In keinem der beiden Modi kommt eine Auflistung.</translation>
+    </message>
+    <message>
+        <source>No password.</source>
+        <translation>Kein Passwort.</translation>
+    </message>
+    <message>
+        <source>Nobody whom this computer trusts vouches for the server. %1</source>
+        <translation>Niemand, dem dieser Rechner vertraut, bürgt für den Server. %1</translation>
+    </message>
+    <message>
+        <source>Nothing came of it within %1 s.</source>
+        <translation>Innerhalb von %1 s wurde nichts daraus.</translation>
+    </message>
+    <message>
+        <source>Nothing comes from port %1.</source>
+        <translation>Von Port %1 kommt nichts.</translation>
+    </message>
+    <message>
+        <source>Nothing comes from there.</source>
+        <translation>Von dort kommt nichts.</translation>
+    </message>
+    <message>
+        <source>Nothing is newer than now.</source>
+        <translation>Nichts ist neuer als jetzt.</translation>
+    </message>
+    <message>
+        <source>Nothing is said there.</source>
+        <translation>Dort wird nichts gesagt.</translation>
+    </message>
+    <message>
+        <source>Nothing stands in the way of a connection.</source>
+        <translation>Einer Verbindung steht nichts im Weg.</translation>
+    </message>
+    <message>
+        <source>Nothing takes connections at port %1.</source>
+        <translation>An Port %1 nimmt nichts Verbindungen an.</translation>
+    </message>
+    <message>
+        <source>Nothing takes connections there.</source>
+        <translation>Dort nimmt nichts Verbindungen an.</translation>
+    </message>
+    <message>
+        <source>One of the server’s addresses leads nowhere.</source>
+        <translation>Eine der Adressen des Servers führt nirgendwohin.</translation>
+    </message>
+    <message>
+        <source>Only the login would be encrypted, and what you transfer could be read.</source>
+        <translation>Nur die Anmeldung wäre verschlüsselt, und was Sie übertragen, könnte gelesen werden.</translation>
+    </message>
+    <message>
+        <source>Paused.</source>
+        <translation>Angehalten.</translation>
+    </message>
+    <message>
+        <source>Port %1 is the wrong one.</source>
+        <translation>Port %1 ist der falsche.</translation>
+    </message>
+    <message>
+        <source>Reach port %1</source>
+        <translation>Port %1 erreichen</translation>
+    </message>
+    <message>
+        <source>Resume a file</source>
+        <translation>Datei fortsetzen</translation>
+    </message>
+    <message>
+        <source>Send the report to whoever runs the server.</source>
+        <translation>Schicken Sie den Bericht dem Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>Tell whoever runs the server that its passive ports are closed.</source>
+        <translation>Sagen Sie dem Betreiber des Servers, dass dessen passive Ports gesperrt sind.</translation>
+    </message>
+    <message>
+        <source>Tell whoever runs the server, or look at the certificate yourself.</source>
+        <translation>Benachrichtigen Sie den Betreiber des Servers, oder sehen Sie sich das Zertifikat selbst an.</translation>
+    </message>
+    <message>
+        <source>Tell whoever runs the server.</source>
+        <translation>Benachrichtigen Sie den Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>The account of %1 is locked.</source>
+        <translation>Das Konto von %1 ist gesperrt.</translation>
+    </message>
+    <message>
+        <source>The certificate is not that of %1. %2</source>
+        <translation>Das Zertifikat ist nicht das von %1. %2</translation>
+    </message>
+    <message>
+        <source>The certificate is not the one that you trust. %1</source>
+        <translation>Das Zertifikat ist nicht das, dem Sie vertrauen. %1</translation>
+    </message>
+    <message>
+        <source>The certificate is not valid today. %1</source>
+        <translation>Das Zertifikat ist heute nicht gültig. %1</translation>
+    </message>
+    <message>
+        <source>The certificate is shown before anything is sent. Compare its fingerprint with what whoever runs the server tells you.</source>
+        <translation>Das Zertifikat wird gezeigt, bevor etwas gesendet wird. Vergleichen Sie seinen Fingerabdruck mit dem, was Ihnen der Betreiber des Servers nennt.</translation>
+    </message>
+    <message>
+        <source>The certificate of yours cannot be used: %1</source>
+        <translation>Ihr eigenes Zertifikat kann nicht benutzt werden: %1</translation>
+    </message>
+    <message>
+        <source>The certificate was made out to another name.</source>
+        <translation>Das Zertifikat wurde auf einen anderen Namen ausgestellt.</translation>
+    </message>
+    <message>
+        <source>The connection is in use.</source>
+        <translation>Die Verbindung ist belegt.</translation>
+    </message>
+    <message>
+        <source>The connection is set to stay unencrypted.</source>
+        <translation>Die Verbindung ist so eingestellt, dass sie unverschlüsselt bleibt.</translation>
+    </message>
+    <message>
+        <source>The connection is to stay unencrypted.</source>
+        <translation>Die Verbindung soll unverschlüsselt bleiben.</translation>
+    </message>
+    <message>
+        <source>The copy here could not be read: %1</source>
+        <translation>Die Kopie hier konnte nicht gelesen werden: %1</translation>
+    </message>
+    <message>
+        <source>The directory is empty.</source>
+        <translation>Das Verzeichnis ist leer.</translation>
+    </message>
+    <message>
+        <source>The directory of the connection is not there, or you have no rights in it.</source>
+        <translation>Das Verzeichnis der Verbindung ist nicht da, oder Sie haben dort keine Rechte.</translation>
+    </message>
+    <message>
+        <source>The encryption does not come about.</source>
+        <translation>Die Verschlüsselung kommt nicht zustande.</translation>
+    </message>
+    <message>
+        <source>The file cannot be read: %1</source>
+        <translation>Die Datei ist nicht lesbar: %1</translation>
+    </message>
+    <message>
+        <source>The file cannot be written: %1</source>
+        <translation>Die Datei kann nicht geschrieben werden: %1</translation>
+    </message>
+    <message>
+        <source>The file holds more than 10,000 connections.</source>
+        <translation>Die Datei enthält mehr als 10.000 Verbindungen.</translation>
+    </message>
+    <message>
+        <source>The file holds no connections.</source>
+        <translation>Die Datei enthält keine Verbindungen.</translation>
+    </message>
+    <message>
+        <source>The file holds no sites.</source>
+        <translation>Die Datei enthält keine Server.</translation>
+    </message>
+    <message>
+        <source>The file is damaged: %1</source>
+        <translation>Die Datei ist beschädigt: %1</translation>
+    </message>
+    <message>
+        <source>The file is empty.</source>
+        <translation>Die Datei ist leer.</translation>
+    </message>
+    <message>
+        <source>The file is longer than 16 MB: it is no list of connections.</source>
+        <translation>Die Datei ist länger als 16 MB: Sie ist keine Liste von Verbindungen.</translation>
+    </message>
+    <message>
+        <source>The file is of a version that Corvane cannot read.</source>
+        <translation>Diese Version der Datei kann Corvane nicht lesen.</translation>
+    </message>
+    <message>
+        <source>The file was changed on the server while it was fetched.</source>
+        <translation>Die Datei wurde auf dem Server geändert, während sie geholt wurde.</translation>
+    </message>
+    <message>
+        <source>The file was written by a newer version of Corvane.</source>
+        <translation>Die Datei stammt von einer neueren Version von Corvane.</translation>
+    </message>
+    <message>
+        <source>The folder %1 is not there any more.</source>
+        <translation>Der Ordner %1 ist nicht mehr da.</translation>
+    </message>
+    <message>
+        <source>The folders in this file are too deep.</source>
+        <translation>Die Ordner in dieser Datei sind zu tief verschachtelt.</translation>
+    </message>
+    <message>
+        <source>The list of edited files cannot be kept: %1</source>
+        <translation>Die Liste der bearbeiteten Dateien kann nicht gespeichert werden: %1</translation>
+    </message>
+    <message>
+        <source>The listing is in a form that is well known.</source>
+        <translation>Die Auflistung hat eine bekannte Form.</translation>
+    </message>
+    <message>
+        <source>The listing is not understood.</source>
+        <translation>Die Auflistung wird nicht verstanden.</translation>
+    </message>
+    <message>
+        <source>The machine is there, but no server listens at this port. It may be another port, or the server may not be running.</source>
+        <translation>Der Rechner ist da, aber an diesem Port hört kein Server. Vielleicht ist es ein anderer Port, oder der Server läuft nicht.</translation>
+    </message>
+    <message>
+        <source>The name is longer than %1 bytes.</source>
+        <translation>Der Name ist länger als %1 Bytes.</translation>
+    </message>
+    <message>
+        <source>The name of its server has a character that no name can have.</source>
+        <translation>Der Name des Servers hat ein Zeichen, das kein Name haben kann.</translation>
+    </message>
+    <message>
+        <source>The name or the password is not right. Capitals count.</source>
+        <translation>Der Name oder das Passwort stimmt nicht. Groß- und Kleinschreibung zählt.</translation>
+    </message>
+    <message>
+        <source>The port of FTP is 21 as a rule.</source>
+        <translation>Der Port von FTP ist in der Regel 21.</translation>
+    </message>
+    <message>
+        <source>The proxy %1 is %2.</source>
+        <translation>Der Proxy %1 ist %2.</translation>
+    </message>
+    <message>
+        <source>The proxy does not lead to the server.</source>
+        <translation>Der Proxy führt nicht zum Server.</translation>
+    </message>
+    <message>
+        <source>The proxy leads there.</source>
+        <translation>Der Proxy führt dorthin.</translation>
+    </message>
+    <message>
+        <source>The server begins at the start of a file all the same.</source>
+        <translation>Der Server beginnt trotzdem am Anfang der Datei.</translation>
+    </message>
+    <message>
+        <source>The server begins without encryption.</source>
+        <translation>Der Server beginnt ohne Verschlüsselung.</translation>
+    </message>
+    <message>
+        <source>The server cannot begin within a file: %1</source>
+        <translation>Der Server kann nicht mitten in einer Datei beginnen: %1</translation>
+    </message>
+    <message>
+        <source>The server cannot go on within a file.</source>
+        <translation>Der Server kann nicht mitten in einer Datei weitermachen.</translation>
+    </message>
+    <message>
+        <source>The server cannot open a connection to this computer.</source>
+        <translation>Der Server kann keine Verbindung zu diesem Rechner aufbauen.</translation>
+    </message>
+    <message>
+        <source>The server does not accept %1.</source>
+        <translation>Der Server nimmt %1 nicht an.</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt any more.</source>
+        <translation>Der Server verschlüsselt nicht mehr.</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt from the first byte on.</source>
+        <translation>Der Server verschlüsselt nicht vom ersten Byte an.</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt listings and transfers: %1</source>
+        <translation>Der Server verschlüsselt Auflistungen und Übertragungen nicht: %1</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt, so that the password was not sent: %1</source>
+        <translation>Der Server verschlüsselt nicht; das Passwort wurde deshalb nicht gesendet: %1</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt.</source>
+        <translation>Der Server verschlüsselt nicht.</translation>
+    </message>
+    <message>
+        <source>The server does not encrypt: %1</source>
+        <translation>Der Server verschlüsselt nicht: %1</translation>
+    </message>
+    <message>
+        <source>The server does not greet.</source>
+        <translation>Der Server meldet sich nicht.</translation>
+    </message>
+    <message>
+        <source>The server does not open %1: %2</source>
+        <translation>Der Server öffnet %1 nicht: %2</translation>
+    </message>
+    <message>
+        <source>The server does not tell its permissions.</source>
+        <translation>Der Server nennt die Rechte nicht.</translation>
+    </message>
+    <message>
+        <source>The server does not tell where it stands: %1</source>
+        <translation>Der Server sagt nicht, wo er steht: %1</translation>
+    </message>
+    <message>
+        <source>The server falls silent when encryption is asked for.</source>
+        <translation>Der Server verstummt, wenn um Verschlüsselung gebeten wird.</translation>
+    </message>
+    <message>
+        <source>The server gives no listing.</source>
+        <translation>Der Server gibt keine Auflistung.</translation>
+    </message>
+    <message>
+        <source>The server gives no listing: %1</source>
+        <translation>Der Server gibt keine Auflistung: %1</translation>
+    </message>
+    <message>
+        <source>The server greets first. Nothing of yours is sent before it encrypts.</source>
+        <translation>Der Server meldet sich zuerst. Bevor er verschlüsselt, wird nichts von Ihnen gesendet.</translation>
+    </message>
+    <message>
+        <source>The server lets nobody in at the moment.</source>
+        <translation>Der Server lässt zurzeit niemanden herein.</translation>
+    </message>
+    <message>
+        <source>The server lets nobody in without a name.</source>
+        <translation>Der Server lässt niemanden ohne Namen herein.</translation>
+    </message>
+    <message>
+        <source>The server lets nobody in without encryption.</source>
+        <translation>Der Server lässt niemanden ohne Verschlüsselung herein.</translation>
+    </message>
+    <message>
+        <source>The server lists as DOS does, without rights and owners.</source>
+        <translation>Der Server listet auf wie DOS, ohne Rechte und Besitzer.</translation>
+    </message>
+    <message>
+        <source>The server lists as DOS does.</source>
+        <translation>Der Server listet auf wie DOS.</translation>
+    </message>
+    <message>
+        <source>The server lists in a form of its own.</source>
+        <translation>Der Server hat eine eigene Form der Auflistung.</translation>
+    </message>
+    <message>
+        <source>The server lists only without options: hidden files stay hidden.</source>
+        <translation>Der Server listet nur ohne Optionen auf: Versteckte Dateien bleiben versteckt.</translation>
+    </message>
+    <message>
+        <source>The server may be known by several names, or another one may stand in its place.</source>
+        <translation>Vielleicht hat der Server mehrere Namen, oder ein anderer steht an seiner Stelle.</translation>
+    </message>
+    <message>
+        <source>The server names a wrong address for its data.</source>
+        <translation>Der Server nennt eine falsche Adresse für seine Daten.</translation>
+    </message>
+    <message>
+        <source>The server refuses the options for that. The rest works.</source>
+        <translation>Der Server lehnt die Optionen dafür ab. Alles Übrige geht.</translation>
+    </message>
+    <message>
+        <source>The server says nothing before the connection is encrypted.</source>
+        <translation>Der Server sagt nichts, bevor die Verbindung verschlüsselt ist.</translation>
+    </message>
+    <message>
+        <source>The server says: %1</source>
+        <translation>Der Server sagt: %1</translation>
+    </message>
+    <message>
+        <source>The server shows another certificate than before.</source>
+        <translation>Der Server zeigt ein anderes Zertifikat als früher.</translation>
+    </message>
+    <message>
+        <source>The server waits for Corvane to encrypt before it says anything.</source>
+        <translation>Der Server wartet, bis Corvane verschlüsselt, bevor er etwas sagt.</translation>
+    </message>
+    <message>
+        <source>The server wants encryption from the first byte on.</source>
+        <translation>Der Server will Verschlüsselung vom ersten Byte an.</translation>
+    </message>
+    <message>
+        <source>The server was encrypted before, and is not any more: %1</source>
+        <translation>Der Server war früher verschlüsselt und ist es nicht mehr: %1</translation>
+    </message>
+    <message>
+        <source>The server’s certificate is not trusted.</source>
+        <translation>Dem Zertifikat des Servers wird nicht vertraut.</translation>
+    </message>
+    <message>
+        <source>The server’s certificate is not valid today.</source>
+        <translation>Das Zertifikat des Servers ist heute nicht gültig.</translation>
+    </message>
+    <message>
+        <source>The server’s clock is ahead.</source>
+        <translation>Die Uhr des Servers geht vor.</translation>
+    </message>
+    <message>
+        <source>The server’s name is not known.</source>
+        <translation>Der Name des Servers ist nicht bekannt.</translation>
+    </message>
+    <message>
+        <source>The “*” in its label becomes a “-”.</source>
+        <translation>Der „*“ in der Bezeichnung wird zu „-“.</translation>
+    </message>
+    <message>
+        <source>There is no connection.</source>
+        <translation>Es besteht keine Verbindung.</translation>
+    </message>
+    <message>
+        <source>There is no thread for it.</source>
+        <translation>Dafür ist kein Thread frei.</translation>
+    </message>
+    <message>
+        <source>This computer cannot open a connection to the server’s port: %1</source>
+        <translation>Dieser Rechner kann keine Verbindung zum Port des Servers aufbauen: %1</translation>
+    </message>
+    <message>
+        <source>This computer goes there as %1, and has no way to %2.</source>
+        <translation>Dieser Rechner geht als %1 dorthin und hat keinen Weg zu %2.</translation>
+    </message>
+    <message>
+        <source>This computer goes there as %1.</source>
+        <translation>Dieser Rechner geht als %1 dorthin.</translation>
+    </message>
+    <message>
+        <source>This computer has no way to %1.</source>
+        <translation>Dieser Rechner hat keinen Weg zu %1.</translation>
+    </message>
+    <message>
+        <source>This computer has no way to the server.</source>
+        <translation>Dieser Rechner hat keinen Weg zum Server.</translation>
+    </message>
+    <message>
+        <source>This is no list of connections that Corvane can read.</source>
+        <translation>Das ist keine Liste von Verbindungen, die Corvane lesen kann.</translation>
+    </message>
+    <message>
+        <source>This server cannot change permissions.</source>
+        <translation>Dieser Server kann keine Rechte ändern.</translation>
+    </message>
+    <message>
+        <source>Through the proxy nothing can come in.</source>
+        <translation>Durch den Proxy kann nichts hereinkommen.</translation>
+    </message>
+    <message>
+        <source>Times in listings are %1 ahead of universal time.</source>
+        <translation>Zeiten in Auflistungen sind der Weltzeit um %1 voraus.</translation>
+    </message>
+    <message>
+        <source>Times in listings are %1 behind universal time.</source>
+        <translation>Zeiten in Auflistungen liegen %1 hinter der Weltzeit.</translation>
+    </message>
+    <message>
+        <source>Times in listings are not those of your clock.</source>
+        <translation>Zeiten in Auflistungen sind nicht die Ihrer Uhr.</translation>
+    </message>
+    <message>
+        <source>Try again later, or tell whoever runs the server.</source>
+        <translation>Versuchen Sie es später, oder benachrichtigen Sie den Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>Turn off “Passive Connection”.</source>
+        <translation>Schalten Sie „Passive Verbindung“ aus.</translation>
+    </message>
+    <message>
+        <source>Turn on “Passive Connection”.</source>
+        <translation>Schalten Sie „Passive Verbindung“ ein.</translation>
+    </message>
+    <message>
+        <source>Understand the listing</source>
+        <translation>Auflistung verstehen</translation>
+    </message>
+    <message>
+        <source>Use a name that stands in the certificate.</source>
+        <translation>Benutzen Sie einen Namen, der im Zertifikat steht.</translation>
+    </message>
+    <message>
+        <source>Use port %1.</source>
+        <translation>Benutzen Sie Port %1.</translation>
+    </message>
+    <message>
+        <source>Wait a little, then connect again.</source>
+        <translation>Warten Sie ein wenig, und verbinden Sie sich dann erneut.</translation>
+    </message>
+    <message>
+        <source>Wait for the greeting</source>
+        <translation>Auf die Begrüßung warten</translation>
+    </message>
+    <message>
+        <source>What is newer cannot be told by the time. Tell whoever runs the server.</source>
+        <translation>Was neuer ist, ist an der Zeit nicht zu erkennen. Benachrichtigen Sie den Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>What is there is no FTP server: %1</source>
+        <translation>Was dort ist, ist kein FTP-Server: %1</translation>
+    </message>
+    <message>
+        <source>What it says stands beside the step.</source>
+        <translation>Was er sagt, steht beim Schritt.</translation>
+    </message>
+    <message>
+        <source>What was wrong has passed, or comes and goes.</source>
+        <translation>Was gefehlt hat, ist vorbei oder kommt und geht.</translation>
+    </message>
+    <message>
+        <source>Without encryption everybody on the way can read the password. Only you can allow that, in the connection’s settings.</source>
+        <translation>Ohne Verschlüsselung kann jeder auf dem Weg das Passwort lesen. Nur Sie können das erlauben, in den Angaben zur Verbindung.</translation>
+    </message>
+    <message>
+        <source>You are asked once more before it is sent.</source>
+        <translation>Sie werden noch einmal gefragt, bevor es gesendet wird.</translation>
+    </message>
+    <message>
+        <source>You get them from whoever runs the server.</source>
+        <translation>Sie bekommen sie vom Betreiber des Servers.</translation>
+    </message>
+    <message>
+        <source>You may have no right to list this directory.</source>
+        <translation>Vielleicht haben Sie kein Recht, dieses Verzeichnis aufzulisten.</translation>
+    </message>
+    <message>
+        <source>Your own certificate cannot be used.</source>
+        <translation>Ihr eigenes Zertifikat kann nicht benutzt werden.</translation>
+    </message>
+    <message>
+        <source>a netrc file</source>
+        <translation>einer netrc-Datei</translation>
+    </message>
+    <message>
+        <source>bookmarks of lftp</source>
+        <translation>Lesezeichen von lftp</translation>
+    </message>
+    <message>
+        <source>its last line has no end.</source>
+        <translation>die letzte Zeile hat kein Ende.</translation>
+    </message>
+    <message>
+        <source>shortcuts that Corvane has written</source>
+        <translation>Verknüpfungen, die Corvane geschrieben hat</translation>
+    </message>
+    <message>
+        <source>the listing does not tell its name</source>
+        <translation>die Auflistung lässt den Namen nicht erkennen</translation>
+    </message>
+    <message>
+        <source>the site manager of FileZilla</source>
+        <translation>dem Servermanager von FileZilla</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>Some edited files could not be taken up. Their copies stand in %1.</source>
+        <translation>Einige bearbeitete Dateien konnten nicht wieder aufgenommen werden. Ihre Kopien liegen in %1.</translation>
+    </message>
+    <message>
+        <source>The copy here has been saved once more meanwhile.</source>
+        <translation>Die Kopie hier wurde inzwischen noch einmal gespeichert.</translation>
+    </message>
+    <message>
+        <source>The list of edited files could not be read. It is kept as %1, and the copies stay beside it.</source>
+        <translation>Die Liste der bearbeiteten Dateien konnte nicht gelesen werden. Sie liegt als %1 vor, und die Kopien bleiben daneben liegen.</translation>
+    </message>
+    <message>
+        <source>The names of folders in this file are too long.</source>
+        <translation>Die Namen von Ordnern in dieser Datei sind zu lang.</translation>
+    </message>
+    <message>
+        <source>The server asks for an account, which Corvane does not send.</source>
+        <translation>Der Server verlangt ein Konto (ACCT), das Corvane nicht sendet.</translation>
+    </message>
+    <message>
+        <source>The server asks for an account, which Corvane does not send: %1</source>
+        <translation>Der Server verlangt ein Konto (ACCT), das Corvane nicht sendet: %1</translation>
+    </message>
+    <message>
+        <source>The server is out of step</source>
+        <translation>Die Antworten des Servers passen nicht zu dem, was gefragt wurde</translation>
+    </message>
 </context>
 <context>
     <name>Figures</name>
@@ -1031,6 +2074,10 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>Binary file</source>
         <translation>Binärdatei</translation>
+    </message>
+    <message>
+        <source>Not understood</source>
+        <translation>Nicht verstanden</translation>
     </message>
 </context>
 <context>
@@ -1134,6 +2181,10 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>Active</source>
         <translation>Aktiv</translation>
     </message>
+    <message>
+        <source>%1, folder</source>
+        <translation>%1, Ordner</translation>
+    </message>
 </context>
 <context>
     <name>Start</name>
@@ -1144,6 +2195,21 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>Corvane runs already but does not answer.</source>
         <translation>Corvane läuft bereits, antwortet aber nicht.</translation>
+    </message>
+</context>
+<context>
+    <name>TextEditor</name>
+    <message>
+        <source>Edit</source>
+        <translation>Bearbeiten</translation>
+    </message>
+    <message>
+        <source>The text editor “%1” does not start.</source>
+        <translation>Der Texteditor „%1“ startet nicht.</translation>
+    </message>
+    <message>
+        <source>The preferences say which program edits text.</source>
+        <translation>Welches Programm Text bearbeitet, steht in den Einstellungen.</translation>
     </message>
 </context>
 <context>
@@ -1339,10 +2405,6 @@ Benutzername oder Passwort ist ungültig.</translation>
         <translation>Zurüc&amp;k</translation>
     </message>
     <message>
-        <source>F&amp;orward</source>
-        <translation>&amp;Vorwärts</translation>
-    </message>
-    <message>
         <source>&amp;Home</source>
         <translation>&amp;Startverzeichnis</translation>
     </message>
@@ -1513,6 +2575,74 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>There is no connection.</source>
         <translation>Es besteht keine Verbindung.</translation>
+    </message>
+    <message>
+        <source>Opens the selected files in their programs; what is saved there is sent back</source>
+        <translation>Öffnet die ausgewählten Dateien in ihren Programmen; was dort gespeichert wird, wird zurückgesendet</translation>
+    </message>
+    <message>
+        <source>Open File</source>
+        <translation>Datei öffnen</translation>
+    </message>
+    <message>
+        <source>Edit Te&amp;xt</source>
+        <translation>&amp;Text bearbeiten</translation>
+    </message>
+    <message>
+        <source>Opens the selected files in the text editor; what is saved there is sent back</source>
+        <translation>Öffnet die ausgewählten Dateien im Texteditor; was dort gespeichert wird, wird zurückgesendet</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Sho&amp;w Properties…</source>
+        <translation>Ei&amp;genschaften …</translation>
+    </message>
+    <message>
+        <source>Shows what is selected in detail, and changes its permissions</source>
+        <translation>Zeigt das Ausgewählte im Einzelnen und ändert seine Rechte</translation>
+    </message>
+    <message>
+        <source>Properties…</source>
+        <translation>Eigenschaften …</translation>
+    </message>
+    <message>
+        <source>Fi&amp;nd…</source>
+        <translation>Suche&amp;n …</translation>
+    </message>
+    <message>
+        <source>Finds files below this directory</source>
+        <translation>Sucht Dateien unterhalb dieses Verzeichnisses</translation>
+    </message>
+    <message>
+        <source>Find…</source>
+        <translation>Suchen …</translation>
+    </message>
+    <message>
+        <source>&amp;Edited Files</source>
+        <translation>Bearbeitete &amp;Dateien</translation>
+    </message>
+    <message>
+        <source>Brings the window of edited files forward</source>
+        <translation>Holt das Fenster der bearbeiteten Dateien nach vorn</translation>
+    </message>
+    <message>
+        <source>&amp;What Is Wrong?</source>
+        <translation>&amp;Was stimmt nicht?</translation>
+    </message>
+    <message>
+        <source>Looks at the connection step by step</source>
+        <translation>Prüft die Verbindung Schritt für Schritt</translation>
+    </message>
+    <message>
+        <source>Forw&amp;ard</source>
+        <translation>&amp;Vorwärts</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
     </message>
 </context>
 <context>
@@ -1784,6 +2914,69 @@ Benutzername oder Passwort ist ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::DoctorWindow</name>
+    <message>
+        <source>Turn &amp;On and Connect</source>
+        <translation>&amp;Einschalten und verbinden</translation>
+    </message>
+    <message>
+        <source>Turn &amp;Off and Connect</source>
+        <translation>&amp;Ausschalten und verbinden</translation>
+    </message>
+    <message>
+        <source>C&amp;onnect to Port %1</source>
+        <translation>&amp;Mit Port %1 verbinden</translation>
+    </message>
+    <message>
+        <source>C&amp;onnect Without It</source>
+        <translation>&amp;Ohne dieses verbinden</translation>
+    </message>
+    <message>
+        <source>&amp;Enter Password…</source>
+        <translation>&amp;Passwort eingeben …</translation>
+    </message>
+    <message>
+        <source>&amp;Edit Connection…</source>
+        <translation>Verbindung &amp;bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Report</source>
+        <translation>Bericht &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>C&amp;onnect</source>
+        <translation>&amp;Verbinden</translation>
+    </message>
+    <message>
+        <source>Check &amp;Again</source>
+        <translation>E&amp;rneut prüfen</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>What Is Wrong? – %1</source>
+        <translation>Was stimmt nicht? – %1</translation>
+    </message>
+    <message>
+        <source>Looking for what is wrong…</source>
+        <translation>Es wird gesucht, was nicht stimmt …</translation>
+    </message>
+    <message>
+        <source>The connection could not be looked at.</source>
+        <translation>Die Verbindung konnte nicht geprüft werden.</translation>
+    </message>
+    <message>
+        <source>%1 of %2 steps were tried with %3 as %4.</source>
+        <translation>%1 von %2 Schritten wurden mit %3 als %4 ausgeführt.</translation>
+    </message>
+    <message>
+        <source>Port %1</source>
+        <translation>Port %1</translation>
+    </message>
+</context>
+<context>
     <name>corvane::DownLoadWin</name>
     <message>
         <source>Transfer List</source>
@@ -1839,6 +3032,291 @@ Benutzername oder Passwort ist ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::EditedFiles</name>
+    <message>
+        <source>“%1” was saved and is not sent yet; it is offered after the next start.</source>
+        <translation>„%1“ wurde gespeichert und ist noch nicht gesendet; nach dem nächsten Start wird die Datei angeboten.</translation>
+    </message>
+    <message>
+        <source>Send</source>
+        <translation>Senden</translation>
+    </message>
+    <message>
+        <source>“%1” has been changed on the server too.</source>
+        <translation>„%1“ wurde auch auf dem Server geändert.</translation>
+    </message>
+    <message>
+        <source>Nothing has been replaced. What you saved stands here.</source>
+        <translation>Nichts wurde ersetzt. Was Sie gespeichert haben, liegt hier.</translation>
+    </message>
+    <message>
+        <source>Here</source>
+        <translation>Hier</translation>
+    </message>
+    <message>
+        <source>On the server</source>
+        <translation>Auf dem Server</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Keep &amp;both</source>
+        <translation>&amp;Beide behalten</translation>
+    </message>
+    <message>
+        <source>Keep &amp;mine</source>
+        <translation>&amp;Meine behalten</translation>
+    </message>
+    <message>
+        <source>Take the &amp;server’s</source>
+        <translation>Die des &amp;Servers nehmen</translation>
+    </message>
+    <message>
+        <source>Com&amp;pare</source>
+        <translation>&amp;Vergleichen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Sends yours under a free name beside it.</source>
+        <translation>Sendet Ihre unter einem freien Namen daneben.</translation>
+    </message>
+    <message>
+        <source>Replaces the file on the server.</source>
+        <translation>Ersetzt die Datei auf dem Server.</translation>
+    </message>
+    <message>
+        <source>Drops what you saved here.</source>
+        <translation>Verwirft, was Sie hier gespeichert haben.</translation>
+    </message>
+    <message>
+        <source>No program that compares files is installed.</source>
+        <translation>Kein Programm, das Dateien vergleicht, ist installiert.</translation>
+    </message>
+    <message>
+        <source>Shows in %1 in what they differ.</source>
+        <translation>Zeigt in %1, worin sie sich unterscheiden.</translation>
+    </message>
+    <message>
+        <source>Install Meld, Kompare, KDiff3 or Diffuse to compare.</source>
+        <translation>Installieren Sie zum Vergleichen Meld, Kompare, KDiff3 oder Diffuse.</translation>
+    </message>
+    <message>
+        <source>“%1” is no longer on the server.</source>
+        <translation>„%1“ ist nicht mehr auf dem Server.</translation>
+    </message>
+    <message>
+        <source>What you saved stands here. It can be sent as a new file.</source>
+        <translation>Was Sie gespeichert haben, liegt hier. Es kann als neue Datei gesendet werden.</translation>
+    </message>
+    <message>
+        <source>&amp;Send as New</source>
+        <translation>Als neue &amp;senden</translation>
+    </message>
+    <message>
+        <source>Stop Editing</source>
+        <translation>Bearbeiten beenden</translation>
+    </message>
+    <message>
+        <source>Drop what was not sent of “%1”?</source>
+        <translation>Was von „%1“ nicht gesendet wurde, verwerfen?</translation>
+    </message>
+    <message numerus="yes">
+        <source>Drop what was not sent of %n files?</source>
+        <translation>
+            <numerusform>Was von %n Datei nicht gesendet wurde, verwerfen?</numerusform>
+            <numerusform>Was von %n Dateien nicht gesendet wurde, verwerfen?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>What you saved is not on the server. There is no way back.</source>
+        <translation>Was Sie gespeichert haben, ist nicht auf dem Server. Es gibt keinen Weg zurück.</translation>
+    </message>
+    <message>
+        <source>&amp;Stop Editing</source>
+        <translation>Bearbeiten &amp;beenden</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Fetch %1 to open it?</source>
+        <translation>%1 zum Öffnen holen?</translation>
+    </message>
+    <message>
+        <source>All of it is fetched first, and sent back as a whole when it is saved.</source>
+        <translation>Alles wird zuerst geholt und beim Speichern als Ganzes zurückgesendet.</translation>
+    </message>
+    <message>
+        <source>&amp;Fetch</source>
+        <translation>&amp;Holen</translation>
+    </message>
+    <message>
+        <source>Sent %1</source>
+        <translation>Gesendet %1</translation>
+    </message>
+    <message>
+        <source>Waiting to fetch it: %1</source>
+        <translation>Wartet auf das Holen: %1</translation>
+    </message>
+    <message>
+        <source>Fetching …</source>
+        <translation>Wird geholt …</translation>
+    </message>
+    <message>
+        <source>Opened, unchanged</source>
+        <translation>Geöffnet, unverändert</translation>
+    </message>
+    <message>
+        <source>Changed, not sent</source>
+        <translation>Geändert, nicht gesendet</translation>
+    </message>
+    <message>
+        <source>Waiting to send it: %1</source>
+        <translation>Wartet auf das Senden: %1</translation>
+    </message>
+    <message>
+        <source>Waiting to send it</source>
+        <translation>Wartet auf das Senden</translation>
+    </message>
+    <message>
+        <source>Sending …</source>
+        <translation>Wird gesendet …</translation>
+    </message>
+    <message>
+        <source>Not sent: changed there too</source>
+        <translation>Nicht gesendet: auch dort geändert</translation>
+    </message>
+    <message>
+        <source>Not sent: no longer there</source>
+        <translation>Nicht gesendet: nicht mehr dort</translation>
+    </message>
+    <message>
+        <source>Not sent: %1</source>
+        <translation>Nicht gesendet: %1</translation>
+    </message>
+    <message>
+        <source>Not fetched: %1</source>
+        <translation>Nicht geholt: %1</translation>
+    </message>
+    <message>
+        <source>Not sent</source>
+        <translation>Nicht gesendet</translation>
+    </message>
+    <message>
+        <source>Not fetched</source>
+        <translation>Nicht geholt</translation>
+    </message>
+    <message>
+        <source>Not known</source>
+        <translation>Nicht bekannt</translation>
+    </message>
+    <message>
+        <source>Sending has begun, straight into the file on the server: what stands there may not be whole.</source>
+        <translation>Das Senden hat begonnen, direkt in die Datei auf dem Server: Was dort steht, ist vielleicht unvollständig.</translation>
+    </message>
+    <message>
+        <source>more than %1</source>
+        <translation>mehr als %1</translation>
+    </message>
+    <message>
+        <source>size not known</source>
+        <translation>Größe nicht bekannt</translation>
+    </message>
+    <message numerus="yes">
+        <source>Fetch %n files (%1) to open them?</source>
+        <translation>
+            <numerusform>%n Datei (%1) holen, um sie zu öffnen?</numerusform>
+            <numerusform>%n Dateien (%1) holen, um sie zu öffnen?</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>corvane::EditedModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Zustand</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::EditedWindow</name>
+    <message>
+        <source>No edited files</source>
+        <translation>Keine bearbeiteten Dateien</translation>
+    </message>
+    <message>
+        <source>Open and Edit in a browser window fetch a file, and send it back when it is saved.</source>
+        <translation>„Öffnen“ und „Text bearbeiten“ in einem Browserfenster holen eine Datei und senden sie zurück, wenn sie gespeichert wird.</translation>
+    </message>
+    <message>
+        <source>&amp;Send Now</source>
+        <translation>Jetzt &amp;senden</translation>
+    </message>
+    <message>
+        <source>&amp;Open Again</source>
+        <translation>Erneut ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>Sto&amp;p Editing</source>
+        <translation>Bearbeiten &amp;beenden</translation>
+    </message>
+    <message>
+        <source>Edited files</source>
+        <translation>Bearbeitete Dateien</translation>
+    </message>
+    <message>
+        <source>No file is selected</source>
+        <translation>Keine Datei ist ausgewählt</translation>
+    </message>
+    <message>
+        <source>Everything that was saved is sent</source>
+        <translation>Alles, was gespeichert wurde, ist gesendet</translation>
+    </message>
+    <message>
+        <source>1 file; a saved file is sent by itself</source>
+        <translation>1 Datei; was gespeichert wird, wird von selbst gesendet</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n files; a saved file is sent by itself</source>
+        <translation>
+            <numerusform>%n Datei; was gespeichert wird, wird von selbst gesendet</numerusform>
+            <numerusform>%n Dateien; was gespeichert wird, wird von selbst gesendet</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 needs you</source>
+        <translation>1 braucht Sie</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n need you</source>
+        <translation>
+            <numerusform>%n braucht Sie</numerusform>
+            <numerusform>%n brauchen Sie</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Edited Files</source>
+        <translation>Bearbeitete Dateien</translation>
+    </message>
+</context>
+<context>
     <name>corvane::EncryptionField</name>
     <message>
         <source>Encryption</source>
@@ -1882,6 +3360,140 @@ Benutzername oder Passwort ist ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::EntryFacts</name>
+    <message>
+        <source>not told</source>
+        <translation>nicht genannt</translation>
+    </message>
+    <message>
+        <source>%1 (no time given)</source>
+        <translation>%1 (ohne Uhrzeit)</translation>
+    </message>
+    <message>
+        <source>%1 (%2)</source>
+        <comment>209,715,200 bytes (209.7 MB)</comment>
+        <translation>%1 (%2)</translation>
+    </message>
+    <message>
+        <source>1 file</source>
+        <translation>1 Datei</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n files</source>
+        <translation>
+            <numerusform>%n Datei</numerusform>
+            <numerusform>%n Dateien</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>1 directory</source>
+        <translation>1 Ordner</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n directories</source>
+        <translation>
+            <numerusform>%n Ordner</numerusform>
+            <numerusform>%n Ordner</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <comment>files, directories</comment>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>C&amp;ount</source>
+        <translation>Z&amp;ählen</translation>
+    </message>
+    <message>
+        <source>&amp;Set</source>
+        <translation>&amp;Setzen</translation>
+    </message>
+    <message>
+        <source>Owner</source>
+        <translation>Besitzer</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Gruppe</translation>
+    </message>
+    <message>
+        <source>Leads to</source>
+        <translation>Führt zu</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n entries</source>
+        <translation>
+            <numerusform>%n Eintrag</numerusform>
+            <numerusform>%n Einträge</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 in %2 on %3</source>
+        <comment>Directory in /htdocs on host</comment>
+        <translation>%1 in %2 auf %3</translation>
+    </message>
+    <message>
+        <source>In %1 on %2</source>
+        <comment>/htdocs, host</comment>
+        <translation>In %1 auf %2</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>not counted yet</source>
+        <translation>noch nicht gezählt</translation>
+    </message>
+    <message>
+        <source>%1 in %2</source>
+        <comment>1.2 MB in 14 files</comment>
+        <translation>%1 in %2</translation>
+    </message>
+    <message>
+        <source>%1 so far</source>
+        <translation>bisher %1</translation>
+    </message>
+    <message>
+        <source>%1, not whole</source>
+        <comment>what was counted</comment>
+        <translation>%1, unvollständig</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>S&amp;topp</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>Zählen</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stopp</translation>
+    </message>
+    <message>
+        <source>They differ</source>
+        <translation>Verschieden</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+    <message>
+        <source>Set the date</source>
+        <translation>Datum setzen</translation>
+    </message>
+    <message>
+        <source>This server cannot set the time of a file.</source>
+        <translation>Dieser Server kann die Zeit einer Datei nicht setzen.</translation>
+    </message>
+    <message>
+        <source>The time would be that of what the link leads to.</source>
+        <translation>Es wäre die Zeit dessen, wohin der Link führt.</translation>
+    </message>
+</context>
+<context>
     <name>corvane::FailurePage</name>
     <message>
         <source>&amp;Try Again</source>
@@ -1919,6 +3531,10 @@ Benutzername oder Passwort ist ungültig.</translation>
         <source>Encr&amp;yption:</source>
         <translation>&amp;Verschlüsselung:</translation>
     </message>
+    <message>
+        <source>What &amp;Is Wrong?</source>
+        <translation>Was stimmt &amp;nicht?</translation>
+    </message>
 </context>
 <context>
     <name>corvane::FilterLine</name>
@@ -1947,10 +3563,282 @@ Benutzername oder Passwort ist ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::FindForm</name>
+    <message>
+        <source>&amp;Match case</source>
+        <translation>&amp;Groß/klein beachten</translation>
+    </message>
+    <message>
+        <source>All names</source>
+        <translation>Alle Namen</translation>
+    </message>
+    <message>
+        <source>Part of a name; or the whole, with * for anything and ? for one character</source>
+        <translation>Teil eines Namens; oder der ganze, mit * für Beliebiges und ? für ein Zeichen</translation>
+    </message>
+    <message>
+        <source>Nam&amp;e:</source>
+        <translation>Nam&amp;e:</translation>
+    </message>
+    <message>
+        <source>Everything</source>
+        <translation>Alles</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>Directories</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Links</source>
+        <translation>Links</translation>
+    </message>
+    <message>
+        <source>&amp;Kind:</source>
+        <translation>&amp;Art:</translation>
+    </message>
+    <message>
+        <source>Any</source>
+        <translation>Beliebig</translation>
+    </message>
+    <message>
+        <source>At least</source>
+        <translation>Mindestens</translation>
+    </message>
+    <message>
+        <source>At most</source>
+        <translation>Höchstens</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Unit</source>
+        <translation>Einheit</translation>
+    </message>
+    <message>
+        <source>bytes</source>
+        <translation>Bytes</translation>
+    </message>
+    <message>
+        <source>kB</source>
+        <translation>kB</translation>
+    </message>
+    <message>
+        <source>MB</source>
+        <translation>MB</translation>
+    </message>
+    <message>
+        <source>GB</source>
+        <translation>GB</translation>
+    </message>
+    <message>
+        <source>Si&amp;ze:</source>
+        <translation>G&amp;röße:</translation>
+    </message>
+    <message>
+        <source>At any time</source>
+        <translation>Irgendwann</translation>
+    </message>
+    <message>
+        <source>Within the last</source>
+        <translation>In den letzten</translation>
+    </message>
+    <message>
+        <source>Since</source>
+        <translation>Seit</translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation>Vor</translation>
+    </message>
+    <message>
+        <source>Days</source>
+        <translation>Tage</translation>
+    </message>
+    <message>
+        <source>days</source>
+        <translation>Tagen</translation>
+    </message>
+    <message>
+        <source>Day</source>
+        <translation>Tag</translation>
+    </message>
+    <message>
+        <source>Chan&amp;ged:</source>
+        <translation>Geän&amp;dert:</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::FindModel</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Pfad</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Datum</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::FindWindow</name>
+    <message>
+        <source>&amp;Find</source>
+        <translation>&amp;Suchen</translation>
+    </message>
+    <message>
+        <source>Find</source>
+        <translation>Suchen</translation>
+    </message>
+    <message>
+        <source>Below %1 on %2</source>
+        <comment>/htdocs, host</comment>
+        <translation>Unterhalb von %1 auf %2</translation>
+    </message>
+    <message>
+        <source>What was found</source>
+        <translation>Gefundenes</translation>
+    </message>
+    <message>
+        <source>Show in &amp;Directory</source>
+        <translation>Im &amp;Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Down&amp;load</source>
+        <translation>&amp;Herunterladen</translation>
+    </message>
+    <message>
+        <source>Cop&amp;y Address</source>
+        <translation>Adresse &amp;kopieren</translation>
+    </message>
+    <message>
+        <source>Dele&amp;te…</source>
+        <translation>&amp;Löschen …</translation>
+    </message>
+    <message>
+        <source>Select something found first.</source>
+        <translation>Wählen Sie zuerst etwas Gefundenes aus.</translation>
+    </message>
+    <message>
+        <source>&amp;Stop</source>
+        <translation>&amp;Stopp</translation>
+    </message>
+    <message>
+        <source>%1 directories looked at, %2 found</source>
+        <translation>%1 Ordner durchgesehen, %2 gefunden</translation>
+    </message>
+    <message>
+        <source>Stopped</source>
+        <translation>Gestoppt</translation>
+    </message>
+    <message>
+        <source>1 directory not looked at</source>
+        <translation>1 Ordner nicht durchgesehen</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n directories not looked at</source>
+        <translation>
+            <numerusform>%n Ordner nicht durchgesehen</numerusform>
+            <numerusform>%n Ordner nicht durchgesehen</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Nothing found</source>
+        <translation>Nichts gefunden</translation>
+    </message>
+    <message>
+        <source>Change what is looked for.</source>
+        <translation>Ändern Sie, was gesucht wird.</translation>
+    </message>
+    <message>
+        <source>Not everything could be looked at</source>
+        <translation>Nicht alles war einsehbar</translation>
+    </message>
+</context>
+<context>
     <name>corvane::HostField</name>
     <message>
         <source>Recent Connections</source>
         <translation>Letzte Verbindungen</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::ImportWindow</name>
+    <message>
+        <source>&amp;Import</source>
+        <translation>&amp;Importieren</translation>
+    </message>
+    <message>
+        <source>Import Shortcuts</source>
+        <translation>Verknüpfungen importieren</translation>
+    </message>
+    <message>
+        <source>From %1</source>
+        <translation>Aus %1</translation>
+    </message>
+    <message>
+        <source>Nothing is stored before you save the list.</source>
+        <translation>Gespeichert wird erst, wenn Sie die Liste speichern.</translation>
+    </message>
+    <message>
+        <source>Choose &amp;All</source>
+        <translation>A&amp;lle wählen</translation>
+    </message>
+    <message>
+        <source>Choose &amp;None</source>
+        <translation>&amp;Keine wählen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Connections in the file</source>
+        <translation>Verbindungen in der Datei</translation>
+    </message>
+    <message>
+        <source>Label</source>
+        <translation>Bezeichnung</translation>
+    </message>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Remark</source>
+        <translation>Bemerkung</translation>
+    </message>
+    <message>
+        <source>Cannot be taken: %1</source>
+        <translation>Nicht zu übernehmen: %1</translation>
+    </message>
+    <message>
+        <source>Is in the list already.</source>
+        <translation>Steht schon in der Liste.</translation>
+    </message>
+    <message>
+        <source>%1 of %2 chosen</source>
+        <translation>%1 von %2 gewählt</translation>
+    </message>
+    <message>
+        <source>Choose a shortcut first.</source>
+        <translation>Erst eine Verknüpfung wählen.</translation>
     </message>
 </context>
 <context>
@@ -2047,6 +3935,30 @@ Benutzername oder Passwort ist ungültig.</translation>
     <message>
         <source>Not found.</source>
         <translation>Nicht gefunden.</translation>
+    </message>
+    <message>
+        <source>%1 × %2 points</source>
+        <translation>%1 × %2 Bildpunkte</translation>
+    </message>
+    <message>
+        <source>The picture cannot be shown.</source>
+        <translation>Das Bild kann nicht angezeigt werden.</translation>
+    </message>
+    <message>
+        <source>The picture has too many points to be shown.</source>
+        <translation>Das Bild hat zu viele Bildpunkte, um angezeigt zu werden.</translation>
+    </message>
+    <message>
+        <source>The picture has more than %1 MiB.</source>
+        <translation>Das Bild hat mehr als %1 MiB.</translation>
+    </message>
+    <message>
+        <source>&amp;Encoding:</source>
+        <translation>&amp;Zeichensatz:</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
     </message>
 </context>
 <context>
@@ -2538,6 +4450,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
             <numerusform>Für die &amp;%n anderen Dateien auch</numerusform>
         </translation>
     </message>
+    <message>
+        <source>What &amp;Is Wrong?</source>
+        <translation>Was stimmt &amp;nicht?</translation>
+    </message>
 </context>
 <context>
     <name>corvane::MoreFields</name>
@@ -2795,6 +4711,13 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>None yet</source>
         <translation>Noch keine</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::PictureView</name>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
     </message>
 </context>
 <context>
@@ -3159,6 +5082,124 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>Replace files o&amp;n the server only by whole ones</source>
         <translation>Dateien auf dem Server &amp;nur durch ganze ersetzen</translation>
     </message>
+    <message>
+        <source>The desktop’s</source>
+        <translation>Der des Desktops</translation>
+    </message>
+    <message>
+        <source>&amp;Program for Text:</source>
+        <translation>Progra&amp;mm für Text:</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::PropertiesWindow</name>
+    <message>
+        <source>Also everything &amp;inside</source>
+        <translation>Auch alles dar&amp;in</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>C&amp;hange</source>
+        <translation>Än&amp;dern</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n entries</source>
+        <translation>
+            <numerusform>%n Eintrag</numerusform>
+            <numerusform>%n Einträge</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Properties – %1</source>
+        <translation>Eigenschaften – %1</translation>
+    </message>
+    <message>
+        <source>Permissions</source>
+        <translation>Rechte</translation>
+    </message>
+    <message>
+        <source>Links among them are left alone.</source>
+        <translation>Links darunter bleiben, wie sie sind.</translation>
+    </message>
+    <message>
+        <source>What is changed inside</source>
+        <translation>Was darin geändert wird</translation>
+    </message>
+    <message>
+        <source>Files and directories</source>
+        <translation>Dateien und Ordner</translation>
+    </message>
+    <message>
+        <source>Files get the right to execute only where they have it already.</source>
+        <translation>Dateien erhalten das Recht zum Ausführen nur, wo sie es schon haben.</translation>
+    </message>
+    <message>
+        <source>Files only</source>
+        <translation>Nur Dateien</translation>
+    </message>
+    <message>
+        <source>Directories keep their permissions.</source>
+        <translation>Ordner behalten ihre Rechte.</translation>
+    </message>
+    <message>
+        <source>Directories only</source>
+        <translation>Nur Ordner</translation>
+    </message>
+    <message>
+        <source>Files keep their permissions.</source>
+        <translation>Dateien behalten ihre Rechte.</translation>
+    </message>
+    <message>
+        <source>A link has no permissions of its own: a change would be made to what it leads to.</source>
+        <translation>Ein Link hat keine eigenen Rechte: geändert würde, wohin er führt.</translation>
+    </message>
+    <message>
+        <source>A name with a line break cannot be sent to the server: nothing can be changed.</source>
+        <translation>Ein Name mit Zeilenumbruch kann dem Server nicht gesendet werden: nichts lässt sich ändern.</translation>
+    </message>
+    <message>
+        <source>A change is under way.</source>
+        <translation>Eine Änderung läuft.</translation>
+    </message>
+    <message>
+        <source>The number has three or four digits from 0 to 7.</source>
+        <translation>Die Zahl hat drei oder vier Ziffern von 0 bis 7.</translation>
+    </message>
+    <message>
+        <source>Nothing is changed yet.</source>
+        <translation>Noch ist nichts geändert.</translation>
+    </message>
+    <message>
+        <source>S&amp;top</source>
+        <translation>S&amp;topp</translation>
+    </message>
+    <message>
+        <source>C&amp;lose</source>
+        <translation>Sch&amp;ließen</translation>
+    </message>
+    <message>
+        <source>%1 changed, %2 directories looked at.</source>
+        <translation>%1 geändert, %2 Ordner durchgesehen.</translation>
+    </message>
+    <message>
+        <source>Stopped: what was changed before stays so.</source>
+        <translation>Gestoppt: was schon geändert war, bleibt so.</translation>
+    </message>
+    <message>
+        <source>Not changed:</source>
+        <translation>Nicht geändert:</translation>
+    </message>
+    <message>
+        <source>There is no connection.</source>
+        <translation>Es besteht keine Verbindung.</translation>
+    </message>
+    <message>
+        <source>Not counted:</source>
+        <translation>Nicht gezählt:</translation>
+    </message>
 </context>
 <context>
     <name>corvane::Questions</name>
@@ -3350,10 +5391,61 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     </message>
 </context>
 <context>
+    <name>corvane::RightsBoxes</name>
+    <message>
+        <source>Owner</source>
+        <translation>Besitzer</translation>
+    </message>
+    <message>
+        <source>Group</source>
+        <translation>Gruppe</translation>
+    </message>
+    <message>
+        <source>Others</source>
+        <translation>Andere</translation>
+    </message>
+    <message>
+        <source>As a nu&amp;mber:</source>
+        <translation>Als &amp;Zahl:</translation>
+    </message>
+    <message>
+        <source>Read</source>
+        <translation>Lesen</translation>
+    </message>
+    <message>
+        <source>Write</source>
+        <translation>Schreiben</translation>
+    </message>
+    <message>
+        <source>Enter</source>
+        <translation>Betreten</translation>
+    </message>
+    <message>
+        <source>Execute</source>
+        <translation>Ausführen</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <comment>Owner: Read</comment>
+        <translation>%1: %2</translation>
+    </message>
+    <message>
+        <source>mixed</source>
+        <translation>gemischt</translation>
+    </message>
+</context>
+<context>
     <name>corvane::RowDelegate</name>
     <message>
         <source>New name</source>
         <translation>Neuer Name</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::ShortCutDelegate</name>
+    <message>
+        <source>Name of the folder</source>
+        <translation>Name des Ordners</translation>
     </message>
 </context>
 <context>
@@ -3440,10 +5532,6 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Shortcuts[*]</source>
         <translation>Verknüpfungen[*]</translation>
-    </message>
-    <message>
-        <source>Shortcuts</source>
-        <translation>Verknüpfungen</translation>
     </message>
     <message>
         <source>&amp;File</source>
@@ -3586,6 +5674,196 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>Encryption</source>
         <translation>Verschlüsselung</translation>
     </message>
+    <message>
+        <source>Search the shortcuts</source>
+        <translation>Verknüpfungen durchsuchen</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Suche</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>New &amp;Folder</source>
+        <translation>Neuer &amp;Ordner</translation>
+    </message>
+    <message>
+        <source>&amp;Connect</source>
+        <translation>&amp;Verbinden</translation>
+    </message>
+    <message>
+        <source>Rena&amp;me Folder</source>
+        <translation>Ordner &amp;umbenennen</translation>
+    </message>
+    <message>
+        <source>&amp;Import…</source>
+        <translation>&amp;Importieren …</translation>
+    </message>
+    <message>
+        <source>E&amp;xport…</source>
+        <translation>E&amp;xportieren …</translation>
+    </message>
+    <message>
+        <source>&amp;Search</source>
+        <translation>&amp;Suchen</translation>
+    </message>
+    <message>
+        <source>Move to F&amp;older</source>
+        <translation>In &amp;Ordner verschieben</translation>
+    </message>
+    <message>
+        <source>Move &amp;Up</source>
+        <translation>Nach o&amp;ben</translation>
+    </message>
+    <message>
+        <source>Move &amp;Down</source>
+        <translation>Nach &amp;unten</translation>
+    </message>
+    <message>
+        <source>Out of All Folders</source>
+        <translation>Aus allen Ordnern heraus</translation>
+    </message>
+    <message>
+        <source>&amp;Remove Folder</source>
+        <translation>Ordner &amp;entfernen</translation>
+    </message>
+    <message>
+        <source>The port of this shortcut is no number from 1 to 65535.</source>
+        <translation>Der Port dieser Verknüpfung ist keine Zahl von 1 bis 65535.</translation>
+    </message>
+    <message>
+        <source>Remove the folder “%1”?</source>
+        <translation>Den Ordner „%1“ entfernen?</translation>
+    </message>
+    <message>
+        <source>It holds 1 shortcut.</source>
+        <translation>Er enthält 1 Verknüpfung.</translation>
+    </message>
+    <message numerus="yes">
+        <source>It holds %n shortcuts.</source>
+        <translation>
+            <numerusform>Er enthält %n Verknüpfung.</numerusform>
+            <numerusform>Er enthält %n Verknüpfungen.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Remove Folder</source>
+        <translation>Ordner entfernen</translation>
+    </message>
+    <message>
+        <source>Remove &amp;All of It</source>
+        <translation>A&amp;lles entfernen</translation>
+    </message>
+    <message>
+        <source>&amp;Keep What It Holds</source>
+        <translation>&amp;Inhalt behalten</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::ShortcutExchange</name>
+    <message>
+        <source>Import Shortcuts</source>
+        <translation>Verknüpfungen importieren</translation>
+    </message>
+    <message>
+        <source>The file could not be read.</source>
+        <translation>Die Datei konnte nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>Warning!</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>The file could not be imported.</source>
+        <translation>Die Datei konnte nicht importiert werden.</translation>
+    </message>
+    <message>
+        <source>1 shortcut imported</source>
+        <translation>1 Verknüpfung importiert</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n shortcuts imported</source>
+        <translation>
+            <numerusform>%n Verknüpfung importiert</numerusform>
+            <numerusform>%n Verknüpfungen importiert</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Export 1 shortcut?</source>
+        <translation>1 Verknüpfung exportieren?</translation>
+    </message>
+    <message numerus="yes">
+        <source>Export %n shortcuts?</source>
+        <translation>
+            <numerusform>%n Verknüpfung exportieren?</numerusform>
+            <numerusform>%n Verknüpfungen exportieren?</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>They go into a file that Corvane can import again.</source>
+        <translation>Sie kommen in eine Datei, die Corvane wieder importieren kann.</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+    <message>
+        <source>E&amp;xport…</source>
+        <translation>E&amp;xportieren …</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>With the &amp;passwords</source>
+        <translation>Mit den &amp;Passwörtern</translation>
+    </message>
+    <message>
+        <source>Write the passwords into a file?</source>
+        <translation>Die Passwörter in eine Datei schreiben?</translation>
+    </message>
+    <message>
+        <source>Nothing protects them there: who gets the file, or a copy of it, can log in as you.</source>
+        <translation>Dort schützt sie nichts: Wer die Datei oder eine Kopie davon bekommt, kann sich in Ihrem Namen anmelden.</translation>
+    </message>
+    <message>
+        <source>&amp;Write Passwords</source>
+        <translation>Passwörter &amp;schreiben</translation>
+    </message>
+    <message>
+        <source>Export Shortcuts</source>
+        <translation>Verknüpfungen exportieren</translation>
+    </message>
+    <message>
+        <source>The shortcuts could not be exported.</source>
+        <translation>Die Verknüpfungen konnten nicht exportiert werden.</translation>
+    </message>
+    <message>
+        <source>1 shortcut exported</source>
+        <translation>1 Verknüpfung exportiert</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n shortcuts exported</source>
+        <translation>
+            <numerusform>%n Verknüpfung exportiert</numerusform>
+            <numerusform>%n Verknüpfungen exportiert</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>, 1 password not found</source>
+        <translation>, 1 Passwort nicht gefunden</translation>
+    </message>
+    <message numerus="yes">
+        <source>, %n passwords not found</source>
+        <translation>
+            <numerusform>, %n Passwort nicht gefunden</numerusform>
+            <numerusform>, %n Passwörter nicht gefunden</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>corvane::ShortcutField</name>
@@ -3596,6 +5874,41 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>&amp;Shortcuts</source>
         <translation>Ver&amp;knüpfungen</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::ShortcutTree</name>
+    <message>
+        <source>Shortcuts</source>
+        <translation>Verknüpfungen</translation>
+    </message>
+    <message>
+        <source>New Folder</source>
+        <translation>Neuer Ordner</translation>
+    </message>
+    <message>
+        <source>New Folder %1</source>
+        <translation>Neuer Ordner %1</translation>
+    </message>
+    <message>
+        <source>The folders are too deep.</source>
+        <translation>Die Ordner sind zu tief verschachtelt.</translation>
+    </message>
+    <message>
+        <source>There is a folder of that name already.</source>
+        <translation>Es gibt schon einen Ordner mit diesem Namen.</translation>
+    </message>
+    <message>
+        <source>A folder needs a name, and that holds no “/”.</source>
+        <translation>Ein Ordner braucht einen Namen, und darin steht kein „/“.</translation>
+    </message>
+    <message>
+        <source>Nothing matches</source>
+        <translation>Nichts passt</translation>
+    </message>
+    <message>
+        <source>Change or clear the search.</source>
+        <translation>Ändern oder leeren Sie die Suche.</translation>
     </message>
 </context>
 <context>
@@ -3674,6 +5987,41 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Status: %1</source>
         <translation>Status: %1</translation>
+    </message>
+</context>
+<context>
+    <name>corvane::StepList</name>
+    <message>
+        <source>Steps</source>
+        <translation>Schritte</translation>
+    </message>
+    <message>
+        <source>Good</source>
+        <translation>Gut</translation>
+    </message>
+    <message>
+        <source>Note</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
+        <source>Wrong</source>
+        <translation>Falsch</translation>
+    </message>
+    <message>
+        <source>Under way</source>
+        <translation>Im Gange</translation>
+    </message>
+    <message>
+        <source>Left out</source>
+        <translation>Ausgelassen</translation>
+    </message>
+    <message>
+        <source>%1 ms</source>
+        <translation>%1 ms</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
     </message>
 </context>
 <context>
@@ -4064,6 +6412,18 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>Goes on with what is paused or has failed, shows a finished download in its folder</source>
         <translation>Setzt fort, was angehalten oder fehlgeschlagen ist, zeigt einen fertigen Download in seinem Ordner</translation>
     </message>
+    <message>
+        <source>&amp;What Is Wrong?</source>
+        <translation>Was sti&amp;mmt nicht?</translation>
+    </message>
+    <message>
+        <source>Looks at the connection of what is selected step by step</source>
+        <translation>Prüft die Verbindung des Ausgewählten Schritt für Schritt</translation>
+    </message>
+    <message>
+        <source>What Is Wrong?</source>
+        <translation>Was stimmt nicht?</translation>
+    </message>
 </context>
 <context>
     <name>corvane::TransferItem</name>
@@ -4237,6 +6597,10 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>Trying again</source>
         <translation>Neuer Versuch</translation>
+    </message>
+    <message>
+        <source>connection lost</source>
+        <translation>Verbindung verloren</translation>
     </message>
 </context>
 <context>

@@ -13,8 +13,10 @@
 
 #include "DriveOptions.h"
 #include "DriveQueue.h"
+#include "DriveRights.h"
 #include "DriveRow.h"
 #include "ftp/ListingParser.h"
+#include "ftp/ListingText.h"
 #include "ftp/MFtp.h"
 #include "kit/Background.h"
 #include "remote/RemotePath.h"
@@ -165,7 +167,7 @@ Outcome Carry(const Options& options, MFtp& session, Row& row) {
 }
 
 bool Operate(const Options& options) {
-  const auto row = std::make_shared<Row>(options.trustsAny, 0, nullptr);
+  const auto row = std::make_shared<Row>(options, 0, nullptr);
   MFtp session(options.site, row);
   Outcome outcome = session.Connect();
   if (outcome.IsDone()) outcome = Carry(options, session, *row);
@@ -181,18 +183,22 @@ bool Parse(const std::string& path) {
     Complain(Text("Could not read %1: %2", path, ErrorText(errno)));
     return false;
   }
-  std::string text{std::istreambuf_iterator<char>(file), {}};
-  std::erase(text, '\r');
-  ListingParser parser(text, Today());
+  ListingText text;
+  std::vector<char> block(std::size_t{64} * 1024);
+  while (file.read(block.data(), static_cast<std::streamsize>(block.size())), file.gcount() > 0) {
+    if (!text.Append({block.data(), static_cast<std::size_t>(file.gcount())})) return false;
+  }
+  ListingParser parser(text.View(), Today());
   RemoteEntry entry;
   while (parser.Next(entry)) Print(entry);
-  return parser.Strange() == 0;
+  return parser.Strange() + text.Dropped() == 0;
 }
 
 bool Carry(const Options& options) {
   if (options.command == "parse") return Parse(options.local);
   if (options.command == "get" || options.command == "put") return Transfer(options);
   if (options.command == "queue") return Queue(options);
+  if (options.command == "chmod") return ChangeRights(options);
   return Operate(options);
 }
 

@@ -71,10 +71,18 @@ std::string SetTries(Options& options, const std::string& value) {
   return "";
 }
 
+std::string SetSilence(Options& options, const std::string& value) {
+  const auto number = Number(value);
+  if (!number) return "is no number of milliseconds";
+  options.silence = static_cast<long>(*number);
+  return "";
+}
+
 const std::map<std::string, Option>& WithValue() {
   static const std::map<std::string, Option> options = {
       {"--connections", SetConnections},  {"--policy", SetPolicy}, {"--tls", SetTls},
       {"--cancel-after", SetCancelAfter}, {"--limit", SetLimit},   {"--tries", SetTries},
+      {"--silence", SetSilence},
   };
   return options;
 }
@@ -158,8 +166,9 @@ bool TakeAsked(const std::vector<std::string>& words, Options& options, std::str
 
 std::optional<Options> Read(const std::vector<std::string>& words, std::string& problem) {
   const std::map<std::string, std::pair<std::size_t, std::size_t>> commands = {
-      {"get", {1, 2}},    {"put", {2, 2}},   {"list", {1, 1}},  {"remove", {1, 1}},
-      {"rename", {2, 2}}, {"mkdir", {1, 1}}, {"parse", {1, 1}}, {"queue", {1, 1000}}};
+      {"get", {1, 2}},    {"put", {2, 2}},    {"list", {1, 1}},
+      {"remove", {1, 1}}, {"rename", {2, 2}}, {"chmod", {2, 2}},
+      {"mkdir", {1, 1}},  {"parse", {1, 1}},  {"queue", {1, 1000}}};
   const auto command = words.empty() ? commands.end() : commands.find(words.front());
   if (command == commands.end()) return std::nullopt;
   Options options;

@@ -21,8 +21,9 @@ struct Asked {
 
 /// What the driver was asked to do.
 struct Options {
-  std::string command;  ///< "get", "put", "list", "remove", "rename", "mkdir", "queue" or "parse"
-  Site site;            ///< with the URL's path; a slash at its end means a directory
+  std::string
+      command;  ///< "get", "put", "list", "remove", "rename", "chmod", "mkdir", "queue" or "parse"
+  Site site;    ///< with the URL's path; a slash at its end means a directory
   std::string local;  ///< the local folder or file, the new name, the queue's file, or the file to
                       ///< parse
   std::vector<Asked> asked;  ///< of a queue
@@ -32,12 +33,14 @@ struct Options {
   std::optional<std::chrono::milliseconds> cancelAfter;
   std::int64_t limit = 0;  ///< bytes a second; 0 for none
   int tries = 0;           ///< after a failure that may pass
+  long silence = 0;        ///< how long a silent server is waited for, in ms; 0 as long as usual
   bool json = false;
   bool trustsAny = false;  ///< every certificate is taken
+  bool quiet = false;      ///< what is noted of entries is not shown
 };
 
 inline constexpr char kUsage[] =
-    "usage: corvane-drive get|put|list|remove|rename|mkdir URL [LOCAL] [OPTION...]\n"
+    "usage: corvane-drive get|put|list|remove|rename|chmod|mkdir URL [LOCAL] [OPTION...]\n"
     "       corvane-drive queue FILE [--resume] [get|put URL LOCAL]... [OPTION...]\n"
     "       corvane-drive parse FILE\n"
     "  get     fetches a file, or a directory with \"/\" at its end, into the folder LOCAL (.)\n"
@@ -50,7 +53,8 @@ inline constexpr char kUsage[] =
     "  parse   prints what is understood of a listing's text, a JSON line for each entry\n"
     "options: --active --connections N --policy create|replace|resume|skip|newer|both\n"
     "         --tls auto|required|implicit|none --trust-any --cancel-after MS --limit BYTES (a\n"
-    "         second) --tries N (after a failure that may pass) --json\n"
+    "         second) --tries N (after a failure that may pass) --silence MS (of the server) "
+    "--json\n"
     "The exit code is 0 if and only if everything finished, 2 if this was not understood.\n";
 
 /// Reads the words of a command line; `problem` says what is the matter where there is nothing.

@@ -12,10 +12,13 @@ using Clock = std::chrono::steady_clock;
 DriveQueue::DriveQueue(const Options& options, std::shared_ptr<QueueJournal> journal)
     : options_(options),
       journal_(std::move(journal)),
-      pool_(std::make_shared<SessionPool>(
-          [](const Site& site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<Habits> habits) {
-            return std::make_shared<MFtp>(site, std::move(owner), nullptr, std::move(habits));
-          })),
+      pool_(std::make_shared<SessionPool>([silence = options.silence](
+                                              const Site& site, std::shared_ptr<OwnerUi> owner,
+                                              std::shared_ptr<Habits> habits) {
+        auto session = std::make_shared<MFtp>(site, std::move(owner), nullptr, std::move(habits));
+        if (silence > 0) session->SetSilenceLimit(silence);
+        return session;
+      })),
       queue_({.start = [this](RowId id) { Start(id); }, .stop = [this](RowId id) { Stop(id); }},
              journal_) {
   speed_->down.Set(options.limit);
@@ -31,7 +34,7 @@ void DriveQueue::Add(RowId id, const transferStruct& what) {
 void DriveQueue::Add(RowId id, const transferStruct& what, std::shared_ptr<JobBoard> board) {
   carried_[id] = {.what = what,
                   .board = std::move(board),
-                  .row = std::make_shared<Row>(options_.trustsAny, id, ends_),
+                  .row = std::make_shared<Row>(options_, id, ends_),
                   .worker = nullptr};
 }
 
@@ -46,6 +49,16 @@ void DriveQueue::Resume(const QueueStore::Row& kept) {
   if (kept.state == RowState::Failed) board->Begin(true);
   queue_.Resume(kept.id);
   queue_.Retry(kept.id);
+}
+
+void DriveQueue::Retry(RowId id) {
+  carried_.at(id).board->Begin(true);
+  queue_.Retry(id);
+}
+
+void DriveQueue::Cancel() {
+  cancelled_ = true;
+  ends_->Wake();
 }
 
 void DriveQueue::Start(RowId id) {
@@ -83,7 +96,7 @@ void DriveQueue::Run(const std::function<void(RowId, RowState, const Text& why)>
       const RowState state = queue_.Find(end.row)->state;
       if (state != RowState::Again) ended(end.row, state, end.why);
     }
-    if (Clock::now() < last) continue;
+    if (Clock::now() < last && !cancelled_.exchange(false)) continue;
     last = Clock::now() + kLong;
     CancelAll();
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -16,7 +17,8 @@
 
 namespace corvane::drive {
 
-/// Carries transfers out as the transfer window does, and waits for them. One thread.
+/// Carries transfers out as the transfer window does, and waits for them. One thread, but for
+/// Cancel.
 class DriveQueue {
  public:
   /// `journal` may be null.
@@ -25,6 +27,10 @@ class DriveQueue {
   void Add(RowId id, const transferStruct& what);
   /// A row that was left, to be gone on with.
   void Resume(const QueueStore::Row& kept);
+  /// A row that has failed waits for its turn again, in the next Run.
+  void Retry(RowId id);
+  /// Any thread: cancels all rows.
+  void Cancel();
   /// Until nothing runs or waits any more. `ended` hears of each row once it stands still.
   void Run(const std::function<void(RowId, RowState, const Text& why)>& ended);
   /// What has moved of a row, and how many of its files are whole.
@@ -51,6 +57,7 @@ class DriveQueue {
   const std::shared_ptr<TransferSpeed> speed_ = std::make_shared<TransferSpeed>();
   const std::shared_ptr<SessionPool> pool_;
   std::map<RowId, Carried> carried_;
+  std::atomic<bool> cancelled_{false};
   TransferQueue queue_;
 };
 

@@ -21,9 +21,16 @@ void Ends::Add(End end) {
   changed_.notify_all();
 }
 
+void Ends::Wake() {
+  const std::lock_guard hold(lock_);
+  woken_ = true;
+  changed_.notify_all();
+}
+
 std::vector<Ends::End> Ends::Wait(std::chrono::steady_clock::time_point until) {
   std::unique_lock hold(lock_);
-  changed_.wait_until(hold, until, [this] { return !ends_.empty(); });
+  changed_.wait_until(hold, until, [this] { return woken_ || !ends_.empty(); });
+  woken_ = false;
   return std::exchange(ends_, {});
 }
 
@@ -35,7 +42,7 @@ bool Row::Ask(const std::shared_ptr<UserQuestion>& question) {
 }
 
 bool Row::NoteEntry(const Text& text) {
-  Complain(text);
+  if (!quiet_) Complain(text);
   return true;
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "DriveOptions.h"
 #include "queue/QueueJournal.h"
 #include "remote/TransferUi.h"
 
@@ -25,21 +26,24 @@ class Ends {
     Text why{};
   };
   void Add(End end);
-  /// What has ended, in its order; nothing where `until` passed first.
+  /// Ends a wait, or the next one.
+  void Wake();
+  /// What has ended, in its order; nothing where `until` passed first, or it was woken.
   [[nodiscard]] std::vector<End> Wait(std::chrono::steady_clock::time_point until);
 
  private:
   std::mutex lock_;
   std::condition_variable changed_;
   std::vector<End> ends_;
+  bool woken_ = false;
 };
 
 /// A transfer's row that nobody sees; also the owner of a session without a transfer.
 class Row final : public TransferUi {
  public:
   /// `ends` may be null.
-  Row(bool trustsAny, RowId id, std::shared_ptr<Ends> ends)
-      : trustsAny_(trustsAny), id_(id), ends_(std::move(ends)) {}
+  Row(const Options& options, RowId id, std::shared_ptr<Ends> ends)
+      : trustsAny_(options.trustsAny), quiet_(options.quiet), id_(id), ends_(std::move(ends)) {}
 
   TransferProgress& Progress() override { return progress_; }
   bool BeginFile(std::string_view /*name*/) override { return true; }
@@ -54,6 +58,7 @@ class Row final : public TransferUi {
 
  private:
   const bool trustsAny_;
+  const bool quiet_;
   const RowId id_;
   const std::shared_ptr<Ends> ends_;
   TransferProgress progress_;

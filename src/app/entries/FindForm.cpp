@@ -66,6 +66,7 @@ void FindForm::AddName(QGridLayout& grid) {
   matchesCase_->setObjectName("MatchCase");
   auto* line = new QHBoxLayout;
   line->addWidget(name_, 1);
+  line->addSpacing(8);
   line->addWidget(matchesCase_);
   grid.addWidget(Titled(tr("Nam&e:"), name_), 0, 0);
   grid.addLayout(line, 0, 1);

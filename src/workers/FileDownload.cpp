@@ -8,6 +8,7 @@
 #include "remote/ExactTime.h"
 #include "util/ErrorText.h"
 #include "workers/Comparing.h"
+#include "workers/MayPass.h"
 #include "workers/TransferPump.h"
 
 namespace corvane {
@@ -26,11 +27,6 @@ Outcome OpenFailure(const std::string& name, int error) {
   Outcome outcome = WriteFailure(error);
   outcome.text = Text("Could not open %1: %2", name, ErrorText(error));
   return outcome;
-}
-
-bool MayPass(const Outcome& outcome) {
-  return outcome.kind == Kind::Lost || outcome.kind == Kind::Busy ||
-         outcome.kind == Kind::Cancelled;
 }
 
 }  // namespace

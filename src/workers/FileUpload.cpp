@@ -9,6 +9,7 @@
 #include "util/ErrorText.h"
 #include "util/PartFile.h"
 #include "workers/Comparing.h"
+#include "workers/MayPass.h"
 #include "workers/RemoteVersion.h"
 #include "workers/TransferPump.h"
 
@@ -17,11 +18,6 @@ namespace {
 
 using Kind = Outcome::Kind;
 using Learned = Habits::Learned;
-
-bool MayPass(const Outcome& outcome) {
-  return outcome.kind == Kind::Lost || outcome.kind == Kind::Busy ||
-         outcome.kind == Kind::Cancelled;
-}
 
 // Some servers say 550 where 553 is meant.
 bool IsOfTheName(const Outcome& outcome) {

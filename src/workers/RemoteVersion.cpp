@@ -5,15 +5,12 @@
 #include <span>
 #include <vector>
 
+#include "workers/MayPass.h"
+
 namespace corvane {
 namespace {
 
 using Kind = Outcome::Kind;
-
-bool MayPass(const Outcome& outcome) {
-  return outcome.kind == Kind::Lost || outcome.kind == Kind::Busy ||
-         outcome.kind == Kind::Cancelled;
-}
 
 // The checksum of what the server sends.
 Outcome ReadThrough(RemoteSession& session, const std::string& path,

@@ -5,20 +5,16 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <future>
+#include <functional>
 #include <set>
 
 #include "FaultMatrix.h"
-#include "kit/Background.h"
 #include "kit/Message.h"
+#include "support/AtOnce.h"
 #include "support/Files.h"
-#include "support/WaitFor.h"
 
 namespace corvane {
 namespace {
-
-using namespace std::chrono_literals;
 
 const std::vector<Request> kRequests = {
     {"opens", "CNNT"_what, {}, ""},
@@ -43,11 +39,6 @@ const std::vector<Errand> kErrands = {
 
 const std::set<std::string> kLogin = {"greeting", "AUTH", "USER", "PASS", "PBSZ", "PROT",
                                       "SYST",     "FEAT", "OPTS", "PWD",  "TYPE", "QUIT"};
-
-std::ptrdiff_t OpenDescriptors() {
-  using Iterator = std::filesystem::directory_iterator;
-  return std::distance(Iterator("/proc/self/fd"), Iterator());
-}
 
 /// The verbs of a deed that no other deed stands for, once each.
 std::vector<std::string> Steps(const std::vector<std::string>& verbs, bool login) {
@@ -89,17 +80,8 @@ void Collect(const Deed& deed, bool login, std::vector<std::function<void()>>& t
 }
 
 void RunAll(const std::vector<std::function<void()>>& tasks) {
-  const std::ptrdiff_t before = OpenDescriptors();
-  std::atomic<std::size_t> next = 0;
-  std::vector<std::future<void>> running(16);
-  for (std::future<void>& thread : running) {
-    thread = std::async(std::launch::async, [&] {
-      for (std::size_t at = next++; at < tasks.size(); at = next++) tasks[at]();
-    });
-  }
-  for (std::future<void>& thread : running) thread.get();
-  EXPECT_TRUE(Background::WaitForNone(2000ms));
-  EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; })) << OpenDescriptors();
+  constexpr std::size_t kThreads = 16;
+  RunAtOnce(tasks, kThreads);
   std::printf("%zu cells\n", tasks.size());
 }
 

@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <future>
-#include <iterator>
+#include <functional>
 #include <vector>
 
+#include "support/AtOnce.h"
 #include "workers/TransferJob.h"
 
 namespace corvane {
@@ -134,14 +134,10 @@ void Try(std::string verb, int number, const Fault& fault, bool download, bool s
                                                      : "Transfer Interupted.");
 }
 
-std::ptrdiff_t OpenDescriptors() {
-  return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-}
-
 // Every fault at every step: it ends soon, is finished only when it is whole, leaves neither thread
 // nor descriptor, and a browser's connection can go on.
 TEST(Transfer, SurvivesEveryFaultAtEveryStep) {
-  const std::ptrdiff_t before = OpenDescriptors();
+  constexpr std::size_t kThreads = 80;
   std::vector<std::function<void()>> tasks;
   for (const auto& [verb, number] : kSteps)
     for (const Fault& fault : kFaults)
@@ -150,16 +146,7 @@ TEST(Transfer, SurvivesEveryFaultAtEveryStep) {
           tasks.emplace_back([=, step = verb, which = number, passive = tasks.size() % 3 == 0] {
             Try(step, which, fault, download, shared, passive);
           });
-  std::atomic<std::size_t> next = 0;
-  std::vector<std::future<void>> running(80);
-  for (std::future<void>& thread : running) {
-    thread = std::async(std::launch::async, [&] {
-      for (std::size_t at = next++; at < tasks.size(); at = next++) tasks[at]();
-    });
-  }
-  for (std::future<void>& thread : running) thread.get();
-  EXPECT_TRUE(Background::WaitForNone(2000ms));
-  EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; })) << OpenDescriptors();
+  RunAtOnce(tasks, kThreads);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "ftp/FtpCommand.h"
 #include "ftp/FtpControl.h"
 #include "ftp/FtpFailure.h"
+#include "ftp/ReplyTable.h"
 #include "remote/Habits.h"
 
 namespace corvane {
@@ -19,15 +20,23 @@ using Learned = Habits::Learned;
 constexpr long kPatience = 5'000;
 constexpr long kDoubt = 2'000;  // the same where it may well have been lost
 
+// A port is refused to nobody who had one before, unless it was the wrong moment. A directory may
+// be refused for any reason.
+bool Fits(std::string_view question, int code) {
+  const bool forPort = question == "PASV" || question == "EPSV";
+  const bool mayRefuse = question.starts_with("CWD") || (!forPort && IsPlainRefusal(code));
+  return MayBeReply(question, code) && (code < 400 || mayRefuse);
+}
+
 // False where a reply stays away, or is none to its command.
-bool Hear(FtpControl& control, const std::vector<Question>& questions, bool trial,
+bool Hear(FtpControl& control, const std::vector<std::string>& questions, bool trial,
           std::vector<Reply>& replies) {
   const std::chrono::milliseconds patience(
-      std::min(trial ? kDoubt : kPatience, control.silenceLimit));
+      std::min(trial ? kDoubt : kPatience, control.waits.reply));
   std::vector<std::unique_ptr<FtpCommand>> sent;
-  for (const Question& question : questions) {
+  for (const std::string& question : questions) {
     const auto order = sent.empty() ? FtpCommand::Order::InTurn : FtpCommand::Order::Ahead;
-    sent.push_back(std::make_unique<FtpCommand>(control, question.line, std::string_view(), order));
+    sent.push_back(std::make_unique<FtpCommand>(control, question, std::string_view(), order));
   }
   bool fits = true;
   for (std::size_t i = 0; i < sent.size(); ++i) {
@@ -37,7 +46,7 @@ bool Hear(FtpControl& control, const std::vector<Question>& questions, bool tria
     }
     Reply reply = sent[i]->Next();
     while (!sent[i]->IsComplete()) reply = sent[i]->Next();
-    fits = fits && questions[i].fits(reply.code);
+    fits = fits && Fits(questions[i], reply.code);
     replies.push_back(std::move(reply));
   }
   return fits;
@@ -50,7 +59,7 @@ bool IsPlainRefusal(int code) {
   return code >= 500 && code != kBadSequence;
 }
 
-bool TryTogether(FtpControl& control, Habits& habits, const std::vector<Question>& questions,
+bool TryTogether(FtpControl& control, Habits& habits, const std::vector<std::string>& questions,
                  bool mayTry, std::vector<Reply>& replies) {
   replies.clear();
   if (questions.size() < 2) return false;
@@ -74,11 +83,11 @@ bool TryTogether(FtpControl& control, Habits& habits, const std::vector<Question
 }
 
 std::vector<Reply> AskTogether(FtpControl& control, Habits& habits,
-                               const std::vector<Question>& questions, bool mayTry) {
+                               const std::vector<std::string>& questions, bool mayTry) {
   std::vector<Reply> replies;
   if (TryTogether(control, habits, questions, mayTry, replies)) return replies;
   replies.clear();
-  for (const Question& question : questions) replies.push_back(control.SendCommand(question.line));
+  for (const std::string& question : questions) replies.push_back(control.SendCommand(question));
   return replies;
 }
 

@@ -22,7 +22,6 @@ namespace corvane {
 namespace {
 
 constexpr long kSlice = 50;             // milliseconds between looks at the control connection
-constexpr long kMostPatience = 30'000;  // milliseconds for a data connection to come about
 constexpr int kNoDataConnection = 425;  // RFC 959, 4.2
 constexpr int kBrokenOff = 426;
 constexpr int kBadSequence = 503;
@@ -34,23 +33,26 @@ bool IsRefused(const Reply& reply) {
   return reply.code / 100 == 5;
 }
 
+bool IsAccepted(const Reply& reply) {
+  return reply.IsPreliminary() || reply.IsCompletion();
+}
+
 // Ends the waits of one data connection.
 class Deadline {
  public:
   explicit Deadline(const FtpControl& control)
-      : control_(control),
-        until_(std::chrono::steady_clock::now() +
-               std::chrono::milliseconds(std::min(control.silenceLimit, kMostPatience))) {}
+      : until_(std::chrono::steady_clock::now() +
+               std::chrono::milliseconds(control.waits.connect)) {}
 
   [[nodiscard]] bool HasPassed() const { return std::chrono::steady_clock::now() > until_; }
-  void ThrowIfInterrupted() const {
-    if (control_.IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
-  }
 
  private:
-  const FtpControl& control_;
   std::chrono::steady_clock::time_point until_;
 };
+
+void ThrowIfInterrupted(const FtpControl& control) {
+  if (control.IsInterrupted()) throw FtpFailure{Outcome::Cancelled()};
+}
 
 }  // namespace
 
@@ -77,7 +79,7 @@ DataChannel::~DataChannel() = default;
 // An endpoint that comes after an interruption is useless.
 void DataChannel::SetEndpoint(std::unique_ptr<NLEndpoint> endpoint) {
   tls_.reset();
-  if (endpoint) endpoint->setSilenceLimit(control_.silenceLimit);
+  if (endpoint) endpoint->setSilenceLimit(control_.waits.stall);
   const MutexLock hold(reach_);
   endpoint_ = std::move(endpoint);
   if (endpoint_ && control_.IsInterrupted()) endpoint_->abort();
@@ -87,6 +89,10 @@ void DataChannel::SetEndpoint(std::unique_ptr<NLEndpoint> endpoint) {
 NLEndpoint* DataChannel::Endpoint() {
   const MutexLock hold(reach_);
   return endpoint_.get();
+}
+
+void DataChannel::SetWatch(std::function<bool(long silence)> watch) {
+  Endpoint()->setWatch(std::move(watch));
 }
 
 Stream& DataChannel::Connection() {
@@ -254,7 +260,7 @@ Outcome DataChannel::Open(FtpCommand& command) {
   if (!attempt.open) Close();
   while (!attempt.open && !command.IsComplete()) attempt.Listen();
   const Reply& first = *attempt.first;
-  const bool accepted = first.code >= 100 && first.code < 300;
+  const bool accepted = IsAccepted(first);
   if (attempt.open && accepted) {
     WayWorks();
     return protected_ ? Encrypt(attempt) : Outcome();
@@ -284,16 +290,15 @@ Outcome DataChannel::Open(FtpCommand& command) {
 // ended.
 Outcome DataChannel::Encrypt(Attempt& attempt) {
   const TlsStream* const control = control_.Encryption();
-  const Deadline deadline(control_);
   Text why("The server does not answer");
   bool done = false;
   cut_ = false;
   tls_ = std::make_unique<TlsStream>(control->context(), *Endpoint());
   tls_->endsTogether = control_.IsTunnelled();
   try {
-    done = tls_->handshake(control->host(), control, control_.silenceLimit, [&] {
-      deadline.ThrowIfInterrupted();
-      return !control_.isDataPending(0) && !deadline.HasPassed();
+    done = tls_->handshake(control->host(), control, control_.waits.handshake, [&] {
+      ThrowIfInterrupted(control_);
+      return !control_.isDataPending(0);
     });
     if (done && tls_->certificate().sha256 == control->certificate().sha256) {
       if (!tls_->isResumed()) control_.UpdateLog("The data connection has a session of its own.\n");
@@ -301,7 +306,7 @@ Outcome DataChannel::Encrypt(Attempt& attempt) {
     }
     if (done) why = Text("It shows another certificate.");
   } catch (const NLException& error) {
-    deadline.ThrowIfInterrupted();
+    ThrowIfInterrupted(control_);
     why = Reason(error);
   }
   Close();
@@ -315,7 +320,7 @@ void DataChannel::Connect(Attempt& attempt) {
   const Deadline deadline(control_);
   try {
     attempt.open = control_.Join(*Endpoint(), passivePort_, [&] {
-      deadline.ThrowIfInterrupted();
+      ThrowIfInterrupted(control_);
       if (!control_.isDataPending(0)) return !deadline.HasPassed();
       attempt.Listen();
       return !attempt.command.IsComplete();
@@ -356,13 +361,13 @@ void DataChannel::ConnectInVain() {
 // connecting has given up.
 void DataChannel::Accept(Attempt& attempt) {
   attempt.Listen();
-  if (attempt.first->code >= 300) return;
+  if (!IsAccepted(*attempt.first)) return;
   NLEndpoint* listener = Endpoint();
   const Deadline deadline(control_);
   attempt.why = Text("The server did not open the data connection.");
   try {
     for (;;) {
-      deadline.ThrowIfInterrupted();
+      ThrowIfInterrupted(control_);
       const bool lastLook = attempt.command.IsComplete();
       auto accepted = listener->accept(kSlice);
       if (accepted && accepted->remoteAddress().isSameHost(control_.ServerAddress())) {
@@ -375,7 +380,7 @@ void DataChannel::Accept(Attempt& attempt) {
       if (!lastLook && control_.isDataPending(0)) attempt.Listen();
     }
   } catch (const NLException& error) {
-    deadline.ThrowIfInterrupted();
+    ThrowIfInterrupted(control_);
     // The listening socket is this machine's alone.
     attempt.localFailure = true;
     attempt.why = Reason(error);

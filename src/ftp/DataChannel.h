@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -58,6 +59,8 @@ class DataChannel {
   /// Whether data connections are encrypted, with the control connection's session (RFC 4217).
   void SetProtected(bool isProtected) { protected_ = isProtected; }
 
+  /// Asked while a read or write on the open connection is blocked, as NLEndpoint::setWatch has it.
+  void SetWatch(std::function<bool(long silence)> watch);
   /// The open connection.
   [[nodiscard]] Stream& Connection();
   /// Whether what was read on the last connection may be cut: the encryption was not ended as it

@@ -1,7 +1,6 @@
 #include "ftp/Errands.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "ftp/FtpFailure.h"
 #include "ftp/FtpFeatures.h"
 #include "ftp/ListingFacts.h"
+#include "ftp/ReplyTable.h"
 #include "remote/Habits.h"
 
 namespace corvane {
@@ -23,11 +23,11 @@ using Learned = Habits::Learned;
 constexpr long kPatience = 5'000;
 constexpr long kDoubt = 2'000;
 
-constexpr std::array kEnds = {225, 226, 250};    // a transfer, and nothing that is asked here
-constexpr std::array kNoEnds = {213, 227, 229};  // the other way round
+constexpr std::string_view kTransfer = "RETR";
 
-bool IsAmong(int code, const auto& codes) {
-  return std::ranges::find(codes, code) != codes.end();
+// Whether a reply ends a transfer, and nothing that is asked here.
+bool IsEnd(int code) {
+  return code == 225 || code == 226 || code == 250;
 }
 
 }  // namespace
@@ -80,7 +80,7 @@ void Errands::Send(Step& step, bool ahead) {
 
 bool Errands::Hear(bool wrote) {
   const long most = trial_ || wrote ? kDoubt : kPatience;
-  const std::chrono::milliseconds patience(std::min(most, means_.control.silenceLimit));
+  const std::chrono::milliseconds patience(std::min(most, means_.control.waits.reply));
   for (Step& step : steps_) {
     while (step.sent && !step.sent->IsComplete()) {
       if (!means_.control.ComesWithin(patience)) return false;
@@ -95,10 +95,10 @@ bool Errands::Fits(const Step& step) const {
   const int code = step.reply ? step.reply->code : 0;
   const bool refused = code >= 400 && !means_.control.IsLost();
   switch (step.what) {
-    case What::SetTime: return refused || (code / 100 == 2 && !IsAmong(code, kEnds));
+    case What::SetTime: return refused || (MayBeReply(step.line, code) && !IsEnd(code));
     case What::AskSize:
-    case What::AskTime: return refused || code == 213;
-    case What::AskPort: return code == 227 || code == 229;
+    case What::AskTime: return refused || MayBeReply(step.line, code);
+    case What::AskPort: return code < 400 && MayBeReply(step.line, code);
   }
   return false;
 }
@@ -120,16 +120,28 @@ Outcome Errands::End(FtpCommand& transfer, std::optional<std::int64_t> written,
     for (std::size_t i = first; i < steps_.size(); ++i) Send(steps_[i], true);
     Reply end;
     while (!transfer.IsComplete()) end = transfer.Next();
-    if (!ahead || !IsAmong(end.code, kNoEnds))
+    if (!ahead || MayBeReply(kTransfer, end.code))
       verdict = over ? Outcome() : FtpControl::CheckResult(end);
     if (ahead) Judge(end, written, verdict, settled);
     if (name_.empty() && verdict->IsDone()) verdict->server = end.text;
+    // No server has a file before it was sent.
+    if (over && written && verdict->IsDone() && !MayHave(*written)) {
+      verdict = {Outcome::Kind::Busy, 0,
+                 Text("The server said that it has the file before all of it was sent.")};
+    }
     if (verdict->IsDone()) RunRest(settled);
     return {};
   });
   if (trial_ && failure.kind == Outcome::Kind::Cancelled)
     means_.habits.takesAhead = Learned::Unknown;
   return verdict ? *std::move(verdict) : failure;
+}
+
+// A server that does not know SIZE may have any file.
+bool Errands::MayHave(std::int64_t size) {
+  if (name_.empty()) return true;
+  const Reply reply = means_.control.SendCommand("SIZE " + name_);
+  return reply.FileStatus() ? *reply.FileStatus() == size : IsUnknownCommand(reply.code);
 }
 
 // Meanwhile no other session tries it, and a trial that is not passed needs no further note.
@@ -168,9 +180,9 @@ Reply Errands::FindEnd(const Reply& end) const {
   for (const Step& step : steps_)
     if (step.reply) all.push_back(&*step.reply);
   for (const Reply* reply : all)
-    if (IsAmong(reply->code, kEnds)) return *reply;
+    if (IsEnd(reply->code)) return *reply;
   const auto other =
-      std::ranges::find_if(all, [](const Reply* r) { return !IsAmong(r->code, kNoEnds); });
+      std::ranges::find_if(all, [](const Reply* r) { return MayBeReply(kTransfer, r->code); });
   return other != all.end() ? **other : end;
 }
 

@@ -63,6 +63,8 @@ class Errands {
   /// Reads the replies of what was sent ahead, after a file was written or not; false where one
   /// does not come.
   [[nodiscard]] bool Hear(bool wrote);
+  /// Whether the server may hold the file with so many bytes, for all that it tells.
+  [[nodiscard]] bool MayHave(std::int64_t size);
   [[nodiscard]] bool Fits(const Step& step) const;
   [[nodiscard]] bool AllFit() const;
   /// Judges the end of a transfer by its reply and those of the steps that were sent with it.

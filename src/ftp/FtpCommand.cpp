@@ -1,7 +1,11 @@
 #include "ftp/FtpCommand.h"
 
+#include <string>
+#include <utility>
+
 #include "ftp/FtpControl.h"
 #include "ftp/FtpFailure.h"
+#include "ftp/ReplyTable.h"
 
 namespace corvane {
 
@@ -11,8 +15,8 @@ FtpCommand::FtpCommand(FtpControl& control, std::string_view command, std::strin
   control.CheckReady(command);
   if (order == Order::InTurn) control.ReadUnread();
   const bool ahead = !control.underWay_.empty();
-  const bool asksPath = command.starts_with("PWD") || command.starts_with("MKD");
-  control.underWay_.push_back({this, false, ahead, asksPath});
+  control.underWay_.push_back(
+      {this, false, ahead, std::string(command.substr(0, command.find(' ')))});
   try {
     control.Write(command, logged, order == Order::Ahead);
   } catch (const FtpFailure&) {
@@ -35,7 +39,11 @@ void FtpCommand::LetGo() {
 Reply FtpCommand::Next() {
   const auto& underWay = control_.underWay_;
   while (!underWay.empty() && underWay.front().command != this) (void)control_.ReadResponse();
-  return control_.ReadResponse();
+  if (underWay.size() != 1 || underWay.front().ahead) return control_.ReadResponse();
+  const FtpControl::UnderWay asked = underWay.front();
+  Reply reply = control_.ReadResponse();
+  if (control_.IsLost() || MayBeReply(asked.verb, reply.code)) return reply;
+  return control_.Realign(*this, asked, std::move(reply));
 }
 
 void FtpCommand::Hurry() {

@@ -8,6 +8,7 @@
 #include "ftp/FtpCommand.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/Reason.h"
+#include "ftp/ReplyTable.h"
 #include "net/NLEndpoint.h"
 #include "net/NLException.h"
 #include "net/TlsStream.h"
@@ -42,7 +43,7 @@ void FtpControl::Connect(std::span<const NLAddress> addresses, std::optional<Tun
   ReadFrom(*endpointHere_);
   tunnel_ = std::move(tunnel);
   heard_ = 0;
-  endpointHere_->setSilenceLimit(silenceLimit);
+  endpointHere_->setSilenceLimit(waits.reply);
   if (!JoinFirst(addresses, port)) throw FtpFailure{Outcome::Cancelled()};
   endpointHere_->setKeepAlive();
   endpointHere_->setNoDelay();
@@ -55,7 +56,7 @@ bool FtpControl::JoinFirst(std::span<const NLAddress> addresses, std::uint16_t p
   using Trouble = Outcome::Trouble;
   const auto goOn = [this] { return !interrupted_.load(); };
   try {
-    if (!endpointHere_->connectFirst(addresses, goOn)) return false;
+    if (!endpointHere_->connectFirst(addresses, waits.connect, goOn)) return false;
   } catch (const NLException& error) {
     if (tunnel_) throw Lost(Text("The proxy cannot be reached: %1", Reason(error)), Trouble::Other);
     const int number = endpointHere_->lastError;
@@ -74,14 +75,13 @@ bool FtpControl::JoinFirst(std::span<const NLAddress> addresses, std::uint16_t p
 bool FtpControl::Join(NLEndpoint& endpoint, std::uint16_t port,
                       const std::function<bool()>& goOn) const {
   const std::array way = {tunnel_ ? server_ : server_.withPort(port)};
-  if (!endpoint.connectFirst(way, goOn)) return false;
+  if (!endpoint.connectFirst(way, waits.connect, goOn)) return false;
   return Pass(endpoint, port, goOn);
 }
 
 bool FtpControl::Pass(NLEndpoint& endpoint, std::uint16_t port,
                       const std::function<bool()>& goOn) const {
-  constexpr long kMostPatience = 30'000;
-  return !tunnel_ || tunnel_->open(endpoint, port, std::min(silenceLimit, kMostPatience), goOn);
+  return !tunnel_ || tunnel_->open(endpoint, port, waits.reply, goOn);
 }
 
 Stream& FtpControl::Wire() {
@@ -91,13 +91,12 @@ Stream& FtpControl::Wire() {
 
 void FtpControl::ReadFrom(Stream& stream) {
   replies_ = std::make_unique<ReplyReader>(stream, interrupted_);
-  replies_->silenceLimit = silenceLimit;
+  replies_->silenceLimit = waits.reply;
 }
 
 // A server that has agreed to encrypt waits for this end to begin: bytes that are there already
 // were put in by somebody who wants them to be taken for encrypted ones.
 void FtpControl::Encrypt(std::shared_ptr<const TlsContext> context, const std::string& host) {
-  constexpr long kMostPatience = 20'000;
   const auto fail = [this](const Text& why) {
     GiveUp(why);
     throw FtpFailure{{Outcome::Kind::Lost, 0, why, {}, Outcome::Trouble::NoEncryption}};
@@ -109,8 +108,8 @@ void FtpControl::Encrypt(std::shared_ptr<const TlsContext> context, const std::s
           Text("Something came before the encryption had begun, as it does when somebody stands "
                "between you and the server."));
     auto tls = std::make_unique<TlsStream>(std::move(context), *endpointHere_);
-    const bool done = tls->handshake(host, nullptr, std::min(silenceLimit, kMostPatience),
-                                     [this] { return !IsInterrupted(); });
+    const bool done =
+        tls->handshake(host, nullptr, waits.handshake, [this] { return !IsInterrupted(); });
     if (!done) throw FtpFailure{Outcome::Cancelled()};
     tls_ = std::move(tls);
     ReadFrom(*tls_);
@@ -129,7 +128,7 @@ Reply FtpControl::SendCommand(std::string_view command) {
 }
 
 Reply FtpControl::SendPassword(std::string_view command) {
-  return FtpCommand(*this, command, "PASS").Next();
+  return FtpCommand(*this, command, command.substr(0, command.find(' '))).Next();
 }
 
 Reply FtpControl::SendChange(std::string_view command) {
@@ -139,8 +138,8 @@ Reply FtpControl::SendChange(std::string_view command) {
 
 Reply FtpControl::SendSlow(std::string_view command, long milliseconds) {
   FtpCommand sent(*this, command);
-  replies_->silenceLimit = silenceLimit + milliseconds;
-  const auto usual = [this] { replies_->silenceLimit = silenceLimit; };
+  replies_->silenceLimit = waits.reply + milliseconds;
+  const auto usual = [this] { replies_->silenceLimit = waits.reply; };
   try {
     Reply reply = sent.Next();
     while (!sent.IsComplete()) reply = sent.Next();
@@ -240,7 +239,8 @@ void FtpControl::FindEnd(std::size_t most) {
   constexpr int kPath = 257;
   const Text why("The server is out of step");
   bool found = false;
-  if (std::ranges::none_of(underWay_, &UnderWay::asksPath)) {
+  const auto asksPath = [](const UnderWay& one) { return MayBeReply(one.verb, kPath); };
+  if (std::ranges::none_of(underWay_, asksPath)) {
     Write("PWD", {}, false);
     bool known = true;
     for (std::size_t i = 0; i <= most && known && !found; ++i) {

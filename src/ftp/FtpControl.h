@@ -7,9 +7,11 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "ftp/ReplyReader.h"
 #include "kit/Mutex.h"
@@ -17,6 +19,7 @@
 #include "net/Tunnel.h"
 #include "remote/Loss.h"
 #include "remote/Outcome.h"
+#include "remote/Waits.h"
 
 namespace corvane {
 
@@ -41,8 +44,8 @@ class FtpControl {
   FtpControl(const FtpControl&) = delete;
   FtpControl& operator=(const FtpControl&) = delete;
 
-  /// How long a silent server is waited for, in milliseconds. Set before Connect.
-  long silenceLimit = 120'000;
+  /// How long a silent server is waited for. Set before Connect.
+  Waits waits;
 
   /// Connects anew to whichever of the addresses is reached first, which are the server's or, with
   /// a tunnel, the proxy's, and then to `port`; what was said on an earlier connection is
@@ -65,19 +68,23 @@ class FtpControl {
 
   /// Logs and sends the command, which has no line end; its first reply.
   Reply SendCommand(std::string_view command);
-  /// Sends the command with only "PASS" in the log; its first reply.
+  /// Sends "PASS", or "ACCT", with nothing else of the command in the log; its first reply.
   Reply SendPassword(std::string_view command);
   /// Sends a command that changes what the server holds; its first reply.
   Reply SendChange(std::string_view command);
   /// Sends a command that has the server work for long, as reading a large file through; its last
   /// reply, which may take so many milliseconds more than others.
   Reply SendSlow(std::string_view command, long milliseconds);
+  /// The server's first words: 220, after 120 where it is not ready yet, or a refusal. Any other
+  /// throws.
+  Reply ReadGreeting();
   /// The next reply, whatever it belongs to.
   Reply ReadResponse();
 
   /// Judges a reply. Done is what is of the kind wanted: 2yz (done) or 3yz (the rest, please). A
   /// refusal is told as `failed` with the server's words beneath or, without `failed`, in the words
   /// that belong to the code.
+  /// One with the code 0 is no reply to its command: what became of that is not known.
   [[nodiscard]] static Outcome CheckResult(const Reply& reply, const Text& failed = {},
                                            int wanted = 2);
 
@@ -120,6 +127,13 @@ class FtpControl {
  private:
   friend class FtpCommand;
 
+  struct UnderWay {
+    FtpCommand* command = nullptr;  // null once it was let go of
+    bool changes = false;           // what the server holds
+    bool ahead = false;             // others were under way when it was sent
+    std::string verb{};
+  };
+
   [[nodiscard]] Stream& Wire();
   void ReadFrom(Stream& stream);
   [[nodiscard]] bool JoinFirst(std::span<const NLAddress> addresses, std::uint16_t port);
@@ -140,6 +154,10 @@ class FtpControl {
   /// The reply that `read` finds; nothing when the wait for it was interrupted.
   std::optional<Reply> TryRead(Reading read = &ReplyReader::Read);
   [[noreturn]] void Lose(Text why);
+  /// What is the reply to the only command under way in place of one that cannot be: the next that
+  /// can. Where NOOP shows that none is to come, `odd` itself with the code 0; the server is then
+  /// known to reply so.
+  Reply Realign(FtpCommand& command, const UnderWay& asked, Reply odd);
   /// Reads all that is still to come of what was sent, at most so many replies; Lost where that
   /// cannot be told.
   void FindEnd(std::size_t most);
@@ -154,16 +172,12 @@ class FtpControl {
   bool unasked_ = false;  // what is read now belongs to no command
   std::uint64_t answers_ = 0;
   std::chrono::steady_clock::time_point spoken_;  // when last a command was sent or answered
-  struct UnderWay {
-    FtpCommand* command = nullptr;  // null once it was let go of
-    bool changes = false;           // what the server holds
-    bool ahead = false;             // others were under way when it was sent
-    bool asksPath = false;          // 257 is the reply to it
-  };
   std::deque<UnderWay> underWay_;  // commands whose last reply has not come, the oldest first
-  std::string gathered_;           // commands that have not gone out yet
-  int heard_ = 0;                  // replies since the last command
-  Mutex reach_;                    // guards what Close reaches for from another thread
+  std::set<std::pair<std::string, int>>
+      oddHabits_;         // verbs, and codes that are all it says to them
+  std::string gathered_;  // commands that have not gone out yet
+  int heard_ = 0;         // replies since the last command
+  Mutex reach_;           // guards what Close reaches for from another thread
   std::unique_ptr<NLEndpoint> endpoint_ GUARDED_BY(reach_);
   NLEndpoint* endpointHere_ = nullptr;  // the endpoint, for the thread that works here
   std::unique_ptr<TlsStream> tls_;      // above it, where the connection is encrypted

@@ -12,18 +12,22 @@ constexpr int kGone = 421;
 constexpr int kNoDataConnection = 425;
 constexpr int kNotLoggedIn = 530;
 
-// Words of the codes that a server turns a connection away with, as far as they do not speak of
-// wrong passwords or of silence.
+// Words of a server that turns a connection away, as far as they do not speak of wrong passwords or
+// of silence. With other codes than those for it they name what there is too much of.
 bool SaysTooMany(const Reply& reply) {
-  if (reply.code != kGone && reply.code != kNoDataConnection && reply.code != kNotLoggedIn)
-    return false;
+  if (reply.code < 400) return false;
   std::string words = reply.text;
   std::ranges::transform(words, words.begin(), [](unsigned char c) { return std::tolower(c); });
   const auto say = [&words](auto... phrases) {
     return ((words.find(phrases) != std::string::npos) || ...);
   };
   if (say("attempt", "fail", "idle", "time limit", "timeout", "timed", "limited")) return false;
-  return say("too many", "maximum", "limit", "already connected");
+  const bool usual =
+      reply.code == kGone || reply.code == kNoDataConnection || reply.code == kNotLoggedIn;
+  if (usual) return say("too many", "maximum", "limit", "already connected");
+  for (const std::string who : {"connections", "users", "clients", "sessions", "logins"})
+    if (say("too many " + who, "maximum " + who, "maximum number of " + who)) return true;
+  return false;
 }
 
 Outcome::Kind KindOf(int code) {
@@ -61,10 +65,17 @@ Outcome FtpControl::CheckResult(const Reply& reply, const Text& failed, int want
   if (reply.code / 100 == wanted) return {Outcome::Kind::Done, reply.code};
   const Text words = Text::Raw(reply.Words());
   std::string server(WithoutLineEnd(reply.text));
+  if (reply.IsNone()) {
+    return {Outcome::Kind::Refused, 0,
+            Text("The server is out of step; its reply does not belong to what it was asked: %1",
+                 server),
+            server};
+  }
   if (SaysTooMany(reply)) {
     return {Outcome::Kind::Busy, reply.code,
-            Text::WithReason(Text("The server takes no more connections at the moment."), words),
-            std::move(server), Outcome::Trouble::TooMany};
+            Text("The server takes no more connections at the moment: %1",
+                 reply.Words().empty() ? Text::Raw(server) : words),
+            server, Outcome::Trouble::TooMany};
   }
   if (reply.code == kGone) {
     return {Outcome::Kind::Lost, kGone,

@@ -44,7 +44,7 @@ FtpExamination::FtpExamination(Site site, std::shared_ptr<ServerTrust> trust, Me
         if (line.starts_with("227 ")) portReply_ = line;
       }),
       data_(control_, habits_, site_.passive) {
-  control_.silenceLimit = Share(10) * 9;
+  control_.waits = Waits::All(Share(10) * 9);
 }
 
 FtpExamination::~FtpExamination() = default;
@@ -272,14 +272,12 @@ DiagnosisStep FtpExamination::Greeting() {
   if (!control_.ComesWithin(means_.limit / 2)) return NoGreeting(Text("Nothing is said there."));
   Reply reply;
   const Outcome heard = control_.Guard([&]() -> Outcome {
-    // "120 Service ready in nnn minutes": the greeting proper is still to come.
-    do reply = control_.ReadResponse();
-    while (reply.IsPreliminary());
+    reply = control_.ReadGreeting();
     return {};
   });
   if (!heard.IsDone()) return NoGreeting(Why(heard));
   const Text words = Text("The server says: %1", Heard(WithoutLineEnd(reply.text)));
-  if (reply.code < 400) return Good(words);
+  if (reply.IsCompletion()) return Good(words);
   const bool tooMany = FtpControl::CheckResult(reply).trouble == Outcome::Trouble::TooMany;
   return Bad(tooMany ? Finding::TooMany : Finding::Unavailable, words);
 }

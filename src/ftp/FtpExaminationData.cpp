@@ -123,7 +123,7 @@ Step FtpExamination::Transfer(bool passive) {
   way = Learned::Unknown;
   portReply_.clear();
   // What the server waits for itself is to be heard within the step's time.
-  const long usual = std::exchange(control_.silenceLimit, Share(2));
+  const Waits usual = std::exchange(control_.waits, Waits::All(Share(2)));
   std::string listing;
   Outcome outcome =
       control_.Guard([&]() -> Outcome { return Fetch(passive, listCommand_, 0, listing); });
@@ -136,7 +136,7 @@ Step FtpExamination::Transfer(bool passive) {
   }
   if (IsUnended(outcome)) outcome = {};
   (void)control_.Guard([this]() -> Outcome { return data_.Close(), Outcome(); });
-  control_.silenceLimit = usual;
+  control_.waits = usual;
   if (control_.IsInterrupted() || !outcome.IsDone()) fresh_ = false;
   if (!outcome.IsDone()) return NoTransfer(passive, outcome);
   std::size_t strange = 0;

@@ -18,6 +18,7 @@ using Sign = DiagnosisStep::Sign;
 using Step = DiagnosisStep;
 
 constexpr int kGone = 421;
+constexpr int kNeedsPassword = 331;
 constexpr int kNeedsAccount = 332;
 
 Step Bad(Finding finding, Text seen) {
@@ -144,8 +145,7 @@ void FtpExamination::NameHost() {
 Step FtpExamination::Login() {
   NameHost();
   Reply reply = control_.SendCommand("USER " + LoginName(site_));
-  if (reply.code >= 400) return Refused(reply);
-  if (!reply.IsCompletion()) reply = control_.SendPassword("PASS " + site_.password);
+  if (reply.code == kNeedsPassword) reply = control_.SendPassword("PASS " + site_.password);
   if (!reply.IsCompletion()) return Refused(reply);
   data_.SetProtected(false);
   if (control_.Encryption() != nullptr) {
@@ -172,7 +172,7 @@ Step FtpExamination::Refused(const Reply& reply) const {
   if (reply.code == kGone) return Bad(Finding::Unavailable, words);
   if (reply.code == kNeedsAccount)
     return Bad(Finding::Unavailable,
-               Text("The server asks for an account, which Corvane does not send: %1",
+               Text("The server asks for an account in addition to the password: %1",
                     Heard(reply.Words())));
   const bool anonymous = site_.user == "anonymous" || site_.user == "ftp";
   return Bad(anonymous ? Finding::NotAnonymous : Finding::WrongLogin, words);

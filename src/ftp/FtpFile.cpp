@@ -1,5 +1,6 @@
 #include "ftp/FtpFile.h"
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -7,6 +8,7 @@
 #include "ftp/DataChannel.h"
 #include "ftp/FtpCommand.h"
 #include "ftp/FtpControl.h"
+#include "ftp/FtpFailure.h"
 #include "ftp/Reason.h"
 #include "net/NLException.h"
 #include "net/Stream.h"
@@ -20,7 +22,9 @@ FtpFile::FtpFile(FtpControl& control, DataChannel& data, std::unique_ptr<FtpComm
       command_(std::move(command)),
       offset_(offset),
       writes_(writes),
-      errands_(std::move(errands)) {}
+      errands_(std::move(errands)) {
+  data_.SetWatch([this](long silence) { return GoesOn(silence); });
+}
 
 FtpFile::~FtpFile() {
   if (ended_) return;
@@ -46,7 +50,24 @@ Outcome FtpFile::Read(std::span<char> buffer, std::size_t& got) {
 }
 
 bool FtpFile::IsQuiet() const {
-  return control_.silenceLimit > 0 && quiet_ >= control_.silenceLimit;
+  return quiet_ >= control_.waits.stall;
+}
+
+// While no data moves, the server may say why none will. Where it says that all is well, what is
+// still on its way comes soon.
+bool FtpFile::GoesOn(long silence) {
+  const long rest = std::min(30'000L, control_.waits.stall);
+  try {
+    while (!stopped_ && !command_->IsComplete() && control_.isDataPending(0)) {
+      Reply reply = command_->Next();
+      if (command_->IsComplete()) early_ = std::move(reply);
+    }
+  } catch (const FtpFailure&) {
+    stopped_ = true;
+  }
+  const bool refused = early_ && !early_->IsCompletion();
+  stopped_ = stopped_ || refused || control_.IsLost() || (command_->IsComplete() && silence > rest);
+  return !stopped_;
 }
 
 bool FtpFile::Wait(long milliseconds) {
@@ -54,7 +75,7 @@ bool FtpFile::Wait(long milliseconds) {
     if (ended_ || IsQuiet()) return true;
     const bool came = data_.Connection().wait(milliseconds);
     quiet_ = came ? 0 : quiet_ + milliseconds;
-    return came;
+    return came || !GoesOn(quiet_);
   } catch (const NLException&) {
     return true;  // the next Read tells
   }
@@ -77,7 +98,8 @@ Outcome FtpFile::BrokenOff(const Text& why) {
   silent_ = silent_ || data_.WentSilent();
   Settled settled;
   Outcome verdict = Verdict({}, settled);
-  return verdict.IsDone() ? Outcome{Outcome::Kind::Busy, 0, why} : verdict;
+  const Text open("The server says that this is all, and keeps the data connection open.");
+  return verdict.IsDone() ? Outcome{Outcome::Kind::Busy, 0, early_ ? open : why} : verdict;
 }
 
 Outcome FtpFile::Finish(const Afterwards& wanted, Settled& settled) {
@@ -105,6 +127,7 @@ Outcome FtpFile::Verdict(const Afterwards& wanted, Settled& settled) {
       return Outcome::Cancelled();
     }
     if (broken_) return HearWhy(*command);
+    if (early_ && !early_->IsCompletion()) return FtpControl::CheckResult(*early_);
     const auto written = writes_ ? std::optional(offset_ + moved_) : std::nullopt;
     Outcome outcome = errands_.End(*command, written, wanted, settled);
     return outcome.IsDone() && !writes_ && data_.WasCut() ? JudgeCut() : outcome;
@@ -114,7 +137,7 @@ Outcome FtpFile::Verdict(const Afterwards& wanted, Settled& settled) {
 // A server that has been silent for long on the data connection is not waited for so long again.
 Outcome FtpFile::HearWhy(FtpCommand& command) {
   constexpr std::chrono::seconds kMoment(2);
-  Outcome outcome;
+  Outcome outcome = early_ ? FtpControl::CheckResult(*early_) : Outcome();
   while (!command.IsComplete()) {
     if (silent_ && !control_.ComesWithin(kMoment)) {
       const Text why("The server does not answer");

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "ftp/Errands.h"
+#include "ftp/ReplyReader.h"
 #include "remote/RemoteSession.h"
 
 namespace corvane {
@@ -31,6 +33,8 @@ class FtpFile final : public RemoteFile {
  private:
   /// Whether Wait has seen nothing come for as long as a silent server is waited for.
   [[nodiscard]] bool IsQuiet() const;
+  /// Whether more data may move, of which there has been none for so many milliseconds.
+  [[nodiscard]] bool GoesOn(long silence);
   Outcome BrokenOff(const Text& why);
   Outcome Verdict(const Afterwards& wanted, Settled& settled);
   Outcome HearWhy(FtpCommand& command);
@@ -43,7 +47,9 @@ class FtpFile final : public RemoteFile {
   const bool writes_;  // the file is the server's to store, even where it is empty
   Errands errands_;
   std::int64_t moved_ = 0;
-  long quiet_ = 0;  // milliseconds that Wait has seen nothing come
+  long quiet_ = 0;              // milliseconds that Wait has seen nothing come
+  std::optional<Reply> early_;  // what ended the command before the data did
+  bool stopped_ = false;        // no more data is waited for
   bool ended_ = false;
   bool broken_ = false;  // the data did not come to its end
   bool silent_ = false;  // nothing has moved for as long as a silent server is waited for

@@ -76,12 +76,14 @@ void TakeType(std::string_view type, RemoteEntry& entry) {
   if (colon != std::string_view::npos) entry.linkTarget = type.substr(colon + 1);
 }
 
-// "0644" or "644" as a listing in the long format writes it; nothing where it is no number.
+// "0644", "644" or "0o644" as a listing in the long format writes it; nothing where it is no
+// number.
 std::string ModeOf(std::string_view octal, char letter) {
   constexpr std::string_view kLetters = "rwxrwxrwx";
+  if (octal.starts_with("0o")) octal.remove_prefix(2);
   unsigned bits = 0;
-  if (std::from_chars(octal.data(), octal.data() + octal.size(), bits, 8).ec != std::errc())
-    return {};
+  const auto [end, error] = std::from_chars(octal.data(), octal.data() + octal.size(), bits, 8);
+  if (error != std::errc() || end != octal.data() + octal.size()) return {};
   std::string mode(1 + kLetters.size(), letter);
   for (std::size_t i = 0; i < kLetters.size(); ++i)
     mode[1 + i] = (bits >> (kLetters.size() - 1 - i) & 1U) != 0 ? kLetters[i] : '-';

@@ -87,12 +87,9 @@ Outcome MFtp::ChangeDir(std::string_view argument) {
 }
 
 Outcome MFtp::ChangeDirAndAsk(const std::string& line, const Text& failed) {
-  constexpr int kPath = 257;
-  std::vector<Question> questions = {
-      {line, [](int code) { return (code / 100 == 2 && code != kPath) || code >= 400; }},
-      {"PWD", [](int code) { return code == kPath || IsPlainRefusal(code); }}};
+  std::vector<std::string> questions = {line, "PWD"};
   if (const std::string_view port = data_.PortCommandAhead(); !port.empty())
-    questions.push_back({std::string(port), [](int code) { return code == 227 || code == 229; }});
+    questions.emplace_back(port);
   std::vector<Reply> replies;
   if (TryTogether(control_, *habits_, questions, false, replies)) {
     path_ = replies[1];

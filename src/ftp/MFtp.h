@@ -41,8 +41,8 @@ class MFtp final : public RemoteSession {
   MFtp(const MFtp&) = delete;
   MFtp& operator=(const MFtp&) = delete;
 
-  /// How long a silent server is waited for, in milliseconds. Before Connect.
-  void SetSilenceLimit(long milliseconds) { control_.silenceLimit = milliseconds; }
+  /// How long a silent server is waited for. Before Connect.
+  void SetWaits(const Waits& waits) { control_.waits = waits; }
   /// How large a listing may be.
   void SetListingLimits(std::size_t bytes, std::size_t entries) {
     maxListing_ = bytes;
@@ -103,6 +103,8 @@ class MFtp final : public RemoteSession {
   /// The way through that proxy; nothing for one that speaks FTP itself.
   [[nodiscard]] std::optional<Tunnel> Through() const;
   Outcome Identify();
+  Outcome LoggedIn();
+  Outcome GiveAccount(const Reply& asked, const Text& failed);
   Outcome RefusedLogin(const Reply& reply, const Text& text);
   /// What is asked and set once after the login.
   Outcome Settle();

@@ -84,7 +84,8 @@ Outcome MFtp::MayAppend(const std::string& name, std::int64_t offset) {
   if (Outcome asked = FtpControl::CheckResult(reply); asked.kind == Outcome::Kind::Lost)
     return asked;
   return {Outcome::Kind::Refused, reply.code,
-          Text("The server cannot go on with a file that was sent in part.")};
+          Text::WithReason(Text("The server cannot go on with a file that was sent in part."),
+                           Text::Raw(reply.code >= 400 ? reply.Words() : std::string_view()))};
 }
 
 Outcome MFtp::OpenForReading(const std::string& path, std::int64_t offset,

@@ -6,6 +6,7 @@
 #include "ftp/FtpCommand.h"
 #include "ftp/FtpFailure.h"
 #include "ftp/MFtp.h"
+#include "ftp/ReplyTable.h"
 #include "remote/Permissions.h"
 #include "remote/RemotePath.h"
 
@@ -128,10 +129,10 @@ Outcome MFtp::ChangeTogether(const ManyChanges& changes, std::size_t first, std:
   try {
     const bool fits = HearChanges(commands, trial, replies);
     if (trial && fits && !control_.IsLost()) habits_->takesAhead = Learned::Yes;
-    if (!fits) {
+    if (!fits && count > 1) {
       habits_->takesAhead = Learned::No;
       control_.UpdateLog("The server does not take commands ahead.\n");
-      replies.resize(1);
+      replies.resize(MayBeReply(commands.front(), replies.front().code) ? 1 : 0);
     }
   } catch (const FtpFailure& failure) {
     if (trial && failure.outcome.kind == Outcome::Kind::Cancelled)
@@ -152,7 +153,7 @@ Outcome MFtp::ChangeTogether(const ManyChanges& changes, std::size_t first, std:
 bool MFtp::HearChanges(std::span<const std::string> commands, bool trial,
                        std::vector<Reply>& replies) {
   const std::chrono::milliseconds patience(
-      std::min(trial ? 5'000L : 30'000L, control_.silenceLimit));
+      std::min(trial ? 5'000L : 30'000L, control_.waits.reply));
   std::vector<std::unique_ptr<FtpCommand>> sent;
   for (const std::string& line : commands) {
     const auto order = sent.empty() ? FtpCommand::Order::InTurn : FtpCommand::Order::Ahead;
@@ -167,7 +168,7 @@ bool MFtp::HearChanges(std::span<const std::string> commands, bool trial,
     }
     Reply reply = command->Next();
     while (!command->IsComplete()) reply = command->Next();
-    fits = fits &&
+    fits = fits && MayBeReply(commands[replies.size()], reply.code) &&
            (replies.empty() || !IsUnknownCommand(reply.code) || reply.code == replies.front().code);
     replies.push_back(std::move(reply));
   }

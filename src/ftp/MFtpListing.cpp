@@ -17,6 +17,7 @@ constexpr std::size_t kFirstBlock = std::size_t{64} * 1024;
 constexpr std::size_t kMostBlock = std::size_t{1024} * 1024;
 constexpr long kPatience = 700;  // milliseconds in which what belongs together arrives
 constexpr std::size_t kBatch = 512;
+constexpr int kNoFiles = 450;
 constexpr char kSentinel = static_cast<char>(0xEC);
 
 Outcome NotComplete(Outcome outcome) {
@@ -169,9 +170,9 @@ Outcome MFtp::FetchLines(Listing& listing) {
   Listing bare;
   Outcome other = Fetch(std::string(kBare), kBare, bare);
   const bool more = other.IsDone() && (refused || HoldsEntries(bare.text));
-  if (!more && !refused && other.kind != Outcome::Kind::Lost &&
-      other.kind != Outcome::Kind::Cancelled)
-    return outcome;
+  // Some say in this way that there are no files.
+  const bool none = other.IsDone() || other.code / 100 == 5 || other.code == kNoFiles;
+  if (!more && !refused && none) return outcome;
   if (more) listCommand_ = kBare;
   listing = std::move(bare);
   return other;

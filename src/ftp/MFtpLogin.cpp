@@ -1,3 +1,4 @@
+#include <cctype>
 #include <utility>
 
 #include "ftp/AskTogether.h"
@@ -18,17 +19,27 @@ using State = ConnectStep::State;
 constexpr int kGone = 421;
 constexpr int kSystemType = 215;
 constexpr int kPath = 257;
+constexpr int kNeedsPassword = 331;
+constexpr int kNeedsAccount = 332;
 
-bool FitsType(int code) {
-  return code == kSystemType || IsPlainRefusal(code);
-}
+constexpr std::string_view kAskType = "SYST";
+constexpr std::string_view kAskPath = "PWD";
 
-bool FitsPath(int code) {
-  return code == kPath || IsPlainRefusal(code);
-}
-
-bool FitsOther(int code) {
-  return (code / 100 == 2 && code != kSystemType && code != kPath) || IsPlainRefusal(code);
+// A path that its closing quote ends, a quote inside it being written twice (RFC 959, appendix II).
+// A server that does not write it twice leaves open where the path ends.
+std::optional<std::string> Quoted(std::string_view text) {
+  std::string path;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool quote = text[i] == '"';
+    const char next = i + 1 < text.size() ? text[i + 1] : ' ';
+    if (quote && next != '"') {
+      const bool goesOn = std::isalnum(static_cast<unsigned char>(next)) != 0 || next == '/';
+      return goesOn ? std::nullopt : std::optional(path);
+    }
+    if (quote) ++i;
+    path += text[i];
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -62,21 +73,19 @@ Outcome MFtp::Connect() {
 Outcome MFtp::Settle() {
   return control_.Guard([this]() -> Outcome {
     AskFeatures(true);
-    std::vector<Question> questions;
-    for (std::string& option : FeatureOptions())
-      questions.push_back({std::move(option), FitsOther});
+    std::vector<std::string> questions = FeatureOptions();
     auto type = habits_->Told(AskedAs("SYST"));
-    if (!type) questions.push_back({"SYST", FitsType});
-    questions.push_back({"PWD", FitsPath});
+    if (!type) questions.emplace_back(kAskType);
+    questions.emplace_back(kAskPath);
     // A server that refuses is asked again before each transfer.
-    questions.push_back({"TYPE I", FitsOther});
+    questions.emplace_back("TYPE I");
     const std::vector<Reply> replies = AskTogether(control_, *habits_, questions, sharesHabits_);
     for (std::size_t i = 0; i < replies.size(); ++i) {
-      if (questions[i].fits == FitsType) {
+      if (questions[i] == kAskType) {
         type = replies[i].code == kSystemType ? replies[i].lastText : "";
         habits_->NoteTold(AskedAs("SYST"), *type);
       }
-      if (questions[i].fits == FitsPath) start_ = PathIn(replies[i]).value_or("");
+      if (questions[i] == kAskPath) start_ = PathIn(replies[i]).value_or("");
     }
     TakeServerType(*type);
     cwd_ = start_;
@@ -184,11 +193,9 @@ Outcome MFtp::Reach(const std::vector<NLAddress>& addresses) {
     if (Outcome outcome = Encrypt(); !outcome.IsDone()) return outcome;
   }
   if (!Tell(Text("Waiting for the server's greeting."))) return Outcome::Cancelled();
-  Reply reply = control_.ReadResponse();
-  // "120 Service ready in nnn minutes": the greeting proper is still to come.
-  while (reply.IsPreliminary()) reply = control_.ReadResponse();
+  const Reply reply = control_.ReadGreeting();
   Step(Kind::Port, State::Done, Text("Port %1 answers.", port));
-  if (reply.code < 400) return {};
+  if (reply.IsCompletion()) return {};
   Outcome outcome = FtpControl::CheckResult(reply);
   if (outcome.trouble == Outcome::Trouble::TooMany) return outcome;
   const bool later = reply.code == kGone;
@@ -199,7 +206,8 @@ Outcome MFtp::Reach(const std::vector<NLAddress>& addresses) {
 
 // From the user's name to the password's reply.
 Outcome MFtp::Identify() {
-  constexpr int kNeedsAccount = 332;
+  constexpr int kLoggedIn = 230;
+  constexpr int kKnown = 232;  // by its certificate (RFC 2228)
   constexpr int kNotLoggedIn = 530;
   constexpr int kUnavailable = 550;
   Step(Kind::Login, State::Running, Text("Logging in as %1 …", site_.user));
@@ -208,7 +216,9 @@ Outcome MFtp::Identify() {
   const Text failed("Login to: %1 failed.", site_.host);
   if (reply.code == kNotLoggedIn)
     return RefusedLogin(reply, Text("Login to: %1 failed.\n\nUsername is invalid", site_.host));
-  if (reply.code >= 400) return RefusedLogin(reply, failed);
+  if (reply.code == kNeedsAccount) return GiveAccount(reply, failed);
+  if (reply.code == kLoggedIn || reply.code == kKnown) return LoggedIn();
+  if (reply.code != kNeedsPassword && !reply.IsCompletion()) return RefusedLogin(reply, failed);
 
   if (!Tell(Text("Sending Password."))) return Outcome::Cancelled();
   reply = control_.SendPassword("PASS " + site_.password);
@@ -217,10 +227,23 @@ Outcome MFtp::Identify() {
                         Text("Login to: %1 failed.\nInvalid Username or Password.", site_.host));
   if (reply.code == kUnavailable)
     return RefusedLogin(reply, Text("Login to: %1 as anonymous failed.", site_.host));
-  if (reply.code == kNeedsAccount)
-    return RefusedLogin(reply,
-                        Text("The server asks for an account, which Corvane does not send."));
-  if (!reply.IsCompletion()) return RefusedLogin(reply, failed);
+  if (reply.code == kNeedsAccount) return GiveAccount(reply, failed);
+  return reply.IsCompletion() ? LoggedIn() : RefusedLogin(reply, failed);
+}
+
+// RFC 959, 4.1.1: some servers want to know who is to be charged.
+Outcome MFtp::GiveAccount(const Reply& asked, const Text& failed) {
+  std::string account = habits_->Account();
+  if (account.empty() && Ask(UserQuestion::Kind::Account, {}, &account) == UserQuestion::Answer::No)
+    return RefusedLogin(asked, failed);
+  if (account.empty()) return RefusedLogin(asked, failed);
+  habits_->SetAccount(account);
+  const Reply reply = control_.SendPassword("ACCT " + account);
+  if (!reply.IsCompletion()) habits_->SetAccount("");
+  return reply.IsCompletion() ? LoggedIn() : RefusedLogin(reply, failed);
+}
+
+Outcome MFtp::LoggedIn() {
   owner_->PlaySound(Sound::LoginSucceeded);
   Step(Kind::Login, State::Done, Text("Logged in as %1.", site_.user));
   return {};
@@ -228,10 +251,12 @@ Outcome MFtp::Identify() {
 
 Outcome MFtp::RefusedLogin(const Reply& reply, const Text& text) {
   owner_->PlaySound(Sound::LoginFailed);
-  Outcome outcome = FtpControl::CheckResult(reply, text);
+  const Text account("The server asks for an account in addition to the password.");
+  Outcome outcome = FtpControl::CheckResult(reply, reply.code == kNeedsAccount ? account : text);
   const bool later = reply.code == kGone || outcome.trouble == Outcome::Trouble::TooMany;
   outcome.kind = later ? Outcome::Kind::Busy : Outcome::Kind::Refused;
-  if (!later) outcome.trouble = Outcome::Trouble::RefusedLogin;
+  // User and password have no part in what is no refusal.
+  if (!later && reply.code >= 400) outcome.trouble = Outcome::Trouble::RefusedLogin;
   return outcome;
 }
 
@@ -255,25 +280,21 @@ std::optional<std::string> MFtp::AskPath() {
   return PathIn(control_.SendCommand("PWD"));
 }
 
+// A server without quotes is believed where what stands behind the code can be nothing but a path.
 std::optional<std::string> MFtp::PathIn(const Reply& reply) {
   constexpr std::size_t kMaxPath = 4096;
-  if (!reply.IsCompletion()) return std::nullopt;
-  std::string text = reply.lastText;
-  const std::size_t open = text.find('"');
-  if (open == std::string::npos) {
-    // A server without quotes: what stands behind the code is all there is.
-    while (text.ends_with('\n') || text.ends_with(' ')) text.pop_back();
-  } else {
-    const std::size_t close = text.rfind('"');
-    text = text.substr(open + 1, close > open ? close - open - 1 : text.find('\n') - open - 1);
-    // A quote inside the path is written twice.
-    for (std::size_t at = text.find("\"\""); at != std::string::npos;
-         at = text.find("\"\"", at + 1))
-      text.erase(at, 1);
+  if (reply.code != kPath) return std::nullopt;
+  const std::string_view words = reply.Words();
+  const std::size_t open = words.find('"');
+  std::optional<std::string> path;
+  if (open != std::string_view::npos) {
+    path = Quoted(words.substr(open + 1));
+  } else if (words.starts_with('/') && words.find(' ') == std::string_view::npos) {
+    path = words;
   }
   // No system has longer ones; the way back up from such a path would be endless.
-  if (text.size() > kMaxPath) return std::nullopt;
-  return WithoutTrailingSlash(std::move(text));
+  if (!path || path->empty() || path->size() > kMaxPath) return std::nullopt;
+  return WithoutTrailingSlash(*std::move(path));
 }
 
 }  // namespace corvane

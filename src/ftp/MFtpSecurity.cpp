@@ -144,9 +144,7 @@ Outcome MFtp::Judge(const Certificate& certificate) {
 Outcome MFtp::ProtectData() {
   data_.SetProtected(false);
   if (control_.Encryption() == nullptr) return {};
-  const auto fits = [](int code) { return code / 100 == 2 || IsPlainRefusal(code); };
-  const std::vector<Reply> replies =
-      AskTogether(control_, *habits_, {{"PBSZ 0", fits}, {"PROT P", fits}}, false);
+  const std::vector<Reply> replies = AskTogether(control_, *habits_, {"PBSZ 0", "PROT P"}, false);
   Outcome outcome = FtpControl::CheckResult(
       replies.back(), Text("The server does not encrypt listings and transfers."));
   data_.SetProtected(outcome.IsDone());

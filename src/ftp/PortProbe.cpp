@@ -48,7 +48,7 @@ bool PortProbe::Connect(NLEndpoint& endpoint, std::uint16_t port, long patience)
   if (!tunnel_) {
     for (NLAddress& way : ways) way = way.withPort(port);
   }
-  if (!endpoint.connectFirst(ways, goOn_)) return false;
+  if (!endpoint.connectFirst(ways, patience, goOn_)) return false;
   return !tunnel_ || tunnel_->open(endpoint, port, patience, goOn_);
 }
 

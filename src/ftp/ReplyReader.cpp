@@ -14,6 +14,7 @@ namespace {
 
 constexpr char kLineEnd = '\n';
 constexpr char kOtherLineEnd = static_cast<char>(0xEC);
+constexpr std::string_view kSpecial = "\r\n\xEC";
 constexpr long kPatience = 700;  // milliseconds in which what belongs together arrives
 
 bool HasCode(std::string_view line) {
@@ -97,6 +98,12 @@ bool ReplyReader::TakeLine(const std::string& line) {
 std::optional<std::string> ReplyReader::ReadLine() {
   for (;;) {
     while (next_ < ahead_.size()) {
+      const std::string_view rest = std::string_view(ahead_).substr(next_);
+      const std::string_view plain = rest.substr(0, rest.find_first_of(kSpecial));
+      line_ += plain;
+      next_ += plain.size();
+      if (line_.size() > kMaxLine) Fail(Text("A line of the server's reply is too long"));
+      if (next_ == ahead_.size()) break;
       const char c = ahead_[next_];
       // The byte ends a line where nothing follows it; elsewhere it is part of a character.
       if (c == kOtherLineEnd && next_ + 1 == ahead_.size() && Fill(kPatience) != Came::Bytes) {
@@ -107,7 +114,6 @@ std::optional<std::string> ReplyReader::ReadLine() {
       if (c == '\r') continue;
       line_.push_back(c);
       if (c == kLineEnd) return std::exchange(line_, {});
-      if (line_.size() > kMaxLine) Fail(Text("A line of the server's reply is too long"));
     }
     if (!AwaitMore()) return std::nullopt;
   }

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "remote/Waits.h"
+
 namespace corvane {
 
 class Stream;
@@ -22,6 +24,8 @@ struct Reply {
   std::string text{};      ///< all its lines, carriage returns removed, line feeds kept
   std::string lastText{};  ///< its last line from the fifth character on, line feed included
 
+  /// Whether it is none to its command, of which nothing is known then.
+  [[nodiscard]] bool IsNone() const { return code == 0; }
   /// Whether another reply follows to the command.
   [[nodiscard]] bool IsPreliminary() const { return code >= 100 && code < 200; }
   [[nodiscard]] bool IsCompletion() const { return code >= 200 && code < 300; }
@@ -45,7 +49,7 @@ class ReplyReader {
       : stream_(stream), interrupted_(interrupted) {}
 
   /// How long a silent server is waited for, in milliseconds.
-  long silenceLimit = 120'000;
+  long silenceLimit = Waits().reply;
 
   /// Waits for one reply; `onLine` sees each line with its end as it comes. Nothing when the wait
   /// was interrupted: what has come of the reply is kept, and the next call goes on with it.

@@ -1,5 +1,6 @@
 #include "net/HostName.h"
 
+#include <arpa/inet.h>
 #include <idn2.h>
 
 #include <algorithm>
@@ -17,6 +18,12 @@ std::string asciiHost(const std::string& host) {
   std::string found = reinterpret_cast<const char*>(ascii);
   ::idn2_free(ascii);
   return found;
+}
+
+bool isAddress(const std::string& host) {
+  in6_addr address{};
+  return ::inet_pton(AF_INET, host.c_str(), &address) == 1 ||
+         ::inet_pton(AF_INET6, host.c_str(), &address) == 1;
 }
 
 }  // namespace corvane

@@ -148,6 +148,13 @@ void NLEndpoint::setSilenceLimit(long milliseconds) {
   if (*socket) applySilenceLimit(socket->get());
 }
 
+// An endpoint that was aborted meanwhile says so in the next call that reads or writes.
+void NLEndpoint::setWatch(Watch watch) {
+  watch_ = std::move(watch);
+  const MutexLock lock(lock_);
+  if (socket_) applySilenceLimit(socket_->get());
+}
+
 void NLEndpoint::setKeepAlive() {
   constexpr char kFunction[] = "NLEndpoint::setKeepAlive";
   const Socket socket = use(kFunction);
@@ -186,9 +193,10 @@ long NLEndpoint::sinceHeard() const {
 }
 
 void NLEndpoint::applySilenceLimit(int descriptor) const {
+  const long wait = watch_ ? kWatchEvery : silenceLimit_;
   timeval limit{};
-  limit.tv_sec = silenceLimit_ / 1000;
-  limit.tv_usec = silenceLimit_ % 1000 * 1000;
+  limit.tv_sec = wait / 1000;
+  limit.tv_usec = wait % 1000 * 1000;
   ::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
   ::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }

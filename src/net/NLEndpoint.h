@@ -61,9 +61,9 @@ class NLEndpoint : public Stream {
   virtual void connect(const NLAddress& address);
   virtual void connect(const char* host, int port);
   /// Connects to whichever of a host's addresses is reached first; they are tried as RFC 8305 has
-  /// it, each for 20 seconds or the silence limit, whichever is less. Asks `goOn` a few times a
-  /// second; false, and nothing connected, when that said no. What `goOn` throws goes through.
-  [[nodiscard]] bool connectFirst(std::span<const NLAddress> addresses,
+  /// it, each for at most so many milliseconds. Asks `goOn` a few times a second; false, and
+  /// nothing connected, when that said no. What `goOn` throws goes through.
+  [[nodiscard]] bool connectFirst(std::span<const NLAddress> addresses, long milliseconds,
                                   const std::function<bool()>& goOn);
 
   virtual void listen(int backlog);
@@ -92,8 +92,13 @@ class NLEndpoint : public Stream {
   void setOption(e_options option, e_optlevel level, const void* value, unsigned int size);
   void setNonBlock(bool on);
   void setReuseAddr(bool on);
-  /// A blocked receive or send fails after so many milliseconds; 0 switches the limit off.
+  /// A blocked receive or send fails once nothing has moved for so many milliseconds; 0 switches
+  /// the limit off.
   void setSilenceLimit(long milliseconds);
+  /// Asked a few times a second while a receive or send is blocked, with the milliseconds for which
+  /// nothing has moved; when it returns false, the call fails. Must not throw.
+  using Watch = std::function<bool(long silence)>;
+  void setWatch(Watch watch);
   /// The system asks a silent peer after a minute whether it is still there, so that routers keep
   /// the connection and one that is gone is noticed.
   void setKeepAlive();
@@ -149,6 +154,9 @@ class NLEndpoint : public Stream {
   void noteConnected(const Socket& socket);
   [[nodiscard]] NLAddress socketName(const Socket& socket, const char* function);
   void applySilenceLimit(int descriptor) const;
+  /// Calls until something has moved, the silence limit has passed or the watch says no.
+  template <typename Call>
+  long patiently(Call call);
   [[nodiscard]] std::unique_ptr<char[]> packetBuffer(std::size_t length, const char* function);
   [[nodiscard]] int transferError(const Socket& socket, int error) const;
   long endSend(const Socket& socket, long result, const void* data, const char* function,
@@ -160,7 +168,9 @@ class NLEndpoint : public Stream {
   NLAddress remoteAddress_;
   e_type protocol_;
   int family_ = AF_INET;
+  static constexpr long kWatchEvery = 100;  // milliseconds
   long silenceLimit_ = 0;
+  Watch watch_;
 
   // Each call shares the socket while it runs. Closing shuts a shared one down at once, which wakes
   // the blocked call, and the last to let go of it closes the descriptor; so its number cannot be

@@ -103,7 +103,9 @@ NLAddress NLEndpoint::socketName(const Socket& socket, const char* function) {
 void NLEndpoint::connect(const char* host, int port) {
   const std::vector<NLAddress> addresses = resolve(host, static_cast<std::uint16_t>(port));
   if (addresses.size() == 1) return connect(addresses.front());
-  (void)connectFirst(addresses, {});
+  constexpr long kMostPatience = 20'000;
+  const long limit = silenceLimit_ > 0 ? std::min(silenceLimit_, kMostPatience) : kMostPatience;
+  (void)connectFirst(addresses, limit, {});
 }
 
 void NLEndpoint::connect(const NLAddress& address) {
@@ -133,12 +135,10 @@ void NLEndpoint::noteConnected(const Socket& socket) {
 }
 
 // The race has sockets of its own; closing the endpoint meanwhile closes `before`, which ends it.
-bool NLEndpoint::connectFirst(std::span<const NLAddress> addresses,
+bool NLEndpoint::connectFirst(std::span<const NLAddress> addresses, long limit,
                               const std::function<bool()>& goOn) {
   using std::chrono::milliseconds;
   constexpr milliseconds kSlice(50);
-  constexpr long kMostPatience = 20'000;
-  const long limit = silenceLimit_ > 0 ? std::min(silenceLimit_, kMostPatience) : kMostPatience;
   if ((state() & s_open) == 0) p_resetSocket();
   const Socket before = use(kConnect);
   ConnectRace race(addresses, protocol_, milliseconds(limit));

@@ -30,11 +30,24 @@ void Dump(const void* data, long result, const char* title) {
 
 }  // namespace
 
+template <typename Call>
+long NLEndpoint::patiently(Call call) {
+  for (long silence = 0;;) {
+    const long result = Retrying(call);
+    if (result >= 0 || errno != EAGAIN || !watch_) return result;
+    silence += kWatchEvery;
+    const bool over = silenceLimit_ > 0 && silence >= silenceLimit_;
+    if (!over && watch_(silence)) continue;
+    errno = over ? EAGAIN : ECANCELED;
+    return result;
+  }
+}
+
 long NLEndpoint::send(const void* data, std::size_t length, int flags) {
   constexpr char kFunction[] = "NLEndpoint::send()";
   const Socket socket = use(kFunction);
   const long result =
-      Retrying([&] { return ::send(socket->get(), data, length, flags | MSG_NOSIGNAL); });
+      patiently([&] { return ::send(socket->get(), data, length, flags | MSG_NOSIGNAL); });
   return endSend(socket, result, data, kFunction, "::send()");
 }
 
@@ -78,7 +91,7 @@ long NLEndpoint::recv(void* buffer, std::size_t length, int flags) {
   constexpr char kFunction[] = "NLEndpoint::recv()";
   if (receiveTimeout >= 0 && !isDataPending(receiveTimeout)) return 0;
   const Socket socket = use(kFunction);
-  const long result = Retrying([&] { return ::recv(socket->get(), buffer, length, flags); });
+  const long result = patiently([&] { return ::recv(socket->get(), buffer, length, flags); });
   return endReceive(socket, result, length, buffer, kFunction, "::recv()");
 }
 

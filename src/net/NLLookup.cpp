@@ -1,11 +1,14 @@
 #include "net/NLLookup.h"
 
+#include <arpa/inet.h>
+
 #include <optional>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "kit/Mutex.h"
+#include "net/HostName.h"
 #include "net/NLException.h"
 
 namespace corvane {
@@ -35,6 +38,10 @@ NLLookup::NLLookup(const std::string& host, std::uint16_t port)
     state->done = true;
     state->changed.NotifyAll();
   };
+  if (isAddress(host)) {  // there is nobody to wait for
+    lookUp();
+    return;
+  }
   // Not counted by Background: the end of the process does not wait for a resolver that hangs.
   try {
     std::thread(lookUp).detach();

@@ -17,12 +17,6 @@ namespace {
 
 constexpr std::size_t kMostOut = std::size_t{256} * 1024;
 
-bool isAddress(const std::string& host) {
-  std::array<unsigned char, sizeof(in6_addr)> address{};
-  return ::inet_pton(AF_INET, host.c_str(), address.data()) == 1 ||
-         ::inet_pton(AF_INET6, host.c_str(), address.data()) == 1;
-}
-
 // As a certificate names it: the scope of an address is this machine's affair, and a last dot only
 // says that the name is whole.
 std::string bareHost(const std::string& host) {

@@ -31,6 +31,16 @@ struct Habits {
   /// So many connections at once it takes; 0 while none was turned away.
   std::atomic<int> mostConnections{0};
 
+  /// The account that the user has given for it; empty where none was asked for, or it was refused.
+  [[nodiscard]] std::string Account() EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    return account_;
+  }
+  void SetAccount(std::string account) EXCLUDES(lock_) {
+    const MutexLock hold(lock_);
+    account_ = std::move(account);
+  }
+
   /// What the server has told of itself, by what it was asked; nothing where that is long ago.
   [[nodiscard]] std::optional<std::string> Told(const std::string& asked) EXCLUDES(lock_) {
     const MutexLock hold(lock_);
@@ -54,6 +64,7 @@ struct Habits {
   Mutex lock_;
   std::set<std::string> targets_ GUARDED_BY(lock_);  // paths that are being written
   std::map<std::string, Words> told_ GUARDED_BY(lock_);
+  std::string account_ GUARDED_BY(lock_);
 };
 
 /// The right to write a file on a server, which one transfer has at a time. False where another has

@@ -17,6 +17,10 @@ std::string WithoutTrailingSlash(std::string path) {
   return path;
 }
 
+bool IsAtOrAbove(const std::string& path, const std::string& directory) {
+  return directory == path || directory.starts_with(PathBelow(path, ""));
+}
+
 std::pair<std::string, std::string> SplitPath(const std::string& path) {
   const std::string whole = WithoutTrailingSlash(path);
   const std::size_t slash = whole.rfind('/');

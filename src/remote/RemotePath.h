@@ -15,6 +15,9 @@ namespace corvane {
 /// The path without slashes at its end; "/" stays.
 [[nodiscard]] std::string WithoutTrailingSlash(std::string path);
 
+/// Whether `directory` is `path`, or inside it at any depth.
+[[nodiscard]] bool IsAtOrAbove(const std::string& path, const std::string& directory);
+
 /// The directory of a path, and its last component. The directory of "name" is "".
 [[nodiscard]] std::pair<std::string, std::string> SplitPath(const std::string& path);
 

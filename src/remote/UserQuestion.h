@@ -21,6 +21,7 @@ class UserQuestion {
     NoMoreEncryption,    ///< the server was encrypted once and no longer offers it
     PlainPassword,       ///< the password would go unencrypted
     Passphrase,          ///< of the client certificate's key; the answer has a text
+    Account,             ///< which the server wants besides the password; the answer has a text
   };
   struct Subject {
     Kind kind = Kind::UnknownCertificate;

@@ -25,8 +25,9 @@ class WindowWalk : public AppFixture {
     for (QWidget* window : windows) WalkPages(*window);
     Alerts::AnswerWith({});
     using Kind = UserQuestion::Kind;
-    for (const Kind kind : {Kind::UnknownCertificate, Kind::ChangedCertificate,
-                            Kind::NoMoreEncryption, Kind::PlainPassword, Kind::Passphrase}) {
+    for (const Kind kind :
+         {Kind::UnknownCertificate, Kind::ChangedCertificate, Kind::NoMoreEncryption,
+          Kind::PlainPassword, Kind::Passphrase, Kind::Account}) {
       WalkQuestion(kind);
     }
     window_->MessageReceived(Message("DELE"_what));

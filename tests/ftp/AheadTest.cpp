@@ -13,7 +13,7 @@ using Learned = Habits::Learned;
 struct Sharer {
   explicit Sharer(Session& session, bool passive = true)
       : s(session), engine(session.server.Where(passive), session.ui, {}, habits) {
-    engine.SetSilenceLimit(1'000);
+    engine.SetWaits(Waits::All(1'000));
   }
   /// Nothing more is known afterwards than before.
   void LogIn() {

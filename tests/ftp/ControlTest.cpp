@@ -36,8 +36,7 @@ TEST(Control, ReadsRepliesWholeAndStaysInStep) {
       {{.reply = "Hey there\r\n\r\n504 Well\r\n"}, "Well"},
       {{.reply = "504 Well\r\nHey there\r\n"}, "Well"},
       {{.reply = "504 Well\r\n504 Well\r\n220-Unasked\r\n220 too\r\n"}, "Well"},
-      {{.reply = "120 Wait\r\n504 Well\r\n"}, "Wait"},
-      {{.reply = "350 Go on\r\n"}, "Go on"},
+      {{.reply = "120 Wait\r\n504 Well\r\n"}, "Well"},
   };
   for (const bool byByte : {false, true}) {
     for (auto [action, text] : cases) {
@@ -73,7 +72,7 @@ TEST(Control, EndsOnWhatIsNoReply) {
   };
   for (const auto& [action, error] : cases) {
     Session s;
-    if (error.ends_with("does not answer")) s.engine.SetSilenceLimit(700);
+    if (error.ends_with("does not answer")) s.engine.SetWaits(Waits::All(700));
     s.server.On(action.reply ? "SIZE" : "LIST", action);
     s.LogIn();
     std::optional<std::int64_t> size;
@@ -148,7 +147,7 @@ TEST(Login, ReportsEveryFailure) {
   const std::string gone = "Lost: Connection to:  127.0.0.1 FAILED!\n\n";
   const std::string refused = "Refused: Login to: 127.0.0.1 failed.\n";
   const std::string closing = "Service not available, closing control connection!\n\nFull";
-  const std::string full = "Busy: The server takes no more connections at the moment.\n\n";
+  const std::string full = "Busy: The server takes no more connections at the moment: ";
   using Trouble = Outcome::Trouble;
   const std::tuple<std::string, ScriptedAction, std::string, Trouble> cases[] = {
       {"greeting", {.reply = "220 he", .control = ControlEnd::Reset}, gone + "*", Trouble::Other},
@@ -188,7 +187,7 @@ TEST(Login, ReportsEveryFailure) {
   for (const auto& [verb, action, told, trouble] : cases) {
     Session s;
     s.server.On(verb, action);
-    if (action.reply == "") s.engine.SetSilenceLimit(300);
+    if (action.reply == "") s.engine.SetWaits(Waits::All(300));
     const Outcome outcome = s.engine.Connect();
     const std::string result = Told(outcome);
     const bool any = told.ends_with("*");
@@ -422,7 +421,12 @@ TEST(Login, LearnsTheServerAndItsDirectoryOnEveryConnection) {
       {"215 UNIX AppleShare IP FTP Server", "257 /plain", "/plain", "LIST"},
       {"500 What?", "502 No", "", "LIST -la"},
       {"215", "257 \"", "", "LIST -la"},
-      {"215", "257 " + std::string(5'000, 'a'), "", "LIST -la"},
+      {"215", "257 /" + std::string(5'000, 'a'), "", "LIST -la"},
+      {"215", "257 /plain and more", "", "LIST -la"},
+      {"215", "250 \"/a\"", "", "LIST -la"},
+      {"215", "257 You are in \"/a\", not in \"/b\"", "/a", "LIST -la"},
+      {"215", "257 \"/a \"b\" c\" x", "", "LIST -la"},
+      {"215", "257 \"A.B\" is working directory", "A.B", "LIST -la"},
       {"215 Windows_NT version 4.0", "257 \"/\" is current", "/", "LIST"},
   };
   for (const auto& [syst, pwd, path, list] : cases) {

@@ -177,8 +177,10 @@ TEST(Transfer, GoesOnlyAsAgreed) {
   using Row = std::tuple<const char*, const char*, int, std::string, std::string, const char*>;
   const Row rows[] = {
       {"TYPE", "504 Not binary\r\n", 0, "Refused: Not binary", "", "PORT|TYPE I|PORT|TYPE I"},
-      {"TYPE", "331 What?\r\n", 0, "Refused: The server refused the request.\n\nWhat?", "",
-       "PORT|TYPE I|PORT|TYPE I"},
+      {"TYPE", "331 What?\r\n", 0,
+       "Refused: The server is out of step; its reply does not belong to what it was asked: 331 "
+       "What?",
+       "", "PORT|TYPE I|PORT|TYPE I"},
       {"NOOP", "", 2, "Done", "tes", "PORT|REST 2|RETR f|PORT|RETR f"},
       {"REST", "502 No\r\n", 2, "Done", "bytes", "PORT|REST 2|RETR f|PORT|RETR f"},
       // A marker that no transfer has used is taken back.

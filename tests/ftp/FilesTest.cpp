@@ -19,7 +19,7 @@ TEST(Transfer, GoesOnWithWhatIsThere) {
           {{}, {}, {}, 0, "Done", "more", "STOR f|STOR g"},
           {no, {}, {}, 5, "Done", "bytesmore", "REST 5|SIZE f|APPE f|STOR g"},
           {no, {}, {}, 3, cannot, "bytes", "REST 3|SIZE f|STOR g"},
-          {no, no, {}, 5, cannot, "bytes", "REST 5|SIZE f|STOR g"},
+          {no, no, {}, 5, cannot + "\n\nNo", "bytes", "REST 5|SIZE f|STOR g"},
           {{},
            {},
            {.reply = "550 No\r\n"},
@@ -58,12 +58,71 @@ TEST(Transfer, WaitsForASilentServerOnce) {
   s.server.On("RETR", {.dataLimit = 2, .dataEnd = DataEnd::Stall, .completion = ""});
   s.LogIn();
   MFtp engine(s.server.Where(true), s.ui);
-  engine.SetSilenceLimit(4'000);
+  engine.SetWaits(Waits::All(4'000));
   ASSERT_TRUE(engine.Connect().IsDone());
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(Told(s.Get("/f", 0, &engine)), "Lost: The server does not answer");
   EXPECT_LT(std::chrono::steady_clock::now() - begin, 7500ms);
   EXPECT_TRUE(engine.IsLost());
+}
+
+// While data stands still the server may say why, or be gone.
+TEST(Transfer, HearsTheServerWhileNoDataMoves) {
+  struct Row {
+    bool download;
+    const char* completion;
+    ControlEnd control;
+    const char* told;
+    bool waits = false;  // for data before it is read, and its end comes
+  };
+  constexpr ControlEnd kOpen = ControlEnd::Open;
+  const Row rows[] = {
+      {true, "451 Bad disk.\r\n", kOpen, "Refused: Error in parameters\n\nBad disk."},
+      {true, "426 Broken.\r\n", kOpen, "Busy: Error in parameters\n\nBroken."},
+      {true, "421 Bye.\r\n", ControlEnd::Close,
+       "Lost: Service not available, closing control connection!\n\nBye."},
+      {true, "", ControlEnd::Close, "Lost: The server closed the connection"},
+      {true, "", ControlEnd::Reset, "Lost: The server closed the connection"},
+      {false, "452 Disk full.\r\n", kOpen, "Refused: Error in parameters\n\nDisk full."},
+      {false, "", ControlEnd::Close, "Lost: The server closed the connection"},
+      {true, "451 Bad disk.\r\n", kOpen, "Refused: Error in parameters\n\nBad disk.", true},
+      {true, "220 Hello.\r\n", kOpen,
+       "Refused: The server is out of step; its reply does not belong to what it was asked: 220 "
+       "Hello.",
+       true},
+      {true, "226 Done.\r\n", kOpen, "Done", true},
+  };
+  for (const Row& row : rows) {
+    for (const bool encrypted : {false, true}) {
+      static const TestIdentity identity;
+      ScriptedServer server;
+      if (encrypted) server.Encrypt(identity);
+      server.Tree().AddFile("/f", "bytes");
+      server.On(row.download ? "RETR" : "STOR",
+                {.dataLimit = 2,
+                 .dataEnd = row.waits ? DataEnd::Close : DataEnd::Stall,
+                 .completion = row.completion,
+                 .endsFirst = true,
+                 .control = row.control});
+      Session s(true);
+      s.ui->answer = UserQuestion::Answer::Once;
+      MFtp engine(server.Where(true), s.ui);
+      engine.SetWaits(Waits::All(30'000));
+      ASSERT_TRUE(engine.Connect().IsDone());
+      const auto begin = std::chrono::steady_clock::now();
+      Outcome outcome;
+      if (row.download) {
+        outcome = s.Get("/f", 0, &engine, row.waits);
+      } else {
+        std::unique_ptr<RemoteFile> file;
+        outcome = engine.OpenForWriting("/g", 0, file);
+        const std::string much(std::size_t{1} << 20, 'x');
+        while (outcome.IsDone()) outcome = file->Write(much);
+      }
+      EXPECT_EQ(Told(outcome), row.told) << server.Dialogue();
+      EXPECT_LT(std::chrono::steady_clock::now() - begin, 10s);
+    }
+  }
 }
 
 // What one session has found out about the ways of data connections spares others the wait.

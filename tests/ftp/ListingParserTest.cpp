@@ -328,9 +328,10 @@ TEST(ListingParser, ReadsFacts) {
            "1|||||1601-01-01 00:00:00|old\n1||||||no day"},
           // What is of no type that is known can be nothing that is followed.
           {"type=OS.unix=slink:/a b;UNIX.mode=0777; l\ntype=os.unix=symlink;size=8; m\n"
-           "type=unknown;UNIX.mode=644; u\nsize=3; t\ntype=OS.unix=chr-1/3; c\n",
+           "type=unknown;UNIX.mode=0o644; u\ntype=file;unix.mode=0x1; x\nsize=3; "
+           "t\ntype=OS.unix=chr-1/3; c\n",
            "3|lrwxrwxrwx|||||l->/a b\n3|l|||||m\n"
-           "3|?rw-r--r--|||||u\n3||||||t\n"
+           "3|?rw-r--r--|||||u\n1||||||x\n3||||||t\n"
            "4||||||c"},
           {"type=cdir; /here\ntype=pdir; /\ntype=file; ..\ntype=dir; .\ntype=dir; a/b\n",
            "2||||||a/b"},

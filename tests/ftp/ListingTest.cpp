@@ -69,7 +69,7 @@ TEST(Listing, EndsWholeOrSaysWhatIsMissing) {
       {{.data = kLine + std::string("\xEC"), .dataEnd = DataEnd::Stall}, "f|", "Busy: " + cut},
       {{.preliminary = "", .data = kLine, .completion = "226 Done\r\n"}, "f|", "Done"},
       {{.preliminary = "150 Wait\r\n125 Wait\r\n", .data = kLine}, "f|", "Done"},
-      {{.reply = "350 Go on\r\n"}, "", "Refused: The server refused the request.\n\nGo on"},
+      {{.reply = "350 Go on\r\n"}, "", "Refused: The server is out of step; "},
       {{.reply = "450 No\r\n"}, "", "Busy: Error in parameters\n\nNo"},
       {{.completion = "451 Cut\r\n"}, "", "Refused: " + cut + "Cut"},
       {{.data = kLine, .completion = "451 Cut\r\n"}, "f|", "Refused: " + cut},

@@ -16,7 +16,7 @@ namespace corvane {
 struct Session : ListingSink {
   explicit Session(bool passive = false, const NLAddress& host = NLAddress("127.0.0.1", 0))
       : server(host), engine(server.Where(passive), ui) {
-    engine.SetSilenceLimit(10'000);
+    engine.SetWaits(Waits::All(10'000));
   }
 
   /// Logs in; what went over the wire so far is left out of Sent().
@@ -57,14 +57,17 @@ struct Session : ListingSink {
     return true;
   }
 
-  /// Downloads a file into `raw`, by another session with the server where that is given.
-  Outcome Get(const std::string& path, std::int64_t offset = 0, MFtp* other = nullptr) {
+  /// Downloads a file into `raw`, by another session with the server where that is given, waiting
+  /// for data before each read if wished.
+  Outcome Get(const std::string& path, std::int64_t offset = 0, MFtp* other = nullptr,
+              bool waits = false) {
     raw.clear();
     std::unique_ptr<RemoteFile> file;
     Outcome outcome = (other != nullptr ? *other : engine).OpenForReading(path, offset, file);
     if (!outcome.IsDone()) return outcome;
     char block[4096];
     for (std::size_t got = 1; got > 0; raw.append(block, got)) {
+      while (waits && !file->Wait(150)) continue;
       if (outcome = file->Read(block, got); !outcome.IsDone()) return outcome;
     }
     return file->Finish();

@@ -34,7 +34,7 @@ struct Encrypted : Session {
     site.security = security;
     site.warnsOfPlain = warns;
     own = std::make_unique<MFtp>(site, ui, trust);
-    own->SetSilenceLimit(5'000);
+    own->SetWaits(Waits::All(5'000));
   }
   std::string Connect() { return Told(own->Connect()); }
   /// The verbs that were sent, up to the password.

@@ -137,7 +137,7 @@ TEST_F(NLEndpointTest, ClosingAndAbortingWakeEveryBlockedCall) {
       {"connect(): ::connect()",
        [this](NLEndpoint& each) {
          each.close();
-         (void)each.connectFirst(std::vector{full.Address(), full.Address()}, {});
+         (void)each.connectFirst(std::vector{full.Address(), full.Address()}, 9'000, {});
        }},
   };
   for (const auto& [label, call] : cases) {
@@ -263,7 +263,7 @@ TEST_F(NLEndpointTest, ConnectsToTheFirstAddressThatAnswers) {
     endpoint.setSilenceLimit(400);
     const auto begin = std::chrono::steady_clock::now();
     const std::string failure =
-        Failure([&, &list = addresses] { EXPECT_TRUE(endpoint.connectFirst(list, {})); });
+        Failure([&, &list = addresses] { EXPECT_TRUE(endpoint.connectFirst(list, 400, {})); });
     const auto took = std::chrono::steady_clock::now() - begin;
     EXPECT_GE(took, std::chrono::milliseconds(least));
     EXPECT_LT(took, std::chrono::milliseconds(least + 1'500));
@@ -286,7 +286,7 @@ TEST_F(NLEndpointTest, ConnectsToTheFirstAddressThatAnswers) {
     EXPECT_TRUE(served->remoteAddress().isSameHost(endpoint.localAddress()));
   }
   NLEndpoint stopped(NLEndpoint::stream);
-  EXPECT_FALSE(stopped.connectFirst(std::vector{hangs}, [] { return false; }));
+  EXPECT_FALSE(stopped.connectFirst(std::vector{hangs}, 9'000, [] { return false; }));
   EXPECT_EQ(stopped.state(), NLEndpoint::s_inval);
   // One endpoint may take either family in turn.
   for (const NLAddress& each : {live, live6, live}) {

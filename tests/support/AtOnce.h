@@ -32,8 +32,9 @@ inline void RunAtOnce(const std::vector<std::function<void()>>& tasks, std::size
     });
   }
   for (std::future<void>& thread : running) thread.get();
-  EXPECT_TRUE(Background::WaitForNone(std::chrono::seconds(2)));
-  EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; })) << OpenDescriptors();
+  EXPECT_TRUE(Background::WaitForNone(std::chrono::seconds(20)));
+  EXPECT_TRUE(WaitFor([&] { return OpenDescriptors() == before; }, std::chrono::seconds(20)))
+      << OpenDescriptors();
 }
 
 }  // namespace corvane

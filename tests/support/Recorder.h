@@ -47,6 +47,12 @@ class Recorder : public Seam {
     const MutexLock hold(lock_);
     return record_;
   }
+  /// What `find` finds in the record, of which no copy is made: it grows with a long dialogue.
+  template <typename Find>
+  [[nodiscard]] auto Look(Find find) const {
+    const MutexLock hold(lock_);
+    return find(record_);
+  }
 
   bool PostMessage(Message message) override {
     return Note([&](Record& r) { r.messages.push_back(std::move(message)); });

@@ -382,6 +382,11 @@ class ScriptedSession {
   }
 
   void EndData(UniqueFd data, bool whole) {
+    if (action_.endsFirst) {
+      Say(*std::exchange(action_.completion, ""));
+      if (action_.control != ControlEnd::Open) ::shutdown(control_.get(), SHUT_RDWR);
+      std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    }
     if (action_.dataEnd == DataEnd::Stall) {
       Wait(data.get(), POLLRDHUP);
       whole = false;

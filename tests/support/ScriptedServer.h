@@ -49,6 +49,8 @@ struct ScriptedAction {
   std::size_t dataLimit = std::string::npos;    ///< bytes moved before `dataEnd`
   DataEnd dataEnd = DataEnd::Close;
   std::optional<std::string> completion = {};  ///< in place of the 226; "" leaves it out
+  bool endsFirst =
+      false;  ///< before a stall: the completion, and the end of the control connection
 
   ControlEnd control = ControlEnd::Open;
 

@@ -92,6 +92,21 @@ Alerts::Question Locked(const Subject& subject) {
   return alert;
 }
 
+Alerts::Question AccountOf(const Subject& subject) {
+  Alerts::Question alert;
+  alert.sign = {"lock", Tone::Running};
+  alert.title = Questions::tr("Account – %1").arg(ToText(subject.host));
+  alert.heading = Questions::tr("%1 asks for an account.").arg(ToText(subject.host));
+  alert.advice = Questions::tr(
+                     "It wants one in addition to the password of %1. Its administrator can "
+                     "tell you what to enter.")
+                     .arg(ToText(subject.user));
+  alert.field = Questions::tr("&Account:");
+  alert.buttons = {Questions::tr("&Log In"), Questions::tr("&Cancel")};
+  alert.preset = 0;
+  return alert;
+}
+
 Alerts::Question ByKind(const Subject& subject) {
   switch (subject.kind) {
     case Kind::UnknownCertificate: return Unknown(subject);
@@ -108,6 +123,7 @@ Alerts::Question ByKind(const Subject& subject) {
                          Questions::tr("This connection is not encrypted: everybody on its way can "
                                        "read your password and your files."),
                          Questions::tr("&Send Unencrypted"));
+    case Kind::Account: return AccountOf(subject);
     case Kind::Passphrase: break;
   }
   return Locked(subject);
@@ -120,7 +136,7 @@ Alerts::Question AlertFor(const Subject& subject) {
     return static_cast<int>(alert.buttons.size()) - 1;
   };
   Alerts::Question alert = ByKind(subject);
-  if (subject.kind != Kind::Passphrase) alert.preset = last(alert);
+  if (alert.field.isEmpty()) alert.preset = last(alert);
   if (!alert.facts.empty()) alert.fixedFact = static_cast<int>(alert.facts.size()) - 1;
   alert.subject = alert.title;
   alert.text = alert.heading + QStringLiteral("\n\n") + alert.advice;
@@ -135,7 +151,8 @@ UserQuestion::Answer AnswerOf(Kind kind, int button, bool ticked) {
     case Kind::NoMoreEncryption:
     case Kind::PlainPassword:
       return button != 0 ? Answer::No : ticked ? Answer::Always : Answer::Once;
-    case Kind::Passphrase: break;
+    case Kind::Passphrase:
+    case Kind::Account: break;
   }
   return button == 0 ? Answer::Once : Answer::No;
 }

@@ -21,12 +21,16 @@ struct SettingsValues {
   std::int32_t proxyKind = 0;    ///< as Proxy::Kind
   std::string proxyUser{};
   std::string proxyPassword{};
-  bool proxyKept = false;      ///< that password stands in the secret store, not in the file
-  std::int32_t security = 0;   ///< of new connections, as Security
-  bool askBeforePlain = true;  ///< before a password goes unencrypted
-  bool useKeyring = true;      ///< passwords go to the desktop's secret store where there is one
-  bool keepTimes = true;       ///< files keep their times when they are transferred
-  bool keepAlive = true;       ///< idle connections are kept open
+  bool proxyKept = false;         ///< that password stands in the secret store, not in the file
+  std::int32_t security = 0;      ///< of new connections, as Security
+  bool askBeforePlain = true;     ///< before a password goes unencrypted
+  bool useKeyring = true;         ///< passwords go to the desktop's secret store where there is one
+  bool keepTimes = true;          ///< files keep their times when they are transferred
+  bool keepAlive = true;          ///< idle connections are kept open
+  std::int32_t connectWait = 20;  ///< seconds for each address; 0, here and below: no end
+  std::int32_t encryptionWait = 20;         ///< seconds before a connection is encrypted
+  std::int32_t replyWait = 60;              ///< seconds for a reply of the server
+  std::int32_t dataWait = 60;               ///< seconds in which no data moves
   std::int32_t transfersAtOnce = 5;         ///< rows of the transfer list
   std::int32_t transfersPerServer = 2;      ///< of those
   std::int32_t connectionsPerTransfer = 4;  ///< of one with several files

@@ -37,6 +37,11 @@ constexpr std::array kExisting{
     SettingsChoice{4, QT_TRANSLATE_NOOP("corvane::PrefWindow", "Only newer or different")},
     SettingsChoice{5, QT_TRANSLATE_NOOP("corvane::PrefWindow", "Keep both")}};
 
+constexpr SettingsRange kWait{.least = 0,
+                              .most = 3600,
+                              .unit = QT_TRANSLATE_NOOP("corvane::PrefWindow", " s"),
+                              .leastText = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Without end")};
+
 using Values = SettingsValues;
 using enum SettingsTab;
 
@@ -177,6 +182,31 @@ const std::array kSettings{
                                       "Servers close a connection on which nothing is said for "
                                       "long. A sign of life now and then prevents it."),
             .hintBelow = true},
+    Setting{.key = "connectwait",
+            .variable = &Values::connectWait,
+            .tab = Connections,
+            .control = "ConnectWait",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Co&nnecting to an address:"),
+            .heading = QT_TRANSLATE_NOOP("corvane::PrefWindow", "Wait at most for"),
+            .range = kWait},
+    Setting{.key = "encryptionwait",
+            .variable = &Values::encryptionWait,
+            .tab = Connections,
+            .control = "EncryptionWait",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "&Beginning the encryption:"),
+            .range = kWait},
+    Setting{.key = "replywait",
+            .variable = &Values::replyWait,
+            .tab = Connections,
+            .control = "ReplyWait",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "A reply of the ser&ver:"),
+            .range = kWait},
+    Setting{.key = "datawait",
+            .variable = &Values::dataWait,
+            .tab = Connections,
+            .control = "DataWait",
+            .label = QT_TRANSLATE_NOOP("corvane::PrefWindow", "The next &data:"),
+            .range = kWait},
     Setting{.key = "transfersatonce",
             .variable = &Values::transfersAtOnce,
             .tab = Transfers,

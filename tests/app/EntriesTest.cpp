@@ -216,11 +216,12 @@ TEST_P(Entries, FindsAndDoesSomethingWithIt) {
   WalkEnd end;
   end.refused = 2;
   end.refusals = Text::Raw("closed: Not yours");
-  end.bound = Text("It stopped after %1 entries.", 1000);
+  end.bound = Text("It stopped after %1 entries, in %2.", 1000, "/d");
   End(end);
   const auto* status = window->findChild<StatusLine*>();
   EXPECT_TRUE(Wait([&] {
-    return status->Text() == "3 directories looked at, 4 found. It stopped after 1000 entries.";
+    return status->Text() ==
+           "3 directories looked at, 4 found. It stopped after 1000 entries, in /d.";
   })) << status->Text().toStdString();
   Q_EMIT window->findChild<StatusLine*>()->SignPressed();
   EXPECT_TRUE(Alerted(1) && alerts_[0].detail == "closed: Not yours");

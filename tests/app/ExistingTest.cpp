@@ -160,6 +160,7 @@ TEST_F(Existing, ThePreferenceIsAnswerEnough) {
   const std::vector<RemoteEntry> all{Timed("a", 2), Timed("b", 1, 5), File("link"), Folder("tree")};
   const std::tuple<int, const char*, const char*> cases[] = {
       {0, nullptr, "/x>/pub/sub/x+"},
+      {257, nullptr, "/x>/pub/sub/x+"},
       {1, "/pub/tree/>/tree! /pub/a>/a! /pub/b>/b! /pub/link>/link+", "/x>/pub/sub/x!"},
       {2, "/pub/tree/>/tree& /pub/a>/a& /pub/link>/link+", "/x>/pub/sub/x&"},
       {3, "/pub/tree/>/tree?", "/x>/pub/sub/x?"},

@@ -39,7 +39,8 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
   for (const char* box : {"CompareChecksums", "PartNames"}) Box(box).toggle();
   int number = 6;
   for (const char* field : {"TransfersAtOnce", "TransfersPerServer", "ConnectionsPerTransfer",
-                            "DownloadLimit", "UploadLimit", "Retries", "FirstRetry"}) {
+                            "DownloadLimit", "UploadLimit", "Retries", "FirstRetry", "ConnectWait",
+                            "EncryptionWait", "ReplyWait", "DataWait"}) {
     window_->findChild<QSpinBox*>(field)->setValue(++number);
   }
   window_->findChild<QComboBox*>("Existing")->setCurrentIndex(4);
@@ -80,8 +81,9 @@ TEST_F(Preferences, SavePutsThemInForceAndCancelDoesNot) {
     EXPECT_TRUE(!now.keepAlive && !now.keepTimes && !now.askBeforePlain && !now.useKeyring);
     EXPECT_TRUE(!now.compareChecksums && !now.partNames);
     EXPECT_EQ((std::array{now.transfersAtOnce, now.transfersPerServer, now.connectionsPerTransfer,
-                          now.downloadLimit, now.uploadLimit, now.retries, now.firstRetry}),
-              (std::array{7, 8, 8, 10, 11, 12, 13}));
+                          now.downloadLimit, now.uploadLimit, now.retries, now.firstRetry,
+                          now.connectWait, now.encryptionWait, now.replyWait, now.dataWait}),
+              (std::array{7, 8, 8, 10, 11, 12, 13, 14, 15, 16, 17}));
     EXPECT_EQ(static_cast<Policy>(now.existing), Policy::Newer);
     EXPECT_EQ(factory_.speed->down.Piece(1'000'000), 1024U) << "in force at once";
     EXPECT_EQ(SecurityOf(now), Security::Plain);

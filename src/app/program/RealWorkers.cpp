@@ -4,6 +4,8 @@
 
 #include "ftp/FtpExamination.h"
 #include "ftp/MFtp.h"
+#include "remote/Waits.h"
+#include "settings/ProcessSettings.h"
 #include "workers/ControlLooper.h"
 #include "workers/Doctor.h"
 #include "workers/FileTransfer.h"
@@ -25,6 +27,29 @@ std::shared_ptr<MThread> MakeWalk(TreeWalk::Ways ways, const WalkOrder& order,
   return std::make_shared<TreeFinder>(std::move(ways), std::move(ui), find.directory, find.rule);
 }
 
+Waits WaitsInForce() {
+  const SettingsValues settings = ProcessSettings::Get();
+  const auto limit = [](std::int32_t seconds) {
+    return seconds > 0 ? seconds * 1000L : Waits::kNoLimit;
+  };
+  return {limit(settings.connectWait), limit(settings.encryptionWait), limit(settings.replyWait),
+          limit(settings.dataWait)};
+}
+
+std::shared_ptr<MFtp> MakeSession(const Site& site, std::shared_ptr<OwnerUi> owner,
+                                  std::shared_ptr<ServerTrust> trust,
+                                  std::shared_ptr<Habits> habits = {}) {
+  auto session =
+      std::make_shared<MFtp>(site, std::move(owner), std::move(trust), std::move(habits));
+  session->SetWaits(WaitsInForce());
+  return session;
+}
+
+std::shared_ptr<FileTransfer> WithWaits(std::shared_ptr<FileTransfer> transfer) {
+  transfer->stallLimit = std::chrono::milliseconds(WaitsInForce().Together());
+  return transfer;
+}
+
 }  // namespace
 
 WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust,
@@ -33,16 +58,16 @@ WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust,
   factory.speed = speed;
   const auto pool = std::make_shared<SessionPool>(
       [trust](const Site& site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<Habits> habits) {
-        return std::make_shared<MFtp>(site, std::move(owner), trust, std::move(habits));
+        return MakeSession(site, std::move(owner), trust, std::move(habits));
       });
   factory.looper = [trust](const Site& site, std::shared_ptr<BrowserUi> window) {
-    auto session = std::make_shared<MFtp>(site, window, trust);
+    auto session = MakeSession(site, window, trust);
     return std::make_shared<ControlLooper>(site, std::move(session), std::move(window));
   };
   factory.transfer = [pool, speed](std::shared_ptr<TransferUi> row, transferStruct description,
                                    std::shared_ptr<JobBoard> jobs) {
-    return std::make_shared<FileTransfer>(std::move(row), std::move(description), std::move(jobs),
-                                          pool, speed);
+    return WithWaits(std::make_shared<FileTransfer>(std::move(row), std::move(description),
+                                                    std::move(jobs), pool, speed));
   };
   factory.endKept = [pool] { pool->EndKept(); };
   factory.sameConnection = [speed](const std::shared_ptr<Looper>& whose,
@@ -50,8 +75,9 @@ WorkerFactory RealWorkers(const std::shared_ptr<ServerTrust>& trust,
                                    std::shared_ptr<TransferUi> row, transferStruct description,
                                    std::shared_ptr<JobBoard> jobs) {
     auto session = std::static_pointer_cast<ControlLooper>(whose)->Session();
-    return std::make_shared<FileTransfer>(std::move(row), std::move(description), std::move(jobs),
-                                          std::move(session), std::move(window), speed);
+    return WithWaits(std::make_shared<FileTransfer>(std::move(row), std::move(description),
+                                                    std::move(jobs), std::move(session),
+                                                    std::move(window), speed));
   };
   factory.doctor = [trust](const Site& site, std::shared_ptr<DiagnosisUi> window) {
     return std::make_shared<Doctor>(std::move(window),

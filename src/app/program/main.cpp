@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -82,6 +83,8 @@ std::optional<int> EndedAtStart(corvane::RunningProgram& running,
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A file beyond the limit that the system sets is a write that fails.
+  std::signal(SIGXFSZ, [](int /*signal*/) {});
   corvane::RunningProgram running;
   corvane::Translations translations;
   const std::vector<std::string> given(argv + 1, argv + argc);

@@ -1,5 +1,6 @@
 #include "kit/Background.h"
 
+#include <malloc.h>
 #include <pthread.h>
 
 #include <exception>
@@ -15,6 +16,7 @@ struct Counter {
   Mutex lock;
   Condition changed;
   int running GUARDED_BY(lock) = 0;
+  std::chrono::steady_clock::time_point trimmed GUARDED_BY(lock);
 };
 
 // Never destroyed: a thread may still end while the process runs its last destructors.
@@ -30,6 +32,25 @@ void Add(int difference) {
   counter.changed.NotifyAll();
 }
 
+/// Whether no thread has given memory back for a while. Others wait while that is done.
+bool IsTimeToTrim() {
+  constexpr std::chrono::seconds kWhile{2};
+  Counter& counter = TheCounter();
+  const MutexLock lock(counter.lock);
+  const auto now = std::chrono::steady_clock::now();
+  if (now < counter.trimmed + kWhile) return false;
+  counter.trimmed = now;
+  return true;
+}
+
+// The C library keeps what a thread has freed for the threads to come, and so a multiple of what is
+// in use.
+void GiveMemoryBack() {
+#ifdef __GLIBC__
+  if (IsTimeToTrim()) (void)::malloc_trim(0);
+#endif
+}
+
 }  // namespace
 
 bool Background::Start(const std::string& name, std::function<void()> work) {
@@ -39,6 +60,7 @@ bool Background::Start(const std::string& name, std::function<void()> work) {
       pthread_setname_np(pthread_self(), label.c_str());
       own();
       own = nullptr;  // whoever sees the count drop finds everything released
+      GiveMemoryBack();
       Add(-1);
     }).detach();
   } catch (const std::exception&) {

@@ -232,6 +232,7 @@ std::optional<JobBoard::Work> JobBoard::End(JobId id, JobState state) {
 
 void JobBoard::PutBack(JobId id) {
   const MutexLock hold(lock_);
+  if (!jobs_[id].taken) return;
   jobs_[id].later = true;
   SetTaken(id, false);
   changed_.NotifyAll();

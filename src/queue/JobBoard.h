@@ -56,7 +56,8 @@ class JobBoard {
   /// A job has ended. The directory in which it was found, where nothing in it is left to do: to be
   /// ended in its turn.
   [[nodiscard]] std::optional<Work> End(JobId id, JobState state) EXCLUDES(lock_);
-  /// A job is left for the next run: it failed for a reason that may pass.
+  /// A job is left for the next run: it failed for a reason that may pass. A directory that is open
+  /// stays so.
   void PutBack(JobId id) EXCLUDES(lock_);
   /// A beginning of the file stands at its place now. `modified` says which state of a file that is
   /// sent this is of, in seconds since 1970.

@@ -11,11 +11,35 @@ namespace {
 
 constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 
+struct AtPath {
+  bool there = false;  // a folder stands at the path
+  bool sameDevice = true;
+  bool sameNumber = true;
+};
+
+// What the path leads to, beside the folder that is open. What cannot be looked at is taken for it.
+AtPath Compare(int folder, const std::string& path) {
+  struct stat opened {};
+  struct stat named {};
+  if (::fstat(folder, &opened) != 0) return {.there = true};
+  if (::stat(path.c_str(), &named) != 0) return {.there = errno != ENOENT && errno != ENOTDIR};
+  return {S_ISDIR(named.st_mode) != 0, opened.st_dev == named.st_dev,
+          opened.st_ino == named.st_ino};
+}
+
 }  // namespace
 
 int LocalFolder::Open(const std::string& path) {
   fd_.reset(::open(path.c_str(), kFlags));
-  return fd_ ? 0 : errno;
+  if (!fd_) return errno;
+  path_ = path;
+  steady_ = Compare(fd_.get(), path).sameNumber;
+  return 0;
+}
+
+bool LocalFolder::IsGone() const {
+  const AtPath look = Compare(fd_.get(), path_);
+  return !look.there || !look.sameDevice || (steady_ && !look.sameNumber);
 }
 
 int LocalFolder::Enter(const LocalFolder& above, std::string_view name) {

@@ -17,6 +17,10 @@ class LocalFolder {
  public:
   /// Opens a path that the user chose; links are followed.
   [[nodiscard]] int Open(const std::string& path);
+  /// Whether the folder that Open opened was removed, moved or unmounted since, so that its path
+  /// leads nowhere, or elsewhere. Where the file system gives one folder several inode numbers, as
+  /// network file systems may, another folder of the same one is not noticed.
+  [[nodiscard]] bool IsGone() const;
   /// Opens the folder `name` inside `above` and makes it when it is missing. `name` must pass
   /// IsSafeLocalName (else EINVAL); a symbolic link or a file in its place is refused.
   [[nodiscard]] int Enter(const LocalFolder& above, std::string_view name);
@@ -41,6 +45,8 @@ class LocalFolder {
 
  private:
   UniqueFd fd_;
+  std::string path_;     // that was opened
+  bool steady_ = false;  // its inode number is the same by path and by descriptor
 };
 
 }  // namespace corvane

@@ -111,7 +111,9 @@ std::optional<Url> Url::Read(std::string_view text) {
 std::optional<Url> Url::ReadAddress(std::string_view text) {
   if (IsMeant(text)) return Read(text);
   text = Trimmed(text);
+  constexpr std::string_view kInNoName("\r\n\0", 3);
   if (text.empty() || text.find("://") != std::string_view::npos) return {};
+  if (text.find_first_of(kInNoName) != std::string_view::npos) return {};
   const bool alone = text.find_first_of(":/@[]") == std::string_view::npos;
   if (alone || IsPlainV6(text)) return Url{.host = std::string(text)};
   return ReadRest(text);

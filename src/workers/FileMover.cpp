@@ -1,7 +1,5 @@
 #include "workers/FileMover.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <chrono>
 #include <exception>
@@ -27,12 +25,6 @@ std::int64_t Now() {
 }
 
 constexpr std::size_t kLongestName = 4096;
-
-// A folder that was removed while it was open.
-bool IsGone(const LocalFolder& folder) {
-  struct stat status {};
-  return ::fstat(folder.Fd(), &status) == 0 && status.st_nlink == 0;
-}
 
 // A name that leads elsewhere is refused. What had a part file's name would be removed together
 // with the part files of killed transfers.
@@ -128,10 +120,11 @@ Outcome FileMover::CarryAll() {
       throw;
     }
     movingSince_ = 0;
-    // Without the folder there is no place for what follows either.
-    if (outcome.kind == Kind::LocalError && run_.what.download && IsGone(run_.target)) {
-      outcome = {Kind::LocalFull, 0,
-                 Text("The folder %1 is not there any more.", run_.what.targetFolder)};
+    // A file that came is then not where it is looked for; a directory is looked at before it is
+    // opened on the board, for then its files are.
+    const bool file = work->job.kind != RemoteEntry::Kind::Directory;
+    if ((file && outcome.IsDone()) || outcome.kind == Kind::LocalError) {
+      if (Outcome target = run_.LookForTarget(); !target.IsDone()) outcome = std::move(target);
     }
     if (gaveUp_ && !outcome.IsDone())
       outcome = {Kind::Lost, 0, Text("Nothing comes from the server any more.")};

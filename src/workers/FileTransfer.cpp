@@ -119,6 +119,7 @@ Outcome FileTransfer::Prepare() {
     LookAtSources();
   }
   run_.syncsAtEnd = description_.download && (board_->ChosenCount() > 1 || board_->HasTree());
+  run_.bounds = bounds;
   doneBefore_ = board_->Counted().done;
   Tell();
   return {};

@@ -14,10 +14,12 @@
 #include "remote/BrowserUi.h"
 #include "remote/RemoteSession.h"
 #include "remote/TransferUi.h"
+#include "remote/Waits.h"
 #include "workers/FileMover.h"
 #include "workers/MThread.h"
 #include "workers/SessionPool.h"
 #include "workers/TransferRun.h"
+#include "workers/TreeBounds.h"
 
 namespace corvane {
 
@@ -41,10 +43,12 @@ class FileTransfer : public MThread {
   void Cancel() override;
   void CheckConnections() override;
 
-  /// How long nothing may come or go while a file moves.
-  std::chrono::milliseconds stallLimit = std::chrono::seconds(60);
+  /// How long nothing may come or go while a file moves, whatever the session waits for meanwhile.
+  /// It ends each of its waits by itself; this is for what goes on for ever all the same.
+  std::chrono::milliseconds stallLimit{Waits().Together()};
   /// The same for a while after CheckConnections.
   std::chrono::milliseconds checkLimit = std::chrono::seconds(5);
+  TreeBounds bounds;  ///< before Run
 
  protected:
   std::int32_t Execute() override;

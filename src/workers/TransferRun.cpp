@@ -17,6 +17,12 @@ void TransferRun::Count(Proof proof) {
   row.Progress().proof = board.Prove(proof);
 }
 
+Outcome TransferRun::LookForTarget() const {
+  if (!what.download || !target.IsGone()) return {};
+  return {Outcome::Kind::LocalFull, 0,
+          Text("The folder %1 is not there any more.", what.targetFolder)};
+}
+
 void TransferRun::NoteDelay(const Outcome& outcome) {
   const MutexLock hold(lock_);
   delay_ = outcome;

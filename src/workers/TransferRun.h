@@ -16,6 +16,7 @@
 #include "util/Digest.h"
 #include "util/LocalFolder.h"
 #include "workers/TransferNotes.h"
+#include "workers/TreeBounds.h"
 
 namespace corvane {
 
@@ -47,12 +48,17 @@ class TransferRun {
   /// The files are written out together at the end: those of trees, and where there are several.
   /// Set before.
   bool syncsAtEnd = false;
+  TreeBounds bounds;                     ///< set before
+  std::atomic<std::int64_t> planned{0};  ///< entries of the folders looked through
   TransferNotes notes;
 
   /// A file begins to move.
   [[nodiscard]] bool BeginFile(const std::string& remote, const Text& status);
   /// A file is whole, which is known by this.
   void Count(Proof proof);
+  /// LocalFull where the folder of a download is not where it is looked for any more: there is no
+  /// place for what follows either.
+  [[nodiscard]] Outcome LookForTarget() const;
   /// A job was put back for a reason that may pass.
   void NoteDelay(const Outcome& outcome) EXCLUDES(lock_);
   /// The last such reason; Done where there was none.

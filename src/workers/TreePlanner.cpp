@@ -19,14 +19,21 @@ namespace {
 
 using Kind = RemoteEntry::Kind;
 
-bool IsAtOrAbove(const std::string& path, const std::string& directory) {
-  return directory == path || directory.starts_with(PathBelow(path, ""));
-}
-
 }  // namespace
 
 Outcome TreePlanner::Plan(const JobBoard::Work& directory, const LocalFolder& above) {
   return run_.what.download ? PlanDownload(directory, above) : PlanUpload(directory);
+}
+
+Outcome TreePlanner::CountEntries(std::size_t entries) {
+  const auto count = static_cast<std::int64_t>(entries);
+  std::int64_t before = run_.planned;
+  do {
+    if (count > run_.bounds.entries - before)
+      return {Outcome::Kind::Refused, 0,
+              Text("Left out, for the transfer has more than %1 entries.", run_.bounds.entries)};
+  } while (!run_.planned.compare_exchange_weak(before, before + count));
+  return {};
 }
 
 Outcome TreePlanner::PlanDownload(const JobBoard::Work& directory, const LocalFolder& above) {
@@ -45,6 +52,8 @@ Outcome TreePlanner::PlanDownload(const JobBoard::Work& directory, const LocalFo
   EntryCollector listing;
   Outcome listed = session_.List(where, listing);
   if (!listed.IsDone()) return listed;
+  if (Outcome target = run_.LookForTarget(); !target.IsDone()) return target;
+  if (Outcome counted = CountEntries(listing.entries.size()); !counted.IsDone()) return counted;
   if (!listed.text.IsEmpty() && listing.tooLong.empty())
     run_.notes.Note(Text("%1: %2", directory.shown, listed.text));
   std::vector<TransferJob> jobs = JobsOf(directory, folder, listing.entries);
@@ -57,7 +66,7 @@ Outcome TreePlanner::PlanDownload(const JobBoard::Work& directory, const LocalFo
 
 Outcome TreePlanner::EnterRemote(const JobBoard::Work& directory, std::string& where) {
   const std::vector<std::string> way = run_.board.Above(directory.id);
-  if (way.size() >= kMaxDepth)
+  if (way.size() >= run_.bounds.depth)
     return {Outcome::Kind::Refused, 0, Text("The directories are nested too deeply.")};
   if (Outcome outcome = session_.Enter(directory.job.remote, where); !outcome.IsDone())
     return outcome;

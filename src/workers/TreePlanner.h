@@ -14,8 +14,6 @@ namespace corvane {
 /// thread, which holds the session's lease.
 class TreePlanner {
  public:
-  static constexpr std::size_t kMaxDepth = 128;
-
   /// The references outlive the object.
   TreePlanner(TransferRun& run, RemoteSession& session) : run_(run), session_(session) {}
 
@@ -29,6 +27,9 @@ class TreePlanner {
   void Complete(const JobBoard::Work& directory, const LocalFolder& itself);
 
  private:
+  /// Takes note of what a folder holds; refused, and not counted, where that is too much in all.
+  [[nodiscard]] Outcome CountEntries(std::size_t entries);
+
   // A download's.
   Outcome PlanDownload(const JobBoard::Work& directory, const LocalFolder& above);
   Outcome EnterRemote(const JobBoard::Work& directory, std::string& where);

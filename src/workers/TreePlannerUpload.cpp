@@ -52,7 +52,7 @@ std::int64_t TimeOf(const fs::directory_entry& entry) {
 Outcome TreePlanner::PlanUpload(const JobBoard::Work& directory) {
   if (!IsSafeLocalName(SplitPath(directory.job.remote).second))
     return Outcome::LocalError(Text("The folder has no name of its own."));
-  if (run_.board.Above(directory.id).size() >= kMaxDepth)
+  if (run_.board.Above(directory.id).size() >= run_.bounds.depth)
     return Outcome::LocalError(Text("The directories are nested too deeply."));
   std::string where;
   std::vector<RemoteEntry> there;
@@ -62,6 +62,7 @@ Outcome TreePlanner::PlanUpload(const JobBoard::Work& directory) {
   if (error) {
     return Outcome::LocalError(Text("Could not read the folder: %1", ErrorText(error.value())));
   }
+  if (Outcome counted = CountEntries(entries.size()); !counted.IsDone()) return counted;
   FreeNames names;
   for (const RemoteEntry& found : there) names.Take(found.name);
   for (const fs::directory_entry& found : entries)

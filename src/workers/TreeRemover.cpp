@@ -26,8 +26,9 @@ void TreeRemover::Refuse(const std::string& path, const Text& why) {
 
 // A loss and a stop are told by themselves.
 void TreeRemover::Note(const std::string& path, const Outcome& outcome) {
-  if (outcome.kind == Outcome::Kind::Lost || outcome.kind == Outcome::Kind::Cancelled) return;
-  Refuse(path, outcome.text.Reason());
+  const bool ends = outcome.kind == Outcome::Kind::Lost || outcome.kind == Outcome::Kind::Cancelled;
+  if (!ends) return Refuse(path, outcome.text.Reason());
+  over_ = true;
 }
 
 bool TreeRemover::RemoveDirectory(const std::string& name) {
@@ -48,7 +49,8 @@ void TreeRemover::DeleteFiles(const std::string& directory, const std::vector<st
   (void)session_.RemoveFiles(paths, [&](std::size_t which, const Outcome& outcome) {
     if (!outcome.IsDone()) Note(paths[which], outcome);
     if (!each(outcome.IsDone())) return false;
-    return which + 1 == paths.size() || owner_.SetStatus(status);
+    if (which + 1 < paths.size() && !owner_.SetStatus(status)) over_ = true;
+    return !over_;
   });
 }
 
@@ -73,12 +75,11 @@ bool TreeRemover::DeleteDirectory(const std::string& path) {
   }
   const Outcome removed = session_.RemoveDirectory(path);
   if (!removed.IsDone()) Note(path, removed);
-  owner_.SetStatus(Text("Dir Deleted."));
+  owner_.SetStatus(removed.IsDone() ? Text("Dir Deleted.") : Text("Deletion Failed."));
   return removed.IsDone();
 }
 
-// False when the directory cannot be removed after it. A refused file does not keep the others; the
-// last entry decides whether the directory's removal is tried.
+// False where anything is left in the directory. What is refused does not keep the others.
 bool TreeRemover::DeleteEntries(const std::string& directory) {
   EntryCollector listing;
   const Outcome listed = session_.List(directory, listing);
@@ -86,43 +87,49 @@ bool TreeRemover::DeleteEntries(const std::string& directory) {
     Note(directory, listed);
     return false;
   }
+  const auto room = static_cast<std::size_t>(bounds_.entries - seen_);
+  const bool tooMany = listing.entries.size() > room;
+  if (tooMany) listing.entries.resize(room);
+  seen_ += static_cast<std::int64_t>(listing.entries.size());
   // What was not understood stands there still.
-  const Text& missing = listed.text;
-  if (!missing.IsEmpty()) Refuse(directory, missing);
-  bool result = true;
+  bool emptied = listed.text.IsEmpty();
+  if (!emptied) Refuse(directory, listed.text);
   const auto end = listing.entries.end();
-  for (auto at = listing.entries.begin(); at != end;) {
+  for (auto at = listing.entries.begin(); at != end && !over_ && !session_.IsLost();) {
     std::vector<std::string> files;
     for (; at != end && IsFileHere(*at); ++at) files.push_back(at->name);
-    if (!files.empty()) {
-      result = false;
-      DeleteFiles(directory, files, Text("Deleting File."),
-                  [&result](bool deleted) { return result = deleted, true; });
+    if (files.empty()) {
+      if (!DeleteEntry(directory, *at++)) emptied = false;
     } else {
-      const RemoteEntry& entry = *at++;
-      result = DeleteEntry(directory, entry);
-      if (!result && entry.kind == Kind::Directory) return false;
+      std::size_t deleted = 0;
+      DeleteFiles(directory, files, Text("Deleting File."),
+                  [&deleted](bool gone) { return deleted += gone ? 1 : 0, true; });
+      if (deleted < files.size()) emptied = false;
     }
-    if (session_.IsLost()) return false;
   }
-  return result && missing.IsEmpty();
+  if (over_ || session_.IsLost()) return false;
+  if (!tooMany) return emptied;
+  Refuse(directory, Text("The deletion stopped here, after %1 entries.", bounds_.entries));
+  over_ = true;
+  return false;
 }
 
 bool TreeRemover::DeleteEntry(const std::string& directory, const RemoteEntry& entry) {
   const std::string path = PathBelow(directory, entry.name);
+  const bool isLink =
+      entry.kind == Kind::Link && (entry.mode.empty() || entry.mode.starts_with('l'));
   if (entry.name.find('/') != std::string::npos) {
     Refuse(path, Text("Left alone, for the name leads elsewhere."));
-    return false;
-  }
-  if (entry.unclear) {
+  } else if (entry.unclear) {
     Refuse(path, Text("Left alone, for the listing does not tell its name."));
-    return false;
+  } else if (entry.kind != Kind::Directory) {
+    Refuse(path, isLink ? Text("Left alone, for it is a link.")
+                        : Text("Left alone, for it is a special file."));
+  } else {
+    if (!owner_.SetStatus(Text("Deleting Directory."))) over_ = true;
+    return !over_ && DeleteDirectory(path);
   }
-  switch (entry.kind) {
-    case Kind::Directory:
-      return owner_.SetStatus(Text("Deleting Directory.")) && DeleteDirectory(path);
-    default: Refuse(path, Text("Left alone, for it is a link.")); return true;
-  }
+  return false;
 }
 
 }  // namespace corvane

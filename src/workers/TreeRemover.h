@@ -8,23 +8,27 @@
 #include "remote/OwnerUi.h"
 #include "remote/RemoteEntry.h"
 #include "workers/Refusals.h"
+#include "workers/TreeBounds.h"
 #include "workers/WayDown.h"
 
 namespace corvane {
 
 class RemoteSession;
 
-/// Deletes entries of a server, directories with all that is in them. Links are deleted where the
-/// user chose them, and never followed. Worker threads; the caller holds the session's lease.
+/// Deletes entries of a server, directories with all that is in them. A directory is removed only
+/// where all in it was. Links are deleted where the user chose them, and never followed: in
+/// directories they are left alone. Worker threads; the caller holds the session's lease.
 class TreeRemover {
  public:
   /// Works in `directory`. What is not deleted goes to `refused`. Nothing is owned.
-  TreeRemover(RemoteSession& session, OwnerUi& owner, Refusals& refused, std::string directory)
+  TreeRemover(RemoteSession& session, OwnerUi& owner, Refusals& refused, std::string directory,
+              TreeBounds bounds = {})
       : session_(session),
         owner_(owner),
         refused_(refused),
         directory_(std::move(directory)),
-        way_(session) {}
+        bounds_(bounds),
+        way_(session, bounds.depth) {}
 
   /// Deletes one directory of the directory; false when it is still there.
   bool RemoveDirectory(const std::string& name);
@@ -46,7 +50,10 @@ class TreeRemover {
   OwnerUi& owner_;
   Refusals& refused_;
   const std::string directory_;
+  const TreeBounds bounds_;
   WayDown way_;
+  std::int64_t seen_ = 0;  // entries of the directories that were listed
+  bool over_ = false;      // nothing more is to be deleted
 };
 
 }  // namespace corvane

@@ -66,7 +66,11 @@ void TreeWalk::Cancel() {
 }
 
 std::int32_t TreeWalk::Execute() {
-  while (KeepLines()) std::this_thread::sleep_for(kLook);
+  while (KeepLines()) {
+    const MutexLock hold(lock_);
+    if (!lines_.empty() || !IsOver())
+      (void)left_.WaitUntil(lock_, std::chrono::steady_clock::now() + kLook);
+  }
   WalkEnd end;
   bool borrowed = false;
   {
@@ -151,6 +155,7 @@ void TreeWalk::Work(const std::shared_ptr<WalkLine>& line) {
   const MutexLock hold(lock_);
   std::erase(lines_, line);
   changed_.NotifyAll();
+  left_.NotifyAll();
 }
 
 bool TreeWalk::Leaves(const WalkLine& line) {
@@ -233,7 +238,7 @@ Outcome TreeWalk::List(RemoteSession& session, const Directory& directory,
   Outcome listed = session.List(where, listing);
   const bool ended = listed.kind == Kind::Lost || listed.kind == Kind::Cancelled;
   if (ended && !listing.full) return listed;
-  if (listing.full) EndAt(Text("It stopped after %1 entries.", limits.entries));
+  if (listing.full) EndAt(Text("It stopped after %1 entries, in %2.", limits.entries, where));
   const auto leadsAway = [](const RemoteEntry& entry) {
     return entry.name.find('/') != std::string::npos;
   };

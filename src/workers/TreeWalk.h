@@ -17,6 +17,7 @@
 #include "workers/MThread.h"
 #include "workers/Refusals.h"
 #include "workers/SessionPool.h"
+#include "workers/TreeBounds.h"
 #include "workers/WalkLine.h"
 #include "workers/WalkUi.h"
 
@@ -38,16 +39,11 @@ class TreeWalk : public MThread {
     std::shared_ptr<OwnerUi> window;         ///< is asked what sessions ask
     int connections = 1;                     ///< so many of the pool at most
   };
-  struct Limits {
-    std::int64_t entries = 1'000'000;  ///< seen
-    std::size_t depth = 128;           ///< levels below where it begins
-  };
-
   TreeWalk(Ways ways, std::shared_ptr<WalkUi> ui);
 
   void Cancel() override;
 
-  Limits limits;  ///< before Run
+  TreeBounds limits;  ///< before Run
 
  protected:
   struct Directory {
@@ -112,6 +108,7 @@ class TreeWalk : public MThread {
   std::atomic<std::int64_t> seen_{0};
   Mutex lock_;
   Condition changed_;
+  Condition left_;  // a line has ended
   std::deque<Unit> waiting_ GUARDED_BY(lock_);
   std::vector<Directory> begin_ GUARDED_BY(lock_);  // what First adds
   std::set<std::string> entered_ GUARDED_BY(lock_);

@@ -6,13 +6,6 @@
 #include "remote/RemoteSession.h"
 
 namespace corvane {
-namespace {
-
-bool IsAtOrAbove(const std::string& path, const std::string& directory) {
-  return directory == path || directory.starts_with(PathBelow(path, ""));
-}
-
-}  // namespace
 
 Outcome WayDown::Enter(const std::string& path, std::string& where) {
   if (paths_.empty()) begin_ = SplitPath(path).first;
@@ -22,14 +15,14 @@ Outcome WayDown::Enter(const std::string& path, std::string& where) {
     return {Outcome::Kind::Refused, 0,
             Text("The server lists a directory inside itself: %1", where)};
   }
-  if (paths_.size() >= kMaxDepth)
+  if (paths_.size() >= depth_)
     return {Outcome::Kind::Refused, 0, Text("The directories are nested too deeply.")};
   paths_.push_back(where);
   return {};
 }
 
 bool WayDown::LeadsElsewhere(const std::string& path, const std::string& where) {
-  return path.starts_with('/') && where.starts_with('/') && WithoutTrailingSlash(path) != where;
+  return where.starts_with('/') && WithoutTrailingSlash(path) != where;
 }
 
 }  // namespace corvane

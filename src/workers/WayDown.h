@@ -14,9 +14,7 @@ class RemoteSession;
 /// that is on the way already, or above where it began, is not entered, nor is one too deep.
 class WayDown {
  public:
-  static constexpr std::size_t kMaxDepth = 128;
-
-  explicit WayDown(RemoteSession& session) : session_(session) {}
+  explicit WayDown(RemoteSession& session, std::size_t depth) : session_(session), depth_(depth) {}
 
   /// Enters a directory; `where` becomes its own path. It is on the way until Leave.
   Outcome Enter(const std::string& path, std::string& where);
@@ -27,6 +25,7 @@ class WayDown {
 
  private:
   RemoteSession& session_;
+  const std::size_t depth_;
   std::string begin_;  // the directory in which the way begins
   std::vector<std::string> paths_;
 };

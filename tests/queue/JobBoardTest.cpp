@@ -88,6 +88,7 @@ TEST(JobBoardTest, StaysNearAndLooksAheadByOne) {
   ASSERT_TRUE(one);
   EXPECT_EQ(board.Chosen().size(), 1U);
   board.Open(*one, "/d0", tree.Holds("/d0"));
+  board.PutBack(one->id);  // one that is open stays so
   EXPECT_EQ(board.Ready(), 6);
   const auto file = board.Take(one->id);
   ASSERT_TRUE(file);

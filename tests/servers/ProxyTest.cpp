@@ -73,7 +73,7 @@ TEST(ProxyTest, CarriesASessionOrSaysWhyNot) {
       for (const auto& [host, way, why] : rows) {
         Session s;
         MFtp engine({.host = host, .port = unheard.localAddress().port(), .proxy = way}, s.ui);
-        if (why == noSuch) engine.SetSilenceLimit(500);
+        if (why == noSuch) engine.SetWaits(Waits::All(500));
         EXPECT_EQ(Told(engine.Connect()), "Lost: Connection to:  " + host + " FAILED!\n\n" + why);
       }
     }

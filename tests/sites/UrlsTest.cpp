@@ -89,7 +89,7 @@ TEST(Url, IsReadAndWrittenInOneWay) {
     const auto url = Url::ReadAddress(text);
     EXPECT_EQ(url ? Describe(SiteOf(*url)) : "", site) << text;
   }
-  for (const char* bad : {"", " ", "h:port", "h:0", "http://h", "ftp://", "x:y:z"})
+  for (const char* bad : {"", " ", "h:port", "h:0", "http://h", "ftp://", "x:y:z", "a\nb"})
     EXPECT_FALSE(Url::ReadAddress(bad)) << bad;
   EXPECT_TRUE(Url::IsMeant(" Ftp://h:0") && Url::IsMeant("ftpes://"));
   EXPECT_FALSE(Url::IsMeant("ftp:/"));

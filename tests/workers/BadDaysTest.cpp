@@ -195,6 +195,29 @@ TEST(BadDays, ATargetThatGoesEndsTheRow) {
   }
 }
 
+// Likewise while a folder is looked through, whatever that holds.
+TEST(BadDays, ATargetThatGoesWhileATreeIsListedEndsTheRow) {
+  for (const std::vector<std::string>& files :
+       {std::vector<std::string>(), std::vector<std::string>{"d/a", "d/s/b"}}) {
+    Job job;
+    const fs::path folder = job.folder.Path() / "in";
+    const fs::path away = job.folder.Path() / "away";
+    fs::create_directory(folder);
+    job.description.targetFolder = folder;
+    job.server.Tree().AddDirectory("/pub/d");
+    for (const std::string& file : files) job.server.Tree().AddFile("/pub/" + file, "good");
+    job.Fetch("d", RemoteEntry::Kind::Directory, -1);
+    job.server.On("LIST", {.arrived = [&] { fs::rename(folder, away); }}, 1);
+    EXPECT_EQ(job.Run(), TransferEnd::Failed);
+    EXPECT_EQ(job.row->Seen().why, "The folder " + folder.string() + " is not there any more.");
+    fs::rename(away, folder);
+    job.row = std::make_shared<RecordingTransferUi>();
+    ASSERT_EQ(job.Run(), TransferEnd::Finished) << job.row->Seen().why;
+    EXPECT_TRUE(fs::is_directory(folder / "d") && job.board->AllEnded());
+    for (const std::string& file : files) EXPECT_EQ(Contents(folder / file), "good");
+  }
+}
+
 // A server that takes one connection: the row that it turns away waits for the other one.
 TEST(BadDays, OneConnectionIsEnoughForTwoRows) {
   Job job;

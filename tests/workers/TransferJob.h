@@ -39,6 +39,7 @@ struct Job {
   transferStruct description;
   long silence = 10'000;  ///< of the server, in milliseconds
   Policy policy = Policy::CreateNew;
+  TreeBounds bounds;
   std::shared_ptr<FileTransfer> worker;
 
   explicit Job(bool passive = true, bool shared = false) {
@@ -50,13 +51,13 @@ struct Job {
     pool = std::make_shared<SessionPool>(
         [this](const Site& site, std::shared_ptr<OwnerUi> owner, std::shared_ptr<Habits> habits) {
           auto made = std::make_shared<MFtp>(site, std::move(owner), nullptr, std::move(habits));
-          made->SetSilenceLimit(silence);
+          made->SetWaits(Waits::All(silence));
           return made;
         });
     if (!shared) return;
     browser = std::make_shared<RecordingBrowserUi>();
     session = std::make_shared<MFtp>(description.site, browser);
-    session->SetSilenceLimit(silence);
+    session->SetWaits(Waits::All(silence));
     EXPECT_TRUE(session->Connect().IsDone());
     std::string where;
     EXPECT_TRUE(session->Enter("/pub", where).IsDone());
@@ -80,6 +81,7 @@ struct Job {
         browser ? std::make_shared<FileTransfer>(row, description, board, session, browser, nullptr)
                 : std::make_shared<FileTransfer>(row, description, board, pool, nullptr);
     worker->stallLimit = limit;
+    worker->bounds = bounds;
     worker->checkLimit = std::chrono::milliseconds(300);
     worker->Run();
   }

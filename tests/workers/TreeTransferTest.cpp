@@ -141,6 +141,19 @@ TEST(TreeTransfer, EndsInATreeWithoutEnd) {
   EXPECT_EQ(std::distance(all, fs::recursive_directory_iterator()), 128);
 }
 
+// A folder that holds too much is left out whole, and leaves its share to others.
+TEST(TreeTransfer, LeavesOutWhatIsTooMuch) {
+  Job job;
+  job.bounds.entries = 4;
+  for (const char* path : {"large/1", "large/2", "large/3", "small/1", "small/2"})
+    job.server.Tree().AddFile(std::string("/pub/d/") + path, "good");
+  job.Fetch("d", RemoteEntry::Kind::Directory);
+  EXPECT_EQ(job.Run(), TransferEnd::Failed);
+  EXPECT_EQ(job.Notes(), "d/large: Left out, for the transfer has more than 4 entries.\n");
+  EXPECT_EQ(Contents(job.folder.Path() / "d/small/2"), "good");
+  EXPECT_TRUE(fs::is_empty(job.folder.Path() / "d/large"));
+}
+
 TEST(TreeTransfer, GoesOnAfterARefusal) {
   const std::tuple<const char*, const char*, const char*> cases[] = {
       {"LIST", "553 No\r\n", "d: No\n"},

@@ -237,7 +237,7 @@ TEST_F(Walk, StopsWhereItIsBounded) {
   finder = Finder();
   finder->limits.entries = 20;
   Run(*finder);
-  EXPECT_EQ(notes->end.bound.English(), "It stopped after 20 entries.");
+  EXPECT_EQ(notes->end.bound.English(), "It stopped after 20 entries, in /d/e.");
   finder = Finder();
   finder->limits.depth = 1;
   Run(*finder);

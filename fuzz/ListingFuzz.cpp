@@ -1,9 +1,7 @@
 // Whatever a server lists, and in whatever pieces it comes: the text and the entries are the same,
 // no line beyond the bound is kept, parsing ends, and every name stands as it is in one line.
-#include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 
+#include "Fuzz.h"
 #include "ftp/ListingParser.h"
 #include "ftp/ListingText.h"
 
@@ -21,10 +19,6 @@ void Fill(ListingText& text, std::string_view bytes, std::uint8_t seed) {
     bytes.remove_prefix(count);
     length = length * 5 + 3;
   }
-}
-
-void Check(bool holds) {
-  if (!holds) std::abort();
 }
 
 }  // namespace
@@ -55,6 +49,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Check(!entry.unclear || entry.kind == RemoteEntry::Kind::Link);
   }
   const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
-  Check(parser.Known() + parser.Strange() <= lines && parser.TooLong() <= parser.Known());
+  Check(parser.Known() + parser.Strange() <= lines && parser.TooLong().size() <= parser.Known());
   return 0;
 }

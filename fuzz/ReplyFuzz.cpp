@@ -1,4 +1,6 @@
-// Whatever a server says, in whatever pieces: reading ends, and every reply is made of whole lines.
+// Whatever a server says, in whatever pieces: reading ends, every reply is made of whole lines, and
+// the replies are the same as those of the bytes in one piece. The first byte says how long the
+// pieces are.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -9,11 +11,15 @@
 
 namespace {
 
-class Pieces final : public corvane::Stream {
+using namespace corvane;
+
+class Pieces final : public Stream {
  public:
-  Pieces(std::string_view bytes, std::size_t most) : bytes_(bytes), most_(most) {}
+  Pieces(std::string_view bytes, std::size_t seed) : bytes_(bytes), seed_(seed) {}
   std::size_t read(std::span<char> buffer) override {
-    const std::size_t count = bytes_.copy(buffer.data(), std::min(most_, buffer.size()));
+    const std::size_t most = seed_ == 0 ? buffer.size() : seed_ % 31 + 1;
+    seed_ = seed_ == 0 ? 0 : seed_ * 5 + 3;
+    const std::size_t count = bytes_.copy(buffer.data(), std::min(most, buffer.size()));
     bytes_.remove_prefix(count);
     return count;
   }
@@ -24,25 +30,40 @@ class Pieces final : public corvane::Stream {
 
  private:
   std::string_view bytes_;
-  std::size_t most_;
+  std::size_t seed_;
 };
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace corvane;
-  Pieces stream({reinterpret_cast<const char*>(data), size}, size == 0 ? 1 : data[0] + 1U);
+// With `unasked` every other reply is read as one that nobody asked for.
+std::vector<Reply> Read(std::string_view bytes, std::size_t seed, bool unasked) {
+  Pieces stream(bytes, seed);
   const std::atomic<bool> interrupted = false;
   ReplyReader reader(stream, interrupted);
+  std::vector<Reply> replies;
   try {
-    for (bool unasked = false;; unasked = !unasked) {
-      const auto reply = unasked ? reader.ReadUnasked([](auto) {}) : reader.Read([](auto) {});
+    for (std::size_t i = 0;; ++i) {
+      const auto reply =
+          unasked && i % 2 != 0 ? reader.ReadUnasked([](auto) {}) : reader.Read([](auto) {});
       if (!reply || reply->code < 0 || reply->code > 999) std::abort();
       if (!reply->text.ends_with(reply->lastText) || reply->text.find('\r') != std::string::npos)
         std::abort();
+      replies.push_back(*reply);
     }
   } catch (const FtpFailure& failure) {
     if (failure.outcome.IsDone()) std::abort();
   }
+  return replies;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
+  (void)Read(bytes, data[0], true);
+  const auto same = [](const Reply& one, const Reply& other) {
+    return one.code == other.code && one.text == other.text && one.lastText == other.lastText;
+  };
+  const std::vector<Reply> whole = Read(bytes, 0, false);
+  if (!std::ranges::equal(whole, Read(bytes, data[0] + 1U, false), same)) std::abort();
   return 0;
 }

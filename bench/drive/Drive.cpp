@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -213,6 +214,8 @@ bool Run(const Options& options) {
 }  // namespace corvane::drive
 
 int main(int argc, char** argv) {
+  // A file beyond the limit that the system sets is a write that fails.
+  std::signal(SIGXFSZ, [](int /*signal*/) {});
   std::string problem;
   const auto options = corvane::drive::Read({argv + 1, argv + argc}, problem);
   if (!options) {

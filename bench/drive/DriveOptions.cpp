@@ -74,7 +74,7 @@ std::string SetTries(Options& options, const std::string& value) {
 std::string SetSilence(Options& options, const std::string& value) {
   const auto number = Number(value);
   if (!number) return "is no number of milliseconds";
-  options.silence = static_cast<long>(*number);
+  options.waits = Waits::All(static_cast<long>(*number));
   return "";
 }
 

@@ -7,6 +7,7 @@
 
 #include "queue/transferStruct.h"
 #include "remote/Site.h"
+#include "remote/Waits.h"
 
 namespace corvane::drive {
 
@@ -33,7 +34,7 @@ struct Options {
   std::optional<std::chrono::milliseconds> cancelAfter;
   std::int64_t limit = 0;  ///< bytes a second; 0 for none
   int tries = 0;           ///< after a failure that may pass
-  long silence = 0;        ///< how long a silent server is waited for, in ms; 0 as long as usual
+  Waits waits;             ///< for a silent server
   bool json = false;
   bool trustsAny = false;  ///< every certificate is taken
   bool quiet = false;      ///< what is noted of entries is not shown

@@ -12,11 +12,11 @@ using Clock = std::chrono::steady_clock;
 DriveQueue::DriveQueue(const Options& options, std::shared_ptr<QueueJournal> journal)
     : options_(options),
       journal_(std::move(journal)),
-      pool_(std::make_shared<SessionPool>([silence = options.silence](
-                                              const Site& site, std::shared_ptr<OwnerUi> owner,
-                                              std::shared_ptr<Habits> habits) {
+      pool_(std::make_shared<SessionPool>([waits = options.waits](const Site& site,
+                                                                  std::shared_ptr<OwnerUi> owner,
+                                                                  std::shared_ptr<Habits> habits) {
         auto session = std::make_shared<MFtp>(site, std::move(owner), nullptr, std::move(habits));
-        if (silence > 0) session->SetSilenceLimit(silence);
+        session->SetWaits(waits);
         return session;
       })),
       queue_({.start = [this](RowId id) { Start(id); }, .stop = [this](RowId id) { Stop(id); }},

@@ -22,9 +22,10 @@ const std::vector<Fault>& Faults() {
       {"421, and stays", {.reply = "421 Too many connections.\r\n"}},
       {"4yz", {.reply = "450 Not now.\r\n"}},
       {"5yz", {.reply = "550 No.\r\n"}},
-      {"wrong code", {.reply = "350 Odd.\r\n"}},
+      {"wrong code", {.reply = "220 Odd.\r\n"}},
       {"two replies", {.after = "200 And this.\r\n"}},
       {"stale reply", {.before = "226 Of long ago.\r\n"}},
+      {"stale reply, then no", {.reply = "550 No.\r\n", .before = "226 Of long ago.\r\n"}},
       {"garbage", {.reply = "\x16\x03\x01 what\r\n"}},
       {"endless line", {.endless = "x"}},
       {"endless reply", {.endless = "220-" + std::string(500, 'x') + "\r\n"}},
@@ -51,9 +52,7 @@ const std::vector<Fault>& Faults() {
 
 ScriptedAction ActionOf(const Fault& fault, const std::string& verb) {
   ScriptedAction action = fault.action;
-  constexpr std::string_view kHas350 = "RNFR REST PASS USER";
-  if (action.reply == "350 Odd.\r\n" && kHas350.find(verb) != std::string_view::npos)
-    action.reply = "299 Odd.\r\n";
+  if (action.reply == "220 Odd.\r\n" && verb == "greeting") action.reply = "331 Odd.\r\n";
   return action;
 }
 

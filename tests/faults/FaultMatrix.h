@@ -7,12 +7,19 @@
 #include <vector>
 
 #include "queue/TransferJob.h"
+#include "remote/Waits.h"
 #include "support/ScriptedServer.h"
 
 namespace corvane {
 
 /// How long a silent server is waited for, in milliseconds.
 inline constexpr long kSilence = 400;
+
+/// A handshake takes its time where many sessions share a processor.
+inline constexpr Waits kWaits = {kSilence, 5 * kSilence, kSilence, kSilence};
+
+/// How much longer than usual everything takes under the sanitizer of the build.
+inline constexpr int kSlower = CORVANE_SLOWER;
 
 /// What goes wrong when a command has come, or what the user does then.
 struct Fault {
@@ -30,6 +37,11 @@ struct Request {
   std::uint32_t what;
   std::vector<std::pair<const char*, std::string>> fields;
   std::string there;  ///< stands on the server once it is done; with "!" ahead, does not
+};
+
+/// Permissions and the time of "/d" and of what it holds are changed, by a walk.
+struct Rights {
+  const char* name = "changes rights";
 };
 
 /// Something that the queue carries out, between "/d" or "/up" on the server and "target" here.
@@ -57,6 +69,7 @@ struct Cell {
 /// Each carries out one cell, checks that it ends well, and returns the verbs that were sent.
 std::vector<std::string> Try(const Request& request, const Cell& cell);
 std::vector<std::string> Try(const Errand& errand, const Cell& cell);
+std::vector<std::string> Try(const Rights& rights, const Cell& cell);
 
 /// A server with the files of every cell.
 class FaultServer : public ScriptedServer {

@@ -88,6 +88,8 @@ void RunAll(const std::vector<std::function<void()>>& tasks) {
 TEST(FaultMatrix, RequestsEndWellOrSayWhy) {
   std::vector<std::function<void()>> tasks;
   for (const Request& request : kRequests) Collect(request, request.what == "CNNT"_what, tasks);
+  const Rights rights;
+  Collect(rights, false, tasks);
   RunAll(tasks);
 }
 

@@ -20,7 +20,7 @@ class Browser {
   explicit Browser(const Cell& cell) : server(cell) {
     ui->answer = UserQuestion::Answer::Once;
     auto session = std::make_shared<MFtp>(server.site, ui);
-    session->SetSilenceLimit(kSilence);
+    session->SetWaits(kWaits);
     looper = std::make_shared<ControlLooper>(server.site, std::move(session), ui);
     looper->Run();
   }
@@ -41,27 +41,32 @@ class Browser {
   /// Whether all requests are over soon.
   [[nodiscard]] bool IsOver() const {
     const auto isDone = [](const Message& message) { return message.what == "DONE"_what; };
-    return WaitFor([&] { return std::ranges::count_if(ui->Seen().messages, isDone) == asked; },
-                   2s + std::chrono::milliseconds(4 * kSilence));
+    const auto all = [&](const BrowserRecord& seen) {
+      return std::ranges::count_if(seen.messages, isDone) == asked;
+    };
+    return WaitFor([&] { return ui->Look(all); }, kSlower * 2s + std::chrono::milliseconds(4 * kSilence));
   }
   /// How many messages tell of a trouble, the connection's loss or what was stopped.
   [[nodiscard]] std::ptrdiff_t Troubles() const {
-    return std::ranges::count_if(ui->Seen().messages, [](const Message& message) {
+    const auto tells = [](const Message& message) {
       return message.what == "GERR"_what || message.what == "FERR"_what ||
              message.what == "LOST"_what || message.FindBool("stopped").value_or(false);
-    });
+    };
+    return ui->Look(
+        [&](const BrowserRecord& seen) { return std::ranges::count_if(seen.messages, tells); });
   }
   /// Whether the window shows a directory as it is.
   [[nodiscard]] bool Shows(const std::string& path) {
-    const BrowserRecord seen = ui->Seen();
     std::vector<std::string> there;
     for (const auto& [entry, text] : server.Tree().Everything()) {
       const std::filesystem::path at(entry);
       if (entry != "/" && at.parent_path() == path) there.push_back(at.filename().string());
     }
-    std::vector<std::string> shown = seen.Names();
-    std::ranges::sort(shown);
-    return seen.whole && seen.path == path && shown == there;
+    return ui->Look([&](const BrowserRecord& seen) {
+      std::vector<std::string> shown = seen.Names();
+      std::ranges::sort(shown);
+      return seen.whole && seen.path == path && shown == there;
+    });
   }
   /// Whether the looper ends soon.
   bool Close() {
@@ -69,7 +74,7 @@ class Browser {
     ui->closing = true;
     looper->Quit();
     const std::weak_ptr<ControlLooper> last = std::exchange(looper, nullptr);
-    return WaitFor([&] { return last.expired(); }, 2s);
+    return WaitFor([&] { return last.expired(); }, kSlower * 2s);
   }
 
   FaultServer server;
@@ -91,8 +96,9 @@ void GoOn(Browser& browser) {
   browser.Post("PCHN"_what, {{"path", "/"}, {"cwd", path}});
   EXPECT_TRUE(browser.IsOver()) << "the next request\n" << browser.server.Dialogue();
   const auto told = [&] {
-    return browser.Troubles() > troubles ||
-           browser.ui->Seen().statuses.back() == "Stopped before the listing came.";
+    return browser.Troubles() > troubles || browser.ui->Look([](const BrowserRecord& seen) {
+      return seen.statuses.back() == "Stopped before the listing came.";
+    });
   };
   EXPECT_TRUE(WaitFor([&] { return browser.Shows(path) || told(); }))
       << "shows too little, and does not say so\n"

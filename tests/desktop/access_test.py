@@ -242,7 +242,10 @@ class AccessTest(unittest.TestCase):
                   "text Proxy Port", "text Proxy Username", "password text Proxy Password", *ENDS,
                   "page tab list Proxy")
         self.press("alt+e")
-        self.look("Preferences", "check box Keep idle connections open", *ENDS, "page tab list Connections")
+        self.look("Preferences", "check box Keep idle connections open",
+                  "spin button Connecting to an address", "spin button Beginning the encryption",
+                  "spin button A reply of the server", "spin button The next data", *ENDS,
+                  "page tab list Connections")
         self.press("alt+a")
         self.look("Preferences", *QUEUE, *ENDS, "page tab list Transfers")
         self.press("alt+y")

@@ -90,9 +90,10 @@ void Settle(MWindow& window, TransferPlan plan, bool download, ExistingEntries::
 }  // namespace
 
 std::optional<Policy> ExistingEntries::Preset() {
-  const auto preset = static_cast<Policy>(ProcessSettings::Get().existing);
-  if (preset < Policy::Replace || preset > Policy::KeepBoth) return std::nullopt;
-  return preset;
+  const std::int32_t preset = ProcessSettings::Get().existing;
+  const auto number = [](Policy policy) { return static_cast<std::int32_t>(policy); };
+  if (preset < number(Policy::Replace) || preset > number(Policy::KeepBoth)) return std::nullopt;
+  return static_cast<Policy>(preset);
 }
 
 void ExistingEntries::SettleDownload(MWindow& window, TransferPlan plan, Then then) {

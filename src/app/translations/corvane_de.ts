@@ -1277,10 +1277,6 @@ Benutzername oder Passwort ist ungültig.</translation>
         <translation>Der Eintrag steht für alle Server und nennt keinen.</translation>
     </message>
     <message>
-        <source>It stopped after %1 entries.</source>
-        <translation>Nach %1 Einträgen wurde aufgehört.</translation>
-    </message>
-    <message>
         <source>It stopped after %1 were found.</source>
         <translation>Nach %1 Funden wurde aufgehört.</translation>
     </message>
@@ -2001,16 +1997,52 @@ Benutzername oder Passwort ist ungültig.</translation>
         <translation>Die Namen von Ordnern in dieser Datei sind zu lang.</translation>
     </message>
     <message>
-        <source>The server asks for an account, which Corvane does not send.</source>
-        <translation>Der Server verlangt ein Konto (ACCT), das Corvane nicht sendet.</translation>
-    </message>
-    <message>
-        <source>The server asks for an account, which Corvane does not send: %1</source>
-        <translation>Der Server verlangt ein Konto (ACCT), das Corvane nicht sendet: %1</translation>
-    </message>
-    <message>
         <source>The server is out of step</source>
         <translation>Die Antworten des Servers passen nicht zu dem, was gefragt wurde</translation>
+    </message>
+    <message>
+        <source>It stopped after %1 entries, in %2.</source>
+        <translation>Angehalten nach %1 Einträgen, in %2.</translation>
+    </message>
+    <message>
+        <source>Left alone, for it is a special file.</source>
+        <translation>Nicht angerührt, denn es ist eine besondere Datei.</translation>
+    </message>
+    <message>
+        <source>Left out, for the transfer has more than %1 entries.</source>
+        <translation>Ausgelassen, denn die Übertragung hat mehr als %1 Einträge.</translation>
+    </message>
+    <message>
+        <source>The deletion stopped here, after %1 entries.</source>
+        <translation>Das Löschen hat hier nach %1 Einträgen angehalten.</translation>
+    </message>
+    <message>
+        <source>The server is out of step; its reply does not belong to what it was asked: %1</source>
+        <translation>Der Server ist aus dem Tritt; seine Antwort gehört nicht zu dem, was er gefragt wurde: %1</translation>
+    </message>
+    <message>
+        <source>The server said that it has the file before all of it was sent.</source>
+        <translation>Der Server hat gesagt, er habe die Datei, bevor sie ganz gesendet war.</translation>
+    </message>
+    <message>
+        <source>The server says again and again that it will be ready later: %1</source>
+        <translation>Der Server sagt immer wieder, dass er später bereit sein wird: %1</translation>
+    </message>
+    <message>
+        <source>The server takes no more connections at the moment: %1</source>
+        <translation>Der Server nimmt gerade keine weiteren Verbindungen an: %1</translation>
+    </message>
+    <message>
+        <source>The server asks for an account in addition to the password.</source>
+        <translation>Der Server verlangt zusätzlich zum Passwort ein Konto.</translation>
+    </message>
+    <message>
+        <source>The server asks for an account in addition to the password: %1</source>
+        <translation>Der Server verlangt zusätzlich zum Passwort ein Konto: %1</translation>
+    </message>
+    <message>
+        <source>The server says that this is all, and keeps the data connection open.</source>
+        <translation>Der Server sagt, dass dies alles ist, und lässt die Datenverbindung offen.</translation>
     </message>
 </context>
 <context>
@@ -5090,6 +5122,30 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
         <source>&amp;Program for Text:</source>
         <translation>Progra&amp;mm für Text:</translation>
     </message>
+    <message>
+        <source>Without end</source>
+        <translation>Ohne Ende</translation>
+    </message>
+    <message>
+        <source>Co&amp;nnecting to an address:</source>
+        <translation>Verbi&amp;ndung zu einer Adresse:</translation>
+    </message>
+    <message>
+        <source>Wait at most for</source>
+        <translation>Höchstens warten auf</translation>
+    </message>
+    <message>
+        <source>&amp;Beginning the encryption:</source>
+        <translation>&amp;Beginn der Verschlüsselung:</translation>
+    </message>
+    <message>
+        <source>A reply of the ser&amp;ver:</source>
+        <translation>Ant&amp;wort des Servers:</translation>
+    </message>
+    <message>
+        <source>The next &amp;data:</source>
+        <translation>Die nächsten &amp;Daten:</translation>
+    </message>
 </context>
 <context>
     <name>corvane::PropertiesWindow</name>
@@ -5318,6 +5374,26 @@ Gleichnamige Dateien darin werden durch die vom Server ersetzt.</translation>
     <message>
         <source>&amp;Send Unencrypted</source>
         <translation>Unverschlüsselt &amp;senden</translation>
+    </message>
+    <message>
+        <source>Account – %1</source>
+        <translation>Konto – %1</translation>
+    </message>
+    <message>
+        <source>%1 asks for an account.</source>
+        <translation>%1 verlangt ein Konto.</translation>
+    </message>
+    <message>
+        <source>&amp;Account:</source>
+        <translation>&amp;Konto:</translation>
+    </message>
+    <message>
+        <source>&amp;Log In</source>
+        <translation>Anm&amp;elden</translation>
+    </message>
+    <message>
+        <source>It wants one in addition to the password of %1. Its administrator can tell you what to enter.</source>
+        <translation>Es wird zusätzlich zum Passwort von %1 verlangt. Wer den Server verwaltet, kann Ihnen sagen, was einzutragen ist.</translation>
     </message>
 </context>
 <context>

@@ -44,7 +44,8 @@ class Browser {
     const auto all = [&](const BrowserRecord& seen) {
       return std::ranges::count_if(seen.messages, isDone) == asked;
     };
-    return WaitFor([&] { return ui->Look(all); }, kSlower * 2s + std::chrono::milliseconds(4 * kSilence));
+    return WaitFor([&] { return ui->Look(all); },
+                   kSlower * 2s + std::chrono::milliseconds(4 * kSilence));
   }
   /// How many messages tell of a trouble, the connection's loss or what was stopped.
   [[nodiscard]] std::ptrdiff_t Troubles() const {
